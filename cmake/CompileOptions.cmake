@@ -1,0 +1,13 @@
+# Warnings and sanitizers for every target of ours; a target links soca_options privately.
+add_library(soca_options INTERFACE)
+target_compile_options(
+  soca_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion
+                         -Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual
+                         # Calls inside the shared library need no detour through its symbol table.
+                         -fno-semantic-interposition)
+
+if(SOCA_SANITIZE)
+  # For all targets alike: a sanitized library and a plain one do not mix.
+  add_compile_options(-fsanitize=${SOCA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${SOCA_SANITIZE})
+endif()

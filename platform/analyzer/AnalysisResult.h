@@ -1,0 +1,47 @@
+// What the analyzer knows of one file: its text, its syntax tree and its syntax errors.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "platform/analyzer/Ast.h"
+#include "platform/analyzer/Diagnostic.h"
+#include "platform/text/UString.h"
+
+namespace ca {
+
+// A handle of the class definition; null when the file holds no class.
+using ClassdefHandle = const astapi::Classdef*;
+
+// Owns the text and all nodes, which live as long as it does. Read-only, and may be shared by
+// threads. A position is the index of a UTF-16 code unit in the text.
+class AnalysisResult {
+ public:
+  virtual bool hasSyntaxError() const = 0;
+  // One-based line in the low half, one-based column in the high half; the column counts UTF-16
+  // code units. The position just behind the text is allowed.
+  virtual std::uint64_t getLineAndColumn(std::uint32_t position) const = 0;
+  // The file's text, exactly, whatever the flag.
+  virtual fl::ustring getSourceText(bool canonical) const = 0;
+  // The text of the subtree under the node, exactly, whatever the flag.
+  virtual fl::ustring getNodeText(const astapi::Node& node, bool canonical) const = 0;
+  // The exact text of the subtree; with the root node the whole file.
+  virtual fl::ustring getSubtreeText(const astapi::Node& node) const = 0;
+  virtual const astapi::Node* getRootNode() const = 0;
+  virtual ClassdefHandle getClassdef() const = 0;
+
+  // The texts of the two above without a copy, valid as long as the result.
+  virtual fl::ustring_view sourceTextView() const = 0;
+  virtual fl::ustring_view nodeTextView(const astapi::Node& node) const = 0;
+  // The syntax errors, in the order of the text.
+  virtual const std::vector<Diagnostic>& diagnostics() const = 0;
+
+  virtual ~AnalysisResult() = default;
+
+ protected:
+  AnalysisResult() = default;
+  AnalysisResult(const AnalysisResult&) = delete;
+  AnalysisResult& operator=(const AnalysisResult&) = delete;
+};
+
+}  // namespace ca

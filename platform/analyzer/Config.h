@@ -1,0 +1,30 @@
+// The analyzer's settings. It has no others than those of the factory.
+#pragma once
+
+#include <memory>
+#include <utility>
+
+namespace ca {
+
+class CodeGenerationSupport {};
+
+namespace config {
+
+// Where settings come from.
+class ConfigSource {
+ public:
+  virtual ~ConfigSource() = default;
+};
+
+class FactoryConfigSource : public ConfigSource {};
+
+class Config {
+ public:
+  explicit Config(std::shared_ptr<ConfigSource> source) : source_(std::move(source)) {}
+
+ private:
+  std::shared_ptr<ConfigSource> source_;
+};
+
+}  // namespace config
+}  // namespace ca

@@ -1,0 +1,56 @@
+// The class runtime's descriptions of System object classes and of their properties.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/runtime/ClassDescription.h"
+#include "platform/runtime/InternedId.h"
+
+namespace sotarn {
+
+class MetaProperty {
+ public:
+  // Whether the file of the class declares a companion that holds the property's set.
+  bool isConstrainedSetTarget() const;
+  // The empty record for a property that is no target.
+  ConstrainedSetInfo getConstrainedSetInfo() const;
+  // Whether the class or one that it derives from declares the property as abstract.
+  bool isAbstractInAnyClass() const;
+  // Whether the nearest declaration of the property is a dependent one.
+  bool isDependent() const;
+
+ private:
+  friend class MetaClass;
+  MetaProperty(std::shared_ptr<const ClassDescription> owner, std::string name)
+      : owner_(std::move(owner)), name_(std::move(name)) {}
+
+  std::shared_ptr<const ClassDescription> owner_;
+  std::string name_;
+};
+
+// A default-constructed description belongs to no class and has nothing to tell.
+class MetaClass {
+ public:
+  MetaClass() = default;
+
+  static MetaClass fromID(const tarn::InternedId& id);
+
+  std::string getName() const;
+  // The declared superclasses of a System object in their order, less the environment's own
+  // classes; empty for any other class. Classes that can't be found are listed.
+  std::vector<MetaClass> getSuperClasses() const;
+  MetaProperty getProperty(const std::string& name) const;
+  // Whether the class or one that it derives from has the class attribute StrictDefaults.
+  bool isStrictDefaultsClass() const;
+  // Whether a class that this one derives from, other than itself and the environment's, defines
+  // the method in a methods block.
+  bool isMethodDefinedInSuperClass(const std::string& name) const;
+
+ private:
+  std::string name_;
+  std::shared_ptr<const ClassDescription> description_;
+};
+
+}  // namespace sotarn

@@ -1,0 +1,52 @@
+// What an update does to each class, told action by action: for clients in this process that name
+// lines, count conversions, or print edits.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "model/Extent.h"
+#include "model/SourcePosition.h"
+#include "platform/analyzer/AnalysisResult.h"
+#include "platform/text/UString.h"
+#include "soca/Updater.h"
+
+namespace soca {
+
+enum class RuleFamilyType { attributes, mixins, impl };
+
+// One replacement. The extent is that of the action as it stands; the edit engine may take a
+// delimiter behind it too, as `delimiterFlags` say.
+struct PlannedEdit {
+  Extent extent;
+  fl::ustring text;
+  std::uint64_t delimiterFlags = 0;
+};
+
+// One action of the action report: a single edit, or a group of edits that belong together.
+struct PlannedAction {
+  RuleFamilyType family = RuleFamilyType::attributes;
+  bool isGroup = false;
+  Extent extent;
+  std::vector<PlannedEdit> edits;
+};
+
+struct PlannedClass {
+  // As `Updater::update` returns it.
+  UpdateResult result;
+  // The class's file as it was analysed, with the text before the update.
+  std::shared_ptr<ca::AnalysisResult> analysis;
+  // In the order in which they are applied.
+  std::vector<PlannedAction> actions;
+  // Where the edit engine would look for a delimiter and find something else, which would end the
+  // process. The update of such a class stops in front of that edit: its `result` has the old text,
+  // and `updated` is false.
+  std::optional<SourcePosition> missingDelimiter;
+};
+
+// The classes of the same call of `Updater::update`, with the same results, and what it throws.
+std::vector<PlannedClass> planUpdate(const fl::ustring& className, const UpdateMask& mask,
+                                     bool includeSuperclasses);
+
+}  // namespace soca
