@@ -3,6 +3,8 @@ add_library(soca_options INTERFACE)
 target_compile_options(
   soca_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion
                          -Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual
+                         # Who names fields leaves the others to their defaults on purpose.
+                         -Wno-missing-field-initializers
                          # Calls inside the shared library need no detour through its symbol table.
                          -fno-semantic-interposition)
 

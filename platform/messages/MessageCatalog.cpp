@@ -1,0 +1,77 @@
+#include "platform/messages/MessageCatalog.h"
+
+#include <cstddef>
+#include <string>
+#include <variant>
+
+#include "platform/messages/MessageExplanations.h"
+#include "platform/messages/MessageListener.h"
+#include "platform/text/Conversions.h"
+
+namespace fl::i18n {
+namespace {
+
+using resource_core::BaseMsgID;
+
+const MessageExplanation* findEntry(const BaseMsgID& message) {
+  for (const MessageExplanation& entry : messageExplanations()) {
+    if (entry.id == message.id && entry.catalog == message.catalog) return &entry;
+  }
+  return nullptr;
+}
+
+struct ArgumentText {
+  ustring operator()(long number) const { return to_ustring(std::to_string(number)); }
+  ustring operator()(const std::string& text) const { return to_ustring(text); }
+  ustring operator()(const ustring& text) const { return text; }
+};
+
+// Whether `{digit}` stands at `index`, for an argument that is there.
+bool isPlaceholder(ustring_view pattern, std::size_t index, std::size_t argumentCount) {
+  if (index + 2 >= pattern.size() || pattern[index] != u'{' || pattern[index + 2] != u'}') {
+    return false;
+  }
+  const char16_t digit = pattern[index + 1];
+  return digit >= u'0' && digit <= u'9' && static_cast<std::size_t>(digit - u'0') < argumentCount;
+}
+
+// Fills the placeholders in one pass: what looks like one inside an argument stays.
+ustring fillIn(ustring_view pattern, const BaseMsgID& message) {
+  ustring text;
+  for (std::size_t i = 0; i < pattern.size(); ++i) {
+    if (!isPlaceholder(pattern, i, message.arguments.size())) {
+      text += pattern[i];
+      continue;
+    }
+    text += std::visit(ArgumentText(), message.arguments[pattern[i + 1] - u'0']);
+    i += 2;
+  }
+  return text;
+}
+
+// All that there is to say about a message that has no text.
+ustring makeTextWithoutEntry(const BaseMsgID& message) {
+  ustring text = u"Message '" + to_ustring(message.catalog + ":" + message.id) + u"'";
+  const char16_t* separator = u": ";
+  for (const auto& argument : message.arguments) {
+    text += separator + std::visit(ArgumentText(), argument);
+    separator = u", ";
+  }
+  return text;
+}
+
+}  // namespace
+
+ustring MessageCatalog::makeText(const BaseMsgID& message) {
+  const MessageExplanation* entry = findEntry(message);
+  if (entry == nullptr) return makeTextWithoutEntry(message);
+  return fillIn(to_ustring(entry->text), message);
+}
+
+ustring MessageCatalog::get_message(const BaseMsgID& message, const Locale&) {
+  const ustring text = makeText(message);
+  MessageListener::tell(message, text);
+  return text;
+}
+
+}  // namespace fl::i18n

@@ -1,0 +1,60 @@
+// What messages mean and what the rules convert, for people. All texts are UTF-8 and live as long
+// as the process; texts of several lines are parted by "\n", with none at the end.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+namespace fl::i18n {
+
+// Whether a message ends the work on a class, or stands beside its result.
+enum class MessageKindType { error, finding };
+
+struct MessageExplanation {
+  // "VELUM:system:Analyzer"; empty for what only the program reports.
+  std::string_view catalog;
+  // The short id. What the program reports has its full id here.
+  std::string_view id;
+  // The catalog, a colon and the short id.
+  std::string_view fullId;
+  MessageKindType kind;
+  // The rule family that reports it, as in RuleExplanation::id; empty if there is none.
+  std::string_view rule;
+  // The catalog's text with its placeholders, `{0}` and `{1}`.
+  std::string_view text;
+  // What it means, why it came, and how to get rid of it by hand.
+  std::string_view meaning;
+  std::string_view cause;
+  std::string_view fix;
+  // A piece of class source that causes it, and the same after the fix.
+  std::string_view before;
+  std::string_view after;
+};
+
+// One rule family.
+struct RuleExplanation {
+  // The name on the command line: "attributes", "mixins" or "impl".
+  std::string_view id;
+  std::string_view title;
+  // One sentence.
+  std::string_view summary;
+  // What is converted, and what is left alone.
+  std::string_view details;
+  std::string_view before;
+  std::string_view after;
+};
+
+// The messages of the catalog, failures first.
+std::span<const MessageExplanation> messageExplanations();
+
+// What the program reports on its own, beyond the catalog.
+std::span<const MessageExplanation> programExplanations();
+
+std::span<const RuleExplanation> ruleExplanations();
+
+// The explanation of a short or a full id, of the catalog or the program; null for any other.
+const MessageExplanation* findMessageExplanation(std::string_view id);
+
+const RuleExplanation* findRuleExplanation(std::string_view id);
+
+}  // namespace fl::i18n

@@ -1,0 +1,102 @@
+// Writes the data file of messages as a header of constant tables.
+//
+//   soca_message_table messages.json MessageTable.h
+//
+// The file has the catalog's name and three lists: "messages" of the catalog, "program" for what
+// the program reports on its own, and "rules". Pieces of source are lists of lines.
+#include <exception>
+#include <fstream>
+#include <initializer_list>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace {
+
+using Json = nlohmann::json;
+
+// The text as a literal. Beyond ASCII the source file is UTF-8, as the literal is.
+std::string quote(const std::string& text) {
+  std::string literal = "\"";
+  for (const char c : text) {
+    if (c == '"' || c == '\\') literal += '\\';
+    literal += c == '\n' ? "\\n" : std::string(1, c);
+  }
+  return literal + '"';
+}
+
+std::string joinLines(const Json& lines) {
+  std::string text;
+  for (const Json& line : lines) {
+    if (!text.empty()) text += '\n';
+    text += line.get<std::string>();
+  }
+  return text;
+}
+
+void writeTexts(const Json& entry, std::initializer_list<const char*> keys, std::ostream& out) {
+  for (const char* key : keys) out << "     " << quote(entry.at(key).get<std::string>()) << ",\n";
+}
+
+void writeSnippets(const Json& entry, std::ostream& out) {
+  out << "     " << quote(joinLines(entry.at("before"))) << ",\n     "
+      << quote(joinLines(entry.at("after"))) << "},\n";
+}
+
+std::string kindOf(const Json& entry) {
+  const auto kind = entry.at("kind").get<std::string>();
+  if (kind != "error" && kind != "finding") throw std::runtime_error("unknown kind " + kind);
+  return "MessageKindType::" + kind;
+}
+
+void writeMessages(const char* table, const Json& entries, const std::string& catalog,
+                   std::ostream& out) {
+  out << "inline constexpr std::array<MessageExplanation, " << entries.size() << "> " << table
+      << "{{\n";
+  for (const Json& entry : entries) {
+    const auto id = entry.at("id").get<std::string>();
+    const std::string fullId = catalog.empty() ? id : catalog + ":" + id;
+    out << "    {" << quote(catalog) << ", " << quote(id) << ", " << quote(fullId) << ",\n     "
+        << kindOf(entry) << ",\n";
+    writeTexts(entry, {"rule", "text", "meaning", "cause", "fix"}, out);
+    writeSnippets(entry, out);
+  }
+  out << "}};\n\n";
+}
+
+void writeRules(const Json& rules, std::ostream& out) {
+  out << "inline constexpr std::array<RuleExplanation, " << rules.size() << "> ruleTable{{\n";
+  for (const Json& rule : rules) {
+    out << "    {" << quote(rule.at("id").get<std::string>()) << ",\n";
+    writeTexts(rule, {"title", "summary", "details"}, out);
+    writeSnippets(rule, out);
+  }
+  out << "}};\n\n";
+}
+
+void generate(const char* from, const char* to) {
+  std::ifstream in(from);
+  const Json data = Json::parse(in);
+  std::ofstream out(to);
+  out << "// Made from messages.json.\n#pragma once\n\n#include <array>\n\n"
+         "#include \"platform/messages/MessageExplanations.h\"\n\nnamespace fl::i18n {\n\n";
+  writeMessages("messageTable", data.at("messages"), data.at("catalog").get<std::string>(), out);
+  writeMessages("programTable", data.at("program"), "", out);
+  writeRules(data.at("rules"), out);
+  out << "}  // namespace fl::i18n\n";
+  out.close();
+  if (!out) throw std::runtime_error(std::string(to) + " can't be written");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 3) return 2;
+  try {
+    generate(argv[1], argv[2]);
+  } catch (const std::exception& failure) {
+    std::cerr << argv[1] << ": " << failure.what() << "\n";
+    return 1;
+  }
+  return 0;
+}

@@ -1,0 +1,141 @@
+#include "platform/paths/SourceReader.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <ctime>
+#include <memory>
+#include <string_view>
+#include <system_error>
+
+namespace fl::filesystem {
+namespace {
+
+// A file system's clock may stand still for some milliseconds, and two changes then have one time.
+constexpr std::int64_t settlingTime = 20'000'000;  // nanoseconds
+
+std::int64_t toNanoseconds(const timespec& time) {
+  return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+}
+
+std::int64_t now() {
+  timespec time;
+  ::clock_gettime(CLOCK_REALTIME, &time);
+  return toNanoseconds(time);
+}
+
+FileStamp makeStamp(const struct stat& status) {
+  return {status.st_dev, status.st_ino, static_cast<std::uint64_t>(status.st_size),
+          toNanoseconds(status.st_mtim), toNanoseconds(status.st_ctim)};
+}
+
+[[noreturn]] void fail(const std::string& path, std::string_view reason) {
+  throw ReadError(path + ": " + std::string(reason));
+}
+
+[[noreturn]] void failWithError(const std::string& path, int error) {
+  switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+      fail(path, "there is no such file");
+    case EACCES:
+    case EPERM:
+      fail(path, "there is no permission to read it");
+    case ENXIO:  // a socket
+      fail(path, "it is no regular file");
+    default:
+      fail(path, std::generic_category().message(error));
+  }
+}
+
+// A file that is open for reading.
+class OpenFile {
+ public:
+  explicit OpenFile(const std::string& path)
+      // Without O_NONBLOCK, opening a pipe waits for somebody who writes to it.
+      : path_(path),
+        descriptor_(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY)) {
+    if (descriptor_ < 0) failWithError(path, errno);
+  }
+  ~OpenFile() { ::close(descriptor_); }
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+
+  struct stat getStatus() const {
+    struct stat status;
+    if (::fstat(descriptor_, &status) != 0) failWithError(path_, errno);
+    return status;
+  }
+
+  // Reads up to `size` bytes; 0 at the end of the file.
+  std::size_t read(char* to, std::size_t size) const {
+    while (true) {
+      const ssize_t count = ::read(descriptor_, to, size);
+      if (count >= 0) return static_cast<std::size_t>(count);
+      if (errno != EINTR) failWithError(path_, errno);
+    }
+  }
+
+ private:
+  const std::string& path_;
+  int descriptor_;
+};
+
+void checkReadable(const std::string& path, const struct stat& status, std::uint64_t maximumSize) {
+  if (S_ISDIR(status.st_mode)) fail(path, "it is a folder");
+  if (!S_ISREG(status.st_mode)) fail(path, "it is no regular file");
+  if (static_cast<std::uint64_t>(status.st_size) > maximumSize) {
+    fail(path, "it is larger than the limit of " + std::to_string(maximumSize) + " bytes");
+  }
+}
+
+// Bytes that nobody has set to zero before they are read.
+struct Bytes {
+  std::unique_ptr<char[]> data;
+  std::size_t size = 0;
+
+  std::string_view view() const { return {data.get(), size}; }
+};
+
+// Reads to the size that the file had when it was opened, or to its end if that comes first.
+Bytes readBytes(const OpenFile& file, std::size_t size) {
+  Bytes bytes{std::unique_ptr<char[]>(new char[size]), 0};
+  while (bytes.size < size) {
+    const std::size_t count = file.read(bytes.data.get() + bytes.size, size - bytes.size);
+    if (count == 0) break;
+    bytes.size += count;
+  }
+  return bytes;
+}
+
+}  // namespace
+
+std::optional<FileStamp> stampOf(const std::string& path) {
+  struct stat status;
+  if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+  return makeStamp(status);
+}
+
+SourceFileText readSourceFile(const std::string& path, std::uint64_t maximumSize) {
+  const std::int64_t start = now();
+  const OpenFile file(path);
+  const struct stat status = file.getStatus();
+  checkReadable(path, status, maximumSize);
+  const Bytes bytes = readBytes(file, static_cast<std::size_t>(status.st_size));
+  DecodedText decoded = decodeFileText(bytes.view());
+  SourceFileText result{std::move(decoded.text), decoded.encoding, makeStamp(status), false};
+  result.recentlyChanged =
+      start - result.stamp.changeTime < settlingTime || makeStamp(file.getStatus()) != result.stamp;
+  return result;
+}
+
+std::string readFileBytes(const std::string& path, std::uint64_t maximumSize) {
+  const OpenFile file(path);
+  const struct stat status = file.getStatus();
+  checkReadable(path, status, maximumSize);
+  return std::string(readBytes(file, static_cast<std::size_t>(status.st_size)).view());
+}
+
+}  // namespace fl::filesystem
