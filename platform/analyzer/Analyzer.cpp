@@ -1,0 +1,38 @@
+#include "platform/analyzer/Analyzer.h"
+
+#include <utility>
+
+#include "platform/analyzer/FileAnalysis.h"
+#include "platform/text/Conversions.h"
+
+namespace ca {
+
+namespace {
+
+std::shared_ptr<AnalysisResult> refuseTooDeep(std::shared_ptr<SourceAnalysis> analysis) {
+  if (analysis->isTooDeep()) {
+    throw InvalidAnalysisException("the text is nested more than " +
+                                   std::to_string(maximumNesting) + " levels deep");
+  }
+  return analysis;
+}
+
+class SingleFileAnalyzer final : public Analyzer {
+ public:
+  std::shared_ptr<AnalysisResult> analyze(const fl::ustring& path, const fl::ustring& /*directory*/,
+                                          const AnalysisOptions& /*options*/) override {
+    return refuseTooDeep(analyzeFile(fl::i18n::to_string(path)));
+  }
+};
+
+}  // namespace
+
+std::unique_ptr<Analyzer> createSingleFileAnalyzer() {
+  return std::make_unique<SingleFileAnalyzer>();
+}
+
+std::shared_ptr<AnalysisResult> analyzeText(fl::ustring text) {
+  return refuseTooDeep(std::make_shared<SourceAnalysis>(std::move(text)));
+}
+
+}  // namespace ca

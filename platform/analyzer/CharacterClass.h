@@ -1,0 +1,44 @@
+// What an ASCII character can be in the language.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace ca {
+
+namespace characters {
+
+inline constexpr std::uint8_t blank = 1;
+inline constexpr std::uint8_t letter = 2;
+inline constexpr std::uint8_t digit = 4;
+inline constexpr std::uint8_t underscore = 8;
+// An operator, `.`, `:`, `@` or `~`.
+inline constexpr std::uint8_t operation = 16;
+inline constexpr std::uint8_t nameContinuation = letter | digit | underscore;
+
+constexpr std::array<std::uint8_t, 128> makeTable() {
+  std::array<std::uint8_t, 128> table{};
+  for (const char c : {'\t', '\v', '\f', '\r', ' '}) table[static_cast<unsigned>(c)] = blank;
+  for (unsigned c = 'a'; c <= 'z'; ++c) table[c] = letter;
+  for (unsigned c = 'A'; c <= 'Z'; ++c) table[c] = letter;
+  for (unsigned c = '0'; c <= '9'; ++c) table[c] = digit;
+  table['_'] = underscore;
+  for (const char c :
+       {'+', '-', '*', '/', '\\', '^', '<', '>', '=', '&', '|', '.', ':', '@', '~'}) {
+    table[static_cast<unsigned>(c)] = operation;
+  }
+  return table;
+}
+
+inline constexpr std::array<std::uint8_t, 128> table = makeTable();
+
+}  // namespace characters
+
+constexpr bool isOfClass(char16_t c, std::uint8_t classes) {
+  return c < 128 && (characters::table[c] & classes) != 0;
+}
+
+constexpr bool isBlank(char16_t c) { return isOfClass(c, characters::blank); }
+constexpr bool isDigit(char16_t c) { return isOfClass(c, characters::digit); }
+
+}  // namespace ca

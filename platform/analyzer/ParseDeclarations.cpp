@@ -1,0 +1,171 @@
+// What properties and arguments declare: size, class, validators, default value.
+#include <algorithm>
+
+#include "platform/analyzer/CharacterClass.h"
+#include "platform/analyzer/ParserScopes.h"
+
+namespace ca {
+
+// Gain (1, 1) double {mustBePositive} = 3;
+// ^~~~ ^~~~~~ ^~~~~~ ^~~~~~~~~~~~~~~~   ^
+// name size   class  validators         default; the terminator belongs to the block
+const Parser::Node* Parser::parseProperty() {
+  if (!is(TokenKind::Identifier)) {
+    if (isKeyword(token_.kind)) return parseStrayKeyword(), nullptr;
+    fail("the name of a property or `end`");
+    return nullptr;
+  }
+  auto* property = makeNode<astapi::PropertyNode>(NodeKind::PropertyNode, token_.begin);
+  property->name = takeIdentifier();
+  parseDeclarationTail(*property);
+  finish(property);
+  finishMember("the declaration", true);
+  return property;
+}
+
+template <class Declaration>
+void Parser::parseDeclarationTail(Declaration& declaration) {
+  if (is(TokenKind::OpenParenthesis) || is(TokenKind::Identifier) || is(TokenKind::OpenBrace)) {
+    declaration.validation = parseValidation();
+  }
+  if (!failed_ && accept(TokenKind::Assign)) declaration.defaultValue = parseExpression();
+}
+
+const astapi::ValidationNode* Parser::parseValidation() {
+  auto* validation = makeNode<astapi::ValidationNode>(NodeKind::ValidationNode, token_.begin);
+  if (is(TokenKind::OpenParenthesis)) parseSize(*validation);
+  if (!failed_ && is(TokenKind::Identifier)) validation->className = takeDottedName();
+  if (!failed_ && is(TokenKind::OpenBrace)) parseValidators(*validation);
+  return finish(validation);
+}
+
+// (1, :)
+void Parser::parseSize(astapi::ValidationNode& validation) {
+  ListBuilder<Node> size(*this);
+  Bracket bracket(*this, BracketType::plain);
+  do {
+    if (is(TokenKind::Colon)) {
+      size.add(takeLeaf(NodeKind::Colon));
+      continue;
+    }
+    if (!is(TokenKind::Number)) {
+      fail("a whole number or `:` as a size");
+      break;
+    }
+    const std::uint32_t begin = token_.begin;
+    const Node* number = parseNumber();
+    for (std::uint32_t at = begin; at <= number->lastPosition && !failed_; ++at) {
+      if (!isDigit(lexer_.at(at))) {
+        report(begin, "expected a whole number or `:` as a size");
+        break;
+      }
+    }
+    size.add(number);
+  } while (accept(TokenKind::Comma));
+  bracket.close();
+  validation.size = size.take();
+  validation.sizeParentheses = {bracket.position(), lastEnd_ - 1};
+}
+
+// {mustBePositive, pkg.mustFit(Gain, 3)}
+void Parser::parseValidators(astapi::ValidationNode& validation) {
+  ListBuilder<Node> validators(*this);
+  Bracket bracket(*this, BracketType::plain);
+  if (!is(TokenKind::CloseBrace)) {
+    do {
+      validators.add(parseValidator());
+    } while (accept(TokenKind::Comma));
+  }
+  bracket.close();
+  validation.validators = validators.take();
+  validation.validatorBraces = {bracket.position(), lastEnd_ - 1};
+}
+
+const Parser::Node* Parser::parseValidator() {
+  if (!is(TokenKind::Identifier)) {
+    fail("the name of a validator");
+    return nullptr;
+  }
+  const Node* validator = takeIdentifier();
+  while (is(TokenKind::Dot) && !failed_) validator = parseField(validator);
+  if (is(TokenKind::OpenParenthesis) && !failed_) {
+    validator = parseApplication(NodeKind::CallOrIndex, validator);
+  }
+  return validator;
+}
+
+// --- argument blocks ---
+
+// Whether the word `arguments`, at the head of a function body, begins a block.
+bool Parser::isArgumentsBlock() const {
+  if (!is(TokenKind::Identifier) || lexer_.textOf(token_) != u"arguments") return false;
+  std::uint32_t behind = token_.end;
+  while (isBlank(lexer_.at(behind))) ++behind;
+  switch (lexer_.at(behind)) {
+    case u'\n':
+    case u'(':
+    case u',':
+    case u';':
+    case u'%':
+      return true;
+    case 0:
+      return behind >= lexer_.size();
+    default:
+      return lexer_.isContinuationAt(behind);
+  }
+}
+
+Parser::NodeList<Parser::Node> Parser::parseArgumentBlocks() {
+  ListBuilder<Node> blocks(*this);
+  for (;;) {
+    skipSeparators();
+    if (!isArgumentsBlock()) return blocks.take();
+    blocks.add(parseArgumentsBlock());
+    finishMember("the block", false);
+    recover();
+  }
+}
+
+// arguments (Attributes)
+//   declarations
+// end
+const Parser::Node* Parser::parseArgumentsBlock() {
+  const Token opening = token_;
+  auto* block = makeNode<astapi::ArgumentsBlock>(NodeKind::ArgumentsBlock, opening.begin);
+  Level level(*this);
+  advance();
+  if (is(TokenKind::OpenParenthesis)) {
+    lf::astapi::BracketPair brackets;
+    block->attributes = parseAttributes(brackets);
+  }
+  ListBuilder<Node> declarations(*this);
+  for (;;) {
+    recover();
+    skipSeparators();
+    if (is(TokenKind::End) || is(TokenKind::EndOfText)) break;
+    declarations.add(parseArgumentDeclaration());
+  }
+  block->declarations = declarations.take();
+  expectEnd(opening, "arguments");
+  return finish(block);
+}
+
+// opts.Gain (1, 1) double = 1
+const Parser::Node* Parser::parseArgumentDeclaration() {
+  if (!is(TokenKind::Identifier)) {
+    if (isKeyword(token_.kind)) return parseStrayKeyword(), nullptr;
+    fail("the name of an argument or `end`");
+    return nullptr;
+  }
+  auto* argument =
+      makeNode<astapi::ArgumentDeclaration>(NodeKind::ArgumentDeclaration, token_.begin);
+  const Node* name = takeIdentifier();
+  while (is(TokenKind::Dot) && !failed_) name = parseField(name);
+  argument->name = name;
+  if (!failed_) parseDeclarationTail(*argument);
+  finish(argument);
+  finishMember("the declaration", true);
+  return argument;
+}
+
+}  // namespace ca

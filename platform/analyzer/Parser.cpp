@@ -1,0 +1,233 @@
+#include "platform/analyzer/Parser.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "platform/analyzer/ParserScopes.h"
+#include "platform/text/Conversions.h"
+
+namespace ca {
+
+namespace {
+
+// More errors than this tell nobody anything, and a text of nothing but errors must stay bounded.
+constexpr std::size_t maximumErrors = 10000;
+
+constexpr std::size_t longestQuotedText = 40;
+
+bool endsOperand(TokenKind kind) {
+  switch (kind) {
+    case TokenKind::Identifier:
+    case TokenKind::Number:
+    case TokenKind::CloseParenthesis:
+    case TokenKind::CloseBracket:
+    case TokenKind::CloseBrace:
+    case TokenKind::DotQuote:
+    case TokenKind::End:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// Words that begin a statement or a part of one, and so never stand in an expression.
+bool beginsStatement(TokenKind kind) { return isKeyword(kind) && kind != TokenKind::End; }
+
+}  // namespace
+
+Parser::Parser(fl::ustring_view text, Arena& arena, NameTable& names, FunctionStyleType style)
+    : lexer_(text, *this), arena_(arena), names_(names), style_(style) {}
+
+Parser::Result Parser::parse() {
+  reportNulCharacters();
+  auto* root = makeNode<astapi::ListNode>(NodeKind::SourceText, 0);
+  root->lastPosition = lexer_.size() - 1;
+  token_ = lexer_.scan(0);
+  ListBuilder<Node> elements(*this);
+  parseFile(elements);
+  root->elements = elements.take();
+  std::stable_sort(errors_.begin(), errors_.end(), [](const auto& left, const auto& right) {
+    return left.position < right.position;
+  });
+  return {
+      .root = root, .classdef = classdef_, .errors = std::move(errors_), .isTooDeep = isTooDeep_};
+}
+
+// --- tokens ---
+
+void Parser::advance() {
+  lastEnd_ = token_.end;
+  token_ = lexer_.scan(token_.end);
+}
+
+bool Parser::accept(TokenKind kind) {
+  if (failed_ || !is(kind)) return false;
+  advance();
+  return true;
+}
+
+bool Parser::expect(TokenKind kind, const char* what) {
+  if (accept(kind)) return true;
+  fail(what);
+  return false;
+}
+
+bool Parser::isSeparator() const {
+  return is(TokenKind::LineEnd) || is(TokenKind::Semicolon) || is(TokenKind::Comma);
+}
+
+void Parser::skipSeparators() {
+  while (isSeparator()) advance();
+}
+
+// --- nodes ---
+
+Parser::Identifier* Parser::makeIdentifier(const Token& token) {
+  auto* identifier = makeNode<Identifier>(NodeKind::Identifier, token.begin);
+  identifier->lastPosition = token.end - 1;
+  const fl::ustring_view text = lexer_.textOf(token);
+  identifier->text = astapi::SourceText(text);
+  identifier->id = astapi::StringId(names_.intern(text, token.hash));
+  return identifier;
+}
+
+Parser::Identifier* Parser::takeIdentifier() {
+  Identifier* identifier = makeIdentifier(token_);
+  advance();
+  return identifier;
+}
+
+Parser::Identifier* Parser::takeDottedName() {
+  token_ = lexer_.extendToDottedName(token_);
+  return takeIdentifier();
+}
+
+Parser::Node* Parser::takeLeaf(NodeKind kind) {
+  auto* leaf = makeNode<astapi::Leaf>(kind, token_.begin);
+  advance();
+  return finish(leaf);
+}
+
+// --- errors ---
+
+std::string Parser::textOf(const Token& token) const {
+  fl::ustring_view text = lexer_.textOf(token);
+  const bool isLong = text.size() > longestQuotedText;
+  if (isLong) text = text.substr(0, longestQuotedText);
+  return fmt::format("`{}{}`", fl::i18n::to_string(text), isLong ? "..." : "");
+}
+
+std::string Parser::describe(const Token& token) const {
+  switch (token.kind) {
+    case TokenKind::EndOfText:
+      return "end of file";
+    case TokenKind::LineEnd:
+      return "end of line";
+    case TokenKind::Number: {
+      Token number = token;
+      number.end = std::max(lexer_.scanNumber(token.begin).end, token.end);
+      return textOf(number);
+    }
+    case TokenKind::Invalid: {
+      const char16_t unit = lexer_.at(token.begin);
+      if (token.end == token.begin + 1 && unit >= 0xD800 && unit < 0xE000) {
+        return fmt::format("half of a surrogate pair (U+{:04X})", static_cast<unsigned>(unit));
+      }
+      return fmt::format("the character {}, which begins nothing", textOf(token));
+    }
+    default:
+      return textOf(token);
+  }
+}
+
+unsigned Parser::lineOf(std::uint32_t position) const {
+  unsigned line = 1;
+  for (std::uint32_t at = 0; at < position; ++at) line += lexer_.at(at) == u'\n' ? 1 : 0;
+  return line;
+}
+
+void Parser::report(std::uint32_t position, std::string message) {
+  if (isTooDeep_ || errors_.size() >= maximumErrors) return;
+  // Two findings about one place are one error.
+  if (!errors_.empty() && errors_.back().position == position) return;
+  errors_.push_back({position, std::move(message)});
+}
+
+void Parser::reportLexicalError(std::uint32_t position, const char* message) {
+  if (!isSkipping_) report(position, message);
+}
+
+void Parser::reportNulCharacters() {
+  for (std::uint32_t at = 0; at < lexer_.size(); ++at) {
+    if (lexer_.at(at) == 0) report(at, "expected text, found the character U+0000");
+  }
+}
+
+void Parser::fail(std::string_view expected) {
+  if (failed_) return;
+  failed_ = true;
+  report(token_.begin, fmt::format("expected {}, found {}", expected, describe(token_)));
+  skipToSafePlace();
+}
+
+// Goes to the end of the statement or declaration. Inside a list that is behind the bracket that
+// closes it, unless a word shows that the list was never closed; parentheses never outlast their
+// line.
+void Parser::skipToSafePlace() {
+  isSkipping_ = true;
+  std::vector<BracketType> open = openBrackets_;
+  TokenKind previous = TokenKind::LineEnd;
+  for (;; previous = token_.kind, advance()) {
+    if (is(TokenKind::EndOfText) || beginsStatement(token_.kind)) break;
+    if (is(TokenKind::End) && (open.empty() || lexer_.isFirstOnLine(token_.begin))) break;
+    switch (token_.kind) {
+      case TokenKind::LineEnd:
+        while (!open.empty() && open.back() != BracketType::list) open.pop_back();
+        break;
+      case TokenKind::OpenParenthesis:
+        open.push_back(BracketType::plain);
+        continue;
+      case TokenKind::OpenBracket:
+      case TokenKind::OpenBrace:
+        open.push_back(BracketType::list);
+        continue;
+      case TokenKind::CloseParenthesis:
+        if (!open.empty() && open.back() != BracketType::list) open.pop_back();
+        continue;
+      case TokenKind::CloseBracket:
+      case TokenKind::CloseBrace:
+        if (!open.empty()) open.pop_back();
+        continue;
+      case TokenKind::Quote:
+        if (endsOperand(previous) && !token_.blankBefore) continue;
+        [[fallthrough]];
+      case TokenKind::DoubleQuote:
+        token_ = lexer_.scanLiteral(token_.begin, token_.blankBefore);
+        continue;
+      case TokenKind::Number:
+        token_.end = std::max(lexer_.scanNumber(token_.begin).end, token_.end);
+        continue;
+      default:
+        break;
+    }
+    if (open.empty() && isSeparator()) break;
+  }
+  isSkipping_ = false;
+}
+
+void Parser::giveUp() {
+  isTooDeep_ = true;
+  failed_ = true;
+  token_ = Token{.begin = lexer_.size(), .end = lexer_.size()};
+}
+
+void Parser::expectEnd(const Token& opening, const char* what) {
+  if (accept(TokenKind::End) || toldOfMissingEnd_) return;
+  toldOfMissingEnd_ = is(TokenKind::EndOfText);
+  report(token_.begin, fmt::format("expected `end` to close `{}` (opened at line {}), found {}",
+                                   what, lineOf(opening.begin), describe(token_)));
+}
+
+}  // namespace ca

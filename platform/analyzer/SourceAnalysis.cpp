@@ -1,0 +1,72 @@
+#include "platform/analyzer/SourceAnalysis.h"
+
+#include <utility>
+
+namespace ca {
+
+namespace {
+
+// What a usual class needs for its nodes, so that one block of memory serves.
+constexpr std::size_t arenaBytesPerCodeUnit = 10;
+constexpr std::size_t smallestArenaBlock = 4096;
+
+bool hasFunction(const astapi::Node& root) {
+  for (const astapi::Node* element : static_cast<const astapi::ListNode&>(root).elements) {
+    if (element->kind == lf::astapi::NodeKind::FunctionDefinition) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+SourceAnalysis::SourceAnalysis(fl::ustring text)
+    : text_(std::move(text)),
+      lines_(text_),
+      arena_(smallestArenaBlock + text_.size() * arenaBytesPerCodeUnit) {
+  using Style = Parser::FunctionStyleType;
+  Parser::Result result = Parser(text_, arena_, names_, Style::closed).parse();
+  // In a file without a class all functions may do without their `end`.
+  const bool isFaulty = !result.errors.empty() || result.isTooDeep;
+  if (result.classdef == nullptr && isFaulty && hasFunction(*result.root)) {
+    Parser::Result open = Parser(text_, arena_, names_, Style::open).parse();
+    const bool isFine = open.errors.empty() && !open.isTooDeep && open.classdef == nullptr;
+    if (isFine) result = std::move(open);
+  }
+  take(std::move(result));
+}
+
+void SourceAnalysis::take(Parser::Result result) {
+  root_ = result.root;
+  classdef_ = result.classdef;
+  isTooDeep_ = result.isTooDeep;
+  for (SyntaxErrorRecord& error : result.errors) {
+    const std::uint32_t line = lines_.lineOf(error.position);
+    diagnostics_.push_back({.line = line,
+                            .column = error.position - lines_.startOf(line),
+                            .message = std::move(error.message)});
+  }
+}
+
+std::uint64_t SourceAnalysis::getLineAndColumn(std::uint32_t position) const {
+  const std::uint64_t line = lines_.lineOf(position);
+  const std::uint64_t column = position - lines_.startOf(static_cast<std::uint32_t>(line));
+  return (column + 1) << 32U | (line + 1);
+}
+
+fl::ustring SourceAnalysis::getSourceText(bool /*canonical*/) const { return text_; }
+
+fl::ustring SourceAnalysis::getNodeText(const astapi::Node& node, bool /*canonical*/) const {
+  return fl::ustring(nodeTextView(node));
+}
+
+fl::ustring SourceAnalysis::getSubtreeText(const astapi::Node& node) const {
+  return fl::ustring(nodeTextView(node));
+}
+
+fl::ustring_view SourceAnalysis::nodeTextView(const astapi::Node& node) const {
+  // An empty subtree ends in front of where it begins, which wraps at the start of the text.
+  const std::uint32_t length = node.lastPosition + 1 - node.position;
+  return fl::ustring_view(text_).substr(node.position, length);
+}
+
+}  // namespace ca

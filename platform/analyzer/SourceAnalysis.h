@@ -1,0 +1,47 @@
+// The analyzer's own analysis result.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "platform/analyzer/AnalysisResult.h"
+#include "platform/analyzer/Arena.h"
+#include "platform/analyzer/LineTable.h"
+#include "platform/analyzer/NameTable.h"
+#include "platform/analyzer/Parser.h"
+
+namespace ca {
+
+class SourceAnalysis final : public AnalysisResult {
+ public:
+  explicit SourceAnalysis(fl::ustring text);
+
+  bool hasSyntaxError() const override { return !diagnostics_.empty(); }
+  std::uint64_t getLineAndColumn(std::uint32_t position) const override;
+  fl::ustring getSourceText(bool canonical) const override;
+  fl::ustring getNodeText(const astapi::Node& node, bool canonical) const override;
+  fl::ustring getSubtreeText(const astapi::Node& node) const override;
+  const astapi::Node* getRootNode() const override { return root_; }
+  ClassdefHandle getClassdef() const override { return classdef_; }
+  fl::ustring_view sourceTextView() const override { return text_; }
+  fl::ustring_view nodeTextView(const astapi::Node& node) const override;
+  const std::vector<Diagnostic>& diagnostics() const override { return diagnostics_; }
+
+  // Whether the text is nested more deeply than the analyzer goes. The tree then holds what stands
+  // in front of that place, which is enough to read declarations but no basis for anything else.
+  bool isTooDeep() const { return isTooDeep_; }
+
+ private:
+  void take(Parser::Result result);
+
+  fl::ustring text_;
+  LineTable lines_;
+  Arena arena_;
+  NameTable names_;
+  const astapi::Node* root_ = nullptr;
+  ClassdefHandle classdef_ = nullptr;
+  std::vector<Diagnostic> diagnostics_;
+  bool isTooDeep_ = false;
+};
+
+}  // namespace ca

@@ -1,0 +1,84 @@
+// The tokens of the language.
+#pragma once
+
+#include <cstdint>
+
+namespace ca {
+
+enum class TokenKind : std::uint8_t {
+  EndOfText,
+  LineEnd,  // one or more, with the blank lines and comments between them
+  Semicolon,
+  Comma,
+  Identifier,
+  Number,
+  Quote,        // opens a character literal, or transposes: only the grammar can tell
+  DoubleQuote,  // opens a string literal
+  OpenParenthesis,
+  CloseParenthesis,
+  OpenBracket,
+  CloseBracket,
+  OpenBrace,
+  CloseBrace,
+  Dot,
+  DotQuote,
+  At,
+  Question,
+  Assign,
+  Tilde,
+  Invalid,  // a character that starts no token
+
+  // Binary operators, from here through Power.
+  OrOr,
+  AndAnd,
+  Or,
+  And,
+  Less,
+  LessEqual,
+  Greater,
+  GreaterEqual,
+  Equal,
+  NotEqual,
+  Colon,
+  Plus,
+  Minus,
+  Multiplicative,  // * .* / ./ \ .\ , which the tree does not tell apart
+  Power,           // ^ .^
+
+  // Keywords, from here on.
+  Break,
+  Case,
+  Catch,
+  Classdef,
+  Continue,
+  Else,
+  ElseIf,
+  End,
+  For,
+  Function,
+  Global,
+  If,
+  Otherwise,
+  Parfor,
+  Persistent,
+  Return,
+  Spmd,
+  Switch,
+  Try,
+  While,
+};
+
+constexpr bool isKeyword(TokenKind kind) { return kind >= TokenKind::Break; }
+
+// Positions are indices of UTF-16 code units; `end` is just behind the token.
+struct Token {
+  TokenKind kind = TokenKind::EndOfText;
+  // Whether a blank or a continuation stands between the token and the one before it.
+  bool blankBefore = false;
+  std::uint32_t begin = 0;
+  std::uint32_t end = 0;
+  // For identifiers and keywords: the hash of the name.
+  std::uint32_t hash = 0;
+};
+
+}  // namespace ca

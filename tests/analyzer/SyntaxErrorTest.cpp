@@ -1,0 +1,116 @@
+// Texts with errors: where each is, what was expected, and what is found behind it.
+#include <gtest/gtest.h>
+
+#include "platform/analyzer/Analyzer.h"
+#include "tests/analyzer/TreeText.h"
+
+namespace ca {
+namespace {
+
+struct Case {
+  const char* shows;
+  const char* text;
+  const char* errors;
+};
+
+constexpr Case cases[] = {
+    {"elements with nothing between", "x = [a{1}b]",
+     "1:10: expected a blank, `,`, `;` or the closing bracket behind the element, found `b`"},
+    {"two commas between elements", "x = [a, , b]",
+     "1:11: expected an element between two commas, found `b`"},
+    {"an index behind a transpose", "y = x'(1)",
+     "1:7: expected a line end, `;` or `,` behind the statement, found `(`"},
+    {"a field behind a blank in a list", "x = [c .d]", "1:8: expected an expression, found `.`"},
+    {"targets that are none, each of them", "[a+1, b, 2] = f; a' = 3; [] = g",
+     "1:2: expected a name with or without indices in front of `=`, found `a+1`\n"
+     "1:10: expected a name with or without indices in front of `=`, found `2`\n"
+     "1:18: expected a name with or without indices in front of `=`, found `a'`\n"
+     "1:26: expected a name with or without indices in front of `=`, found `[]`"},
+    {"numbers that do not fit, and run into names",
+     "x = 0x1FFu8; y = 0x10000000000000000\nz = [12ab 3]",
+     "1:5: expected a number that fits its type, found `0x1FFu8`\n"
+     "1:18: expected a number that fits its type, found `0x10000000000000000`\n"
+     "2:8: expected an operator or a blank between the number and the name behind it"},
+    {"unclosed literals end with the line", "x = 'a\ny = \"b\nz = 1",
+     "1:5: expected `'` to close the character literal, found end of line\n"
+     "2:5: expected `\"` to close the string literal, found end of line"},
+    {"an unclosed block comment", "x = 1\n%{\ny",
+     "2:1: expected `%}` to close the block comment, found end of file"},
+    {"characters that begin nothing", "x = #3; y = 2\nz = _a",
+     "1:5: expected an expression, found the character `#`, which begins nothing\n"
+     "2:5: expected an expression, found the character `_`, which begins nothing"},
+    {"a parenthesis over a line end", "f(a\nx = 1",
+     "1:4: expected `)` to close `(`, found end of line"},
+    {"a list that is never closed ends at the next function", "x = {1, 2\nfunction f\nend",
+     "2:1: expected an expression, found `function`"},
+    {"a superclass call without arguments", "x = step@pkg.Base;",
+     "1:18: expected `(` behind the superclass of a superclass call, found `;`"},
+    {"an empty argument", "f(a,)", "1:5: expected an expression, found `)`"},
+    {"end outside of an index", "if a\nx = {end};\nend", "2:6: expected an expression, found `end`"},
+    {"stray words", "else\ncatch x\nend",
+     "1:1: unexpected `else`\n2:1: unexpected `catch`\n"
+     "2:7: expected a line end, `;` or `,` behind the statement, found `x`\n3:1: unexpected `end`"},
+    {"what is not closed at the end", "if x\nwhile y\n",
+     "3:1: expected `end` to close `while` (opened at line 2), found end of file"},
+    {"a declaration without its terminator", "classdef A\nproperties A = 1 end\nend",
+     "2:18: expected a line end, `;` or `,` behind the declaration, found `end`"},
+    {"what stands behind a declaration",
+     "classdef A\nproperties\nx = 1 2\ny 3\nz = 1; w double double\nend\nend",
+     "3:7: expected a line end, `;` or `,` behind the declaration, found `2`\n"
+     "4:3: expected a line end, `;` or `,` behind the declaration, found `3`\n"
+     "5:17: expected a line end, `;` or `,` behind the declaration, found `double`"},
+    {"sizes that are none", "classdef A\nproperties\nx (1.5, :, a)\ny () double\nend\nend",
+     "3:4: expected a whole number or `:` as a size\n"
+     "3:12: expected a whole number or `:` as a size, found `a`\n"
+     "4:4: expected a whole number or `:` as a size, found `)`"},
+    {"attributes", "classdef A\nproperties (~X = 3)\nend\nproperties (A = 1,)\nend\nend",
+     "2:16: expected `,` or `)` behind an attribute with `~`, which has no value, found `=`\n"
+     "4:19: expected the name of an attribute, found `)`"},
+    {"two methods on a line", "classdef A\nmethods\nfunction f\nend function g\nend\nend\nend",
+     "4:5: expected a line end, `;` or `,` behind the method, found `function`"},
+    {"a dotted class name", "classdef A.b\nend",
+     "1:11: expected `properties`, `methods`, `events`, `enumeration` or `end`, found `.`"},
+    {"something in front of the class", "x = 1\nclassdef A\nend",
+     "2:1: expected nothing but blank lines and comments in front of `classdef`"},
+    {"something behind the class", "classdef A\nend\nx = 3",
+     "3:1: expected a function or the end of the file behind the class, found `x`"},
+    {"a function outside of methods", "classdef A\nfunction f\nend\nend",
+     "2:1: expected a block or `end`, found `function` outside of a `methods` block"},
+    {"function heads", "function f(x, \nend\nfunction [a, = g\nend\nfunction 3\nend",
+     "1:15: expected the name of an input or `~`, found end of line\n"
+     "3:14: expected the name of an output, found `=`\n"
+     "5:10: expected the name of the function, found `3`"},
+};
+
+TEST(SyntaxError, IsToldOnceWithItsPlace) {
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.shows);
+    EXPECT_EQ(errorText(*analyzeText(fl::i18n::to_ustring(c.text))), c.errors);
+  }
+}
+
+TEST(SyntaxError, IsToldOfNulsAndHalvesOfPairsAnywhere) {
+  using namespace std::string_literals;
+  fl::ustring text = u"% a\0\nx = '\0'; y = "s;
+  text += char16_t{0xD800};
+  EXPECT_EQ(errorText(*analyzeText(text)),
+            "1:4: expected text, found the character U+0000\n"
+            "2:6: expected text, found the character U+0000\n"
+            "2:14: expected an expression, found half of a surrogate pair (U+D800)");
+}
+
+// A class that is broken in many places keeps what could be read of it.
+TEST(SyntaxError, LeavesTheRestOfTheClass) {
+  const auto analysis = analyzeText(
+      u"classdef A < b.C &\n"
+      u"properties (Access = )\nx = (1 +\ny = 2\nend\n"
+      u"methods\nfunction f(\nif x(\nb\nend\nend\nr = g(a)\nend\n");
+  EXPECT_EQ(treeText(*analysis),
+            "Classdef(A b.C PropertiesBlockNode(PropertyNode(x Parenthesized(BinaryOperation(1 ))) "
+            "PropertyNode(y 2) Attribute(Access )) MethodsBlockNode(FunctionDefinition(f "
+            "IfStatement(CallOrIndex(x ) b)) FunctionDeclaration(g a r)))");
+  EXPECT_EQ(analysis->diagnostics().size(), 6U);
+}
+
+}  // namespace
+}  // namespace ca
