@@ -1,0 +1,160 @@
+#include "platform/runtime/ClassTable.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <atomic>
+#include <functional>
+#include <nlohmann/json.hpp>
+#include <utility>
+
+#include "platform/runtime/CurrentClassTable.h"
+#include "platform/text/Conversions.h"
+
+namespace sotarn {
+
+namespace {
+
+using Json = nlohmann::json;
+
+// Where in the table a value stands, as a person would name it.
+using Place = std::string;
+
+[[noreturn]] void fail(const Place& place, const std::string& what) {
+  throw ClassTableError(place.empty() ? what : fmt::format("{}: {}", place, what));
+}
+
+bool readBool(const Json& value, const Place& place) {
+  if (!value.is_boolean()) fail(place, "expected true or false");
+  return value.get<bool>();
+}
+
+std::string readString(const Json& value, const Place& place) {
+  if (!value.is_string()) fail(place, "expected a string");
+  return value.get<std::string>();
+}
+
+std::uint32_t readCode(const Json& value, const Place& place) {
+  constexpr std::uint64_t largest = 0xFFFFFFFF;
+  if (!value.is_number_unsigned() || value.get<std::uint64_t>() > largest) {
+    fail(place, "expected a whole number from 0 to 4294967295");
+  }
+  return value.get<std::uint32_t>();
+}
+
+std::vector<std::string> readStrings(const Json& value, const Place& place) {
+  if (!value.is_array()) fail(place, "expected a list of strings");
+  std::vector<std::string> strings;
+  for (std::size_t index = 0; index < value.size(); ++index) {
+    strings.push_back(readString(value[index], fmt::format("{}[{}]", place, index)));
+  }
+  return strings;
+}
+
+// Calls the reader of each key that the object has; a key without one is an error.
+struct Key {
+  std::string_view name;
+  std::function<void(const Json& value, const Place& place)> read;
+};
+
+void readObject(const Json& object, const Place& place, const std::vector<Key>& keys) {
+  if (!object.is_object()) fail(place, "expected an object");
+  for (const auto& [name, value] : object.items()) {
+    const auto key = std::find_if(keys.begin(), keys.end(),
+                                  [&](const Key& candidate) { return candidate.name == name; });
+    if (key == keys.end()) fail(place, fmt::format("unknown key \"{}\"", name));
+    key->read(value, place.empty() ? name : place + "." + name);
+  }
+}
+
+// Reads an object whose keys are names of classes or properties.
+void readNamed(const Json& object, const Place& place,
+               const std::function<void(const std::string&, const Json&, const Place&)>& read) {
+  if (!object.is_object()) fail(place, "expected an object");
+  for (const auto& [name, value] : object.items()) {
+    read(name, value, fmt::format("{}[\"{}\"]", place, name));
+  }
+}
+
+ConstrainedSetInfo readConstrainedSet(const Json& object, const Place& place,
+                                      const std::string& property) {
+  ConstrainedSetInfo info{.kind = 1,
+                          .valueType = 1,
+                          .setPropertyName = fl::i18n::to_ustring(property + "Set"),
+                          .values = {}};
+  readObject(
+      object, place,
+      {{"kind", [&](const Json& v, const Place& p) { info.kind = readCode(v, p); }},
+       {"valueType", [&](const Json& v, const Place& p) { info.valueType = readCode(v, p); }},
+       {"setProperty",
+        [&](const Json& v, const Place& p) {
+          info.setPropertyName = fl::i18n::to_ustring(readString(v, p));
+        }},
+       {"values", [&](const Json& v, const Place& p) {
+          for (const std::string& text : readStrings(v, p)) {
+            info.values.push_back(fl::i18n::to_ustring(text));
+          }
+        }}});
+  return info;
+}
+
+PropertyDescription readProperty(const Json& object, const Place& place, const std::string& name) {
+  PropertyDescription property;
+  readObject(
+      object, place,
+      {{"abstract", [&](const Json& v, const Place& p) { property.isAbstract = readBool(v, p); }},
+       {"dependent", [&](const Json& v, const Place& p) { property.isDependent = readBool(v, p); }},
+       {"constrainedSet", [&](const Json& v, const Place& p) {
+          property.constrainedSet = readConstrainedSet(v, p, name);
+        }}});
+  return property;
+}
+
+ClassTableEntry readEntry(const Json& object, const Place& place) {
+  ClassTableEntry entry;
+  readObject(
+      object, place,
+      {{"superclasses",
+        [&](const Json& v, const Place& p) { entry.superClasses = readStrings(v, p); }},
+       {"strictDefaults",
+        [&](const Json& v, const Place& p) { entry.strictDefaults = readBool(v, p); }},
+       {"methods", [&](const Json& v, const Place& p) { entry.methods = readStrings(v, p); }},
+       {"properties", [&](const Json& v, const Place& p) {
+          readNamed(v, p, [&](const std::string& name, const Json& property, const Place& at) {
+            entry.properties.emplace(name, readProperty(property, at, name));
+          });
+        }}});
+  return entry;
+}
+
+// A plain lock would do as well; this is read once a class.
+std::atomic<std::shared_ptr<const ClassTable>>& currentTable() {
+  static std::atomic<std::shared_ptr<const ClassTable>> table;
+  return table;
+}
+
+}  // namespace
+
+ClassTable parseClassTable(std::string_view json) {
+  Json document;
+  try {
+    document = Json::parse(json);
+  } catch (const Json::parse_error& error) {
+    fail("", fmt::format("no valid JSON at byte {}", error.byte));
+  }
+  ClassTable table;
+  readObject(document, "",
+             {{"classes", [&](const Json& classes, const Place& place) {
+                 readNamed(classes, place,
+                           [&](const std::string& name, const Json& entry, const Place& at) {
+                             table.emplace(name, readEntry(entry, at));
+                           });
+               }}});
+  return table;
+}
+
+void setClassTable(std::shared_ptr<const ClassTable> table) { currentTable() = std::move(table); }
+
+std::shared_ptr<const ClassTable> currentClassTable() { return currentTable(); }
+
+}  // namespace sotarn
