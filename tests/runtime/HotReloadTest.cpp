@@ -1,0 +1,79 @@
+// What is remembered must never outlive the text that it was read from.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <thread>
+
+#include "platform/analyzer/FileAnalysis.h"
+#include "platform/paths/Overlay.h"
+#include "platform/paths/PathDispatcher.h"
+#include "platform/runtime/ClassDescription.h"
+#include "tests/platform/TemporaryFolder.h"
+
+namespace {
+
+class HotReload : public testing::Test {
+ protected:
+  HotReload() { PathDispatcher::getDispatcher().setClassPath({root_.path()}); }
+
+  std::string write(char base) {
+    return root_.write("C.vlm", std::string("classdef C < ") + base + "\nend\n");
+  }
+
+  // The superclass by the class runtime and by the analyzer.
+  static std::string readBoth(const std::string& path) {
+    const auto analysis = ca::analyzeFile(path);
+    const auto super = analysis->getClassdef()->superClasses.front()->text.getText();
+    return sotarn::describeClass("C")->superClasses.front() + static_cast<char>(super[0]);
+  }
+
+  static void setTimes(const std::string& path, long seconds) {
+    const timespec times[2] = {{seconds, 0}, {seconds, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+  }
+
+  TemporaryFolder root_;
+};
+
+TEST_F(HotReload, ChangesAreSeenAtOnce) {
+  // As fast as it goes: the time stamps of most of these are equal.
+  for (int round = 0; round < 200; ++round) {
+    const char base = static_cast<char>('A' + round % 26);
+    EXPECT_EQ(readBoth(write(base)), std::string(2, base));
+  }
+}
+
+TEST_F(HotReload, ChangesAreSeenUnderAnOldTimeStampAndTheSameSize) {
+  const std::string path = write('A');
+  setTimes(path, 1000);
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  EXPECT_EQ(readBoth(path), "AA");
+  EXPECT_EQ(readBoth(path), "AA");
+  write('B');
+  setTimes(path, 1000);
+  EXPECT_EQ(readBoth(path), "BB");
+}
+
+TEST_F(HotReload, AnUnchangedFileIsAnalysedOnce) {
+  const std::string path = write('A');
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  EXPECT_EQ(ca::analyzeFile(path), ca::analyzeFile(path));
+  EXPECT_EQ(sotarn::describeClass("C"), sotarn::describeClass("C"));
+}
+
+TEST_F(HotReload, AnOverlayLiesOverTheFileOnItsThreadOnly) {
+  const std::string path = write('A');
+  {
+    const fl::filesystem::OverlayScope outer(path, u"classdef C < B\nend\n");
+    EXPECT_EQ(readBoth(path), "BB");
+    const fl::filesystem::OverlayScope inner(path, u"classdef C < D\nend\n");
+    EXPECT_EQ(readBoth(path), "DD");
+    std::thread([&] { EXPECT_EQ(readBoth(path), "AA"); }).join();
+  }
+  EXPECT_EQ(readBoth(path), "AA");
+  const fl::filesystem::OverlayScope onNothing(root_.path() + "/New.vlm", u"classdef New\nend\n");
+  EXPECT_NE(sotarn::describeClass("New"), nullptr);
+}
+
+}  // namespace
