@@ -1,0 +1,174 @@
+#include "model/SourceFile.h"
+
+#include <algorithm>
+#include <boost/algorithm/string/find_iterator.hpp>
+#include <boost/algorithm/string/finder.hpp>
+
+#include "platform/failure/Terminate.h"
+
+namespace soca {
+namespace {
+
+using Line = SourceFile::Line;
+
+constexpr fl::ustring_view blanks = u"\t\n\v\f\r ";
+constexpr fl::ustring_view continuation = u"...";
+constexpr fl::ustring_view listDelimiters = u";,";
+constexpr fl::ustring_view ampersand = u"&";
+
+bool has(const Line& line, std::uint64_t flag) { return (line.flags & flag) != 0; }
+
+bool isBlank(const Line& line) { return line.text.find_first_not_of(blanks) == fl::ustring::npos; }
+
+bool isBareContinuation(const Line& line) {
+  const std::size_t first = line.text.find_first_not_of(blanks);
+  return first != fl::ustring::npos &&
+         line.text.compare(first, continuation.size(), continuation) == 0;
+}
+
+void markDeleted(Line& line) {
+  line.text.clear();
+  line.flags &= ~(SourceFile::LineNoNewline | SourceFile::LineModified);
+  line.flags |= SourceFile::LineDeleted;
+}
+
+std::vector<Line> splitTextIntoLines(fl::ustring_view text) {
+  const auto isLineEnd = [](char16_t unit) { return unit == u'\n'; };
+  std::vector<Line> lines;
+  lines.reserve(static_cast<std::size_t>(std::ranges::count(text, u'\n')) + 1);
+  auto pieces = boost::algorithm::make_split_iterator(text, boost::token_finder(isLineEnd));
+  for (; !pieces.eof(); ++pieces) lines.push_back({fl::ustring(pieces->begin(), pieces->end())});
+  // The last line counts as edited, so that the empty one behind a final line end goes away again.
+  lines.back().flags = SourceFile::LineNoNewline | SourceFile::LineModified;
+  return lines;
+}
+
+}  // namespace
+
+// How a search for a delimiter ends: behind it or where the search stops without one, or at a
+// character that must not stand there.
+struct SourceFile::DelimiterSearch {
+  SourcePosition position;
+  bool isMissing = false;
+};
+
+SourceFile::SourceFile(fl::ustring_view text) : lines_(splitTextIntoLines(text)) {}
+
+fl::ustring SourceFile::getText() const {
+  std::size_t length = 0;
+  for (const Line& line : lines_) length += line.text.size() + 1;
+  fl::ustring text;
+  text.reserve(length);
+  for (const Line& line : lines_) {
+    if (has(line, LineDeleted)) continue;
+    text += line.text;
+    if (!has(line, LineNoNewline)) text += u'\n';
+  }
+  return text;
+}
+
+std::uint64_t SourceFile::lineBehindContinuation(std::uint64_t line) const {
+  ++line;
+  while (line + 1 < lines_.size() && has(lines_[line], LineDeleted)) ++line;
+  return line;
+}
+
+SourceFile::DelimiterSearch SourceFile::searchDelimiter(SourcePosition position,
+                                                        fl::ustring_view delimiters) const {
+  while (true) {
+    const fl::ustring& text = lines_[position.line].text;
+    const std::size_t column = text.find_first_not_of(blanks, position.column);
+    if (column == fl::ustring::npos) return {{position.line, text.size()}};
+    const char16_t unit = text[column];
+    if (unit == u'%') return {{position.line, column}};
+    if (delimiters.find(unit) != fl::ustring_view::npos) return {{position.line, column + 1}};
+    if (unit != u'.') return {{position.line, column}, true};
+    // Behind a continuation on the last line nothing more can stand.
+    if (position.line + 1 == lines_.size()) return {{position.line, text.size()}};
+    position = {lineBehindContinuation(position.line), 0};
+  }
+}
+
+SourcePosition SourceFile::movePastDelimiter(SourcePosition position,
+                                             const fl::ustring& delimiters) const {
+  const DelimiterSearch search = searchDelimiter(position, delimiters);
+  if (search.isMissing) {
+    foundation::core::diag::terminate(
+        "Could not find delimiter", "SourceFile", 205,
+        "soca::SourcePosition soca::SourceFile::movePastDelimiter(soca::SourcePosition, const "
+        "fl::ustring&) const");
+  }
+  return search.position;
+}
+
+SourcePosition SourceFile::endWithDelimiters(SourcePosition end, std::uint64_t options) const {
+  if ((options & ConsumeListDelimiter) != 0) {
+    end = movePastDelimiter(end, fl::ustring(listDelimiters));
+  }
+  if ((options & ConsumeAmpersand) != 0) end = movePastDelimiter(end, fl::ustring(ampersand));
+  return end;
+}
+
+std::optional<SourcePosition> SourceFile::findMissingDelimiter(std::uint64_t options,
+                                                               const Extent& extent) const {
+  DelimiterSearch search = {extent.end};
+  if ((options & ConsumeListDelimiter) != 0) {
+    search = searchDelimiter(search.position, listDelimiters);
+  }
+  if ((options & ConsumeAmpersand) != 0 && !search.isMissing) {
+    search = searchDelimiter(search.position, ampersand);
+  }
+  if (!search.isMissing) return std::nullopt;
+  return search.position;
+}
+
+void SourceFile::replace(const fl::ustring& text, std::uint64_t options, Extent extent) {
+  extent.end = endWithDelimiters(extent.end, options);
+  Line& first = lines_[extent.start.line];
+  const std::uint64_t length = first.text.size();
+  std::uint64_t endColumn = extent.end.column;
+  if (extent.end.line != extent.start.line) {
+    cutFollowingLines(extent);
+    endColumn = length;
+  }
+  const std::uint64_t count =
+      std::min(endColumn - extent.start.column, length - extent.start.column);
+  first.text.replace(extent.start.column, count, text);
+  first.flags |= LineModified;
+  if (has(first, LineDeleted)) closeGapBehind(extent);
+}
+
+void SourceFile::cutFollowingLines(const Extent& extent) {
+  // What is left of the last line goes on behind the first, in a record of its own.
+  lines_[extent.start.line].flags |= LineNoNewline | LineModified;
+  for (std::uint64_t line = extent.start.line + 1; line < extent.end.line; ++line) {
+    markDeleted(lines_[line]);
+  }
+  Line& last = lines_[extent.end.line];
+  // The all-ones column takes all of the line.
+  last.text.erase(0, extent.end.column);
+  last.flags |= LineModified;
+}
+
+// Where the edited lines had gone before, the blank lines on both sides of them meet: one is
+// enough.
+void SourceFile::closeGapBehind(const Extent& extent) {
+  if (extent.start.line == 0 || extent.end.line + 1 == lines_.size()) return;
+  const Line& before = lines_[extent.start.line - 1];
+  Line& behind = lines_[extent.end.line + 1];
+  if (has(before, LineDeleted) || has(behind, LineDeleted)) return;
+  if (isBlank(before) && isBlank(behind)) markDeleted(behind);
+}
+
+void SourceFile::removeEmptiedLines() {
+  for (Line& line : lines_) {
+    if (!has(line, LineModified)) continue;
+    if (isBlank(line) || isBareContinuation(line)) markDeleted(line);
+  }
+  // A line that was to go on in one that no longer exists gets its line end back.
+  for (std::size_t i = 0; i + 1 < lines_.size(); ++i) {
+    if (has(lines_[i + 1], LineDeleted)) lines_[i].flags &= ~LineNoNewline;
+  }
+}
+
+}  // namespace soca

@@ -1,0 +1,83 @@
+// The editable image of one source text.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "model/Extent.h"
+#include "model/SourcePosition.h"
+#include "platform/text/UString.h"
+
+namespace soca {
+
+// Holds one record a line. Edits rewrite records in place and mark them, and lines are flagged as
+// gone but never removed: the line numbers of the unedited text stay valid through any number of
+// edits. Columns are not adjusted, so of two edits on one line the later one comes first.
+//
+// Construct, replace as often as needed, remove emptied lines once, then take the text.
+//
+// Blanks are U+0009 to U+000D and U+0020.
+class SourceFile {
+ public:
+  // Flags of a line.
+  // Emits nothing. A line that gets this flag loses its text and all other flags at once.
+  static constexpr std::uint64_t LineDeleted = 1;
+  // The text of the next line goes on behind this one's.
+  static constexpr std::uint64_t LineNoNewline = 2;
+  // An edit touched the line, so that it goes away should it be blank in the end.
+  static constexpr std::uint64_t LineModified = 4;
+
+  // Options of `replace`: what the replaced span takes along behind its end.
+  static constexpr std::uint64_t ConsumeListDelimiter = 1;  // a `;` or `,`
+  static constexpr std::uint64_t ConsumeAmpersand = 2;      // then a `&`
+
+  struct Line {
+    // Without its U+000A; a U+000D stays.
+    fl::ustring text;
+    std::uint64_t flags = 0;
+  };
+
+  explicit SourceFile(fl::ustring_view text);
+
+  // The lines, joined.
+  fl::ustring getText() const;
+
+  // Puts `text` in place of the extent. Text with a line end in it stays in the one record.
+  //
+  // Throws std::out_of_range if the extent starts behind the end of its line. Ends the process if a
+  // delimiter that the options name is not to be found.
+  void replace(const fl::ustring& text, std::uint64_t options, Extent extent);
+
+  // Where `replace` with these options and this extent would meet something else than a delimiter
+  // and end the process; nothing if it would not.
+  std::optional<SourcePosition> findMissingDelimiter(std::uint64_t options,
+                                                     const Extent& extent) const;
+
+  // The place behind the first of `delimiters` that follows `position`, over blanks and
+  // continuations. A line that ends and a comment that begins first end the search where they are;
+  // anything else ends the process.
+  SourcePosition movePastDelimiter(SourcePosition position, const fl::ustring& delimiters) const;
+
+  // Takes away the lines that edits left blank or with nothing but a continuation. The last line is
+  // treated as edited in any case.
+  void removeEmptiedLines();
+
+  std::uint64_t getNumberOfLines() const { return lines_.size(); }
+  const std::vector<Line>& getLines() const { return lines_; }
+
+ private:
+  struct DelimiterSearch;
+
+  DelimiterSearch searchDelimiter(SourcePosition position, fl::ustring_view delimiters) const;
+  // The line on which the text goes on behind a continuation on `line`.
+  std::uint64_t lineBehindContinuation(std::uint64_t line) const;
+  SourcePosition endWithDelimiters(SourcePosition end, std::uint64_t options) const;
+  // Takes what the extent holds of all lines but its first.
+  void cutFollowingLines(const Extent& extent);
+  void closeGapBehind(const Extent& extent);
+
+  std::vector<Line> lines_;
+};
+
+}  // namespace soca
