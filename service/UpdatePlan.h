@@ -10,11 +10,10 @@
 #include "model/SourcePosition.h"
 #include "platform/analyzer/AnalysisResult.h"
 #include "platform/text/UString.h"
+#include "service/RuleFamily.h"
 #include "soca/Updater.h"
 
 namespace soca {
-
-enum class RuleFamilyType { attributes, mixins, impl };
 
 // One replacement. The extent is that of the action as it stands; the edit engine may take a
 // delimiter behind it too, as `delimiterFlags` say.
@@ -48,5 +47,10 @@ struct PlannedClass {
 // The classes of the same call of `Updater::update`, with the same results, and what it throws.
 std::vector<PlannedClass> planUpdate(const fl::ustring& className, const UpdateMask& mask,
                                      bool includeSuperclasses);
+
+// The same classes and actions with none of them applied, so that nothing is raised where two meet:
+// each `result` has the text before the update.
+std::vector<PlannedClass> planActions(const fl::ustring& className, const UpdateMask& mask,
+                                      bool includeSuperclasses);
 
 }  // namespace soca

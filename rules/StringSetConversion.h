@@ -1,0 +1,111 @@
+// From a companion property that holds a StringSet to a validator. Part of
+// CustomAttributeDeprecationFactory.cpp, and included by nothing else.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "diagnostics/Findings.h"
+#include "metadata/MetaClass.h"
+#include "model/ClassDefinition.h"
+#include "model/Property.h"
+#include "platform/text/UString.h"
+#include "rules/PropertiesBlockUpdate.h"
+#include "rules/PropertyActions.h"
+
+namespace soca {
+namespace {
+
+// How the members of a set are declared.
+struct SetForm {
+  const char16_t* className;
+  // The second dimension of the size.
+  const char16_t* size;
+  const char16_t* openingBracket;
+  const char16_t* closingBracket;
+};
+
+constexpr SetForm kStringForm{u"string", u"1", u"[", u"]"};
+constexpr SetForm kCharForm{u"char", u":", u"{", u"}"};
+
+bool holdsStrings(const ConstrainedSetInfo& set) { return set.valueType == 2; }
+
+// Whether a validator can stand in for the set: all but none at all and the kinds that have a
+// meaning of their own.
+bool isReplaceableSet(const ConstrainedSetInfo& set) {
+  switch (set.kind) {
+    case 0:  // none
+    case 2:  // StringSetGF
+    case 3:  // MessageCatalogSet
+    case 4:  // DynamicStringSet
+    case 5:  // DataTypeSet
+    case 6:  // RoundingMethodSet
+      return false;
+    default:
+      return true;
+  }
+}
+
+// Whether nothing stands against deleting the companion; messages tell what does.
+bool canDeleteCompanion(const Property& property, const Property& companion, BlockUpdate& update) {
+  const auto report = [&](const char* id) {
+    update.messages.push_back(findingText(id, {property.getName(), companion.getName()}));
+  };
+  const bool hasGetter = companion.hasGetAccessor();
+  if (hasGetter) report("AssociatedStringSetHasGetter");
+  const bool isDirect = companion.hasStringSetDefault();
+  if (!isDirect) report("StringSetIndirectInstantiation");
+  const bool isUsed = companion.isReferencedThroughDot();
+  if (isUsed) report("AssociatedStringSetUsedInSourceCode");
+  return !hasGetter && isDirect && !isUsed;
+}
+
+// The members as a list, such as `{'auto', 'manual'}`; nothing for a set without members.
+fl::ustring memberList(const ConstrainedSetInfo& set, const SetForm& form) {
+  if (set.values.empty()) return {};
+  fl::ustring text = form.openingBracket;
+  for (const fl::ustring& value : set.values) {
+    if (&value != &set.values.front()) text += u", ";
+    text += inQuotes(value, holdsStrings(set));
+  }
+  return text + form.closingBracket;
+}
+
+// From right to left in the declaration.
+ActionList makeMemberActions(const Property& property, const ConstrainedSetInfo& set) {
+  const SetForm& form = holdsStrings(set) ? kStringForm : kCharForm;
+  const fl::ustring validator =
+      u"velum.system.mustBeMember(" + property.getName() + u", " + memberList(set, form) + u")";
+  ActionList actions;
+  actions.push_back(std::make_unique<MustBeMemberInitializer>(
+      &property, set.values.empty() ? u"" : set.values.front(), holdsStrings(set)));
+  actions.push_back(std::make_unique<AddValidators>(&property, std::vector{validator}));
+  actions.push_back(std::make_unique<ClassValidation>(&property, form.className));
+  actions.push_back(std::make_unique<SizeValidation>(&property, form.size));
+  return actions;
+}
+
+// Whether the first member of the set has to become the default value, and there is no member.
+bool lacksFirstValue(const Property& property, const ConstrainedSetInfo& set) {
+  return set.values.empty() && !property.hasDefaultValue() && !property.isDependent();
+}
+
+// Declares the members of the property's set on the property itself, and adds the name of the
+// companion, which is thereby free to go, to `setProperties`. A message tells what stands against
+// it.
+void convertStringSet(const ClassDefinition& classDefinition, const Property& property,
+                      BlockUpdate& update, std::vector<fl::ustring>& setProperties) {
+  const ConstrainedSetInfo set = property.getConstrainedSetInfo();
+  if (!isReplaceableSet(set)) return;
+  if (reportAbstractProperty(property, update)) return;
+  const Property* companion = classDefinition.findProperty(set.setPropertyName);
+  if (companion == nullptr || !canDeleteCompanion(property, *companion, update)) return;
+  if (lacksFirstValue(property, set)) return;
+  update.addGroup(makeMemberActions(property, set));
+  setProperties.push_back(set.setPropertyName);
+}
+
+}  // namespace
+}  // namespace soca
