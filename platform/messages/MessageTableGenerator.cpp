@@ -9,6 +9,7 @@
 #include <initializer_list>
 #include <iostream>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 #include <string>
 
 namespace {
@@ -55,9 +56,9 @@ void writeMessages(const char* table, const Json& entries, const std::string& ca
       << "{{\n";
   for (const Json& entry : entries) {
     const auto id = entry.at("id").get<std::string>();
-    const std::string fullId = catalog.empty() ? id : catalog + ":" + id;
-    out << "    {" << quote(catalog) << ", " << quote(id) << ", " << quote(fullId) << ",\n     "
-        << kindOf(entry) << ",\n";
+    const std::string prefix = catalog.empty() ? "" : catalog + ":";
+    out << "    {" << quote(catalog) << ", " << quote(id) << ", " << quote(prefix + id)
+        << ",\n     " << kindOf(entry) << ",\n";
     writeTexts(entry, {"rule", "text", "meaning", "cause", "fix"}, out);
     writeSnippets(entry, out);
   }

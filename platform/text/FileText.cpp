@@ -14,8 +14,9 @@ void decodeLatin1(std::string_view bytes, char16_t* out) {
 
 std::optional<std::string> encodeLatin1(ustring_view text) {
   std::string bytes(text.size(), '\0');
-  const char16_t* const end = text.data() + text.size();
-  if (utf8::narrowRun<0xFF>(text.data(), end, bytes.data()) != text.size()) return std::nullopt;
+  const char16_t* const start = text.data();
+  const std::size_t run = utf8::narrowRun<0xFF>(start, start + text.size(), bytes.data());
+  if (run != text.size()) return std::nullopt;
   return bytes;
 }
 

@@ -84,7 +84,7 @@ inline void narrow(const char16_t* from, char* to) {
 
 // Eight bytes as one word, wherever they stand.
 inline std::uint64_t loadWord(const void* from) {
-  std::uint64_t word;
+  std::uint64_t word = 0;
   std::memcpy(&word, from, sizeof word);
   return word;
 }

@@ -1,0 +1,114 @@
+// What the explanations show is what the system does.
+#include "platform/messages/MessageExplanations.h"
+
+#include <gtest/gtest.h>
+
+#include <exception>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/failure/Exception.h"
+#include "platform/messages/MessageListener.h"
+#include "platform/paths/Overlay.h"
+#include "platform/paths/PathDispatcher.h"
+#include "platform/text/Conversions.h"
+#include "service/UpdatePlan.h"
+
+namespace soca {
+namespace {
+
+using fl::i18n::MessageExplanation;
+using fl::i18n::MessageKindType;
+
+// What came of updating one class file: its text, and the ids of the failure or of the findings.
+struct Outcome {
+  std::string text;
+  std::vector<std::string> ids;
+};
+
+// Updates the class Mixer, whose file has this text.
+Outcome updateMixer(std::string_view source) {
+  const std::string& root = PathDispatcher::getDispatcher().classPath().front();
+  const fl::filesystem::OverlayScope overlay(root + "/Mixer.vlm", fl::i18n::to_ustring(source));
+  Outcome outcome;
+  const fl::i18n::MessageListener listener(
+      [&outcome](const resource_core::BaseMsgID& message, const fl::ustring&) {
+        outcome.ids.push_back(message.id);
+      });
+  try {
+    const std::vector<PlannedClass> plan = planUpdate(u"Mixer", 7, false);
+    outcome.text = fl::i18n::to_string(plan.front().result.text);
+    if (plan.front().missingDelimiter) outcome.ids.emplace_back("soca:DelimiterNotFound");
+  } catch (const foundation::core::except::IMsgIDException& failure) {
+    outcome.ids.push_back(failure.GetBaseMsgIDObj().id);
+  } catch (const std::out_of_range&) {
+    outcome.ids.emplace_back("std::out_of_range");
+  }
+  return outcome;
+}
+
+// Whether the piece of source before the fix is a class that shows the fault by itself.
+bool showsItsFault(const MessageExplanation& entry) {
+  const std::set<std::string_view> others{"NoFileForClass", "PFileExists", "CodeAnalyzerError"};
+  return !others.contains(entry.id);
+}
+
+TEST(Explanations, TheSourceBeforeRaisesTheIdAndTheSourceAfterRaisesNone) {
+  for (const auto entries : {fl::i18n::messageExplanations(), fl::i18n::programExplanations()}) {
+    for (const MessageExplanation& entry : entries) {
+      if (!showsItsFault(entry)) continue;
+      EXPECT_EQ(updateMixer(entry.before).ids, std::vector<std::string>{std::string(entry.id)});
+      EXPECT_EQ(updateMixer(entry.after).ids, std::vector<std::string>{}) << entry.id;
+    }
+  }
+}
+
+TEST(Explanations, TheSourceAfterARuleIsWhatTheUpdateMakes) {
+  for (const fl::i18n::RuleExplanation& rule : fl::i18n::ruleExplanations()) {
+    const Outcome outcome = updateMixer(rule.before);
+    EXPECT_EQ(outcome.text, rule.after) << rule.id;
+    EXPECT_EQ(outcome.ids, std::vector<std::string>{}) << rule.id;
+  }
+}
+
+TEST(Explanations, NothingIsLeftOut) {
+  EXPECT_EQ(fl::i18n::messageExplanations().size(), 18U);
+  for (const auto entries : {fl::i18n::messageExplanations(), fl::i18n::programExplanations()}) {
+    for (const MessageExplanation& entry : entries) {
+      for (const std::string_view text :
+           {entry.text, entry.meaning, entry.cause, entry.fix, entry.before, entry.after}) {
+        EXPECT_FALSE(text.empty()) << entry.id;
+      }
+      EXPECT_EQ(entry.rule.empty(), entry.kind == MessageKindType::error) << entry.id;
+      EXPECT_TRUE(entry.rule.empty() || fl::i18n::findRuleExplanation(entry.rule)) << entry.id;
+    }
+  }
+}
+
+TEST(Explanations, AreFoundByShortAndFullId) {
+  const struct {
+    const char* asked;
+    const char* found;
+  } cases[] = {
+      {"SyntaxError", "VELUM:system:Analyzer:SyntaxError"},
+      {"VELUM:system:Analyzer:PFileExists", "VELUM:system:Analyzer:PFileExists"},
+      {"soca:DelimiterNotFound", "soca:DelimiterNotFound"},
+      {"std::out_of_range", "std::out_of_range"},
+  };
+  for (const auto& c : cases) {
+    const MessageExplanation* entry = fl::i18n::findMessageExplanation(c.asked);
+    ASSERT_NE(entry, nullptr) << c.asked;
+    EXPECT_EQ(entry->fullId, c.found);
+  }
+  for (const char* id : {"", "syntaxerror", "Analyzer:SyntaxError", "mixins"}) {
+    EXPECT_EQ(fl::i18n::findMessageExplanation(id), nullptr) << id;
+  }
+  ASSERT_NE(fl::i18n::findRuleExplanation("mixins"), nullptr);
+  EXPECT_EQ(fl::i18n::findRuleExplanation("SyntaxError"), nullptr);
+}
+
+}  // namespace
+}  // namespace soca

@@ -1,0 +1,109 @@
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/failure/LegacyErrorChannel.h"
+#include "platform/failure/Terminate.h"
+#include "platform/messages/MessageCatalog.h"
+#include "platform/messages/MessageListener.h"
+#include "platform/text/Conversions.h"
+
+namespace fl::i18n {
+namespace {
+
+using resource_core::BaseMsgID;
+
+constexpr const char* kCatalog = "VELUM:system:Analyzer";
+
+ustring textOf(const BaseMsgID& message) {
+  return MessageCatalog::get_message(message, Locale::global());
+}
+
+TEST(Messages, ArgumentsAreFilledInOnce) {
+  const struct {
+    const char* shows;
+    BaseMsgID message;
+    ustring text;
+  } cases[] = {
+      {"an 8-bit argument is UTF-8",
+       {{std::string("caf\xC3\xA9")}, kCatalog, "NoFileForClass"},
+       u"No file on the class path belongs to class 'caf\u00E9'."},
+      {"a 16-bit argument comes through unchanged",
+       {{ustring(u"\U0001F600\u00E9")}, kCatalog, "SyntaxError"},
+       u"The file '\U0001F600\u00E9' has syntax errors."},
+      {"a number", {{12L}, kCatalog, "SyntaxError"}, u"The file '12' has syntax errors."},
+      {"a placeholder inside an argument stays",
+       {{ustring(u"{1}"), ustring(u"{0}")}, kCatalog, "ImplNameConflictAfterConversion"},
+       u"Method '{1}' is not converted: the class already has a method '{0}'."},
+      {"one argument, used twice",
+       {{ustring(u"a"), ustring(u"b")}, kCatalog, "LegacyImplReferenced"},
+       u"Method 'a' was converted to 'b', and the source code still refers to 'a'. Change these "
+       u"references."},
+      {"a missing argument leaves its placeholder",
+       {{}, kCatalog, "SyntaxError"},
+       u"The file '{0}' has syntax errors."},
+      {"an unknown id",
+       {{ustring(u"x"), 3L}, kCatalog, "NoSuchId"},
+       u"Message 'VELUM:system:Analyzer:NoSuchId': x, 3"},
+      {"an id of another catalog", {{}, "other", "SyntaxError"}, u"Message 'other:SyntaxError'"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(textOf(c.message), c.text) << c.shows;
+}
+
+TEST(Messages, ListenersHearOfTextsOfTheirThreadInnermostFirst) {
+  std::vector<std::string> heard;
+  const auto note = [&heard](const std::string& who) {
+    return [&heard, who](const BaseMsgID& message, const ustring& text) {
+      heard.push_back(who + " " + message.id + " " + std::to_string(text.size()));
+    };
+  };
+  const BaseMsgID message{{ustring(u"f")}, kCatalog, "SyntaxError"};
+  const MessageListener outer(note("outer"));
+  {
+    const MessageListener inner(note("inner"));
+    textOf(message);
+    MessageCatalog::makeText(message);
+    std::thread([&message] { textOf(message); }).join();
+  }
+  textOf(message);
+  EXPECT_EQ(heard, (std::vector<std::string>{"inner SyntaxError 31", "outer SyntaxError 31",
+                                             "outer SyntaxError 31"}));
+}
+
+TEST(Messages, AListenerMayAskTheCatalogAndMayThrow) {
+  const BaseMsgID message{{ustring(u"f")}, kCatalog, "SyntaxError"};
+  int calls = 0;
+  const MessageListener outer([&calls](const BaseMsgID&, const ustring&) { ++calls; });
+  {
+    const MessageListener inner([&](const BaseMsgID&, const ustring&) {
+      textOf(message);  // the outer one hears of this, the inner one does not
+      throw std::runtime_error("enough");
+    });
+    EXPECT_THROW(textOf(message), std::runtime_error);
+    EXPECT_THROW(textOf(message), std::runtime_error);
+    EXPECT_EQ(calls, 2);
+  }
+  textOf(message);
+  EXPECT_EQ(calls, 3);
+}
+
+TEST(TerminateDeathTest, HandlerIsAskedThenTheProcessEnds) {
+  using foundation::core::diag::setTerminateHandler;
+  using foundation::core::diag::terminate;
+  EXPECT_DEATH(terminate("Broken", "File", 205, "void f()"), "^File:205: void f\\(\\): Broken\n$");
+  EXPECT_DEATH(
+      {
+        setTerminateHandler([](const char* message, const char*, int, const char*) {
+          std::fprintf(stderr, "handler: %s\n", message);
+          terminate("again", "Handler", 1, "g");
+        });
+        terminate("Broken", "File", 205, "f");
+      },
+      "^handler: Broken\nHandler:1: g: again\n$");
+}
+
+}  // namespace
+}  // namespace fl::i18n
