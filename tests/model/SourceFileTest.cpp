@@ -1,0 +1,210 @@
+#include "model/SourceFile.h"
+
+#include <stdexcept>
+
+#include "model/TextSearch.h"
+#include "platform/text/Conversions.h"
+
+namespace soca {
+namespace {
+
+constexpr std::uint64_t allOnes = ~std::uint64_t{0};
+
+struct Edit {
+  Extent extent;
+  const char16_t* text = u"";
+  std::uint64_t options = 0;
+};
+
+struct EditCase {
+  const char* shows;
+  const char16_t* before;
+  std::vector<Edit> edits;
+  const char16_t* after;
+};
+
+const EditCase editCases[] = {
+    {"no edit keeps the text", u"a\n\n b\r\n\tc\n", {}, u"a\n\n b\r\n\tc\n"},
+    {"no line end behind the last line", u"a\nb", {}, u"a\nb"},
+    {"an empty text", u"", {}, u""},
+    {"only line ends", u"\n\n\n", {}, u"\n\n\n"},
+    {"a blank last line goes", u"a\n \t ", {}, u"a\n"},
+    {"a last line with a continuation goes", u"a\n  ... x", {}, u"a\n"},
+    {"a text of one blank line", u"  ", {}, u""},
+    {"an edit inside a line", u"abc\ndef", {{{{0, 1}, {0, 2}}, u"XY"}}, u"aXYc\ndef"},
+    {"an insertion", u"abc", {{{{0, 3}, {0, 3}}, u"!"}}, u"abc!"},
+    {"later columns first",
+     u"abc",
+     {{{{0, 2}, {0, 3}}, u"33"}, {{{0, 0}, {0, 1}}, u"11"}},
+     u"11b33"},
+    {"an end behind the line is the line's end", u"abc\nd", {{{{0, 1}, {0, 9}}, u"X"}}, u"aX\nd"},
+    {"an edited line that is blank goes", u"a\n  b\nc\n", {{{{1, 2}, {1, 3}}}}, u"a\nc\n"},
+    {"an edited line with blanks and a CR goes",
+     u"a\nb\t\v\f \r\nc\n",
+     {{{{1, 0}, {1, 1}}}},
+     u"a\nc\n"},
+    {"an untouched blank line stays", u"a\n\nb\nc\n", {{{{2, 0}, {2, 1}}}}, u"a\n\nc\n"},
+    {"an edited line with a bare continuation goes, comment and all",
+     u"a\nb ... why\nc\n",
+     {{{{1, 0}, {1, 1}}}},
+     u"a\nc\n"},
+    {"an edited line with a point is none", u"a .5\nb\n", {{{{0, 0}, {0, 1}}}}, u" .5\nb\n"},
+    {"text with a line end stays in its line",
+     u"a\nb\n",
+     {{{{0, 1}, {0, 1}}, u";\n  x"}},
+     u"a;\n  x\nb\n"},
+    {"two lines become one", u"abc\ndef\ng\n", {{{{0, 1}, {1, 1}}, u"X"}}, u"aXef\ng\n"},
+    {"of three lines the last keeps its own",
+     u"abc\n?\ndef\ng\n",
+     {{{{0, 1}, {2, 1}}, u"X"}},
+     u"aX\nef\ng\n"},
+    {"a blank rest disappears", u"abc\nde  \ng\n", {{{{0, 1}, {1, 2}}, u"X"}}, u"aX\ng\n"},
+    {"a rest with a continuation disappears",
+     u"abc\nde ...\ng\n",
+     {{{{0, 1}, {1, 2}}, u"X"}},
+     u"aX\ng\n"},
+    {"a whole line", u"a\nb\nc\n", {{{{1, 0}, {2, 0}}}}, u"a\nc\n"},
+    {"a whole line in front of a blank one takes that too",
+     u"a\nb\n  \nc\n",
+     {{{{1, 0}, {2, 0}}}},
+     u"a\nc\n"},
+    {"an end in front of the first column empties the line",
+     u"abc\ndef\ng\n",
+     {{{{0, 1}, {1, allOnes}}, u"X"}},
+     u"aX\ng\n"},
+    {"an end behind the last line's end takes all of it",
+     u"abc\nde\ng\n",
+     {{{{0, 1}, {1, 9}}}},
+     u"a\ng\n"},
+    {"a declaration goes with its terminator and its line",
+     u"classdef C < velum.System\n  properties\n    A = 1;\n    B = 2;\n  end\nend\n",
+     {{{{2, 4}, {2, 9}}, u"", 1}},
+     u"classdef C < velum.System\n  properties\n    B = 2;\n  end\nend\n"},
+    {"a delimiter goes along", u"x = 1;\ny\n", {{{{0, 0}, {0, 5}}, u"", 1}}, u"y\n"},
+    {"one delimiter only", u"x = 1 ,; y\n", {{{{0, 0}, {0, 5}}, u"", 1}}, u"; y\n"},
+    {"blanks behind go to the line's end",
+     u"x = 1 \t \ny\n",
+     {{{{0, 4}, {0, 5}}, u"2", 1}},
+     u"x = 2\ny\n"},
+    {"a comment stops the search", u"x = 1 % why\n", {{{{0, 0}, {0, 5}}, u"", 1}}, u"% why\n"},
+    {"a delimiter behind a continuation",
+     u"x = 1 ... why\n  ; y\nz\n",
+     {{{{0, 0}, {0, 5}}, u"", 1}},
+     u" y\nz\n"},
+    {"a search does not leave a line by itself",
+     u"x = 1\n;\n",
+     {{{{0, 0}, {0, 5}}, u"", 1}},
+     u";\n"},
+    {"a continuation over lines that are gone",
+     u"x ...\na\nb\n; y\n",
+     {{{{0, 5}, {3, 0}}}, {{{0, 0}, {0, 1}}, u"z", 1}},
+     u"z\n y\n"},
+    {"an ampersand goes along", u"< a & b\n", {{{{0, 2}, {0, 3}}, u"", 2}}, u"<  b\n"},
+    {"a list delimiter, then an ampersand", u"a; & b\n", {{{{0, 0}, {0, 1}}, u"", 3}}, u" b\n"},
+    {"a continuation at the end of the text", u"a ...", {{{{0, 0}, {0, 1}}, u"b", 1}}, u"b"},
+    {"blank lines on both sides of a line that was gone become one",
+     u"a\n\nb\nc\n\nd\n",
+     {{{{2, 0}, {3, 1}}}, {{{1, 0}, {3, 0}}}, {{{2, 0}, {2, 0}}, u"x"}},
+     u"a\n\nd\n"},
+};
+
+TEST(SourceFile, Edits) {
+  for (const EditCase& testCase : editCases) {
+    SCOPED_TRACE(testCase.shows);
+    SourceFile file(testCase.before);
+    for (const Edit& edit : testCase.edits) {
+      EXPECT_FALSE(file.findMissingDelimiter(edit.options, edit.extent));
+      file.replace(edit.text, edit.options, edit.extent);
+    }
+    file.removeEmptiedLines();
+    EXPECT_EQ(fl::i18n::to_string(file.getText()), fl::i18n::to_string(testCase.after));
+  }
+}
+
+// A line as its flags and text.
+std::vector<std::string> linesOf(const SourceFile& file) {
+  std::vector<std::string> lines;
+  for (const auto& line : file.getLines()) {
+    lines.push_back(std::to_string(line.flags) + fl::i18n::to_string(line.text));
+  }
+  return lines;
+}
+
+TEST(SourceFile, Flags) {
+  SourceFile file(u"abc\nde\nfg\nhi\n");
+  EXPECT_EQ(linesOf(file), (std::vector<std::string>{"0abc", "0de", "0fg", "0hi", "6"}));
+  file.replace(u"X", 0, {{0, 1}, {2, 1}});
+  EXPECT_EQ(linesOf(file), (std::vector<std::string>{"6aX", "1", "4g", "0hi", "6"}));
+  file.removeEmptiedLines();
+  EXPECT_EQ(linesOf(file), (std::vector<std::string>{"4aX", "1", "4g", "0hi", "1"}));
+  EXPECT_EQ(file.getNumberOfLines(), 5U);
+}
+
+// A line that is gone takes text, and stays gone; blank lines around it may then meet.
+TEST(SourceFile, EditOfALineThatIsGone) {
+  const auto edited = [](const char16_t* text, Extent extent, std::uint64_t firstColumn = 0) {
+    SourceFile file(text);
+    file.replace(u"", 0, {{1, firstColumn}, {3, 0}});  // line 2 goes
+    file.replace(u"x", 0, extent);
+    return linesOf(file);
+  };
+  using Lines = std::vector<std::string>;
+  EXPECT_EQ(edited(u"a\n\nb\n\nc", {{2, 0}, {2, 0}}), (Lines{"0a", "6", "5x", "1", "6c"}));
+  EXPECT_EQ(edited(u"a\n\nb\nd\nc", {{2, 0}, {2, 0}}), (Lines{"0a", "6", "5x", "4d", "6c"}));
+  EXPECT_EQ(edited(u"a\n\nb\nd", {{2, 0}, {3, 0}}), (Lines{"0a", "6", "7x", "6d"}));
+  EXPECT_EQ(edited(u"a\nq\nb\n\nc", {{2, 0}, {2, 0}}, 1), (Lines{"0a", "6q", "5x", "4", "6c"}));
+  SourceFile file(u"q\n\nb\n\nd");
+  file.replace(u"", 0, {{0, 0}, {3, 0}});
+  file.replace(u"x", 0, {{2, 0}, {2, 0}});  // the line before is gone
+  file.replace(u"y", 0, {{1, 0}, {1, 0}});  // the line behind is gone
+  EXPECT_EQ(linesOf(file), (Lines{"6", "5y", "5x", "4", "6d"}));
+}
+
+TEST(SourceFile, MovePastDelimiter) {
+  const SourceFile file(u"a  ;b\nc ...\n  , d\ne % f\ng  \n.x\n&");
+  const fl::ustring list = u";,";
+  EXPECT_EQ(file.movePastDelimiter({0, 1}, list), (SourcePosition{0, 4}));
+  EXPECT_EQ(file.movePastDelimiter({1, 1}, list), (SourcePosition{2, 3}));
+  EXPECT_EQ(file.movePastDelimiter({3, 1}, list), (SourcePosition{3, 2}));
+  EXPECT_EQ(file.movePastDelimiter({4, 1}, list), (SourcePosition{4, 3}));
+  EXPECT_EQ(file.movePastDelimiter({4, 99}, list), (SourcePosition{4, 3}));
+  EXPECT_EQ(file.movePastDelimiter({5, 0}, u"&"), (SourcePosition{6, 1}));
+}
+
+TEST(SourceFile, MissingDelimiter) {
+  const SourceFile file(u"a b; & c\nd ...\n  e");
+  EXPECT_EQ(file.findMissingDelimiter(1, {{0, 0}, {0, 1}}), (SourcePosition{0, 2}));
+  EXPECT_EQ(file.findMissingDelimiter(0, {{0, 0}, {0, 1}}), std::nullopt);
+  EXPECT_EQ(file.findMissingDelimiter(2, {{0, 2}, {0, 3}}), (SourcePosition{0, 3}));
+  EXPECT_EQ(file.findMissingDelimiter(3, {{0, 2}, {0, 3}}), std::nullopt);
+  EXPECT_EQ(file.findMissingDelimiter(3, {{0, 0}, {0, 1}}), (SourcePosition{0, 2}));
+  EXPECT_EQ(file.findMissingDelimiter(1, {{1, 0}, {1, 1}}), (SourcePosition{2, 2}));
+}
+
+TEST(SourceFileDeathTest, MissingDelimiterEndsTheProcess) {
+  SourceFile file(u"a b");
+  EXPECT_DEATH(file.replace(u"", SourceFile::ConsumeListDelimiter, {{0, 0}, {0, 1}}),
+               "SourceFile:205.*movePastDelimiter.*Could not find delimiter");
+}
+
+TEST(SourceFile, StartBehindTheLineThrows) {
+  SourceFile file(u"abc\nd");
+  EXPECT_THROW(file.replace(u"", 0, {{0, 4}, {0, 4}}), std::out_of_range);
+  EXPECT_THROW(file.replace(u"", 0, {{1, 2}, {1, 1}}), std::out_of_range);
+  EXPECT_NO_THROW(file.replace(u"", 0, {{0, 3}, {0, 3}}));
+}
+
+TEST(TextSearch, FindsTheFirstOccurrenceOnly) {
+  EXPECT_EQ(findBehindDot(u"a.Mode2 + b.Mode", u"Mode"), 6U);
+  EXPECT_EQ(findBehindDot(u"Mode.Mod ..Mode", u"Mode"), 15U);
+  EXPECT_EQ(findBehindDot(u"Mode", u"Mode"), fl::ustring_view::npos);
+  EXPECT_EQ(findBehindDot(u"", u"Mode"), fl::ustring_view::npos);
+  // Units that share their low byte do not make it step over an occurrence.
+  EXPECT_EQ(findBehindDot(u"\u014D\u014F.\u014Dode", u"\u014Dode"), 7U);
+  const fl::ustring name(255, u'x');
+  const fl::ustring text = fl::ustring(300, u'y') + u'.' + fl::ustring(254, u'x') + u'.' + name;
+  EXPECT_EQ(findBehindDot(text + u"x", name), 811U);
+}
+
+}  // namespace
+}  // namespace soca

@@ -1,0 +1,116 @@
+#include "service/ActionApplier.h"
+
+#include <stdexcept>
+
+#include "platform/failure/Exception.h"
+#include "platform/text/Conversions.h"
+#include "tests/service/SyntheticActions.h"
+
+namespace soca {
+namespace {
+
+using foundation::core::except::IMsgIDException;
+using testing::edit;
+using testing::group;
+using testing::listOf;
+
+TEST(ActionGroup, Extent) {
+  EXPECT_EQ(group(edit({{{3, 1}, {3, 5}}}))->getExtent(), (Extent{{3, 1}, {3, 5}}));
+  const auto spread =
+      group(edit({{{3, 2}, {4, 1}}}), edit({{{2, 9}, {2, 50}}}), edit({{{3, 8}, {3, 40}}}));
+  EXPECT_EQ(spread->getExtent(), (Extent{{2, 9}, {4, 1}}));
+  constexpr auto allOnes = ~std::uint64_t{0};
+  EXPECT_EQ(group()->getExtent(), (Extent{{allOnes, allOnes}, {0, 0}}));
+}
+
+TEST(ActionGroup, TakesItsChildren) {
+  ActionList children = listOf(edit({}), edit({}));
+  const ActionGroup taken(std::move(children));
+  EXPECT_TRUE(children.empty());  // NOLINT(bugprone-use-after-move): that is the promise
+  EXPECT_EQ(taken.getActions().size(), 2U);
+  EXPECT_TRUE(taken.isGroup());
+  EXPECT_FALSE(taken.getActions().front()->isGroup());
+}
+
+// The text after the actions; "overlap", where one collides.
+std::string applied(const fl::ustring& text, const ActionList& actions) {
+  SourceFile file(text);
+  ActionApplier applier(&file, u"/a/C.vlm");
+  try {
+    for (const auto& action : actions) applier.apply(*action);
+  } catch (const IMsgIDException& failure) {
+    EXPECT_EQ(failure.GetID(), "VELUM:system:Analyzer:OverlappingExtent");
+    EXPECT_NE(fl::i18n::to_string(failure.GetUnicodeMessageTxt()).find("'/a/C.vlm'"),
+              std::string::npos);
+    return "overlap, " + fl::i18n::to_string(file.getText());
+  }
+  return fl::i18n::to_string(file.getText());
+}
+
+TEST(ActionApplier, Overlaps) {
+  struct Row {
+    const char* shows;
+    ActionList actions;
+    const char* expected;
+  };
+  Row rows[] = {
+      {"two that begin on one line", listOf(edit({{{0, 2}, {0, 3}}}), edit({{{0, 0}, {0, 1}}})),
+       "overlap, ab\nd\ne\nf"},
+      {"two that change nothing on one line",
+       listOf(edit({{{0, 2}, {0, 2}}}), edit({{{0, 0}, {0, 0}}})), "overlap, abc\nd\ne\nf"},
+      {"the same two as a group", listOf(group(edit({{{0, 2}, {0, 3}}}), edit({{{0, 0}, {0, 1}}}))),
+       "b\nd\ne\nf"},
+      {"one on the last line of another",
+       listOf(edit({{{0, 3}, {1, 0}}, u"-"}), edit({{{1, 0}, {1, 1}}})), "overlap, abc-d\ne\nf"},
+      {"the other way round",
+       listOf(edit({{{1, 0}, {1, 1}}, u"D"}), edit({{{0, 3}, {1, 0}}, u"-"})), "abc-D\ne\nf"},
+      {"one that runs over another from above",
+       listOf(edit({{{1, 0}, {1, 1}}, u"D"}), edit({{{0, 1}, {2, 0}}})), "ae\nf"},
+      {"one between the children of a group",
+       listOf(group(edit({{{2, 0}, {2, 1}}, u"E"}), edit({{{0, 0}, {0, 1}}, u"A"})),
+              edit({{{1, 0}, {1, 1}}})),
+       "overlap, Abc\nd\nE\nf"},
+      {"two groups on one line",
+       listOf(group(edit({{{0, 2}, {0, 3}}})), group(edit({{{0, 0}, {0, 1}}}))),
+       "overlap, ab\nd\ne\nf"},
+      {"behind a group the test goes on",
+       listOf(group(edit({{{0, 0}, {0, 1}}})), edit({{{1, 0}, {1, 1}}, u"D"}),
+              edit({{{1, 0}, {1, 0}}})),
+       "overlap, bc\nD\ne\nf"},
+      {"a group in a group does nothing",
+       listOf(group(group(edit({{{1, 0}, {1, 1}}})), edit({{{0, 0}, {0, 1}}}))), "bc\nd\ne\nf"},
+      {"and is claimed with it",
+       listOf(group(group(edit({{{1, 0}, {1, 1}}})), edit({{{0, 0}, {0, 1}}})),
+              edit({{{1, 0}, {1, 0}}})),
+       "overlap, bc\nd\ne\nf"},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(applied(u"abc\nd\ne\nf", row.actions), row.expected) << row.shows;
+  }
+}
+
+TEST(ActionApplier, TakesDelimitersAlong) {
+  EXPECT_EQ(
+      applied(u"a ;b", listOf(edit({{{0, 0}, {0, 1}}, u"x", SourceFile::ConsumeListDelimiter}))),
+      "xb");
+  EXPECT_EQ(applied(u"a ;b", listOf(edit({{{0, 0}, {0, 1}}, u"x"}))), "x ;b");
+}
+
+TEST(ActionApplier, StaleColumnsOfAGroupPassThrough) {
+  const ActionList actions = listOf(group(edit({{{0, 0}, {0, 3}}}), edit({{{0, 2}, {0, 3}}})));
+  EXPECT_THROW(applied(u"abc", actions), std::out_of_range);
+}
+
+TEST(ActionApplier, StopsInFrontOfAMissingDelimiter) {
+  SourceFile file(u"abc\nd e\nf");
+  ActionApplier applier(&file, u"/a/C.vlm");
+  EXPECT_EQ(applier.applyUnlessDelimiterMissing(*edit({{{0, 0}, {0, 1}}})), std::nullopt);
+  const auto failing = group(edit({{{2, 0}, {2, 1}}, u"F"}), edit({{{1, 0}, {1, 1}}, u"D", 1}),
+                             edit({{{1, 0}, {1, 0}}, u"X"}));
+  EXPECT_EQ(applier.applyUnlessDelimiterMissing(*failing), (SourcePosition{1, 2}));
+  EXPECT_EQ(fl::i18n::to_string(file.getText()), "bc\nd e\nF");
+  EXPECT_THROW(applier.applyUnlessDelimiterMissing(*edit({{{2, 0}, {2, 0}}})), IMsgIDException);
+}
+
+}  // namespace
+}  // namespace soca
