@@ -1,0 +1,30 @@
+// Writes the text of one made-up class, such as people write them.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "bench/Dice.h"
+
+namespace bench {
+
+enum class FormType {
+  current,   // nothing is to be changed
+  outdated,  // something of each kind that can be converted
+};
+
+struct ClassShape {
+  std::string name;  // without its package
+  std::string base;  // with its package; empty for a class directly below the environment's
+  FormType form = FormType::current;
+  std::uint64_t seed = 0;
+  // Methods are added until the text has this many bytes. 5000 makes about 150 lines.
+  std::size_t minimumBytes = 0;
+};
+
+// The text of a class file, UTF-8.
+std::string writeClass(const ClassShape& shape);
+
+}  // namespace bench
