@@ -1,0 +1,33 @@
+#include "cli/Ancestry.h"
+
+#include "platform/runtime/ClassDescription.h"
+
+namespace soca::cli {
+
+using sotarn::ClassOriginType;
+
+Ancestry::Ancestry(std::string_view className) {
+  add(std::string(className), {});
+  for (std::size_t i = 0; i < classes_.size(); ++i) look(i);
+}
+
+void Ancestry::add(const std::string& name, const std::string& namedBy) {
+  if (met_.insert(name).second) {
+    classes_.push_back({name, namedBy});
+  } else if (name == classes_.front().name) {
+    isCyclic_ = true;
+  }
+}
+
+void Ancestry::look(std::size_t index) {
+  const Class current = classes_[index];
+  const auto description = sotarn::describeClass(current.name);
+  const bool isPFile = description != nullptr && description->origin == ClassOriginType::pFileOnly;
+  if (index > 0 && (description == nullptr || isPFile)) {
+    missing_.push_back({current.name, current.namedBy, isPFile});
+  }
+  if (description == nullptr) return;
+  for (const std::string& super : description->superClasses) add(super, current.name);
+}
+
+}  // namespace soca::cli

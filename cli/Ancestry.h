@@ -1,0 +1,47 @@
+// The classes that a class derives from.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+namespace soca::cli {
+
+// Asks the class runtime for each class once, nearest first. Names are in UTF-8.
+class Ancestry {
+ public:
+  explicit Ancestry(std::string_view className);
+
+  // A class of which nothing is known.
+  struct Missing {
+    std::string name;
+    // The class that names it.
+    std::string namedBy;
+    bool isPFile = false;
+  };
+
+  const std::vector<Missing>& missing() const { return missing_; }
+  // Whether the class derives from itself over others.
+  bool isCyclic() const { return isCyclic_; }
+  // Whether the class names any superclass at all.
+  bool hasSuperClasses() const { return classes_.size() > 1; }
+  // Whether the class is this one or derives from it.
+  bool contains(const std::string& className) const { return met_.contains(className); }
+
+ private:
+  struct Class {
+    std::string name;
+    std::string namedBy;
+  };
+
+  void add(const std::string& name, const std::string& namedBy);
+  void look(std::size_t index);
+
+  std::vector<Class> classes_;
+  std::unordered_set<std::string> met_;
+  std::vector<Missing> missing_;
+  bool isCyclic_ = false;
+};
+
+}  // namespace soca::cli

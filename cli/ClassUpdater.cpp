@@ -1,0 +1,281 @@
+#include "cli/ClassUpdater.h"
+
+#include <fmt/core.h>
+#include <time.h>
+
+#include <memory>
+#include <stdexcept>
+#include <unordered_set>
+#include <utility>
+
+#include "cli/Checks.h"
+#include "cli/ClassMembers.h"
+#include "cli/FileWriter.h"
+#include "cli/Hints.h"
+#include "cli/InternalErrors.h"
+#include "cli/UnifiedDiff.h"
+#include "platform/analyzer/Analyzer.h"
+#include "platform/paths/Overlay.h"
+#include "platform/paths/SourceReader.h"
+#include "platform/text/Conversions.h"
+
+namespace soca::cli {
+namespace {
+
+using fl::i18n::to_string;
+using fl::i18n::to_ustring;
+
+// A fault that the program itself finds; `what` is the message.
+class ClassFault : public std::runtime_error {
+ public:
+  ClassFault(std::string id, const std::string& what)
+      : std::runtime_error(what), id_(std::move(id)) {}
+  const std::string& id() const { return id_; }
+
+ private:
+  std::string id_;
+};
+
+Failure makeFailure(const Target& target, std::string id, std::string message) {
+  Failure failure;
+  failure.className = target.className;
+  failure.id = std::move(id);
+  failure.message = std::move(message);
+  return failure;
+}
+
+// --- targets that are no classes, and classes that are none of ours ---
+
+TargetOutcome outcomeOfHidden(const Target& target) {
+  TargetOutcome outcome;
+  Failure failure = makeFailure(
+      target, "soca:HiddenFile",
+      fmt::format("The file '{}' is not the one that the class path has for class '{}'.",
+                  target.path, target.className));
+  failure.hints = {fmt::format("the file '{}' comes first", target.hiddenBy)};
+  if (target.isNamed) {
+    outcome.failures.push_back(std::move(failure));
+  } else {
+    outcome.skipped = std::move(failure);
+  }
+  return outcome;
+}
+
+TargetOutcome outcomeOfUnreadable(const Target& target) {
+  TargetOutcome outcome;
+  outcome.failures.push_back(makeFailure(
+      target, "soca:FolderUnreadable",
+      fmt::format("The folder '{}' could not be read: {}.", target.path, target.reason)));
+  return outcome;
+}
+
+bool hasShortId(const Failure& failure, std::string_view id) { return failure.id.ends_with(id); }
+
+// Whether the failure is about the class that was asked for, and not about a superclass.
+bool isAboutItself(const Failure& failure, const Target& target) {
+  const auto stem = stemOfClassFile(target.path);
+  return failure.argument == target.className ||
+         (stem && failure.argument == fmt::format("{}.vlm", *stem));
+}
+
+// A tree holds much that is none of ours: what no argument names is then no failure.
+void addFailure(const Target& target, Failure failure, TargetOutcome& outcome) {
+  const bool isNoneOfOurs =
+      (hasShortId(failure, ":NotASystemObject") || hasShortId(failure, ":PFileExists")) &&
+      isAboutItself(failure, target);
+  if (target.isNamed || !isNoneOfOurs || failure.file == FileVerdict::Type::isUnreadable) {
+    outcome.failures.push_back(std::move(failure));
+  } else if (failure.file == FileVerdict::Type::holdsClass) {
+    outcome.skipped = std::move(failure);
+  } else {
+    outcome.hasNoClass = true;
+  }
+}
+
+Failure describeMissingDelimiter(const Target& target, const PlannedClass& planned) {
+  Failure failure = makeFailure(target, "soca:DelimiterNotFound", {});
+  failure.message = programMessage(failure.id);
+  failure.hints = {fmt::format("line {}, column {} of '{}' has something else than a delimiter",
+                               planned.missingDelimiter->line + 1,
+                               planned.missingDelimiter->column + 1,
+                               to_string(planned.result.fileName))};
+  return failure;
+}
+
+// --- the new file ---
+
+constexpr timespec settlingTime = {0, 25'000'000};
+
+// The file as it was when it was analysed, with a stamp that will show any later change.
+fl::filesystem::SourceFileText readAnalysedFile(const std::string& path,
+                                                const ca::AnalysisResult& analysis,
+                                                bool wantsSureStamp) {
+  try {
+    for (int attempts = 0; attempts < 4; ++attempts) {
+      auto file = fl::filesystem::readSourceFile(path, ca::maximumFileSize);
+      if (file.text != analysis.sourceTextView()) break;
+      if (!wantsSureStamp || !file.recentlyChanged) return file;
+      ::nanosleep(&settlingTime, nullptr);
+    }
+  } catch (const fl::filesystem::ReadError&) {
+    // It could be read a moment ago.
+  }
+  throw ClassFault("soca:FileChanged",
+                   fmt::format("The file '{}' changed while it was looked at.", path));
+}
+
+std::string encodeNewText(const PlannedClass& planned, fl::EncodingType encoding) {
+  auto bytes = fl::encodeFileText(planned.result.text, encoding);
+  if (bytes) return std::move(*bytes);
+  throw ClassFault(
+      "soca:TextNotEncodable",
+      fmt::format("The new text of the file '{}' has characters that its encoding, {}, "
+                  "does not have.",
+                  to_string(planned.result.fileName),
+                  encoding == fl::EncodingType::utf8 ? "UTF-8" : "ISO-8859-1"));
+}
+
+void checkReplaceable(const std::string& path) {
+  const auto reason = findReasonNotToReplace(path);
+  if (!reason) return;
+  throw ClassFault("soca:FileNotReplaceable",
+                   fmt::format("The file '{}' can't be replaced: {}.", path, *reason));
+}
+
+// --- the outcome of a class ---
+
+void countEdits(const PlannedClass& planned, ClassOutcome& outcome) {
+  for (const PlannedAction& action : planned.actions) {
+    ++outcome.editCounts[static_cast<std::size_t>(action.family)];
+  }
+}
+
+// The methods that are called differently, or are gone, afterwards.
+void listChangedMethods(const PlannedClass& planned, const ca::AnalysisResult& updated,
+                        ClassOutcome& outcome) {
+  if (outcome.editCounts[static_cast<std::size_t>(RuleFamilyType::impl)] == 0) return;
+  const auto namesOf = [](const ca::AnalysisResult& analysis) {
+    std::vector<std::string> names;
+    for (const DeclaredMethod& method : declaredMethods(analysis)) {
+      names.push_back(to_string(method.name));
+    }
+    return names;
+  };
+  const auto without = [](const std::vector<std::string>& names,
+                          const std::vector<std::string>& others) {
+    const std::unordered_set<std::string> known(others.begin(), others.end());
+    std::vector<std::string> rest;
+    for (const std::string& name : names) {
+      if (!known.contains(name)) rest.push_back(name);
+    }
+    return rest;
+  };
+  const auto before = namesOf(*planned.analysis);
+  const auto after = namesOf(updated);
+  outcome.gainedMethods = without(after, before);
+  outcome.deletedMethods = without(before, after);
+}
+
+// A second update, of the new text.
+struct SecondUpdate {
+  std::shared_ptr<ca::AnalysisResult> analysis;
+  bool changesAgain = false;
+};
+
+SecondUpdate updateAgain(const PlannedClass& planned, UpdateMask rules) {
+  const fl::filesystem::OverlayScope overlay(to_string(planned.result.fileName),
+                                             planned.result.text);
+  try {
+    const auto again = planUpdate(planned.result.className, rules, false);
+    return {again.front().analysis, again.front().missingDelimiter.has_value() ||
+                                        again.front().result.text != planned.result.text};
+  } catch (const std::exception&) {
+    // Whatever keeps the second update from ending well: it does not leave the text as it is.
+    return {ca::analyzeText(planned.result.text), true};
+  }
+}
+
+}  // namespace
+
+TargetOutcome ClassUpdater::update(const Target& target) const {
+  switch (target.type) {
+    case Target::Type::hidden:
+      return outcomeOfHidden(target);
+    case Target::Type::unreadable:
+      return outcomeOfUnreadable(target);
+    case Target::Type::noClass: {
+      TargetOutcome outcome;
+      outcome.hasNoClass = true;
+      return outcome;
+    }
+    case Target::Type::aClass:
+      break;
+  }
+  return updateClass(target);
+}
+
+TargetOutcome ClassUpdater::updateClass(const Target& target) const {
+  const CurrentClass current(target.className);
+  TargetOutcome outcome;
+  try {
+    const FindingsListener listener;
+    for (const PlannedClass& planned :
+         planUpdate(to_ustring(target.className), wishes_.rules, wishes_.includeSuperclasses)) {
+      if (planned.missingDelimiter) {
+        outcome.failures.push_back(describeMissingDelimiter(target, planned));
+        continue;
+      }
+      try {
+        outcome.classes.push_back(makeOutcome(planned, listener));
+      } catch (const ClassFault& fault) {
+        outcome.failures.push_back(makeFailure(target, fault.id(), fault.what()));
+      }
+    }
+  } catch (...) {
+    addFailure(target,
+               describer_.describeCurrentException(
+                   {target.className, wishes_.rules, wishes_.includeSuperclasses}),
+               outcome);
+  }
+  return outcome;
+}
+
+ClassOutcome ClassUpdater::makeOutcome(const PlannedClass& planned,
+                                       const FindingsListener& listener) const {
+  ClassOutcome outcome;
+  outcome.className = to_string(planned.result.className);
+  outcome.file = to_string(planned.result.fileName);
+  outcome.updated = planned.result.updated;
+  outcome.changed = planned.result.text != planned.analysis->sourceTextView();
+  if (wishes_.text) outcome.text = to_string(planned.result.text);
+  outcome.findings = listener.findingsOf(planned);
+  if (wishes_.hints) outcome.hints = hintsOnMissingSuperClasses(outcome.className, *roots_);
+  countEdits(planned, outcome);
+  if (outcome.changed) checkNewText(planned, outcome);
+  return outcome;
+}
+
+void ClassUpdater::checkNewText(const PlannedClass& planned, ClassOutcome& outcome) const {
+  const SecondUpdate second = updateAgain(planned, wishes_.rules);
+  if (auto reason = findReasonToRefuse(planned, *second.analysis)) {
+    outcome.refusal = std::move(*reason);
+    return;
+  }
+  outcome.changesAgain = second.changesAgain;
+  listChangedMethods(planned, *second.analysis, outcome);
+  makeNewFile(planned, outcome);
+}
+
+void ClassUpdater::makeNewFile(const PlannedClass& planned, ClassOutcome& outcome) const {
+  const auto file = readAnalysedFile(outcome.file, *planned.analysis, wishes_.newBytes);
+  std::string bytes = encodeNewText(planned, file.encoding);
+  checkReplaceable(outcome.file);
+  if (wishes_.diff) {
+    const auto oldBytes = fl::encodeFileText(file.text, file.encoding);
+    outcome.diff = unifiedDiff(names_->inDiff(outcome.file), *oldBytes, bytes);
+  }
+  outcome.stamp = file.stamp;
+  if (wishes_.newBytes) outcome.newBytes = std::move(bytes);
+}
+
+}  // namespace soca::cli

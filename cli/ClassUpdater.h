@@ -1,0 +1,51 @@
+// The update of one class, computed and checked but not yet shown or written.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/ClassRoots.h"
+#include "cli/Failures.h"
+#include "cli/FileNames.h"
+#include "cli/Findings.h"
+#include "cli/Outcome.h"
+#include "cli/Targets.h"
+#include "service/UpdatePlan.h"
+#include "soca/Updater.h"
+
+namespace soca::cli {
+
+// What to compute, and what of the outcome somebody wants to see; the rest is left empty.
+struct UpdateWishes {
+  UpdateMask rules = 7;
+  bool includeSuperclasses = false;
+  bool diff = false;
+  bool text = false;
+  bool hints = false;
+  bool newBytes = false;
+};
+
+// May be used by several threads at once.
+class ClassUpdater {
+ public:
+  // Both pointers must outlive this object.
+  ClassUpdater(const ClassRoots* roots, const FileNames* names, UpdateWishes wishes)
+      : roots_(roots), names_(names), wishes_(wishes), describer_(roots, names) {}
+
+  // Never throws: what goes wrong becomes a failure of the target's class.
+  TargetOutcome update(const Target& target) const;
+
+ private:
+  TargetOutcome updateClass(const Target& target) const;
+  ClassOutcome makeOutcome(const PlannedClass& planned, const FindingsListener& listener) const;
+  // Fills in what there is only for a changed text.
+  void checkNewText(const PlannedClass& planned, ClassOutcome& outcome) const;
+  void makeNewFile(const PlannedClass& planned, ClassOutcome& outcome) const;
+
+  const ClassRoots* roots_;
+  const FileNames* names_;
+  UpdateWishes wishes_;
+  FailureDescriber describer_;
+};
+
+}  // namespace soca::cli

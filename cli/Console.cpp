@@ -1,0 +1,91 @@
+#include "cli/Console.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+#include "cli/Signals.h"
+
+namespace soca::cli {
+namespace {
+
+constexpr std::size_t bufferSize = std::size_t{1} << 16U;
+
+bool isSet(const char* variable) {
+  const char* value = std::getenv(variable);
+  return value != nullptr && *value != '\0';
+}
+
+bool isForced() {
+  const char* value = std::getenv("FORCE_COLOR");
+  return value != nullptr && *value != '\0' && std::strcmp(value, "0") != 0;
+}
+
+bool isDumbTerminal() {
+  const char* term = std::getenv("TERM");
+  return term == nullptr || std::strcmp(term, "dumb") == 0;
+}
+
+bool wantsColor(ColorType color, const Output& output) {
+  if (color != ColorType::automatic) return color == ColorType::always;
+  if (isSet("NO_COLOR")) return false;
+  if (isForced()) return true;
+  return output.isTerminal() && !isDumbTerminal();
+}
+
+}  // namespace
+
+void Output::write(std::string_view text) {
+  if (buffer_.size() + text.size() > bufferSize) flush();
+  if (text.size() > bufferSize) return writeThrough(text);
+  buffer_ += text;
+}
+
+void Output::flush() {
+  writeThrough(buffer_);
+  buffer_.clear();
+}
+
+void Output::writeThrough(std::string_view text) {
+  while (!text.empty() && error_ == 0) {
+    const ssize_t written = ::write(descriptor_, text.data(), text.size());
+    if (written >= 0) {
+      text.remove_prefix(static_cast<std::size_t>(written));
+    } else if (errno != EINTR || wasInterrupted()) {
+      // Nobody may be reading any more when the user wants the program to end.
+      error_ = errno;
+    }
+  }
+}
+
+bool Output::isTerminal() const { return ::isatty(descriptor_) == 1; }
+
+void Console::setColor(ColorType color) {
+  colorsOut_ = wantsColor(color, out_);
+  colorsErr_ = wantsColor(color, err_);
+}
+
+void Console::printError(std::string_view text) {
+  out_.flush();
+  err_.write(text);
+  err_.flush();
+}
+
+void Console::complain(std::string_view what) {
+  std::string line = colorsErr_ ? "\x1b[1msoca:\x1b[m " : "soca: ";
+  line += what;
+  line += '\n';
+  printError(line);
+}
+
+bool Console::finish() {
+  out_.flush();
+  err_.flush();
+  if (out_.error() == 0 || out_.error() == EINTR) return true;
+  complain(std::string("standard output could not be written: ") + std::strerror(out_.error()));
+  return false;
+}
+
+}  // namespace soca::cli

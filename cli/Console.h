@@ -1,0 +1,61 @@
+// Where the program prints: data to standard output, all else to standard error.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace soca::cli {
+
+// A stream to a file descriptor, which it does not own. What is left in the buffer at the end is
+// lost unless `flush` was called.
+class Output {
+ public:
+  explicit Output(int descriptor) : descriptor_(descriptor) {}
+  Output(const Output&) = delete;
+  Output& operator=(const Output&) = delete;
+
+  // A failure to write is remembered, and from then on everything is dropped.
+  void write(std::string_view text);
+  void flush();
+
+  // The number of the first error, 0 if all went well.
+  int error() const { return error_; }
+  bool isTerminal() const;
+
+ private:
+  void writeThrough(std::string_view text);
+
+  int descriptor_;
+  int error_ = 0;
+  std::string buffer_;
+};
+
+enum class ColorType { automatic, always, never };
+
+// The two streams of a process. On a terminal what comes later is shown later, whichever stream it
+// went to.
+class Console {
+ public:
+  Console(int outDescriptor, int errDescriptor) : out_(outDescriptor), err_(errDescriptor) {}
+
+  // Decides about colours, for which the environment and the terminals are asked.
+  void setColor(ColorType color);
+  bool colorsOut() const { return colorsOut_; }
+
+  void print(std::string_view text) { out_.write(text); }
+  // Everything printed so far goes out first.
+  void printError(std::string_view text);
+  // One line "soca: <what>".
+  void complain(std::string_view what);
+
+  // Sends everything out. False, with a complaint, if some of the data could not be written.
+  bool finish();
+
+ private:
+  Output out_;
+  Output err_;
+  bool colorsOut_ = false;
+  bool colorsErr_ = false;
+};
+
+}  // namespace soca::cli

@@ -1,0 +1,16 @@
+// How the program ends.
+#pragma once
+
+namespace soca::cli {
+
+enum class ExitCodeType : int {
+  done = 0,
+  // Only with `--check`: some class would change, and none failed.
+  somethingToChange = 1,
+  // A class failed or was refused, or the command line was wrong.
+  failed = 2,
+  interrupted = 130,
+  terminated = 143,
+};
+
+}  // namespace soca::cli

@@ -1,0 +1,29 @@
+// The messages of an update with what their finished texts no longer tell: their ids and places.
+#pragma once
+
+#include <unordered_map>
+#include <vector>
+
+#include "cli/Outcome.h"
+#include "platform/failure/BaseMsgID.h"
+#include "platform/messages/MessageListener.h"
+#include "platform/text/UString.h"
+#include "service/UpdatePlan.h"
+
+namespace soca::cli {
+
+// Hears, while it lives, which messages this thread makes texts of.
+class FindingsListener {
+ public:
+  FindingsListener();
+
+  // The messages of the class, in their order. The line is that of the property or method that the
+  // message is about.
+  std::vector<Finding> findingsOf(const PlannedClass& planned) const;
+
+ private:
+  std::unordered_map<fl::ustring, resource_core::BaseMsgID> messages_;
+  fl::i18n::MessageListener listener_;
+};
+
+}  // namespace soca::cli

@@ -1,0 +1,15 @@
+// What `--help` and `--version` print.
+#pragma once
+
+#include <string>
+
+#include "cli/Options.h"
+
+namespace soca::cli {
+
+// Help on a command, or with CommandType::help on the program as a whole.
+std::string helpText(CommandType subject);
+
+std::string versionText();
+
+}  // namespace soca::cli

@@ -1,0 +1,104 @@
+#include "cli/JsonFormat.h"
+
+#include <cstddef>
+#include <nlohmann/json.hpp>
+#include <utility>
+
+namespace soca::cli {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// In one line. What is no UTF-8 can't come here, but must not end the run either.
+std::string dump(const Json& json) {
+  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+std::string joinHints(const std::vector<std::string>& hints) {
+  std::string text;
+  for (const std::string& hint : hints) {
+    if (!text.empty()) text += '\n';
+    text += hint;
+  }
+  return text;
+}
+
+void addHint(const std::vector<std::string>& hints, Json& json) {
+  if (!hints.empty()) json["hint"] = joinHints(hints);
+}
+
+Json diagnosticsOf(const Failure& failure) {
+  Json list = Json::array();
+  for (const ca::Diagnostic& diagnostic : failure.diagnostics) {
+    list.push_back({{"line", diagnostic.line + 1},
+                    {"column", diagnostic.column + 1},
+                    {"message", diagnostic.message}});
+  }
+  return list;
+}
+
+Json headOf(const Failure& failure) {
+  return {{"class", failure.className}, {"id", failure.id}, {"message", failure.message}};
+}
+
+}  // namespace
+
+std::string JsonReport::dataOf(const ClassOutcome& outcome) const {
+  Json messages = Json::array();
+  for (const Finding& finding : outcome.findings) messages.push_back(finding.text);
+  Json json = {{"class", outcome.className},
+               {"file", outcome.file},
+               {"updated", outcome.updated},
+               {"text", outcome.text},
+               {"messages", std::move(messages)}};
+  addHint(outcome.hints, json);
+  if (outcome.isRefused()) json["refused"] = outcome.refusal;
+  return dump(json);
+}
+
+void JsonReport::printData(const std::string& data) {
+  beginResults();
+  console_->print(hasResults_ ? ",\n  " : "\n  ");
+  console_->print(data);
+  hasResults_ = true;
+}
+
+void JsonReport::addFailure(const Failure& failure) {
+  Json json = headOf(failure);
+  json["diagnostics"] = diagnosticsOf(failure);
+  addHint(failure.hints, json);
+  errors_.push_back(dump(json));
+}
+
+void JsonReport::addSkipped(const Failure& failure) {
+  Json json = headOf(failure);
+  addHint(failure.hints, json);
+  skipped_.push_back(dump(json));
+}
+
+void JsonReport::finish() {
+  beginResults();
+  console_->print("]");
+  printList("errors", errors_);
+  printList("skipped", skipped_);
+  console_->print("}\n");
+}
+
+void JsonReport::beginResults() {
+  if (hasBegun_) return;
+  console_->print("{\"version\": 1,\n \"results\": [");
+  hasBegun_ = true;
+}
+
+void JsonReport::printList(const char* name, const std::vector<std::string>& entries) {
+  console_->print(",\n \"");
+  console_->print(name);
+  console_->print("\": [");
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    console_->print(i == 0 ? "\n  " : ",\n  ");
+    console_->print(entries[i]);
+  }
+  console_->print("]");
+}
+
+}  // namespace soca::cli

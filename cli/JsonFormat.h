@@ -1,0 +1,45 @@
+// An update as a JSON document.
+//
+//   {"version": 1,
+//    "results": [{"class": "a.B", "file": "/abs/a/B.vlm", "updated": true, "text": "...",
+//                 "messages": ["..."]}],
+//    "errors": [{"class": "a.C", "id": "VELUM:system:Analyzer:SyntaxError", "message": "...",
+//                "diagnostics": [{"line": 3, "column": 5, "message": "..."}], "hint": "..."}],
+//    "skipped": [{"class": "a.D", "id": "...", "message": "...", "hint": "..."}]}
+//
+// Lines and columns are one-based. `hint` is there when there is one; a result that is refused has
+// the reason under `refused`.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/UpdateReport.h"
+
+namespace soca::cli {
+
+// Results are printed as they come; errors and skipped classes are kept for the end.
+class JsonReport : public UpdateReport {
+ public:
+  // `console` must outlive the report.
+  explicit JsonReport(Console* console) : console_(console) {}
+
+  std::string dataOf(const ClassOutcome& outcome) const override;
+  void printData(const std::string& data) override;
+  void printNotes(const ClassOutcome&) override {}
+  void addFailure(const Failure& failure) override;
+  void addSkipped(const Failure& failure) override;
+  void finish() override;
+
+ private:
+  void beginResults();
+  void printList(const char* name, const std::vector<std::string>& entries);
+
+  Console* console_;
+  bool hasBegun_ = false;
+  bool hasResults_ = false;
+  std::vector<std::string> errors_;
+  std::vector<std::string> skipped_;
+};
+
+}  // namespace soca::cli

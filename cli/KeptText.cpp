@@ -1,0 +1,203 @@
+#include "cli/KeptText.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <cstddef>
+
+#include "model/SourceFile.h"
+
+namespace soca::cli {
+namespace {
+
+constexpr fl::ustring_view blanks = u"\t\n\v\f\r ";
+constexpr fl::ustring_view continuation = u"...";
+
+// The lines of a text without their line ends; a text that ends in one has an empty last line.
+std::vector<fl::ustring_view> splitLines(fl::ustring_view text) {
+  std::vector<fl::ustring_view> lines;
+  while (true) {
+    const std::size_t end = text.find(u'\n');
+    lines.push_back(text.substr(0, end));
+    if (end == fl::ustring_view::npos) return lines;
+    text.remove_prefix(end + 1);
+  }
+}
+
+// A line that is dropped once an edit touched it.
+bool isDropped(fl::ustring_view line) {
+  const std::size_t first = line.find_first_not_of(blanks);
+  return first == fl::ustring_view::npos || line.substr(first).starts_with(continuation);
+}
+
+// One edit as it lies in the old text.
+struct PlacedEdit {
+  SourcePosition start;
+  SourcePosition end;
+  fl::ustring_view text;
+  // Of two insertions at one place the one that is made later comes to stand in front.
+  std::size_t number = 0;
+};
+
+class Placer {
+ public:
+  explicit Placer(const std::vector<fl::ustring_view>& lines) : lines_(lines) {}
+
+  std::vector<PlacedEdit> place(const std::vector<PlannedAction>& actions) const {
+    std::vector<PlacedEdit> edits;
+    for (const PlannedAction& action : actions) {
+      for (const PlannedEdit& edit : action.edits) edits.push_back(place(edit, edits.size()));
+    }
+    std::ranges::stable_sort(edits, [](const PlacedEdit& left, const PlacedEdit& right) {
+      if (left.start != right.start) return left.start < right.start;
+      return left.number > right.number;
+    });
+    return edits;
+  }
+
+ private:
+  PlacedEdit place(const PlannedEdit& edit, std::size_t number) const {
+    SourcePosition end = edit.extent.end;
+    if ((edit.delimiterFlags & SourceFile::ConsumeListDelimiter) != 0) {
+      end = behindDelimiter(end, u";,");
+    }
+    if ((edit.delimiterFlags & SourceFile::ConsumeAmpersand) != 0) end = behindDelimiter(end, u"&");
+    return {edit.extent.start, end, edit.text, number};
+  }
+
+  // Where a search for a delimiter ends: behind it, in front of a comment, or at a line's end.
+  SourcePosition behindDelimiter(SourcePosition position, fl::ustring_view delimiters) const {
+    while (position.line < lines_.size()) {
+      const fl::ustring_view line = lines_[position.line];
+      const std::size_t column = line.find_first_not_of(blanks, position.column);
+      if (column == fl::ustring_view::npos) return {position.line, line.size()};
+      if (delimiters.find(line[column]) != fl::ustring_view::npos) {
+        return {position.line, column + 1};
+      }
+      if (line[column] != u'.') return {position.line, column};
+      position = {position.line + 1, 0};
+    }
+    return {lines_.size() - 1, lines_.back().size()};
+  }
+
+  const std::vector<fl::ustring_view>& lines_;
+};
+
+bool isInside(const SourcePosition& position, const std::vector<fl::ustring_view>& lines) {
+  return position.line < lines.size() && position.column <= lines[position.line].size();
+}
+
+// What is wrong with the places of the edits.
+std::optional<std::string> findMisplacedEdit(const std::vector<PlacedEdit>& edits,
+                                             const std::vector<fl::ustring_view>& lines) {
+  for (std::size_t i = 0; i < edits.size(); ++i) {
+    const PlacedEdit& edit = edits[i];
+    if (!isInside(edit.start, lines) || !isInside(edit.end, lines) || edit.end < edit.start) {
+      return fmt::format("an edit of line {} lies outside the text", edit.start.line + 1);
+    }
+    if (i > 0 && edit.start < edits[i - 1].end) {
+      return fmt::format("two edits overlap on line {}", edit.start.line + 1);
+    }
+  }
+  return std::nullopt;
+}
+
+// What a line of the old text becomes.
+struct EditedLine {
+  fl::ustring text;
+  bool isTouched = false;
+  // Whether an edit took the line end away, so that the next line may follow without one.
+  bool mayJoinNext = false;
+};
+
+// Builds the new text line by line from the old one and its edits.
+class Rebuilder {
+ public:
+  Rebuilder(const std::vector<fl::ustring_view>& lines, const std::vector<PlacedEdit>& edits)
+      : lines_(lines), edits_(edits) {}
+
+  std::vector<EditedLine> rebuild() {
+    for (const PlacedEdit& edit : edits_) apply(edit);
+    copyUntil({lines_.size() - 1, lines_.back().size()});
+    result_.back().isTouched = true;
+    return std::move(result_);
+  }
+
+ private:
+  void apply(const PlacedEdit& edit) {
+    copyUntil(edit.start);
+    EditedLine& line = result_.back();
+    line.text += edit.text;
+    line.isTouched = true;
+    if (edit.end.line == edit.start.line) {
+      position_ = edit.end;
+      return;
+    }
+    line.mayJoinNext = true;
+    position_ = edit.end;
+    result_.push_back({.text = {}, .isTouched = true});
+  }
+
+  // Copies the old text from where the last edit ended.
+  void copyUntil(const SourcePosition& end) {
+    while (position_.line < end.line) {
+      result_.back().text += lines_[position_.line].substr(position_.column);
+      result_.emplace_back();
+      position_ = {position_.line + 1, 0};
+    }
+    result_.back().text += lines_[end.line].substr(position_.column, end.column - position_.column);
+    position_ = end;
+  }
+
+  const std::vector<fl::ustring_view>& lines_;
+  const std::vector<PlacedEdit>& edits_;
+  SourcePosition position_;
+  std::vector<EditedLine> result_{EditedLine()};
+};
+
+// Takes line after line off the front of the new text. False if it is another text.
+class Matcher {
+ public:
+  explicit Matcher(fl::ustring_view text) : rest_(text) {}
+
+  bool take(fl::ustring_view text) {
+    if (!rest_.starts_with(text)) return false;
+    rest_.remove_prefix(text.size());
+    return true;
+  }
+  bool isAtEnd() const { return rest_.empty(); }
+
+ private:
+  fl::ustring_view rest_;
+};
+
+// The number of the first line, counted from 1, that the new text does not have as it should.
+std::optional<std::size_t> findMismatch(const std::vector<EditedLine>& lines,
+                                        fl::ustring_view newText) {
+  Matcher matcher(newText);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    const EditedLine& line = lines[i];
+    if (line.isTouched && isDropped(line.text)) continue;
+    if (!matcher.take(line.text)) return i + 1;
+    if (i + 1 == lines.size()) break;
+    const bool nextIsDropped = lines[i + 1].isTouched && isDropped(lines[i + 1].text);
+    const bool tookLineEnd = matcher.take(u"\n");
+    if (!tookLineEnd && (!line.mayJoinNext || nextIsDropped)) return i + 1;
+  }
+  return matcher.isAtEnd() ? std::nullopt : std::optional(lines.size());
+}
+
+}  // namespace
+
+std::optional<std::string> findLostText(fl::ustring_view oldText, fl::ustring_view newText,
+                                        const std::vector<PlannedAction>& actions) {
+  const auto lines = splitLines(oldText);
+  const auto edits = Placer(lines).place(actions);
+  if (auto misplaced = findMisplacedEdit(edits, lines)) return misplaced;
+  const auto edited = Rebuilder(lines, edits).rebuild();
+  const auto mismatch = findMismatch(edited, newText);
+  if (!mismatch) return std::nullopt;
+  return fmt::format("text outside the edits would change, near line {}", *mismatch);
+}
+
+}  // namespace soca::cli

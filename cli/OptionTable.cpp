@@ -1,0 +1,61 @@
+#include "cli/OptionTable.h"
+
+#include <algorithm>
+#include <array>
+
+namespace soca::cli {
+namespace {
+
+constexpr auto commands = std::to_array<CommandRow>({
+    {CommandType::update, "update", "[CLASS|FILE|DIR ...]", false,
+     "print what would change, or with --write change it", "soca update -p src control.Pid"},
+    {CommandType::actions, "actions", "CLASS ...", true, "print the edits of an update as a report",
+     "soca actions -p src control.Pid"},
+    {CommandType::classes, "classes", "CLASS ...", true, "print what is known of classes",
+     "soca classes -p src control.Pid"},
+    {CommandType::check, "check", "FILE ...", true, "print the syntax errors of class files",
+     "soca check src/control/Pid.vlm"},
+    {CommandType::explain, "explain", "[ID]", false, "tell what a rule converts or a message means",
+     "soca explain LegacyImplReferenced"},
+});
+
+constexpr unsigned forUpdate = bitOf(CommandType::update);
+constexpr unsigned forReports = bitOf(CommandType::actions) | bitOf(CommandType::classes);
+constexpr unsigned forClasses = forUpdate | forReports;
+constexpr unsigned forAll = forClasses | bitOf(CommandType::check) | bitOf(CommandType::explain);
+
+constexpr auto options = std::to_array<OptionRow>({
+    {OptionType::path, "-p,--path", "DIR", forClasses,
+     "a root of the class path; may be repeated (default: this folder)"},
+    {OptionType::rules, "-r,--rules", "LIST", forUpdate,
+     "some of attributes,mixins,impl (default: all)"},
+    {OptionType::superclasses, "-s,--superclasses", "", forUpdate | bitOf(CommandType::actions),
+     "take the superclasses along"},
+    {OptionType::write, "--write", "", forUpdate, "change the files"},
+    {OptionType::check, "--check", "", forUpdate,
+     "print the names of what would change; exit with 1 if there are any"},
+    {OptionType::format, "--format", "FORMAT", forUpdate, "text (default) or json"},
+    {OptionType::classTable, "--class-table", "FILE", forClasses,
+     "a JSON file with what source can't tell of classes"},
+    {OptionType::jobs, "-j,--jobs", "N", forAll, "threads (default: one for each processor)"},
+    {OptionType::quiet, "-q,--quiet", "", forAll, "no diff and no findings"},
+    {OptionType::verbose, "-v,--verbose", "", forAll, "say more of each class"},
+    {OptionType::color, "--color", "WHEN", forAll, "auto (default), always or never"},
+    {OptionType::help, "-h,--help", "", forAll, "print this and end"},
+});
+
+}  // namespace
+
+std::span<const CommandRow> commandRows() { return commands; }
+std::span<const OptionRow> optionRows() { return options; }
+
+const CommandRow* findCommand(std::string_view name) {
+  const auto* row = std::ranges::find(commands, name, &CommandRow::name);
+  return row == commands.end() ? nullptr : row;
+}
+
+const CommandRow& commandRow(CommandType type) {
+  return *std::ranges::find(commands, type, &CommandRow::type);
+}
+
+}  // namespace soca::cli

@@ -1,0 +1,57 @@
+// The commands and their options, as data: the parser and the help are both made from it.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "cli/Options.h"
+
+namespace soca::cli {
+
+struct CommandRow {
+  CommandType type;
+  std::string_view name;
+  // What stands behind the options.
+  std::string_view arguments;
+  bool needsArguments;
+  std::string_view summary;
+  std::string_view example;
+};
+
+enum class OptionType {
+  path,
+  rules,
+  superclasses,
+  write,
+  check,
+  format,
+  classTable,
+  jobs,
+  quiet,
+  verbose,
+  color,
+  help,
+};
+
+struct OptionRow {
+  OptionType type;
+  // `-p,--path` or `--write`.
+  std::string_view flags;
+  // The name of the option's value; empty for a switch.
+  std::string_view value;
+  // The commands that know it, as a sum of `bitOf`.
+  unsigned commands;
+  std::string_view text;
+};
+
+constexpr unsigned bitOf(CommandType command) { return 1U << static_cast<unsigned>(command); }
+
+// In the order of the help.
+std::span<const CommandRow> commandRows();
+std::span<const OptionRow> optionRows();
+
+// The row of the command; null for a name that is none.
+const CommandRow* findCommand(std::string_view name);
+const CommandRow& commandRow(CommandType type);
+
+}  // namespace soca::cli

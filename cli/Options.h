@@ -1,0 +1,46 @@
+// The command line.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "cli/Console.h"
+#include "soca/Updater.h"
+
+namespace soca::cli {
+
+enum class CommandType { update, actions, classes, check, explain, help, version };
+
+enum class FormatType { text, json };
+
+struct Options {
+  CommandType command = CommandType::help;
+  // With CommandType::help, the command that help is wanted for; `help` itself for all of them.
+  CommandType helpSubject = CommandType::help;
+  // As they were given. Without roots the current folder is the only one.
+  std::vector<std::string> arguments;
+  std::vector<std::string> roots;
+  std::string classTable;
+  // At least 1.
+  unsigned jobs = 1;
+  ColorType color = ColorType::automatic;
+  bool quiet = false;
+  bool verbose = false;
+  UpdateMask rules = 7;
+  bool includeSuperclasses = false;
+  bool write = false;
+  bool check = false;
+  FormatType format = FormatType::text;
+};
+
+// A command line that asks for nothing that the program does, or for something that is not there.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// `arguments` are those behind the program's name. Throws UsageError.
+Options parseOptions(const std::vector<std::string>& arguments);
+
+}  // namespace soca::cli

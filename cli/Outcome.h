@@ -1,0 +1,89 @@
+// What became of the classes that an update looked at.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/FileVerdict.h"
+#include "platform/analyzer/Diagnostic.h"
+#include "platform/paths/SourceReader.h"
+
+namespace soca::cli {
+
+// All texts are UTF-8.
+
+// One message of the service beside its edits.
+struct Finding {
+  // The short id; empty if it is not known.
+  std::string id;
+  std::string text;
+  // One-based; 0 if the place is not known.
+  std::uint64_t line = 0;
+};
+
+// A class that could not be updated, or was passed over.
+struct Failure {
+  // The class that was asked for, also when a superclass failed.
+  std::string className;
+  // A full message id, or one of the program's own.
+  std::string id;
+  std::string message;
+  // What the message is about: a class name or a path.
+  std::string argument;
+  // For what is no System object, what its file turned out to be.
+  FileVerdict::Type file = FileVerdict::Type::holdsClass;
+  // The syntax errors of the file in question.
+  std::vector<ca::Diagnostic> diagnostics;
+  // The same as people read them, with the lines in question.
+  std::string excerpt;
+  // What the program knows besides, one sentence each.
+  std::vector<std::string> hints;
+};
+
+struct ClassOutcome {
+  std::string className;
+  std::string file;
+  // The service's word, and whether the text differs.
+  bool updated = false;
+  bool changed = false;
+  // The service's text.
+  std::string text;
+  std::vector<Finding> findings;
+  std::vector<std::string> hints;
+  // Why the program does not take the new text; empty if it does.
+  std::string refusal;
+  // Only for a text that differs and is not refused.
+  std::string diff;
+  // What is printed of the class on standard output.
+  std::string data;
+  // Likewise: the file's new bytes, and the stamp of the file that they were computed from.
+  std::string newBytes;
+  fl::filesystem::FileStamp stamp;
+  // How many edits each rule family made, in the order of RuleFamilyType.
+  std::array<std::size_t, 3> editCounts{};
+  // Whether an update of the new text would change it again.
+  bool changesAgain = false;
+  // The methods that the update brings in by another name, and those that it deletes.
+  std::vector<std::string> gainedMethods;
+  std::vector<std::string> deletedMethods;
+
+  bool isRefused() const { return !refusal.empty(); }
+  // Whether the file is to be replaced.
+  bool hasNewFile() const { return changed && !isRefused(); }
+};
+
+// What became of one target.
+struct TargetOutcome {
+  std::vector<ClassOutcome> classes;
+  std::vector<Failure> failures;
+  // A class below a named folder that is none of ours.
+  std::optional<Failure> skipped;
+  // Whether the target turned out to be a file without a class.
+  bool hasNoClass = false;
+};
+
+}  // namespace soca::cli

@@ -1,0 +1,71 @@
+#include "cli/ReportRun.h"
+
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "cli/Failures.h"
+#include "cli/FileNames.h"
+#include "cli/InternalErrors.h"
+#include "cli/OrderedWorkers.h"
+#include "cli/Signals.h"
+#include "cli/Targets.h"
+#include "cli/TextFormat.h"
+#include "platform/text/Conversions.h"
+#include "service/UpdaterImpl.h"
+
+namespace soca::cli {
+namespace {
+
+struct ReportOutcome {
+  std::string text;
+  std::optional<Failure> failure;
+};
+
+fl::ustring makeReport(const Options& options, const fl::ustring& className) {
+  UpdaterImpl updater;
+  return options.command == CommandType::actions
+             ? updater.reportActions(className, options.includeSuperclasses)
+             : updater.reportClass(className);
+}
+
+ReportOutcome report(const Options& options, const Target& target,
+                     const FailureDescriber& describer) {
+  const CurrentClass current(target.className);
+  try {
+    const auto className = fl::i18n::to_ustring(target.className);
+    return {fl::i18n::to_string(makeReport(options, className)), std::nullopt};
+  } catch (...) {
+    return {{},
+            describer.describeCurrentException(
+                {target.className, options.rules, options.includeSuperclasses})};
+  }
+}
+
+}  // namespace
+
+ExitCodeType runReport(const Options& options, const ClassRoots& roots, Console& console) {
+  const FileNames names(&roots);
+  const FailureDescriber describer(&roots, &names);
+  Targets targets(&roots, options.arguments, Targets::Folders::refused);
+  auto exitCode = ExitCodeType::done;
+  const auto next = [&]() -> std::optional<Target> {
+    if (wasInterrupted()) return std::nullopt;
+    return targets.next();
+  };
+  const auto consume = [&](ReportOutcome&& outcome) {
+    console.print(outcome.text);
+    if (outcome.failure) {
+      TextReport::printFailure(console, *outcome.failure);
+      exitCode = ExitCodeType::failed;
+    }
+    return !wasInterrupted();
+  };
+  OrderedWorkers<Target, ReportOutcome>(
+      options.jobs, next, [&](Target&& target) { return report(options, target, describer); },
+      consume)
+      .run();
+  return wasInterrupted() ? interruptExitCode() : exitCode;
+}
+
+}  // namespace soca::cli

@@ -1,0 +1,17 @@
+// A clean end when the user or the system wants the program to stop.
+#pragma once
+
+#include "cli/ExitCodes.h"
+
+namespace soca::cli {
+
+// From now on the first SIGINT or SIGTERM is only noted; a second one ends the process at once.
+void catchInterrupts();
+
+// Whether one came. What goes on for long asks now and then, and stops.
+bool wasInterrupted();
+
+// The exit code for the signal that came.
+ExitCodeType interruptExitCode();
+
+}  // namespace soca::cli

@@ -1,0 +1,38 @@
+// Texts put aside until the end of a run: small ones in memory, beyond that in a file that nobody
+// else sees and that is gone with the process.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace soca::cli {
+
+class Spool {
+ public:
+  // Where a text was put.
+  struct Place {
+    std::uint64_t offset = 0;
+    std::uint64_t size = 0;
+  };
+
+  Spool() = default;
+  ~Spool();
+  Spool(const Spool&) = delete;
+  Spool& operator=(const Spool&) = delete;
+
+  // Both throw std::runtime_error if the file can't be made, written or read.
+  Place put(std::string_view text);
+  std::string take(const Place& place);
+
+ private:
+  void openFile();
+  void writeOut();
+
+  int descriptor_ = -1;
+  // How much of what was put stands in the file; the rest stands in the buffer.
+  std::uint64_t inFile_ = 0;
+  std::string buffer_;
+};
+
+}  // namespace soca::cli

@@ -1,0 +1,59 @@
+#include "cli/SyntaxCheck.h"
+
+#include <fmt/core.h>
+
+#include <cstddef>
+#include <limits>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "cli/OrderedWorkers.h"
+#include "cli/Signals.h"
+#include "cli/SyntaxReport.h"
+#include "platform/analyzer/Analyzer.h"
+#include "platform/paths/NativePath.h"
+#include "platform/text/Conversions.h"
+
+namespace soca::cli {
+namespace {
+
+struct CheckedFile {
+  // The syntax errors.
+  std::string report;
+  // Why the file could not be analysed.
+  std::string failure;
+};
+
+CheckedFile checkFile(const std::string& file) {
+  const auto path = fl::i18n::to_ustring(fl::filesystem::makeAbsoluteLexically(file));
+  try {
+    const auto analysis = ca::createSingleFileAnalyzer()->analyze(path, {}, {});
+    return {formatSyntaxErrors(file, *analysis, std::numeric_limits<std::size_t>::max()), {}};
+  } catch (const std::exception& error) {
+    return {{}, error.what()};
+  }
+}
+
+}  // namespace
+
+ExitCodeType runSyntaxCheck(const Options& options, Console& console) {
+  auto exitCode = ExitCodeType::done;
+  std::size_t index = 0;
+  const auto next = [&]() -> std::optional<std::string> {
+    if (wasInterrupted() || index == options.arguments.size()) return std::nullopt;
+    return options.arguments[index++];
+  };
+  const auto consume = [&](CheckedFile&& file) {
+    console.print(file.report);
+    if (!file.failure.empty()) console.complain(file.failure);
+    if (!file.report.empty() || !file.failure.empty()) exitCode = ExitCodeType::failed;
+    return !wasInterrupted();
+  };
+  OrderedWorkers<std::string, CheckedFile>(
+      options.jobs, next, [](std::string&& file) { return checkFile(file); }, consume)
+      .run();
+  return wasInterrupted() ? interruptExitCode() : exitCode;
+}
+
+}  // namespace soca::cli

@@ -1,0 +1,22 @@
+// Syntax errors as people read them.
+//
+//   pkg/Mixer.vlm:14:9: error: expected `end` to close `methods`, found end of file
+//      14 |         flag = obj.Fixed
+//         |         ^
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "platform/analyzer/AnalysisResult.h"
+
+namespace soca::cli {
+
+// At most `limit` of the analysis's errors, and how many more there are. `file` is the name that
+// stands in front. Lines and columns are one-based, columns in UTF-16 code units. Of a long line
+// only the part round the error is shown.
+std::string formatSyntaxErrors(std::string_view file, const ca::AnalysisResult& analysis,
+                               std::size_t limit);
+
+}  // namespace soca::cli

@@ -1,0 +1,155 @@
+#include "cli/Targets.h"
+
+#include <fmt/core.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "cli/Options.h"
+#include "platform/paths/NativePath.h"
+
+namespace soca::cli {
+namespace {
+
+bool isFolder(const std::string& path) {
+  struct stat status = {};
+  return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// Also for a link that leads nowhere.
+bool exists(const std::string& path) {
+  struct stat status = {};
+  return ::lstat(path.c_str(), &status) == 0;
+}
+
+bool isPath(const std::string& argument) {
+  return argument.find('/') != std::string::npos || exists(argument);
+}
+
+std::string_view folderOf(std::string_view path) {
+  return path.substr(0, std::max<std::size_t>(path.rfind('/'), 1));
+}
+
+Target makeClassTarget(const std::string& className) {
+  Target target;
+  target.className = className;
+  target.isNamed = true;
+  return target;
+}
+
+std::string_view fileNameOf(std::string_view path) { return path.substr(path.rfind('/') + 1); }
+
+}  // namespace
+
+Targets::Targets(const ClassRoots* roots, const std::vector<std::string>& arguments,
+                 Folders folders)
+    : roots_(roots) {
+  for (const std::string& argument : arguments) {
+    arguments_.push_back(makeArgument(argument, folders));
+  }
+  if (arguments.empty()) {
+    for (const std::string& root : roots->all()) arguments_.emplace_back(FolderWalk(roots, root));
+  }
+  for (const Argument& argument : arguments_) {
+    const auto* target = std::get_if<Target>(&argument);
+    if (target != nullptr && target->type == Target::Type::aClass) {
+      named_.insert(target->className);
+    }
+  }
+  mayRepeat_ = arguments_.size() > 1 || roots->all().size() > 1;
+}
+
+Targets::Argument Targets::makeArgument(const std::string& argument, Folders folders) const {
+  if (argument.empty()) throw UsageError("an argument is empty");
+  if (!isPath(argument)) return makeClassTarget(argument);
+  const std::string path = roots_->underRoot(fl::filesystem::makeAbsoluteLexically(argument));
+  // A folder with the name of a class file stands where a class should.
+  if (stemOfClassFile(argument)) return makeFileTarget(argument, path);
+  if (!exists(path)) throw UsageError(fmt::format("there is no file or folder '{}'", argument));
+  if (!isFolder(path)) {
+    throw UsageError(
+        fmt::format("'{}' is no class file: its name ends in neither .vlm nor .p", argument));
+  }
+  if (folders == Folders::refused) {
+    throw UsageError(fmt::format("'{}' is a folder; name a class or its file", argument));
+  }
+  if (!roots_->packageOf(path)) {
+    throw UsageError(fmt::format("the folder '{}' is on no root of the class path: {}", argument,
+                                 roots_->listing()));
+  }
+  return FolderWalk(roots_, path);
+}
+
+Target Targets::makeFileTarget(const std::string& argument, const std::string& path) const {
+  const std::string_view stem = *stemOfClassFile(fileNameOf(path));
+  const auto package = roots_->packageOf(folderOf(path));
+  if (!package || !isIdentifierName(stem)) {
+    throw UsageError(
+        fmt::format("the file '{}' has no class name on any root of the class path: {}", argument,
+                    roots_->listing()));
+  }
+  FoundFile file;
+  file.path = path;
+  file.className = package->prefix + std::string(stem);
+  file.root = package->root;
+  Target target = makeTarget(std::move(file));
+  target.isNamed = true;
+  return target;
+}
+
+std::optional<Target> Targets::next() {
+  while (current_ < arguments_.size()) {
+    auto target = nextOf(arguments_[current_]);
+    if (!target) {
+      ++current_;
+      continue;
+    }
+    if (isNew(*target)) return target;
+  }
+  return std::nullopt;
+}
+
+std::optional<Target> Targets::nextOf(Argument& argument) {
+  if (auto* walk = std::get_if<FolderWalk>(&argument)) {
+    auto file = walk->next();
+    if (!file) return std::nullopt;
+    return makeTarget(std::move(*file));
+  }
+  auto& target = std::get<Target>(argument);
+  if (target.className.empty()) return std::nullopt;
+  return std::exchange(target, Target());
+}
+
+Target Targets::makeTarget(FoundFile file) const {
+  Target target;
+  target.path = std::move(file.path);
+  switch (file.type) {
+    case FoundFile::Type::noClass:
+      target.type = Target::Type::noClass;
+      return target;
+    case FoundFile::Type::unreadable:
+      target.type = Target::Type::unreadable;
+      target.className = target.path;
+      target.reason = std::move(file.reason);
+      return target;
+    case FoundFile::Type::classFile:
+      break;
+  }
+  target.className = std::move(file.className);
+  target.isNamed = named_.contains(target.className);
+  if (auto hiddenBy = roots_->fileInFrontOf(file.root, target.className)) {
+    target.type = Target::Type::hidden;
+    target.hiddenBy = std::move(*hiddenBy);
+    target.isNamed = false;
+  }
+  return target;
+}
+
+bool Targets::isNew(const Target& target) {
+  if (!mayRepeat_) return true;
+  const bool isClass = target.type == Target::Type::aClass;
+  return seen_.insert(isClass ? target.className : target.path).second;
+}
+
+}  // namespace soca::cli

@@ -1,0 +1,70 @@
+// What the arguments of a command stand for: classes, one after the other, each once.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <unordered_set>
+#include <variant>
+#include <vector>
+
+#include "cli/ClassRoots.h"
+#include "cli/FolderWalk.h"
+
+namespace soca::cli {
+
+struct Target {
+  enum class Type {
+    aClass,
+    // A class file that the class path does not lead to: it has the file `hiddenBy` for that name.
+    hidden,
+    // A file that holds no class by its name or place.
+    noClass,
+    // A folder that could not be read.
+    unreadable,
+  };
+
+  Type type = Type::aClass;
+  // Dotted, in UTF-8; for a folder the path.
+  std::string className;
+  // Whether an argument names the class or the file, rather than a folder that it lies in.
+  bool isNamed = false;
+  // The file or folder that was found or named; empty for a class name.
+  std::string path;
+  std::string hiddenBy;
+  // Why a folder can't be read.
+  std::string reason;
+};
+
+// Arguments are class names, class files and folders. An existing file or folder, and anything with
+// a slash, is a path. No argument stands for all roots.
+class Targets {
+ public:
+  enum class Folders { welcome, refused };
+
+  // Throws UsageError for an argument that is on no root. `roots` must outlive the targets.
+  Targets(const ClassRoots* roots, const std::vector<std::string>& arguments, Folders folders);
+
+  // In the order of the arguments.
+  std::optional<Target> next();
+
+ private:
+  using Argument = std::variant<Target, FolderWalk>;
+
+  Argument makeArgument(const std::string& argument, Folders folders) const;
+  Target makeFileTarget(const std::string& argument, const std::string& path) const;
+  std::optional<Target> nextOf(Argument& argument);
+  Target makeTarget(FoundFile file) const;
+  // Whether the target was not given out yet.
+  bool isNew(const Target& target);
+
+  const ClassRoots* roots_;
+  std::vector<Argument> arguments_;
+  std::size_t current_ = 0;
+  std::unordered_set<std::string> named_;
+  // Kept only where a class can come up twice.
+  bool mayRepeat_ = false;
+  std::unordered_set<std::string> seen_;
+};
+
+}  // namespace soca::cli

@@ -1,0 +1,17 @@
+// The difference of two files as text that `git apply` and `patch` take.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace soca::cli {
+
+// `name` is the file's name without the prefixes `a/` and `b/`. The bytes of the lines stand in the
+// diff as they are, whatever their encoding and line ends. Empty if the files are equal.
+std::string unifiedDiff(std::string_view name, std::string_view oldBytes,
+                        std::string_view newBytes);
+
+// The same diff with colours for a terminal.
+std::string colorDiff(std::string_view diff);
+
+}  // namespace soca::cli

@@ -1,0 +1,14 @@
+#include "cli/UpdateReport.h"
+
+#include "cli/JsonFormat.h"
+#include "cli/TextFormat.h"
+
+namespace soca::cli {
+
+std::unique_ptr<UpdateReport> makeUpdateReport(const Options& options, const FileNames& names,
+                                               Console& console) {
+  if (options.format == FormatType::json) return std::make_unique<JsonReport>(&console);
+  return std::make_unique<TextReport>(&options, &names, &console);
+}
+
+}  // namespace soca::cli

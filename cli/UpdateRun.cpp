@@ -1,0 +1,195 @@
+#include "cli/UpdateRun.h"
+
+#include <fmt/core.h>
+
+#include <exception>
+#include <optional>
+#include <utility>
+
+#include "cli/FileWriter.h"
+#include "cli/OrderedWorkers.h"
+#include "cli/Signals.h"
+
+namespace soca::cli {
+namespace {
+
+UpdateWishes wishesOf(const Options& options) {
+  const bool isText = options.format == FormatType::text;
+  UpdateWishes wishes;
+  wishes.rules = options.rules;
+  wishes.includeSuperclasses = options.includeSuperclasses;
+  wishes.diff = isText && !options.quiet && !options.check && !options.write;
+  wishes.text = !isText;
+  wishes.hints = !isText || !options.quiet;
+  wishes.newBytes = options.write;
+  return wishes;
+}
+
+std::string keyOf(const fl::filesystem::FileStamp& stamp) {
+  return fmt::format("{}:{}", stamp.device, stamp.inode);
+}
+
+Failure makeWriteFailure(const std::string& className, const std::string& file,
+                         const std::string& reason) {
+  Failure failure;
+  failure.className = className;
+  failure.id = "soca:WriteFailed";
+  failure.message =
+      fmt::format("The file '{}' was not written and stays as it was: {}.", file, reason);
+  return failure;
+}
+
+}  // namespace
+
+UpdateRun::UpdateRun(const Options* options, const ClassRoots* roots, Console* console)
+    : options_(options),
+      console_(console),
+      names_(roots),
+      targets_(roots, options->arguments, Targets::Folders::welcome),
+      updater_(roots, &names_, wishesOf(*options)),
+      report_(makeUpdateReport(*options, names_, *console)) {}
+
+ExitCodeType UpdateRun::run() {
+  computeAll();
+  if (options_->write && fatalError_.empty() && !wasInterrupted()) {
+    try {
+      writeAll();
+    } catch (const std::exception& error) {
+      fatalError_ = error.what();
+    }
+  }
+  finish();
+  return exitCode();
+}
+
+void UpdateRun::computeAll() {
+  const auto next = [this]() -> std::optional<Target> {
+    if (wasInterrupted()) return std::nullopt;
+    return targets_.next();
+  };
+  const auto consume = [this](TargetOutcome&& outcome) {
+    try {
+      take(std::move(outcome));
+    } catch (const std::exception& error) {
+      fatalError_ = error.what();
+    }
+    return fatalError_.empty() && !wasInterrupted();
+  };
+  OrderedWorkers<Target, TargetOutcome>(
+      options_->jobs, next, [this](Target&& target) { return work(target); }, consume)
+      .run();
+}
+
+TargetOutcome UpdateRun::work(const Target& target) const {
+  TargetOutcome outcome = updater_.update(target);
+  for (ClassOutcome& entry : outcome.classes) {
+    entry.data = report_->dataOf(entry);
+    entry.text = {};
+    entry.diff = {};
+  }
+  return outcome;
+}
+
+void UpdateRun::take(TargetOutcome outcome) {
+  if (outcome.hasNoClass) ++summary_.filesWithoutClass;
+  for (ClassOutcome& entry : outcome.classes) {
+    if (options_->includeSuperclasses && !shown_.insert(entry.className).second) continue;
+    takeClass(entry);
+  }
+  for (const Failure& failure : outcome.failures) addFailure(failure);
+  if (outcome.skipped) {
+    ++summary_.skipped;
+    report_->addSkipped(*outcome.skipped);
+  }
+}
+
+void UpdateRun::takeClass(ClassOutcome& outcome) {
+  summary_.add(outcome);
+  methodChanges_.add(outcome);
+  // A file that several classes stand for, over links, changes once.
+  const bool isFirst = !outcome.hasNewFile() || files_.insert(keyOf(outcome.stamp)).second;
+  if (!isFirst && options_->format == FormatType::text) outcome.data.clear();
+  if (options_->write) {
+    deferred_.push_back(defer(outcome, outcome.hasNewFile() && isFirst));
+  } else if (!outcome.data.empty()) {
+    report_->printData(outcome.data);
+  }
+  report_->printNotes(outcome);
+}
+
+UpdateRun::Deferred UpdateRun::defer(const ClassOutcome& outcome, bool hasNewFile) {
+  Deferred deferred;
+  deferred.className = outcome.className;
+  deferred.file = outcome.file;
+  deferred.data = spool_.put(outcome.data);
+  deferred.hasNewFile = hasNewFile;
+  if (hasNewFile) deferred.newBytes = spool_.put(outcome.newBytes);
+  deferred.stamp = outcome.stamp;
+  return deferred;
+}
+
+void UpdateRun::addFailure(const Failure& failure) {
+  ++summary_.failed;
+  report_->addFailure(failure);
+}
+
+void UpdateRun::writeAll() {
+  FileWriter writer;
+  // What can't be written is no result.
+  std::vector<const Deferred*> staged;
+  std::unordered_set<const Deferred*> failed;
+  const auto fail = [&](const Deferred& deferred, const std::string& reason) {
+    failed.insert(&deferred);
+    --summary_.changed;
+    --summary_.classes;
+    addFailure(makeWriteFailure(deferred.className, deferred.file, reason));
+  };
+  for (const Deferred& deferred : deferred_) {
+    if (!deferred.hasNewFile) continue;
+    if (wasInterrupted()) return;
+    const auto reason =
+        writer.stage({deferred.file, spool_.take(deferred.newBytes), deferred.stamp});
+    if (reason) {
+      fail(deferred, *reason);
+    } else {
+      staged.push_back(&deferred);
+    }
+  }
+  const auto flushFailure = writer.flush();
+  for (std::size_t i = 0; i < staged.size(); ++i) {
+    const auto reason = flushFailure ? flushFailure : writer.commit(i);
+    if (reason) fail(*staged[i], *reason);
+  }
+  isWritten_ = true;
+  for (const Deferred& deferred : deferred_) {
+    if (deferred.data.size == 0 || failed.contains(&deferred)) continue;
+    report_->printData(spool_.take(deferred.data));
+  }
+}
+
+void UpdateRun::finish() {
+  report_->finish();
+  if (!options_->quiet) {
+    for (const std::string& warning : methodChanges_.warnings()) console_->complain(warning);
+  }
+  if (!fatalError_.empty()) console_->complain(fatalError_);
+  console_->complain(summaryText());
+}
+
+std::string UpdateRun::summaryText() const {
+  const auto tense = isWritten_ ? TenseType::changed : TenseType::wouldChange;
+  std::string text = formatSummary(summary_, tense);
+  if (options_->write && !isWritten_) text += "; nothing was written";
+  return wasInterrupted() && !isWritten_ ? "interrupted; " + text : text;
+}
+
+ExitCodeType UpdateRun::exitCode() const {
+  if (wasInterrupted() && !isWritten_) return interruptExitCode();
+  if (!fatalError_.empty() || summary_.failed > 0 || summary_.refused > 0) {
+    return ExitCodeType::failed;
+  }
+  return options_->check && summary_.changed > 0 ? ExitCodeType::somethingToChange
+                                                 : ExitCodeType::done;
+}
+
+}  // namespace soca::cli

@@ -1,0 +1,77 @@
+// The command `update`.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "cli/ClassRoots.h"
+#include "cli/ClassUpdater.h"
+#include "cli/Console.h"
+#include "cli/ExitCodes.h"
+#include "cli/FileNames.h"
+#include "cli/MethodChanges.h"
+#include "cli/Options.h"
+#include "cli/Spool.h"
+#include "cli/Summary.h"
+#include "cli/Targets.h"
+#include "cli/UpdateReport.h"
+
+namespace soca::cli {
+
+// Computes and checks the updates of all targets, by several threads, and shows them in the order
+// of the arguments. With `--write` everything is put aside until the last class is done; then the
+// files are replaced.
+class UpdateRun {
+ public:
+  // All three must outlive the run. Throws UsageError for arguments that are on no root.
+  UpdateRun(const Options* options, const ClassRoots* roots, Console* console);
+
+  ExitCodeType run();
+
+ private:
+  // What is put aside of a class until the files are written.
+  struct Deferred {
+    std::string className;
+    std::string file;
+    Spool::Place data;
+    bool hasNewFile = false;
+    Spool::Place newBytes;
+    fl::filesystem::FileStamp stamp;
+  };
+
+  void computeAll();
+  TargetOutcome work(const Target& target) const;
+  // Both run in the order of the targets.
+  void take(TargetOutcome outcome);
+  void takeClass(ClassOutcome& outcome);
+  Deferred defer(const ClassOutcome& outcome, bool hasNewFile);
+
+  void addFailure(const Failure& failure);
+  void writeAll();
+  void finish();
+  std::string summaryText() const;
+  ExitCodeType exitCode() const;
+
+  const Options* options_;
+  Console* console_;
+  FileNames names_;
+  Targets targets_;
+  ClassUpdater updater_;
+  std::unique_ptr<UpdateReport> report_;
+
+  Summary summary_;
+  MethodChanges methodChanges_;
+  // With superclasses, the classes that were shown.
+  std::unordered_set<std::string> shown_;
+  // The files that change, by device and inode.
+  std::unordered_set<std::string> files_;
+  Spool spool_;
+  std::vector<Deferred> deferred_;
+  bool isWritten_ = false;
+  // What keeps the run as a whole from going on.
+  std::string fatalError_;
+};
+
+}  // namespace soca::cli

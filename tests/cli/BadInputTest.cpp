@@ -1,0 +1,220 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "tests/cli/ProgramRunner.h"
+
+namespace soca::testing {
+namespace {
+
+struct WrongCommandLine {
+  std::vector<std::string> arguments;
+  // What standard error has to say.
+  const char* error;
+};
+
+TEST(BadInput, WrongCommandLineDoesNothing) {
+  const Workspace space;
+  space.write("A.vlm", outdatedClass("A"));
+  space.write("notes.txt", "");
+  space.write("my-folder/B.vlm", outdatedClass("B"));
+  space.write("t1.json", R"({"classes": {"A": {"supers": []}}})");
+  space.write("t2.json", "{");
+  const std::vector<WrongCommandLine> table = {
+      {{}, "a command is missing"},
+      {{"frobnicate"}, "unknown command 'frobnicate'"},
+      {{"-p", "."}, "the command comes first"},
+      {{"update", "--frob"}, "'update' has no option '--frob'"},
+      {{"check", "--write", "A.vlm"}, "'check' has no option '--write'"},
+      {{"update", "-p"}, "--path needs a value"},
+      {{"update", "--write", "-p", "missing", "A"}, "the root 'missing' can't be used"},
+      {{"update", "--write", "-p", "A.vlm"}, "the root 'A.vlm' is no folder"},
+      {{"update", "--write", "-r", "impl,others"}, "unknown rule 'others'"},
+      {{"update", "--write", "-r", ""}, "unknown rule ''"},
+      {{"update", "-j", "0"}, "--jobs takes a number"},
+      {{"update", "-j", "2x"}, "--jobs takes a number"},
+      {{"update", "--format", "yaml"}, "unknown format 'yaml'"},
+      {{"update", "--color", "red"}, "unknown value of --color 'red'"},
+      {{"update", "--write", "--check"}, "can't be had together"},
+      {{"update", "-q", "-v"}, "contradict"},
+      {{"update", ""}, "an argument is empty"},
+      {{"update", "--write", "A", "/etc"}, "the folder '/etc' is on no root"},
+      {{"update", "--write", "A", "missing/"}, "there is no file or folder 'missing/'"},
+      {{"update", "--write", "A", "notes.txt"}, "'notes.txt' is no class file"},
+      {{"update", "--write", "my-folder/B.vlm"}, "has no class name on any root"},
+      {{"update", "--write", "my-folder"}, "is on no root"},
+      {{"update", "--write", "A\xff"}, "is not UTF-8"},
+      {{"update", "--write", "--class-table", "t1.json"}, "unknown key \"supers\""},
+      {{"update", "--write", "--class-table", "t2.json"}, "class table 't2.json' is wrong"},
+      {{"update", "--write", "--class-table", "t3.json"}, "the class table can't be read"},
+      {{"actions"}, "'CLASS' is missing"},
+      {{"actions", "."}, "'.' is a folder"},
+      {{"check"}, "'FILE' is missing"},
+      {{"explain", "a", "b"}, "one id at a time"},
+      {{"explain", "Nothing"}, "no rule or message 'Nothing'"},
+  };
+  const auto before = space.readAll();
+  for (const auto& [arguments, error] : table) {
+    const ProgramResult result = space.soca(arguments);
+    EXPECT_EQ(result.exitCode, 2) << error;
+    EXPECT_EQ(result.out, "") << error;
+    EXPECT_NE(result.err.find(error), std::string::npos) << error << "\n" << result.err;
+  }
+  EXPECT_EQ(space.readAll(), before);
+}
+
+struct BadClass {
+  const char* name;
+  const char* source;
+  // Short id, and what the hint or the first diagnostic has to say.
+  const char* id;
+  const char* detail;
+  // Whether a walk over the folder passes it over, tells of it, or fails.
+  enum { counted, skipped, failed } inFolder;
+};
+
+const std::vector<BadClass>& badClasses() {
+  static const std::vector<BadClass> classes = {
+      {"pkg.Empty", "", "NotASystemObject", "Empty.vlm' is empty", BadClass::counted},
+      {"pkg.Script", "x = 1;\n", "NotASystemObject", "holds no class", BadClass::counted},
+      {"pkg.Commented", "% no classdef\nf(1)\n", "NotASystemObject", "holds no class",
+       BadClass::counted},
+      {"pkg.Handle", "classdef Handle < handle\nend\n", "NotASystemObject",
+       "none of the classes that it derives from", BadClass::skipped},
+      {"pkg.Alone", "classdef Alone\nend\n", "NotASystemObject", "names no superclass",
+       BadClass::skipped},
+      {"pkg.Orphan", "classdef Orphan < far.Gone & handle\nend\n", "NotASystemObject",
+       "superclass 'far.Gone', named by 'pkg.Orphan', was not found; looked for far/Gone.vlm",
+       BadClass::skipped},
+      {"pkg.GrandOrphan", "classdef GrandOrphan < pkg.Orphan\nend\n", "NotASystemObject",
+       "superclass 'far.Gone', named by 'pkg.Orphan'", BadClass::skipped},
+      {"pkg.Circle", "classdef Circle < pkg.Ring\nend\n", "NotASystemObject",
+       "among its own superclasses", BadClass::skipped},
+      {"pkg.Ring", "classdef Ring < pkg.Circle\nend\n", "NotASystemObject",
+       "among its own superclasses", BadClass::skipped},
+      {"pkg.Broken", "classdef Broken < velum.System\n  properties\n    X = (1;\n  end\nend\n",
+       "SyntaxError", "expected `)` to close `(`", BadClass::failed},
+      {"pkg.Nul", nullptr, "SyntaxError", "U+0000", BadClass::failed},
+      {"pkg.Deep", nullptr, "CodeAnalyzerError", "nested more than 1000", BadClass::failed},
+      {"pkg.Meeting",
+       "classdef Meeting < velum.System\n  properties (Logical, PositiveInteger)\n    A = 1;\n"
+       "  end\nend\n",
+       "OverlappingExtent", "that meet are on line 2 of", BadClass::failed},
+      {"pkg.Compiled", "classdef Compiled < velum.System\nend\n", "PFileExists",
+       "stands in front of its source", BadClass::skipped},
+      {"pkg.Sealed", nullptr, "NotASystemObject", "only a p-file was found", BadClass::skipped},
+      {"pkg.Heir", "classdef Heir < pkg.Sealed\nend\n", "NotASystemObject",
+       "of the superclass 'pkg.Sealed', named by 'pkg.Heir', only a p-file", BadClass::skipped},
+      {"pkg.Place", nullptr, "NotASystemObject", "it is a folder", BadClass::counted},
+      {"pkg.Nowhere", nullptr, "NotASystemObject", "looked for pkg/Nowhere.vlm", BadClass::counted},
+      {"not a name", nullptr, "NotASystemObject", "is no class name", BadClass::counted},
+      {"velum.System", nullptr, "NoFileForClass", "have no files", BadClass::counted},
+  };
+  return classes;
+}
+
+// All of the above as files.
+class BadClasses : public ::testing::Test {
+ protected:
+  BadClasses() {
+    using namespace std::string_literals;
+    for (const BadClass& bad : badClasses()) {
+      if (bad.source != nullptr) space_.write(fileOf(bad), bad.source);
+    }
+    space_.write("pkg/Nul.vlm", "classdef Nul < velum.System\n% a\0b\nend\n"s);
+    space_.write("pkg/Deep.vlm",
+                 "classdef Deep < velum.System\n properties\n X = " + std::string(1100, '(') + '1' +
+                     std::string(1100, ')') + ";\n end\nend\n");
+    space_.write("pkg/Compiled.p", "");
+    space_.write("pkg/Sealed.p", "");
+    std::filesystem::create_directories(space_.path() / "pkg/Place.vlm");
+    space_.write("pkg/Good.vlm", outdatedClass("Good"));
+  }
+
+  static std::string fileOf(const BadClass& bad) {
+    std::string file = bad.name;
+    std::ranges::replace(file, '.', '/');
+    return file + ".vlm";
+  }
+
+  static std::string fullId(const BadClass& bad) {
+    return std::string("VELUM:system:Analyzer:") + bad.id;
+  }
+
+  static nlohmann::json parse(const ProgramResult& result) {
+    return nlohmann::json::parse(result.out);
+  }
+
+  Workspace space_;
+};
+
+TEST_F(BadClasses, NamedOnesFailAndTheOthersAreDone) {
+  const auto before = space_.readAll();
+  for (const BadClass& bad : badClasses()) {
+    const auto text = space_.soca({"update", bad.name, "pkg.Good"});
+    EXPECT_EQ(text.exitCode, 2) << bad.name;
+    EXPECT_NE(text.out.find("+++ b/pkg/Good.vlm"), std::string::npos) << bad.name;
+    EXPECT_NE(text.err.find("soca: " + fullId(bad) + ": "), std::string::npos) << text.err;
+    EXPECT_NE(text.err.find(bad.detail), std::string::npos) << bad.detail << "\n" << text.err;
+
+    const auto document = parse(space_.soca({"update", "--format", "json", bad.name, "pkg.Good"}));
+    ASSERT_EQ(document["errors"].size(), 1) << bad.name;
+    const auto& error = document["errors"][0];
+    EXPECT_EQ(error["class"], bad.name);
+    EXPECT_EQ(error["id"], fullId(bad));
+    EXPECT_EQ(error["diagnostics"].empty(), std::string(bad.id) != "SyntaxError") << error;
+    const auto& diagnostics = error["diagnostics"];
+    const std::string told =
+        error.value("hint", "") + (diagnostics.empty() ? "" : diagnostics[0].value("message", ""));
+    EXPECT_NE(told.find(bad.detail), std::string::npos) << error;
+    EXPECT_EQ(document["results"][0]["class"], "pkg.Good");
+  }
+  EXPECT_EQ(space_.readAll(), before);
+}
+
+TEST_F(BadClasses, FoldersPassOverWhatIsNoneOfOurs) {
+  const auto result = space_.soca({"update", "--format", "json", "pkg"});
+  EXPECT_EQ(result.exitCode, 2);
+  const auto document = parse(result);
+  const auto idOf = [&](const char* list, const std::string& name) -> std::string {
+    for (const auto& entry : document[list]) {
+      if (entry["class"] == name) return entry["id"];
+    }
+    return "";
+  };
+  for (const BadClass& bad : badClasses()) {
+    EXPECT_EQ(idOf("errors", bad.name), bad.inFolder == BadClass::failed ? fullId(bad) : "");
+    EXPECT_EQ(idOf("skipped", bad.name), bad.inFolder == BadClass::skipped ? fullId(bad) : "");
+  }
+  EXPECT_NE(result.err.find("9 other classes skipped; 3 files without a class"), std::string::npos)
+      << result.err;
+}
+
+TEST_F(BadClasses, ReportsFailAlikeButForWhatTheyCanTell) {
+  EXPECT_EQ(space_.soca({"actions", "pkg.Broken"}).exitCode, 2);
+  const auto known = space_.soca({"classes", "pkg.Handle", "pkg.Broken", "pkg.Nowhere"});
+  EXPECT_EQ(known.exitCode, 2);
+  EXPECT_EQ(known.out,
+            "CLASS: pkg.Handle\nNOT a System object\nSuperclasses: None\n\n"
+            "CLASS: pkg.Nowhere\nNOT a System object\nSuperclasses: None\n\n");
+  EXPECT_NE(known.err.find("pkg/Broken.vlm:3:11: error: "), std::string::npos) << known.err;
+}
+
+TEST(BadInput, SyntaxErrorsOfASuperclassBelongToTheClassAskedFor) {
+  const Workspace space;
+  space.write("A.vlm", "classdef A < B\nend\n");
+  space.write("B.vlm", "classdef B < velum.System\n  properties\n\n  X = ;\n  end\nend\n");
+  EXPECT_EQ(space.soca({"update", "A"}).exitCode, 0);
+  const auto document =
+      nlohmann::json::parse(space.soca({"update", "-s", "--format", "json", "A"}).out);
+  const auto& error = document["errors"].at(0);
+  EXPECT_EQ(error["class"], "A");
+  EXPECT_EQ(error["diagnostics"][0]["line"], 4);
+  EXPECT_EQ(error["diagnostics"][0]["column"], 7);
+}
+
+}  // namespace
+}  // namespace soca::testing

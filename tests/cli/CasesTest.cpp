@@ -1,0 +1,139 @@
+// All before-and-after cases once more, through the program: what it writes is what the service
+// returns, its diffs lead to the same files, and it refuses nothing but what is known to be
+// spoiled.
+#include "tests/cases/CaseFile.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include <filesystem>
+#include <sstream>
+
+#include "tests/cli/ProgramRunner.h"
+
+namespace soca::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view before = "before/";
+
+// The arguments of `update` that a case asks for; empty for one that the program can't be asked.
+std::vector<std::string> argumentsOf(const Case& tested) {
+  std::vector<std::string> arguments = {"update"};
+  std::string className;
+  for (const Section& section : tested.sections) {
+    if (!className.empty() || !section.name.starts_with(before)) continue;
+    className = fs::path(section.name.substr(before.size())).replace_extension().string();
+    std::ranges::replace(className, '/', '.');
+  }
+  const Section* options = tested.find("options");
+  std::istringstream words(options != nullptr ? options->text : "");
+  for (std::string word; words >> word;) {
+    if (word == "superclasses") arguments.emplace_back("-s");
+    if (word == "class") words >> className;
+    if (word != "mask") continue;
+    unsigned mask = 0;
+    words >> mask;
+    if ((mask & 7U) == 0) return {};
+    std::string rules;
+    for (const auto& [bit, name] : {std::pair(1U, "mixins"), {2U, "attributes"}, {4U, "impl"}}) {
+      if ((mask & bit) != 0) rules += (rules.empty() ? "" : ",") + std::string(name);
+    }
+    arguments.insert(arguments.end(), {"-r", rules});
+  }
+  if (className.find('/') != std::string::npos) return {};
+  if (tested.find("table") != nullptr) {
+    arguments.insert(arguments.end(), {"--class-table", "table.json"});
+  }
+  arguments.push_back(className);
+  return arguments;
+}
+
+void writeFiles(const Case& tested, const Workspace& space) {
+  for (const Section& section : tested.sections) {
+    if (section.name == "table") space.write("table.json", section.text);
+    if (!section.name.starts_with(before)) continue;
+    const std::string name = section.name.substr(before.size());
+    fs::create_directories((space.path() / name).parent_path());
+    if (!name.ends_with('/')) space.write(name, section.text);
+  }
+}
+
+// The files that should be there after an update with `--write`.
+std::map<std::string, std::string> expectedFiles(const Case& tested, const Workspace& space) {
+  auto files = space.readAll();
+  if (tested.find("error") != nullptr || tested.find("missing-delimiter") != nullptr) return files;
+  for (auto& [name, text] : files) {
+    if (const Section* after = tested.find("after/" + name)) text = after->text;
+  }
+  return files;
+}
+
+std::vector<std::string> with(std::vector<std::string> arguments, const char* option) {
+  arguments.insert(arguments.begin() + 1, option);
+  return arguments;
+}
+
+class CasesThroughTheProgram : public ::testing::TestWithParam<Case> {};
+
+TEST_P(CasesThroughTheProgram, DryRunAndWriteAgree) {
+  const Case& tested = GetParam();
+  const auto arguments = argumentsOf(tested);
+  const Workspace space;
+  writeFiles(tested, space);
+  const auto expected = expectedFiles(tested, space);
+  const bool fails = tested.find("error") != nullptr || tested.find("missing-delimiter") != nullptr;
+
+  const auto dryRun = space.soca(arguments);
+  EXPECT_EQ(dryRun.exitCode, fails ? 2 : 0) << dryRun.err;
+  const Workspace patched;
+  writeFiles(tested, patched);
+  patched.write("update.diff", dryRun.out);
+  if (!dryRun.out.empty()) {
+    const auto applied = patched.run({"git", "apply", "--whitespace=nowarn", "update.diff"});
+    EXPECT_EQ(applied.exitCode, 0) << applied.err << dryRun.out;
+  }
+  fs::remove(patched.path() / "update.diff");
+  EXPECT_EQ(patched.readAll(), expected);
+
+  const auto written = space.soca(with(arguments, "--write"));
+  EXPECT_EQ(written.exitCode, dryRun.exitCode) << written.err;
+  EXPECT_EQ(space.readAll(), expected);
+}
+
+class KnownCases : public ::testing::TestWithParam<Case> {};
+
+TEST_P(KnownCases, AreRefused) {
+  const Workspace space;
+  writeFiles(GetParam(), space);
+  const auto expected = space.readAll();
+  const auto result = space.soca(with(argumentsOf(GetParam()), "--write"));
+  EXPECT_EQ(result.exitCode, 2);
+  const bool isError = GetParam().find("error") != nullptr;
+  EXPECT_NE(result.err.find(isError ? "std::out_of_range" : " is refused: "), std::string::npos)
+      << result.err;
+  EXPECT_EQ(space.readAll(), expected);
+}
+
+std::vector<Case> casesForTheProgram() {
+  auto cases = findCases(SOCA_SOURCE_DIR "/tests/cases");
+  std::erase_if(cases, [](const Case& each) { return argumentsOf(each).empty(); });
+  return cases;
+}
+
+std::string nameOf(const ::testing::TestParamInfo<Case>& info) {
+  std::string name = info.param.name;
+  std::ranges::replace_if(
+      name, [](unsigned char character) { return std::isalnum(character) == 0; }, '_');
+  return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, CasesThroughTheProgram, ::testing::ValuesIn(casesForTheProgram()),
+                         nameOf);
+INSTANTIATE_TEST_SUITE_P(All, KnownCases,
+                         ::testing::ValuesIn(findCases(SOCA_SOURCE_DIR "/tests/known")), nameOf);
+
+}  // namespace
+}  // namespace soca::testing

@@ -1,0 +1,52 @@
+// Runs the program as a user does.
+#pragma once
+
+#include <sys/types.h>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace soca::testing {
+
+struct ProgramResult {
+  // What the process ended with; 128 and the number of the signal that killed it.
+  int exitCode = 0;
+  std::string out;
+  std::string err;
+};
+
+// A folder of its own, gone with the object, in which programs run.
+class Workspace {
+ public:
+  Workspace();
+  ~Workspace();
+  Workspace(const Workspace&) = delete;
+  Workspace& operator=(const Workspace&) = delete;
+
+  const std::filesystem::path& path() const { return path_; }
+
+  // Writes a file below the folder, and the folders that it needs.
+  void write(const std::string& name, std::string_view bytes) const;
+  std::string read(const std::string& name) const;
+  // The bytes of all regular files, by their names relative to the folder.
+  std::map<std::string, std::string> readAll() const;
+
+  // Runs the program, or another one that is found on the search path, in the folder.
+  ProgramResult soca(std::vector<std::string> arguments) const;
+  ProgramResult run(std::vector<std::string> command) const;
+  // Starts the program and leaves it alone; to be waited for.
+  pid_t start(std::vector<std::string> arguments) const;
+
+ private:
+  pid_t spawn(std::vector<std::string>& command, const std::string& out,
+              const std::string& err) const;
+
+  std::filesystem::path path_;
+};
+
+// A class that every rule family has something to do with.
+std::string outdatedClass(std::string_view name);
+
+}  // namespace soca::testing

@@ -1,0 +1,182 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "tests/cli/ProgramRunner.h"
+
+namespace soca::testing {
+namespace {
+
+std::string replaced(std::string text, std::string_view what, std::string_view with) {
+  for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size()) {
+    text.replace(at, what.size(), with);
+  }
+  return text;
+}
+
+// Files that differ in nothing but their bytes: each name and the class's source.
+std::map<std::string, std::string> encodings() {
+  const std::string text = outdatedClass("C");
+  const std::string crlf = replaced(text, "\n", "\r\n");
+  std::map<std::string, std::string> files;
+  files["plain/C.vlm"] = text;
+  files["crlf/C.vlm"] = crlf;
+  files["crlfNoEnd/C.vlm"] = crlf.substr(0, crlf.size() - 2);
+  files["noEnd/C.vlm"] = text.substr(0, text.size() - 1);
+  files["blankEnd/C.vlm"] = text + "  ";
+  files["mark/C.vlm"] = "\xEF\xBB\xBF" + text;
+  files["latin/C.vlm"] = replaced(text, "\u00e9", "\xe9");
+  files["loneReturn/C.vlm"] = replaced(text, "it's", "it's\rso");
+  files["mixed/C.vlm"] = crlf.substr(0, crlf.size() / 2) + text.substr(text.size() / 2);
+  files["\u00e4\u4e2d/\u00dcn\u00ef.vlm"] = text;
+  return files;
+}
+
+TEST(Update, DiffsAndWritesAreTheSameBytes) {
+  const Workspace space;
+  const Workspace gitSpace;
+  const Workspace patchSpace;
+  const std::string odd = "odd name \"\u00e4\"/";
+  for (const auto& [name, bytes] : encodings()) {
+    for (const Workspace* each : {&space, &gitSpace, &patchSpace}) each->write(odd + name, bytes);
+  }
+  const auto diff = space.soca({"update", "-p", odd});
+  EXPECT_EQ(diff.exitCode, 0) << diff.err;
+  const auto written = space.soca({"update", "-p", odd, "--write"});
+  EXPECT_EQ(written.exitCode, 0) << written.err;
+  EXPECT_EQ(written.out, "");
+  const auto expected = space.readAll();
+  for (const auto& [name, bytes] : encodings()) {
+    EXPECT_NE(expected.at(odd + name), bytes) << name;
+    EXPECT_EQ(expected.at(odd + name).find("Propagates"), std::string::npos) << name;
+  }
+  for (const auto& [each, command] :
+       {std::pair(&gitSpace, std::vector<std::string>{"git", "apply", "--whitespace=nowarn"}),
+        std::pair(&patchSpace, std::vector<std::string>{"patch", "-s", "-p1", "-i"})}) {
+    each->write("update.diff", diff.out);
+    auto words = command;
+    words.emplace_back("update.diff");
+    const auto applied = each->run(words);
+    EXPECT_EQ(applied.exitCode, 0) << applied.err << applied.out;
+    std::filesystem::remove(each->path() / "update.diff");
+    EXPECT_EQ(each->readAll(), expected);
+  }
+  // Nothing is left to do.
+  EXPECT_EQ(space.soca({"update", "-p", odd, "--check"}).exitCode, 0);
+}
+
+TEST(Update, JsonHasItsForm) {
+  const Workspace space;
+  space.write("p/A.vlm", "classdef A < p.B & far.Gone & velum.system.mixin.Propagates\nend\n");
+  space.write("p/B.vlm", "classdef B < velum.System\n  properties (Logical)\n    X\n  end\nend\n");
+  space.write("p/N.vlm",
+              "classdef N < velum.System\n  properties (PositiveInteger)\n"
+              "    X {} = 1;\n  end\nend\n");
+  space.write("p/H.vlm", "classdef H < handle\nend\n");
+  const auto result = space.soca({"update", "--format", "json", "--check"});
+  EXPECT_EQ(result.exitCode, 2);
+  const auto document = nlohmann::ordered_json::parse(result.out);
+  const std::string root = space.path().string();
+  const auto expected = nlohmann::ordered_json::parse(R"({"version": 1, "results": [
+    {"class": "p.A", "file": "{root}/p/A.vlm", "updated": true,
+     "text": "classdef A < p.B & far.Gone\nend\n", "messages": [],
+     "hint": "the superclass 'far.Gone', named by 'p.A', was not found; looked for far/Gone.vlm and far/Gone.p in '{root}'"},
+    {"class": "p.B", "file": "{root}/p/B.vlm", "updated": false,
+     "text": "classdef B < velum.System\n  properties (Logical)\n    X\n  end\nend\n",
+     "messages": ["Property 'X' has no default value, so its properties block is left as it is."]},
+    {"class": "p.N", "file": "{root}/p/N.vlm", "updated": true,
+     "text": "classdef N < velum.System\n  properties \n    X (1, 1) {mustBePositive, mustBeInteger} {} = 1;\n  end\nend\n",
+     "messages": [],
+     "refused": "the new text would have a syntax error in line 3, column 46: expected a line end, `;` or `,` behind the declaration, found `{`"}],
+   "errors": [],
+   "skipped": [{"class": "p.H", "id": "VELUM:system:Analyzer:NotASystemObject",
+     "message": "'p.H' is not a System object class, so it cannot be updated.",
+     "hint": "none of the classes that it derives from is a System object"}]})");
+  EXPECT_EQ(replaced(document.dump(1), root, "{root}"), expected.dump(1));
+}
+
+TEST(Update, SuperclassesComeAlongOnce) {
+  const Workspace space;
+  space.write("A.vlm", "classdef A < Base & velum.system.mixin.Propagates\nend\n");
+  space.write("B.vlm", "classdef B < Base & velum.system.mixin.Propagates\nend\n");
+  space.write("Base.vlm", outdatedClass("Base"));
+  EXPECT_EQ(space.soca({"update", "--check", "A", "B"}).out, "A\nB\n");
+  const auto all = space.soca({"update", "--check", "-s", "B", "A", "Base"});
+  EXPECT_EQ(all.out, "B\nBase\nA\n");
+  EXPECT_EQ(all.exitCode, 1);
+  EXPECT_NE(all.err.find("looked at 3 classes: 3 would change"), std::string::npos) << all.err;
+  EXPECT_EQ(space.soca({"update", "-s", "-r", "mixins", "--write", "A"}).exitCode, 0);
+  EXPECT_EQ(space.soca({"update", "--check", "-r", "mixins"}).out, "B\n");
+  EXPECT_EQ(space.soca({"update", "--check", "-r", "impl,attributes"}).out, "Base\n");
+}
+
+TEST(Update, SaysWhatIsLeftToAPerson) {
+  const Workspace space;
+  space.write("Base.vlm", outdatedClass("Base"));
+  space.write("Heir.vlm",
+              "classdef (StrictDefaults) Heir < Base\n    methods (Access = protected)\n"
+              "        function flag = isInputSizeMutableImpl(obj, index)\n"
+              "            flag = false;\n        end\n    end\nend\n");
+  space.write("Stays.vlm",
+              "classdef Stays < velum.System\n    properties (Logical)\n        X\n    end\n"
+              "    methods\n        function tf = isOutputSizeLockedImpl(obj, k)\n"
+              "            tf = true;\n        end\n    end\nend\n");
+  const auto told = space.soca({"update"});
+  for (const char* part :
+       {"Stays.vlm:3: warning: Property 'X' has no default value, so its properties block is left "
+        "as it is. [PropertyHasEmptyDefault]\n",
+        "Stays.vlm:6: warning: Method 'isOutputSizeLockedImpl' is not deleted: ",
+        "warning: method 'isInputSizeMutableImpl' of class 'Heir' is deleted as redundant, and its "
+        "superclass 'Base' gains a method of that name",
+        "looked at 3 classes: 2 would change, 1 stays as it is; 2 findings"}) {
+    EXPECT_NE(told.err.find(part), std::string::npos) << part << "\n" << told.err;
+  }
+  // A quiet run has its errors and its last line only, and a negated constant that strict defaults
+  // make redundant is counted.
+  space.write("Again.vlm",
+              "classdef (StrictDefaults) Again < velum.System\n    methods (Access = protected)\n"
+              "        function flag = isInputSizeLockedImpl(obj, index)\n"
+              "            flag = true;\n        end\n    end\nend\n");
+  const auto quiet = space.soca({"update", "-q"});
+  EXPECT_EQ(quiet.out, "");
+  EXPECT_EQ(quiet.err,
+            "soca: looked at 4 classes: 3 would change, 1 stays as it is; 2 findings; 1 changes "
+            "again in a second update\n");
+}
+
+TEST(Update, AnyNumberOfJobsGivesTheSameBytes) {
+  const Workspace space;
+  std::filesystem::copy(SOCA_SOURCE_DIR "/examples", space.path() / "examples",
+                        std::filesystem::copy_options::recursive);
+  for (const std::vector<std::string>& options :
+       {std::vector<std::string>{"-v"}, {"-s", "--format", "json"}, {"--check"}}) {
+    std::vector<std::string> arguments = {"update", "-p", "examples", "-j", "1"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    const auto alone = space.soca(arguments);
+    EXPECT_FALSE(alone.out.empty());
+    for (const char* jobs : {"2", "16"}) {
+      arguments[4] = jobs;
+      const auto parallel = space.soca(arguments);
+      EXPECT_EQ(parallel.out, alone.out);
+      EXPECT_EQ(parallel.err, alone.err);
+      EXPECT_EQ(parallel.exitCode, alone.exitCode);
+    }
+  }
+}
+
+TEST(Update, ColorsAreForTerminalsAndThoseWhoAsk) {
+  const Workspace space;
+  space.write("A.vlm", outdatedClass("A"));
+  const auto hasColor = [&](std::vector<std::string> command) {
+    return space.run(std::move(command)).out.find("\x1b[31m-classdef") != std::string::npos;
+  };
+  EXPECT_FALSE(hasColor({SOCA_PROGRAM, "update"}));
+  EXPECT_TRUE(hasColor({SOCA_PROGRAM, "update", "--color", "always"}));
+  EXPECT_TRUE(hasColor({"env", "FORCE_COLOR=1", SOCA_PROGRAM, "update"}));
+  EXPECT_FALSE(hasColor({"env", "FORCE_COLOR=1", "NO_COLOR=1", SOCA_PROGRAM, "update"}));
+  EXPECT_FALSE(hasColor({"env", "FORCE_COLOR=1", SOCA_PROGRAM, "update", "--color=never"}));
+}
+
+}  // namespace
+}  // namespace soca::testing
