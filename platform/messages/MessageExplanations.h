@@ -1,5 +1,6 @@
 // What messages mean and what the rules convert, for people. All texts are UTF-8 and live as long
-// as the process; texts of several lines are parted by "\n", with none at the end.
+// as the process; texts of several lines are parted by "\n", with none at the end. Source code
+// within a sentence stands between backticks; the catalog's texts have none.
 #pragma once
 
 #include <span>
@@ -31,6 +32,12 @@ struct MessageExplanation {
   std::string_view after;
 };
 
+// An old form, and what becomes of it.
+struct ConversionExplanation {
+  std::string_view from;
+  std::string_view to;
+};
+
 // One rule family.
 struct RuleExplanation {
   // The name on the command line: "attributes", "mixins" or "impl".
@@ -38,8 +45,11 @@ struct RuleExplanation {
   std::string_view title;
   // One sentence.
   std::string_view summary;
-  // What is converted, and what is left alone.
+  std::span<const ConversionExplanation> conversions;
+  // When and how it converts, one point a line.
   std::string_view details;
+  // What it leaves alone, gets wrong or refuses, one point a line.
+  std::string_view limits;
   std::string_view before;
   std::string_view after;
 };

@@ -3,7 +3,8 @@
 //   soca_message_table messages.json MessageTable.h
 //
 // The file has the catalog's name and three lists: "messages" of the catalog, "program" for what
-// the program reports on its own, and "rules". Pieces of source are lists of lines.
+// the program reports on its own, and "rules". Pieces of source are lists of lines, and what is to
+// be said of a rule is a list of points.
 #include <exception>
 #include <fstream>
 #include <initializer_list>
@@ -39,9 +40,8 @@ void writeTexts(const Json& entry, std::initializer_list<const char*> keys, std:
   for (const char* key : keys) out << "     " << quote(entry.at(key).get<std::string>()) << ",\n";
 }
 
-void writeSnippets(const Json& entry, std::ostream& out) {
-  out << "     " << quote(joinLines(entry.at("before"))) << ",\n     "
-      << quote(joinLines(entry.at("after"))) << "},\n";
+void writeLines(const Json& entry, std::initializer_list<const char*> keys, std::ostream& out) {
+  for (const char* key : keys) out << "     " << quote(joinLines(entry.at(key))) << ",\n";
 }
 
 std::string kindOf(const Json& entry) {
@@ -60,17 +60,38 @@ void writeMessages(const char* table, const Json& entries, const std::string& ca
     out << "    {" << quote(catalog) << ", " << quote(id) << ", " << quote(prefix + id)
         << ",\n     " << kindOf(entry) << ",\n";
     writeTexts(entry, {"rule", "text", "meaning", "cause", "fix"}, out);
-    writeSnippets(entry, out);
+    writeLines(entry, {"before", "after"}, out);
+    out << "    },\n";
+  }
+  out << "}};\n\n";
+}
+
+// The name of the table that holds the conversions of the rule.
+std::string conversionTableOf(const Json& rule) {
+  return rule.at("id").get<std::string>() + "Conversions";
+}
+
+void writeConversions(const Json& rule, std::ostream& out) {
+  const Json& conversions = rule.at("conversions");
+  out << "inline constexpr std::array<ConversionExplanation, " << conversions.size() << "> "
+      << conversionTableOf(rule) << "{{\n";
+  for (const Json& conversion : conversions) {
+    out << "    {\n";
+    writeTexts(conversion, {"from", "to"}, out);
+    out << "    },\n";
   }
   out << "}};\n\n";
 }
 
 void writeRules(const Json& rules, std::ostream& out) {
+  for (const Json& rule : rules) writeConversions(rule, out);
   out << "inline constexpr std::array<RuleExplanation, " << rules.size() << "> ruleTable{{\n";
   for (const Json& rule : rules) {
     out << "    {" << quote(rule.at("id").get<std::string>()) << ",\n";
-    writeTexts(rule, {"title", "summary", "details"}, out);
-    writeSnippets(rule, out);
+    writeTexts(rule, {"title", "summary"}, out);
+    out << "     " << conversionTableOf(rule) << ",\n";
+    writeLines(rule, {"details", "limits", "before", "after"}, out);
+    out << "    },\n";
   }
   out << "}};\n\n";
 }

@@ -1,0 +1,20 @@
+// The pages of docs/rules/: one for each rule family, one for the failures, and an index.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace fl::i18n {
+
+struct RulePage {
+  // In docs/rules/, such as "impl.md".
+  std::string fileName;
+  // Markdown, UTF-8, with a line end at its end.
+  std::string text;
+};
+
+// The index first. All that they say of messages and rules comes from the explanations. Throws
+// std::runtime_error where one of these has a backtick without its counterpart.
+std::vector<RulePage> makeRulePages();
+
+}  // namespace fl::i18n
