@@ -1,8 +1,7 @@
 #include "cli/ClassUpdater.h"
 
 #include <fmt/core.h>
-#include <time.h>
-
+#include <ctime>
 #include <memory>
 #include <stdexcept>
 #include <unordered_set>
@@ -92,19 +91,22 @@ void addFailure(const Target& target, Failure failure, TargetOutcome& outcome) {
   }
 }
 
-Failure describeMissingDelimiter(const Target& target, const PlannedClass& planned) {
+Failure describeMissingDelimiter(const Target& target, const std::string& file,
+                                 const SourcePosition& place) {
   Failure failure = makeFailure(target, "soca:DelimiterNotFound", {});
   failure.message = programMessage(failure.id);
   failure.hints = {fmt::format("line {}, column {} of '{}' has something else than a delimiter",
-                               planned.missingDelimiter->line + 1,
-                               planned.missingDelimiter->column + 1,
-                               to_string(planned.result.fileName))};
+                               place.line + 1, place.column + 1, file)};
   return failure;
 }
 
 // --- the new file ---
 
 constexpr timespec settlingTime = {0, 25'000'000};
+
+ClassFault makeChangeFault(const std::string& path) {
+  return {"soca:FileChanged", fmt::format("The file '{}' changed while it was looked at.", path)};
+}
 
 // The file as it was when it was analysed, with a stamp that will show any later change.
 fl::filesystem::SourceFileText readAnalysedFile(const std::string& path,
@@ -118,21 +120,18 @@ fl::filesystem::SourceFileText readAnalysedFile(const std::string& path,
       ::nanosleep(&settlingTime, nullptr);
     }
   } catch (const fl::filesystem::ReadError&) {
-    // It could be read a moment ago.
+    throw makeChangeFault(path);
   }
-  throw ClassFault("soca:FileChanged",
-                   fmt::format("The file '{}' changed while it was looked at.", path));
+  throw makeChangeFault(path);
 }
 
-std::string encodeNewText(const PlannedClass& planned, fl::EncodingType encoding) {
-  auto bytes = fl::encodeFileText(planned.result.text, encoding);
+std::string encodeText(fl::ustring_view text, fl::EncodingType encoding, const std::string& file) {
+  auto bytes = fl::encodeFileText(text, encoding);
   if (bytes) return std::move(*bytes);
   throw ClassFault(
       "soca:TextNotEncodable",
-      fmt::format("The new text of the file '{}' has characters that its encoding, {}, "
-                  "does not have.",
-                  to_string(planned.result.fileName),
-                  encoding == fl::EncodingType::utf8 ? "UTF-8" : "ISO-8859-1"));
+      fmt::format("The new text of the file '{}' has characters that its encoding, {}, lacks.",
+                  file, encoding == fl::EncodingType::utf8 ? "UTF-8" : "ISO-8859-1"));
 }
 
 void checkReplaceable(const std::string& path) {
@@ -222,7 +221,8 @@ TargetOutcome ClassUpdater::updateClass(const Target& target) const {
     for (const PlannedClass& planned :
          planUpdate(to_ustring(target.className), wishes_.rules, wishes_.includeSuperclasses)) {
       if (planned.missingDelimiter) {
-        outcome.failures.push_back(describeMissingDelimiter(target, planned));
+        outcome.failures.push_back(describeMissingDelimiter(
+            target, to_string(planned.result.fileName), *planned.missingDelimiter));
         continue;
       }
       try {
@@ -268,11 +268,11 @@ void ClassUpdater::checkNewText(const PlannedClass& planned, ClassOutcome& outco
 
 void ClassUpdater::makeNewFile(const PlannedClass& planned, ClassOutcome& outcome) const {
   const auto file = readAnalysedFile(outcome.file, *planned.analysis, wishes_.newBytes);
-  std::string bytes = encodeNewText(planned, file.encoding);
+  std::string bytes = encodeText(planned.result.text, file.encoding, outcome.file);
   checkReplaceable(outcome.file);
   if (wishes_.diff) {
-    const auto oldBytes = fl::encodeFileText(file.text, file.encoding);
-    outcome.diff = unifiedDiff(names_->inDiff(outcome.file), *oldBytes, bytes);
+    const std::string oldBytes = encodeText(file.text, file.encoding, outcome.file);
+    outcome.diff = unifiedDiff(names_->inDiff(outcome.file), oldBytes, bytes);
   }
   outcome.stamp = file.stamp;
   if (wishes_.newBytes) outcome.newBytes = std::move(bytes);

@@ -39,8 +39,11 @@ bool wantsColor(ColorType color, const Output& output) {
 
 void Output::write(std::string_view text) {
   if (buffer_.size() + text.size() > bufferSize) flush();
-  if (text.size() > bufferSize) return writeThrough(text);
-  buffer_ += text;
+  if (text.size() > bufferSize) {
+    writeThrough(text);
+  } else {
+    buffer_ += text;
+  }
 }
 
 void Output::flush() {

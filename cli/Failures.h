@@ -37,7 +37,7 @@ class FailureDescriber {
   Failure describeCurrentException(const FailedCall& call) const;
 
  private:
-  Failure describe(const foundation::core::except::IMsgIDException& failure,
+  Failure describe(const foundation::core::except::IMsgIDException& exception,
                    const FailedCall& call) const;
   void explain(const resource_core::BaseMsgID& message, const FailedCall& call,
                Failure& failure) const;

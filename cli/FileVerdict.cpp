@@ -12,8 +12,7 @@ FileVerdict judgeFile(const std::string& path) {
   try {
     const auto file = fl::filesystem::readSourceFile(path, ca::maximumFileSize);
     if (file.text.empty()) return {Type::isEmpty, fmt::format("the file '{}' is empty", path)};
-    const FileVerdict noClass{Type::holdsNoClass,
-                              fmt::format("the file '{}' holds no class", path)};
+    FileVerdict noClass{Type::holdsNoClass, fmt::format("the file '{}' holds no class", path)};
     // A look at the text is cheaper than an analysis, and most files without a class have none.
     if (file.text.find(u"classdef") == fl::ustring::npos) return noClass;
     return ca::analyzeText(file.text)->getClassdef() == nullptr ? noClass : FileVerdict();

@@ -48,7 +48,7 @@ class Placer {
     for (const PlannedAction& action : actions) {
       for (const PlannedEdit& edit : action.edits) edits.push_back(place(edit, edits.size()));
     }
-    std::ranges::stable_sort(edits, [](const PlacedEdit& left, const PlacedEdit& right) {
+    std::ranges::sort(edits, [](const PlacedEdit& left, const PlacedEdit& right) {
       if (left.start != right.start) return left.start < right.start;
       return left.number > right.number;
     });

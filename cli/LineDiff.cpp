@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <dtl/dtl.hpp>
-#include <optional>
+#include <ranges>
 #include <unordered_map>
+#include <utility>
+
+#include "cli/ShortestScript.h"
 
 namespace soca::cli {
 namespace {
@@ -145,29 +147,29 @@ class Differ {
                       std::vector<Range>& pending) {
     std::size_t oldEnd = range.oldEnd;
     std::size_t newEnd = range.newEnd;
-    for (auto anchor = anchors.rbegin(); anchor != anchors.rend(); ++anchor) {
-      pending.push_back(
-          {anchor->oldLine + 1, oldEnd, anchor->newLine + 1, newEnd, range.depth + 1});
-      oldEnd = anchor->oldLine;
-      newEnd = anchor->newLine;
+    for (const Match& anchor : std::views::reverse(anchors)) {
+      pending.push_back({anchor.oldLine + 1, oldEnd, anchor.newLine + 1, newEnd, range.depth + 1});
+      oldEnd = anchor.oldLine;
+      newEnd = anchor.newLine;
     }
     pending.push_back({range.oldStart, oldEnd, range.newStart, newEnd, range.depth + 1});
   }
 
   void diffGap(const Range& range) {
-    if (range.oldCount() + range.newCount() > largestGap) return addChange(range);
+    if (range.oldCount() + range.newCount() > largestGap) {
+      addChange(range);
+      return;
+    }
     const auto part = [](const LineIds& ids, std::size_t start, std::size_t end) {
       return LineIds(ids.begin() + static_cast<std::ptrdiff_t>(start),
                      ids.begin() + static_cast<std::ptrdiff_t>(end));
     };
-    dtl::Diff<std::uint32_t> diff(part(old_, range.oldStart, range.oldEnd),
-                                  part(new_, range.newStart, range.newEnd), true);
-    diff.compose();
     Range next{range.oldStart, range.oldStart, range.newStart, range.newStart};
-    for (const auto& [id, info] : diff.getSes().getSequence()) {
-      if (info.type == dtl::SES_DELETE) ++next.oldEnd;
-      if (info.type == dtl::SES_ADD) ++next.newEnd;
-      if (info.type != dtl::SES_COMMON) continue;
+    for (const StepType step : shortestScript(part(old_, range.oldStart, range.oldEnd),
+                                              part(new_, range.newStart, range.newEnd))) {
+      if (step == StepType::deleteLine) ++next.oldEnd;
+      if (step == StepType::insertLine) ++next.newEnd;
+      if (step != StepType::keepLine) continue;
       addChange(next);
       next = {next.oldEnd + 1, next.oldEnd + 1, next.newEnd + 1, next.newEnd + 1};
     }

@@ -37,10 +37,10 @@ auto valueOf(std::string_view text, const Words& words, std::string_view what) {
   if (word != words.end()) return word->value;
   std::string known;
   for (const auto& row : words) {
-    known += known.empty() ? "" : &row == &words.back() ? " and " : ", ";
+    if (!known.empty()) known += ", ";
     known += row.text;
   }
-  throw UsageError(fmt::format("unknown {} '{}': there are {}", what, text, known));
+  throw UsageError(fmt::format("unknown {} '{}'; known are: {}", what, text, known));
 }
 
 UpdateMask parseRules(std::string_view list) {

@@ -24,8 +24,9 @@ template <class Item, class Result>
 class OrderedWorkers {
  public:
   using Next = std::function<std::optional<Item>()>;
-  using Work = std::function<Result(Item&&)>;
-  using Consume = std::function<bool(Result&&)>;
+  using Work = std::function<Result(const Item&)>;
+  // May take the result apart.
+  using Consume = std::function<bool(Result&)>;
 
   OrderedWorkers(unsigned jobs, Next next, Work work, Consume consume)
       : jobs_(jobs), next_(std::move(next)), work_(std::move(work)), consume_(std::move(consume)) {}
@@ -33,6 +34,7 @@ class OrderedWorkers {
   void run() {
     if (jobs_ <= 1) return runAlone();
     std::vector<std::jthread> threads;
+    threads.reserve(jobs_);
     for (unsigned i = 0; i < jobs_; ++i) threads.emplace_back([this] { workUntilDone(); });
     consumeInOrder();
   }
@@ -42,13 +44,14 @@ class OrderedWorkers {
 
   void runAlone() {
     while (auto item = next_()) {
-      if (!consume_(work_(std::move(*item)))) return;
+      Result result = work_(*item);
+      if (!consume_(result)) return;
     }
   }
 
   void workUntilDone() {
     while (auto numbered = takeItem()) {
-      Result result = work_(std::move(numbered->second));
+      Result result = work_(numbered->second);
       const std::lock_guard lock(mutex_);
       finished_.emplace(numbered->first, std::move(result));
       if (numbered->first == consumed_) resultIsThere_.notify_one();
@@ -76,10 +79,10 @@ class OrderedWorkers {
       resultIsThere_.wait(lock, [this] {
         return finished_.contains(consumed_) || (stopped_ && consumed_ == taken_);
       });
-      const auto entry = finished_.extract(consumed_);
+      auto entry = finished_.extract(consumed_);
       if (entry.empty()) return;
       lock.unlock();
-      const bool goesOn = consume_(std::move(entry.mapped()));
+      const bool goesOn = consume_(entry.mapped());
       lock.lock();
       ++consumed_;
       if (!goesOn) stopped_ = true;

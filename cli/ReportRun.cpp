@@ -53,7 +53,7 @@ ExitCodeType runReport(const Options& options, const ClassRoots& roots, Console&
     if (wasInterrupted()) return std::nullopt;
     return targets.next();
   };
-  const auto consume = [&](ReportOutcome&& outcome) {
+  const auto consume = [&](const ReportOutcome& outcome) {
     console.print(outcome.text);
     if (outcome.failure) {
       TextReport::printFailure(console, *outcome.failure);
@@ -62,7 +62,7 @@ ExitCodeType runReport(const Options& options, const ClassRoots& roots, Console&
     return !wasInterrupted();
   };
   OrderedWorkers<Target, ReportOutcome>(
-      options.jobs, next, [&](Target&& target) { return report(options, target, describer); },
+      options.jobs, next, [&](const Target& target) { return report(options, target, describer); },
       consume)
       .run();
   return wasInterrupted() ? interruptExitCode() : exitCode;

@@ -1,8 +1,7 @@
 #include "cli/Signals.h"
 
-#include <signal.h>
-
 #include <atomic>
+#include <csignal>
 
 namespace soca::cli {
 namespace {
@@ -32,5 +31,7 @@ bool wasInterrupted() { return caughtSignal != 0; }
 ExitCodeType interruptExitCode() {
   return caughtSignal == SIGTERM ? ExitCodeType::terminated : ExitCodeType::interrupted;
 }
+
+void ignoreBrokenPipes() { std::signal(SIGPIPE, SIG_IGN); }
 
 }  // namespace soca::cli

@@ -14,4 +14,7 @@ bool wasInterrupted();
 // The exit code for the signal that came.
 ExitCodeType interruptExitCode();
 
+// From now on a reader of the output that goes away does not end the process.
+void ignoreBrokenPipes();
+
 }  // namespace soca::cli

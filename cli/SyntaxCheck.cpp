@@ -44,14 +44,14 @@ ExitCodeType runSyntaxCheck(const Options& options, Console& console) {
     if (wasInterrupted() || index == options.arguments.size()) return std::nullopt;
     return options.arguments[index++];
   };
-  const auto consume = [&](CheckedFile&& file) {
+  const auto consume = [&](const CheckedFile& file) {
     console.print(file.report);
     if (!file.failure.empty()) console.complain(file.failure);
     if (!file.report.empty() || !file.failure.empty()) exitCode = ExitCodeType::failed;
     return !wasInterrupted();
   };
   OrderedWorkers<std::string, CheckedFile>(
-      options.jobs, next, [](std::string&& file) { return checkFile(file); }, consume)
+      options.jobs, next, [](const std::string& file) { return checkFile(file); }, consume)
       .run();
   return wasInterrupted() ? interruptExitCode() : exitCode;
 }

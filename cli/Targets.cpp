@@ -65,7 +65,9 @@ Targets::Argument Targets::makeArgument(const std::string& argument, Folders fol
   if (!isPath(argument)) return makeClassTarget(argument);
   const std::string path = roots_->underRoot(fl::filesystem::makeAbsoluteLexically(argument));
   // A folder with the name of a class file stands where a class should.
-  if (stemOfClassFile(argument)) return makeFileTarget(argument, path);
+  if (const auto stem = stemOfClassFile(fileNameOf(path))) {
+    return makeFileTarget(argument, path, *stem);
+  }
   if (!exists(path)) throw UsageError(fmt::format("there is no file or folder '{}'", argument));
   if (!isFolder(path)) {
     throw UsageError(
@@ -81,8 +83,8 @@ Targets::Argument Targets::makeArgument(const std::string& argument, Folders fol
   return FolderWalk(roots_, path);
 }
 
-Target Targets::makeFileTarget(const std::string& argument, const std::string& path) const {
-  const std::string_view stem = *stemOfClassFile(fileNameOf(path));
+Target Targets::makeFileTarget(const std::string& argument, const std::string& path,
+                               std::string_view stem) const {
   const auto package = roots_->packageOf(folderOf(path));
   if (!package || !isIdentifierName(stem)) {
     throw UsageError(
@@ -96,6 +98,10 @@ Target Targets::makeFileTarget(const std::string& argument, const std::string& p
   Target target = makeTarget(std::move(file));
   target.isNamed = true;
   return target;
+}
+
+bool Targets::isOneClass() const {
+  return arguments_.size() == 1 && std::holds_alternative<Target>(arguments_.front());
 }
 
 std::optional<Target> Targets::next() {

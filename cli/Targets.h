@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_set>
 #include <variant>
 #include <vector>
@@ -45,6 +46,9 @@ class Targets {
   // Throws UsageError for an argument that is on no root. `roots` must outlive the targets.
   Targets(const ClassRoots* roots, const std::vector<std::string>& arguments, Folders folders);
 
+  // Whether there is one target at most, as far as that can be known before it is asked for.
+  bool isOneClass() const;
+
   // In the order of the arguments.
   std::optional<Target> next();
 
@@ -52,7 +56,8 @@ class Targets {
   using Argument = std::variant<Target, FolderWalk>;
 
   Argument makeArgument(const std::string& argument, Folders folders) const;
-  Target makeFileTarget(const std::string& argument, const std::string& path) const;
+  Target makeFileTarget(const std::string& argument, const std::string& path,
+                        std::string_view stem) const;
   std::optional<Target> nextOf(Argument& argument);
   Target makeTarget(FoundFile file) const;
   // Whether the target was not given out yet.

@@ -67,16 +67,17 @@ void UpdateRun::computeAll() {
     if (wasInterrupted()) return std::nullopt;
     return targets_.next();
   };
-  const auto consume = [this](TargetOutcome&& outcome) {
+  const auto consume = [this](TargetOutcome& outcome) {
     try {
-      take(std::move(outcome));
+      take(outcome);
     } catch (const std::exception& error) {
       fatalError_ = error.what();
     }
     return fatalError_.empty() && !wasInterrupted();
   };
   OrderedWorkers<Target, TargetOutcome>(
-      options_->jobs, next, [this](Target&& target) { return work(target); }, consume)
+      targets_.isOneClass() ? 1 : options_->jobs, next,
+      [this](const Target& target) { return work(target); }, consume)
       .run();
 }
 
@@ -90,7 +91,7 @@ TargetOutcome UpdateRun::work(const Target& target) const {
   return outcome;
 }
 
-void UpdateRun::take(TargetOutcome outcome) {
+void UpdateRun::take(TargetOutcome& outcome) {
   if (outcome.hasNoClass) ++summary_.filesWithoutClass;
   for (ClassOutcome& entry : outcome.classes) {
     if (options_->includeSuperclasses && !shown_.insert(entry.className).second) continue;
@@ -134,6 +135,8 @@ void UpdateRun::addFailure(const Failure& failure) {
 }
 
 void UpdateRun::writeAll() {
+  // Temporary files lie about until the end of this.
+  ignoreBrokenPipes();
   FileWriter writer;
   // What can't be written is no result.
   std::vector<const Deferred*> staged;

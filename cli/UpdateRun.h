@@ -44,7 +44,7 @@ class UpdateRun {
   void computeAll();
   TargetOutcome work(const Target& target) const;
   // Both run in the order of the targets.
-  void take(TargetOutcome outcome);
+  void take(TargetOutcome& outcome);
   void takeClass(ClassOutcome& outcome);
   Deferred defer(const ClassOutcome& outcome, bool hasNewFile);
 

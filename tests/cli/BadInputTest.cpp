@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "cli/InternalErrors.h"
+#include "platform/failure/Terminate.h"
 #include "tests/cli/ProgramRunner.h"
 
 namespace soca::testing {
@@ -201,6 +203,16 @@ TEST_F(BadClasses, ReportsFailAlikeButForWhatTheyCanTell) {
             "CLASS: pkg.Handle\nNOT a System object\nSuperclasses: None\n\n"
             "CLASS: pkg.Nowhere\nNOT a System object\nSuperclasses: None\n\n");
   EXPECT_NE(known.err.find("pkg/Broken.vlm:3:11: error: "), std::string::npos) << known.err;
+}
+
+TEST(BadInputDeathTest, ABrokenPromiseNamesTheClass) {
+  const auto breakIt = [] {
+    cli::installInternalErrorHandler();
+    const cli::CurrentClass outer("pkg.Other");
+    const cli::CurrentClass current("pkg.Broken");
+    foundation::core::diag::terminate("Could not find it", "File", 1, "f");
+  };
+  EXPECT_DEATH(breakIt(), "class 'pkg.Broken' in .*: Could not find it");
 }
 
 TEST(BadInput, SyntaxErrorsOfASuperclassBelongToTheClassAskedFor) {

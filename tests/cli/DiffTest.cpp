@@ -122,8 +122,8 @@ TEST(LineDiff, WorkStaysInProportion) {
   std::vector<std::string_view> before;
   std::vector<std::string_view> after;
   for (std::size_t i = 0; i < 400'000; ++i) {
-    before.push_back(i % 3 == 0 ? "a\n" : "b\n");
-    after.push_back(i % 7 == 0 ? "b\n" : "a\n");
+    before.emplace_back(i % 3 == 0 ? "a\n" : "b\n");
+    after.emplace_back(i % 7 == 0 ? "b\n" : "a\n");
   }
   const auto changes = diffLines(before, after);
   ASSERT_FALSE(changes.empty());
@@ -132,6 +132,7 @@ TEST(LineDiff, WorkStaysInProportion) {
 
 TEST(LineDiff, AMovedBlockIsOneDeletionAndOneInsertion) {
   std::vector<std::string> lines;
+  lines.reserve(2000);
   for (int i = 0; i < 2000; ++i) lines.push_back("line " + std::to_string(i) + '\n');
   auto moved = lines;
   std::rotate(moved.begin() + 100, moved.begin() + 110, moved.begin() + 1500);

@@ -28,12 +28,12 @@ TEST(OrderedWorkers, ResultsComeInTheOrderOfTheItems) {
     int farAhead = 0;
     Workers(
         jobs, countTo(500, taken),
-        [&](int&& item) {
+        [&](int item) {
           if (item % 50 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(2));
           if (item > furthest) furthest = item;
           return item * 2;
         },
-        [&](int&& result) {
+        [&](int result) {
           farAhead = std::max(farAhead, furthest - result / 2);
           results.push_back(result);
           return true;
@@ -50,8 +50,8 @@ TEST(OrderedWorkers, StopsWhenNobodyWantsMore) {
     int taken = 0;
     int consumed = 0;
     Workers(
-        jobs, countTo(100'000, taken), [](int&& item) { return item; },
-        [&](int&&) { return ++consumed < 10; })
+        jobs, countTo(100'000, taken), [](int item) { return item; },
+        [&](int) { return ++consumed < 10; })
         .run();
     EXPECT_EQ(consumed, 10);
     EXPECT_LT(taken, 100);
@@ -61,8 +61,8 @@ TEST(OrderedWorkers, StopsWhenNobodyWantsMore) {
 TEST(OrderedWorkers, NothingToDo) {
   int taken = 0;
   Workers(
-      4, countTo(0, taken), [](int&& item) { return item; },
-      [](int&&) -> bool { throw std::logic_error("nothing was made"); })
+      4, countTo(0, taken), [](int item) { return item; },
+      [](int) -> bool { throw std::logic_error("nothing was made"); })
       .run();
 }
 

@@ -88,6 +88,7 @@ pid_t Workspace::start(std::vector<std::string> arguments) const {
 pid_t Workspace::spawn(std::vector<std::string>& command, const std::string& out,
                        const std::string& err) const {
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (std::string& word : command) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   posix_spawn_file_actions_t actions;

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <thread>
 
@@ -18,7 +18,12 @@ namespace fs = std::filesystem;
 using cli::FileWriter;
 
 cli::Replacement replacementFor(const fs::path& path, const std::string& bytes) {
-  return {path, bytes, *fl::filesystem::stampOf(path)};
+  return {path, bytes, fl::filesystem::stampOf(path).value()};
+}
+
+unsigned modeOf(const fs::path& path) {
+  struct stat status = {};
+  return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 07777U : 0;
 }
 
 TEST(Writing, KeepsPermissionsAndLinks) {
@@ -32,8 +37,8 @@ TEST(Writing, KeepsPermissionsAndLinks) {
   EXPECT_EQ(result.exitCode, 0) << result.err;
   EXPECT_TRUE(fs::is_symlink(space.path() / "A.vlm"));
   EXPECT_EQ(space.read("real/A.vlm").find("Propagates"), std::string::npos);
-  EXPECT_EQ(fs::status(space.path() / "real/A.vlm").permissions(), fs::perms{0640});
-  EXPECT_EQ(fs::status(space.path() / "B.vlm").permissions(), fs::perms{0755});
+  EXPECT_EQ(modeOf(space.path() / "real/A.vlm"), 0640U);
+  EXPECT_EQ(modeOf(space.path() / "B.vlm"), 0755U);
   EXPECT_EQ(space.readAll().size(), 2);
 }
 
