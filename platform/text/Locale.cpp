@@ -93,6 +93,9 @@ using Iterator = std::ostreambuf_iterator<char16_t>;
 
 // Prints numbers without the groups and names of a numpunct facet, which char16_t has none of.
 class PlainNumbers : public std::num_put<char16_t> {
+ public:
+  using std::num_put<char16_t>::num_put;
+
  protected:
   Iterator do_put(Iterator out, std::ios_base& stream, char16_t fill, bool value) const override {
     if ((stream.flags() & std::ios_base::boolalpha) == 0) {
@@ -138,10 +141,8 @@ class PlainNumbers : public std::num_put<char16_t> {
   }
 };
 
-std::locale makeStreamLocale() {
-  const std::locale withCharacters(std::locale::classic(), new std::ctype<char16_t>());
-  return std::locale(withCharacters, new PlainNumbers());
-}
+// A locale never deletes a facet that counts one user more than the locales know.
+constexpr std::size_t keptForEver = 1;
 
 }  // namespace
 
@@ -152,9 +153,14 @@ const Locale& Locale::global() {
 
 namespace facet {
 
-std::locale get_global_std_locale() {
-  static const std::locale locale = makeStreamLocale();
-  return locale;
+std::ctype<char16_t>& characterFacet() {
+  static auto* const facet = new std::ctype<char16_t>(keptForEver);
+  return *facet;
+}
+
+std::num_put<char16_t>& numberFacet() {
+  static auto* const facet = new PlainNumbers(keptForEver);
+  return *facet;
 }
 
 }  // namespace facet

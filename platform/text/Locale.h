@@ -16,12 +16,23 @@ class Locale {
 
 namespace facet {
 
+// The facets of the locale below, which live as long as the process.
+std::ctype<char16_t>& characterFacet();
+std::num_put<char16_t>& numberFacet();
+
 // A locale with which a stream of `char16_t` prints integers as plain decimal digits, and bools as
 // `true` and `false` under `std::boolalpha`.
 //
 //   std::basic_ostringstream<char16_t> stream;
 //   stream.imbue(fl::i18n::facet::get_global_std_locale());
-std::locale get_global_std_locale();
+//
+// Made in the library that asks: a stream finds a facet by an id of which each library that hides
+// its symbols has a copy of its own.
+inline std::locale get_global_std_locale() {
+  static const std::locale locale(std::locale(std::locale::classic(), &characterFacet()),
+                                  &numberFacet());
+  return locale;
+}
 
 }  // namespace facet
 }  // namespace fl::i18n
