@@ -1,0 +1,114 @@
+# What is installed and where, the CMake package, and the Debian package. Everything may be moved
+# together once it is installed.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set(SOCA_BUNDLE_DIR ${CMAKE_INSTALL_LIBDIR}/soca)
+set(SOCA_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/soca)
+
+# --- headers ------------------------------------------------------------------------------------
+# Clients include "soca/Updater.h", which needs nothing else. The other headers lie in a folder of
+# their own, through which they are found by their names in this project, such as
+# "platform/paths/PathDispatcher.h". A client of the bundle links the platform alone, so that the
+# service's interface comes with it.
+
+target_sources(
+  soca_platform
+  PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES
+         platform/analyzer/AnalysisResult.h
+         platform/analyzer/Analyzer.h
+         platform/analyzer/Ast.h
+         platform/analyzer/AstDispatcher.h
+         platform/analyzer/Config.h
+         platform/analyzer/Diagnostic.h
+         platform/analyzer/NodeKind.h
+         platform/analyzer/NodeVisitor.h
+         platform/analyzer/NumericValue.h
+         platform/analyzer/SourceText.h
+         platform/failure/BaseMsgID.h
+         platform/failure/Exception.h
+         platform/failure/LegacyErrorChannel.h
+         platform/failure/Terminate.h
+         platform/messages/MessageCatalog.h
+         platform/messages/MessageListener.h
+         platform/paths/ClassPathItem.h
+         platform/paths/Iri.h
+         platform/paths/NativePath.h
+         platform/paths/Overlay.h
+         platform/paths/PathDispatcher.h
+         platform/paths/SourceReader.h
+         platform/runtime/Class.h
+         platform/runtime/ClassDescription.h
+         platform/runtime/ClassTable.h
+         platform/runtime/InternedId.h
+         platform/runtime/MetaClass.h
+         platform/text/Conversions.h
+         platform/text/FileText.h
+         platform/text/Letters.h
+         platform/text/Locale.h
+         platform/text/UString.h
+  INTERFACE FILE_SET service TYPE HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}/service/include FILES
+            service/include/soca/Updater.h)
+target_sources(
+  soca_core
+  PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES
+         model/Extent.h
+         model/SourcePosition.h
+         service/RuleFamily.h
+         service/UpdatePlan.h
+         service/UpdaterImpl.h)
+
+target_compile_features(soca_platform INTERFACE cxx_std_20)
+
+# --- targets ------------------------------------------------------------------------------------
+
+set_target_properties(soca_platform PROPERTIES EXPORT_NAME platform)
+set_target_properties(soca_core PROPERTIES EXPORT_NAME core)
+add_library(soca::platform ALIAS soca_platform)
+add_library(soca::core ALIAS soca_core)
+
+# The program and the bundle find the library beside them, wherever they are. What else was linked
+# from an unusual place, such as the component runtime, stays there.
+file(RELATIVE_PATH libraries_from_program ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+set_target_properties(com_orrery_systemobject_analyzer PROPERTIES INSTALL_RPATH "$ORIGIN/.."
+                                                                  INSTALL_RPATH_USE_LINK_PATH ON)
+if(TARGET soca)
+  set_target_properties(soca PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_program}")
+  install(TARGETS soca)
+endif()
+install(
+  TARGETS soca_platform soca_core
+  EXPORT socaTargets
+  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/soca
+  FILE_SET service DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(TARGETS com_orrery_systemobject_analyzer DESTINATION ${SOCA_BUNDLE_DIR})
+
+# --- the CMake package --------------------------------------------------------------------------
+
+set(SOCA_INSTALLED_BUNDLE
+    ${SOCA_BUNDLE_DIR}/${CMAKE_SHARED_MODULE_PREFIX}com_orrery_systemobject_analyzer${CMAKE_SHARED_MODULE_SUFFIX})
+configure_package_config_file(
+  ${PROJECT_SOURCE_DIR}/cmake/socaConfig.cmake.in ${PROJECT_BINARY_DIR}/socaConfig.cmake
+  INSTALL_DESTINATION ${SOCA_PACKAGE_DIR}
+  PATH_VARS SOCA_INSTALLED_BUNDLE)
+write_basic_package_version_file(
+  ${PROJECT_BINARY_DIR}/socaConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/socaConfig.cmake ${PROJECT_BINARY_DIR}/socaConfigVersion.cmake
+        DESTINATION ${SOCA_PACKAGE_DIR})
+install(EXPORT socaTargets NAMESPACE soca:: DESTINATION ${SOCA_PACKAGE_DIR})
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
+# --- the Debian package -------------------------------------------------------------------------
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME soca)
+set(CPACK_PACKAGE_CONTACT "The soca developers")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Updater for the source files of System object classes")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION devel)
+# The dependencies come from the libraries that are linked; that of the package's own is no stranger.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+include(CPack)

@@ -1,0 +1,62 @@
+# Installs into a prefix, moves it, and lets a project outside of this one use what is there.
+set(first ${WORK_DIR}/first)
+set(moved ${WORK_DIR}/moved/to)
+file(REMOVE_RECURSE ${WORK_DIR})
+file(MAKE_DIRECTORY ${WORK_DIR}/moved)
+
+# As in RuntimeTest.cpp.
+set(ENV{LSAN_OPTIONS} use_tls=0)
+
+# run(COMMAND...): its output goes to `output`; a failure ends the test.
+function(run)
+  execute_process(COMMAND ${ARGV} OUTPUT_VARIABLE output ERROR_VARIABLE output RESULT_VARIABLE result)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "failed (${result}): ${ARGV}\n${output}")
+  endif()
+  set(output "${output}" PARENT_SCOPE)
+endfunction()
+
+function(want text)
+  if(NOT output MATCHES "${text}")
+    message(FATAL_ERROR "'${text}' was wanted in:\n${output}")
+  endif()
+endfunction()
+
+# build_project(FOLDER NAME)
+function(build_project folder name)
+  set(flags "")
+  if(SANITIZE)
+    set(flags -DCMAKE_CXX_FLAGS=-fsanitize=${SANITIZE})
+  endif()
+  run(${CMAKE_COMMAND} -S ${folder} -B ${WORK_DIR}/${name} -G ${GENERATOR} ${flags}
+      -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_PREFIX_PATH=${moved}
+      -DCppMicroServices_DIR=${RUNTIME_DIR})
+  run(${CMAKE_COMMAND} --build ${WORK_DIR}/${name})
+endfunction()
+
+run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${first} --strip)
+file(RENAME ${first} ${moved})
+
+build_project(${OUTSIDE_DIR} outside)
+run(${WORK_DIR}/outside/in_process ${EXAMPLES_DIR} radio.GainControl)
+want("classdef GainControl < velum.System & radio.Tuned")
+
+if(EXISTS ${moved}/bin/soca)
+  run(${moved}/bin/soca update -p ${EXAMPLES_DIR} radio.GainControl)
+  want("classdef GainControl < velum.System & radio.Tuned")
+endif()
+
+if(RUNTIME_DIR)
+  build_project(${EXAMPLES_DIR}/client client)
+  run(${WORK_DIR}/client/soca_client ${EXAMPLES_DIR} radio.GainControl)
+  want("GainControl.vlm \\(updated\\)")
+endif()
+
+# What the package needs of other packages is read from what is linked (Debian: dpkg-dev).
+find_program(DPKG_SHLIBDEPS dpkg-shlibdeps)
+if(DPKG_SHLIBDEPS)
+  run(${CMAKE_CPACK_COMMAND} -G DEB --config ${BUILD_DIR}/CPackConfig.cmake -B ${WORK_DIR}/package)
+  file(GLOB package ${WORK_DIR}/package/*.deb)
+  run(dpkg-deb --field ${package} Depends)
+  want("libc6 .*libfmt.*libstdc\\+\\+6 ")
+endif()

@@ -1,0 +1,198 @@
+// The bundle as the component runtime meets it, step by step, without the runtime.
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <thread>
+
+#include "platform/component/ComponentInstance.h"
+#include "platform/failure/Exception.h"
+#include "platform/paths/PathDispatcher.h"
+#include "service/UpdaterImpl.h"
+#include "tests/bundle/BundleFile.h"
+#include "tests/bundle/ResourceArchive.h"
+#include "tests/platform/TemporaryFolder.h"
+
+namespace {
+
+using cppmicroservices::service::component::detail::ComponentInstance;
+
+constexpr soca::UpdateMask allFamilies = 7;
+
+std::string bytesOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string outputOf(const std::string& command) {
+  std::FILE* pipe = ::popen(command.c_str(), "r");
+  std::string output;
+  for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) output += static_cast<char>(c);
+  EXPECT_EQ(::pclose(pipe), 0) << command;
+  return output;
+}
+
+class BundleModule : public testing::TestWithParam<BundleFile> {
+ protected:
+  // Never closed again, as in the runtime.
+  void* library() {
+    void* library = ::dlopen(GetParam().path, RTLD_LAZY | RTLD_LOCAL);
+    if (library == nullptr) throw std::runtime_error(::dlerror());
+    return library;
+  }
+
+  template <class Function>
+  Function* function(const char* name) {
+    return reinterpret_cast<Function*>(::dlsym(library(), name));
+  }
+
+  std::shared_ptr<ComponentInstance> newInstance() {
+    function<void(void*)>("_us_set_bundle_context_instance_com_orrery_systemobject_analyzer")(this);
+    return {function<ComponentInstance*()>("NewInstance_soca_UpdaterImpl")(),
+            function<void(ComponentInstance*)>("DeleteInstance_soca_UpdaterImpl")};
+  }
+
+  static std::shared_ptr<soca::Updater> updaterOf(ComponentInstance& instance) {
+    return std::static_pointer_cast<soca::Updater>(instance.GetInterfaceMap()->at("soca::Updater"));
+  }
+
+  std::shared_ptr<soca::Updater> newUpdater() {
+    const auto instance = newInstance();
+    instance->CreateInstance(nullptr);
+    return updaterOf(*instance);
+  }
+};
+
+TEST_P(BundleModule, HoldsItsManifestAndNothingElse) {
+  const auto entries = entriesOfZip(bytesOfSection(bytesOf(GetParam().path), ".us_resources"));
+  ASSERT_EQ(entries.size(), 1U);
+  EXPECT_EQ(entries.begin()->first, "com_orrery_systemobject_analyzer/manifest.json");
+  EXPECT_EQ(nlohmann::json::parse(entries.begin()->second), nlohmann::json::parse(R"({
+      "bundle.symbolic_name": "com_orrery_systemobject_analyzer",
+      "bundle.activator": false,
+      "scr": {"version": 1,
+              "components": [{"implementation-class": "soca::UpdaterImpl", "immediate": false,
+                              "service": {"interfaces": ["soca::Updater"],
+                                          "scope": "singleton"}}]}})"));
+}
+
+TEST_P(BundleModule, ExportsThreeFunctions) {
+  std::istringstream lines(
+      outputOf(SOCA_NM " -D --defined-only -j " + std::string(GetParam().path)));
+  const std::vector<std::string> names{std::istream_iterator<std::string>(lines), {}};
+  EXPECT_EQ(names, (std::vector<std::string>{
+                       "DeleteInstance_soca_UpdaterImpl", "NewInstance_soca_UpdaterImpl",
+                       "_us_set_bundle_context_instance_com_orrery_systemobject_analyzer"}));
+}
+
+TEST_P(BundleModule, LivesAsTheRuntimeWantsItTo) {
+  PathDispatcher::getDispatcher().setClassPath({SOCA_SOURCE_DIR "/examples"});
+  auto instance = newInstance();
+  ASSERT_NE(instance, nullptr);
+  instance->CreateInstance(nullptr);
+  instance->BindReferences(nullptr);
+  instance->Activate();
+  EXPECT_FALSE(instance->DoesModifiedMethodExist());
+  EXPECT_EQ(instance->GetInterfaceMap()->size(), 1U);
+  const auto updater = updaterOf(*instance);
+  EXPECT_EQ(updaterOf(*instance), updater);
+  instance->Modified();
+  instance->Deactivate();
+  instance->UnbindReferences();
+  instance.reset();
+  EXPECT_EQ(updater.use_count(), 1);
+  EXPECT_TRUE(updater->update(u"radio.GainControl", allFamilies, false).at(0).updated);
+}
+
+// What streams, exceptions and tables share with the platform must not be lost because the bundle
+// hides its symbols.
+TEST_P(BundleModule, AnswersAsTheSystemInThisProcess) {
+  PathDispatcher::getDispatcher().setClassPath({SOCA_SOURCE_DIR "/examples"});
+  const auto updater = newUpdater();
+  soca::UpdaterImpl own;
+  for (const auto* name :
+       {u"radio.GainControl", u"sigproc.SampleBuffer", u"plant.TankModel", u"tools.DataLogger"}) {
+    EXPECT_EQ(updater->reportClass(name), own.reportClass(name));
+    EXPECT_EQ(updater->reportActions(name, false), own.reportActions(name, false));
+    const auto results = updater->update(name, allFamilies, false);
+    const auto expected = own.update(name, allFamilies, false);
+    EXPECT_EQ(results.at(0).text, expected.at(0).text);
+    EXPECT_EQ(results.at(0).messages, expected.at(0).messages);
+  }
+}
+
+TEST_P(BundleModule, FailsWithAnIdThatItsClientCanRead) {
+  const auto updater = newUpdater();
+  try {
+    updater->update(u"no.Class", allFamilies, false);
+    FAIL() << "it should not succeed";
+  } catch (const foundation::core::except::IMsgIDException& failure) {
+    EXPECT_EQ(failure.GetID(), "VELUM:system:Analyzer:NotASystemObject");
+    EXPECT_EQ(failure.GetUnicodeMessageTxt(),
+              u"'no.Class' is not a System object class, so it cannot be updated.");
+  }
+}
+
+class ChangedFiles : public BundleModule {
+ protected:
+  ChangedFiles() { PathDispatcher::getDispatcher().setClassPath({root_.path()}); }
+
+  void write(const std::string& base, const std::string& property) {
+    root_.write("Base.vlm",
+                "classdef Base < velum.System\nproperties (" + base + ")\nG\nend\nend\n");
+    path_ =
+        root_.write("C.vlm", "classdef C < Base\nproperties (Logical)\n" + property +
+                                 " = 1;\nend\nproperties (PositiveInteger)\nG = 1;\nend\nend\n");
+  }
+
+  void setTimes(long seconds) {
+    const timespec times[2] = {{seconds, 0}, {seconds, 0}};
+    for (const char* file : {"/Base.vlm", "/C.vlm"}) {
+      ASSERT_EQ(::utimensat(AT_FDCWD, (root_.path() + file).c_str(), times, 0), 0);
+    }
+  }
+
+  // Whether the answer has the text of the class file and what its base file says.
+  void expectAnswerOf(soca::Updater& updater, const std::string& base,
+                      const std::string& property) {
+    const soca::UpdateResult result = updater.update(u"C", allFamilies, false).at(0);
+    const std::u16string name(property.begin(), property.end());
+    EXPECT_NE(result.text.find(name + u" (1, 1) logical"), std::u16string::npos) << property;
+    EXPECT_EQ(result.messages.empty(), base != "Abstract") << base;
+  }
+
+  TemporaryFolder root_;
+  std::string path_;
+};
+
+TEST_P(ChangedFiles, AreSeenByTheNextCall) {
+  const auto updater = newUpdater();
+  // As fast as it goes, with texts of one size.
+  for (int round = 0; round < 50; ++round) {
+    const std::string base = round % 3 == 0 ? "Abstract" : "Constant";
+    const std::string property = round % 2 == 0 ? "One" : "Two";
+    write(base, property);
+    expectAnswerOf(*updater, base, property);
+  }
+  // Old enough to be kept, then changed under the same size and time stamp.
+  setTimes(1000);
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  expectAnswerOf(*updater, "Constant", "Two");
+  write("Abstract", "One");
+  setTimes(1000);
+  expectAnswerOf(*updater, "Abstract", "One");
+}
+
+INSTANTIATE_TEST_SUITE_P(Bundle, BundleModule, testing::ValuesIn(bundleFiles),
+                         testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(Bundle, ChangedFiles, testing::ValuesIn(bundleFiles),
+                         testing::PrintToStringParamName());
+
+}  // namespace
