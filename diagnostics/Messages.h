@@ -22,6 +22,7 @@ inline Argument makeArgument(fl::ustring_view text) { return fl::ustring(text); 
 inline Argument makeArgument(const char16_t* text) {
   return text == nullptr ? fl::ustring() : fl::ustring(text);
 }
+inline Argument makeArgument(std::nullptr_t) { return fl::ustring(); }
 inline Argument makeArgument(const std::string& text) { return text; }
 inline Argument makeArgument(const char* text) { return std::string(text == nullptr ? "" : text); }
 

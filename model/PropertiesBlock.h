@@ -45,7 +45,7 @@ enum class PropertyAccessType : std::uint32_t {
   publicAccess,
   protectedAccess,
   privateAccess,
-  immutableAccess,
+  immutable,
   // An expression that is neither a name nor a literal; what it stands for is not known.
   otherExpression,
 };

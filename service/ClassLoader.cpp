@@ -21,18 +21,19 @@ ca::AnalysisOptions makeAnalysisOptions() {
   return options;
 }
 
-std::shared_ptr<ca::AnalysisResult> analyze(const fl::ustring& path) {
-  const auto options = makeAnalysisOptions();
-  const auto analyzer = ca::createSingleFileAnalyzer();
+std::shared_ptr<ca::AnalysisResult> analyze(ca::Analyzer& analyzer, const fl::ustring& path,
+                                            const ca::AnalysisOptions& options) {
   try {
-    return analyzer->analyze(path, fl::ustring(), options);
+    return analyzer.analyze(path, fl::ustring(), options);
   } catch (const ca::InvalidAnalysisException&) {
     raiseErrMsgId(analyzerMessages::CodeAnalyzerError(path));
   }
 }
 
 std::shared_ptr<ca::AnalysisResult> parseClassFile(const fl::ustring& path) {
-  auto analysis = analyze(path);
+  const auto options = makeAnalysisOptions();
+  const auto analyzer = ca::createSingleFileAnalyzer();
+  auto analysis = analyze(*analyzer, path, options);
   if (analysis->hasSyntaxError()) raiseErrMsgId(analyzerMessages::SyntaxError(path));
   // The id that a class name gets elsewhere comes with a path here.
   if (analysis->getClassdef() == nullptr) raiseErrMsgId(analyzerMessages::NotASystemObject(path));

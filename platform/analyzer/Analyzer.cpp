@@ -9,9 +9,11 @@ namespace ca {
 
 namespace {
 
-std::shared_ptr<AnalysisResult> refuseTooDeep(std::shared_ptr<SourceAnalysis> analysis) {
+// `name` is the file, as messages begin with it.
+std::shared_ptr<AnalysisResult> refuseTooDeep(std::shared_ptr<SourceAnalysis> analysis,
+                                              const std::string& name) {
   if (analysis->isTooDeep()) {
-    throw InvalidAnalysisException("the text is nested more than " +
+    throw InvalidAnalysisException(name + ": the text is nested more than " +
                                    std::to_string(maximumNesting) + " levels deep");
   }
   return analysis;
@@ -21,7 +23,8 @@ class SingleFileAnalyzer final : public Analyzer {
  public:
   std::shared_ptr<AnalysisResult> analyze(const fl::ustring& path, const fl::ustring& /*directory*/,
                                           const AnalysisOptions& /*options*/) override {
-    return refuseTooDeep(analyzeFile(fl::i18n::to_string(path)));
+    const std::string file = fl::i18n::to_string(path);
+    return refuseTooDeep(analyzeFile(file), file);
   }
 };
 
@@ -32,7 +35,7 @@ std::unique_ptr<Analyzer> createSingleFileAnalyzer() {
 }
 
 std::shared_ptr<AnalysisResult> analyzeText(fl::ustring text) {
-  return refuseTooDeep(std::make_shared<SourceAnalysis>(std::move(text)));
+  return refuseTooDeep(std::make_shared<SourceAnalysis>(std::move(text)), "text");
 }
 
 }  // namespace ca

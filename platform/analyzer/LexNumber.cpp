@@ -1,4 +1,5 @@
 // Numbers: `12`, `1.5e-3`, `2i`, `0x1Fu8`, `0b101`.
+#include <algorithm>
 #include <charconv>
 #include <limits>
 #include <optional>
@@ -46,7 +47,27 @@ std::optional<Value> fitSuffix(std::uint64_t value, bool isSigned, unsigned bits
   }
 }
 
-double toDouble(fl::ustring_view digits) {
+// Whether a number in decimal digits is less than one; for numbers that are too large or too small
+// for a double this tells which.
+bool isBelowOne(const std::string& digits) {
+  const std::size_t mark = std::min(digits.find_first_of("eE"), digits.size());
+  const std::size_t point = std::min(digits.find('.'), mark);
+  const std::size_t leading = digits.find_first_not_of("0.");
+  if (leading >= mark) return true;
+  long exponent = 0;
+  if (mark < digits.size()) {
+    const bool hasPlus = digits[mark + 1] == '+';
+    const char* begin = digits.data() + mark + (hasPlus ? 2 : 1);
+    const char* end = digits.data() + digits.size();
+    if (std::from_chars(begin, end, exponent).ec != std::errc()) return *begin == '-';
+  }
+  const long scale = leading < point ? static_cast<long>(point - leading) - 1
+                                     : static_cast<long>(point) - static_cast<long>(leading);
+  return scale + exponent < 0;
+}
+
+// Nothing for a number that is too large for a double; one that is too small is zero.
+std::optional<double> toDouble(fl::ustring_view digits) {
   std::string ascii;
   for (const char16_t c : digits) {
     ascii.push_back(c == u'd' || c == u'D' ? 'e' : static_cast<char>(c));
@@ -54,11 +75,8 @@ double toDouble(fl::ustring_view digits) {
   double value = 0;
   const auto result = std::from_chars(ascii.data(), ascii.data() + ascii.size(), value);
   if (result.ec != std::errc::result_out_of_range) return value;
-  // Too large or too small for a double: as arithmetic has it, infinite or zero.
-  const std::size_t exponent = ascii.find_first_of("eE");
-  const bool tiny = exponent == std::string::npos ? ascii[0] == '0' || ascii[0] == '.'
-                                                  : ascii[exponent + 1] == '-';
-  return tiny ? 0 : std::numeric_limits<double>::infinity();
+  if (isBelowOne(ascii)) return 0;
+  return std::nullopt;
 }
 
 }  // namespace
@@ -98,12 +116,13 @@ Lexer::Number Lexer::scanNumber(std::uint32_t begin) const {
       while (isDigit(text_[position])) ++position;
     }
   }
-  const double value =
+  const std::optional<double> value =
       isSmallWhole ? static_cast<double>(whole) : toDouble({text_ + begin, position - begin});
+  const bool fits = value.has_value();
   if (text_[position] == u'i' || text_[position] == u'j') {
-    return {.value = lf::astapi::Imaginary{value}, .end = position + 1};
+    return {.value = lf::astapi::Imaginary{value.value_or(0)}, .end = position + 1, .fits = fits};
   }
-  return {.value = value, .end = position};
+  return {.value = value.value_or(0), .end = position, .fits = fits};
 }
 
 Lexer::Number Lexer::scanBasedNumber(std::uint32_t begin, unsigned bitsPerDigit) const {
@@ -119,7 +138,8 @@ Lexer::Number Lexer::scanBasedNumber(std::uint32_t begin, unsigned bitsPerDigit)
   unsigned bits = 0;
   if (sign == u'u' || sign == u's') {
     const char16_t tens = text_[position + 1];
-    const char16_t ones = text_[position + 2];
+    // Behind the end of the text nothing may be read.
+    const char16_t ones = tens != 0 ? text_[position + 2] : u'\0';
     if (tens == u'8') bits = 8;
     if (tens == u'1' && ones == u'6') bits = 16;
     if (tens == u'3' && ones == u'2') bits = 32;

@@ -74,6 +74,7 @@ Token Lexer::scan(std::uint32_t from) {
 }
 
 Token Lexer::scanName(Token token) const {
+  token.hash = astapi::internal::nameHashSeed;
   token.end = nameEnd(token.begin, token.hash);
   token.kind = keywordOrIdentifier(textOf(token));
   return token;

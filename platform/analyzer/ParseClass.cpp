@@ -1,6 +1,8 @@
 // The file, the class definition and its blocks.
 #include <fmt/format.h>
 
+#include <utility>
+
 #include "platform/analyzer/ParserScopes.h"
 
 namespace ca {
@@ -17,7 +19,9 @@ void Parser::parseFile(ListBuilder<Node>& elements) {
   while (!is(TokenKind::EndOfText)) {
     for (const Node* statement : parseStatements(BodyType::plain)) elements.add(statement);
     if (is(TokenKind::Classdef)) {
-      report(token_.begin, "expected nothing but blank lines and comments in front of `classdef`");
+      report(token_.begin,
+             "expected only blank lines and comments in front of a class, found `classdef` behind "
+             "something else");
       elements.add(parseClassdef());
       parseBehindClass(elements);
       return;
@@ -34,13 +38,9 @@ void Parser::parseBehindClass(ListBuilder<Node>& elements) {
     if (is(TokenKind::EndOfText)) return;
     if (is(TokenKind::Function)) {
       elements.add(parseFunction(NodeKind::FunctionDefinition));
-      finishMember("the function", true);
       continue;
     }
-    const std::uint32_t begin = token_.begin;
-    fail("a function or the end of the file behind the class");
-    recover();
-    if (token_.begin == begin) advance();
+    refuse("a function or the end of the file behind the class");
   }
 }
 
@@ -51,8 +51,8 @@ const Parser::Node* Parser::parseClassdef() {
   const Token opening = token_;
   auto* classdef = makeNode<astapi::Classdef>(NodeKind::Classdef, opening.begin);
   if (classdef_ == nullptr) classdef_ = classdef;
-  Level level(*this);
   advance();
+  const Token head = token_;
   if (is(TokenKind::OpenParenthesis)) {
     lf::astapi::BracketPair brackets;
     classdef->attributes = parseAttributes(brackets);
@@ -65,10 +65,47 @@ const Parser::Node* Parser::parseClassdef() {
     }
   }
   if (!failed_ && accept(TokenKind::Less)) classdef->superClasses = parseSuperClasses();
+  if (!failed_ && is(TokenKind::Dot)) fail("`<` or the first block behind the name of the class");
+  if (failed_ && !isTooDeep_ && classdef->superClasses.empty()) rescueHead(*classdef, head);
   recover();
   parseClassBody(*classdef);
   expectEnd(opening, "classdef");
   return finish(classdef);
+}
+
+// Reads the name and the superclasses of a class from a line with an error in front of them; `head`
+// is the token behind `classdef`. The place where the parse goes on stays.
+void Parser::rescueHead(astapi::Classdef& classdef, const Token& head) {
+  const Token resume = std::exchange(token_, head);
+  const std::uint32_t lastEnd = lastEnd_;
+  failed_ = false;
+  isSkipping_ = true;
+  if (is(TokenKind::OpenParenthesis)) skipParentheses();
+  if (is(TokenKind::Identifier) && classdef.name == nullptr) classdef.name = takeIdentifier();
+  while (token_.begin < resume.begin && !is(TokenKind::Less)) advance();
+  if (token_.begin < resume.begin && accept(TokenKind::Less)) {
+    ListBuilder<Identifier> superClasses(*this);
+    do {
+      if (is(TokenKind::Identifier)) superClasses.add(takeDottedName());
+    } while (accept(TokenKind::And));
+    classdef.superClasses = superClasses.take();
+  }
+  isSkipping_ = false;
+  failed_ = true;
+  token_ = resume;
+  lastEnd_ = lastEnd;
+}
+
+// Goes behind the parenthesis that closes the current one, or to the end of the line.
+void Parser::skipParentheses() {
+  unsigned depth = 0;
+  TokenKind previous = TokenKind::Comma;
+  while (!is(TokenKind::LineEnd) && !is(TokenKind::EndOfText)) {
+    if (is(TokenKind::OpenParenthesis)) ++depth;
+    if (is(TokenKind::CloseParenthesis)) --depth;
+    skipToken(previous);
+    if (depth == 0) return;
+  }
 }
 
 // Super & pkg.Super
@@ -85,12 +122,12 @@ Parser::NodeList<Parser::Identifier> Parser::parseSuperClasses() {
 }
 
 void Parser::parseClassBody(astapi::Classdef& classdef) {
+  Level level(*this);
   ListBuilder<Node> members(*this);
   for (;;) {
     recover();
     skipSeparators();
     if (is(TokenKind::End) || is(TokenKind::EndOfText)) break;
-    const Token before = token_;
     if (const Node* block = parseBlock()) {
       members.add(block);
       continue;
@@ -101,11 +138,27 @@ void Parser::parseClassBody(astapi::Classdef& classdef) {
       parseFunction(NodeKind::FunctionDefinition);
       continue;
     }
-    fail("`properties`, `methods`, `events`, `enumeration` or `end`");
-    recover();
-    if (token_.begin == before.begin && !is(TokenKind::EndOfText)) advance();
+    refuse("`properties`, `methods`, `events`, `enumeration` or `end`");
   }
   classdef.members = members.take();
+}
+
+// Tells of what can't stand here, and takes it: a class or a statement with all that it holds.
+void Parser::refuse(const char* expected) {
+  if (isKeyword(token_.kind) && !is(TokenKind::End)) {
+    report(token_.begin, fmt::format("expected {}, found {}", expected, describe(token_)));
+    if (is(TokenKind::Classdef)) {
+      parseClassdef();
+    } else {
+      parseStatement();
+    }
+    recover();
+    return;
+  }
+  const std::uint32_t begin = token_.begin;
+  fail(expected);
+  recover();
+  if (token_.begin == begin && !is(TokenKind::EndOfText)) advance();
 }
 
 // Null when no block begins here.
@@ -138,7 +191,6 @@ const Parser::Node* Parser::parseBlockOf(NodeKind kind, const char* keyword,
                                          const Node* (Parser::*parseMember)()) {
   const Token opening = token_;
   auto* block = makeNode<Block>(kind, opening.begin);
-  Level level(*this);
   advance();
   if (is(TokenKind::OpenParenthesis)) {
     lf::astapi::BracketPair brackets;
@@ -146,6 +198,7 @@ const Parser::Node* Parser::parseBlockOf(NodeKind kind, const char* keyword,
     block->openingParenthesis = brackets.opening;
     block->closingParenthesis = brackets.closing;
   }
+  Level level(*this);
   ListBuilder<Node> members(*this);
   for (;;) {
     recover();

@@ -8,11 +8,10 @@ namespace ca {
 const Parser::Node* Parser::parseIf() {
   const Token opening = token_;
   auto* statement = makeNode<astapi::IfStatement>(NodeKind::IfStatement, opening.begin);
-  Level level(*this);
   advance();
   statement->condition = parseExpression();
   recover();
-  statement->body = parseStatements(BodyType::ifBody);
+  statement->body = parseBody(BodyType::ifBody);
   ListBuilder<Node> elseIfs(*this);
   while (is(TokenKind::ElseIf)) {
     elseIfs.add(parseConditionalClause(NodeKind::ElseIfClause, BodyType::ifBody));
@@ -29,14 +28,14 @@ astapi::ConditionalBody* Parser::parseConditionalClause(NodeKind kind, BodyType 
   advance();
   clause->condition = parseExpression();
   recover();
-  clause->body = parseStatements(type);
+  clause->body = parseBody(type);
   return finish(clause);
 }
 
 const Parser::Node* Parser::parseListClause(NodeKind kind, BodyType type) {
   auto* clause = makeNode<astapi::ListNode>(kind, token_.begin);
   advance();
-  clause->elements = parseStatements(type);
+  clause->elements = parseBody(type);
   return finish(clause);
 }
 
@@ -45,7 +44,6 @@ const Parser::Node* Parser::parseFor() {
   const Token opening = token_;
   const bool isParallel = is(TokenKind::Parfor);
   auto* loop = makeNode<astapi::ForStatement>(NodeKind::ForStatement, opening.begin);
-  Level level(*this);
   advance();
   if (is(TokenKind::OpenParenthesis)) {
     Bracket bracket(*this, BracketType::plain);
@@ -60,7 +58,7 @@ const Parser::Node* Parser::parseFor() {
     parseForHead(*loop);
   }
   recover();
-  loop->body = parseStatements(BodyType::plain);
+  loop->body = parseBody(BodyType::plain);
   expectEnd(opening, isParallel ? "parfor" : "for");
   return finish(loop);
 }
@@ -73,13 +71,13 @@ void Parser::parseForHead(astapi::ForStatement& loop) {
     return;
   }
   loop.variable = parseIndexed(takeIdentifier());
+  if (!failed_) checkTargets(*loop.variable);
   loop.range = expect(TokenKind::Assign, "`=` behind the variable of the loop") ? parseExpression()
                                                                                 : makeMissing();
 }
 
 const Parser::Node* Parser::parseWhile() {
   const Token opening = token_;
-  Level level(*this);
   auto* loop = parseConditionalClause(NodeKind::WhileStatement, BodyType::plain);
   expectEnd(opening, "while");
   return finish(loop);
@@ -89,7 +87,6 @@ const Parser::Node* Parser::parseWhile() {
 const Parser::Node* Parser::parseSwitch() {
   const Token opening = token_;
   auto* statement = makeNode<astapi::SwitchStatement>(NodeKind::SwitchStatement, opening.begin);
-  Level level(*this);
   advance();
   statement->subject = parseExpression();
   recover();
@@ -98,7 +95,7 @@ const Parser::Node* Parser::parseSwitch() {
     fail("`case`, `otherwise` or `end`");
     recover();
     // Whatever stands in front of the first case is read and dropped.
-    parseStatements(BodyType::caseBody);
+    parseBody(BodyType::caseBody);
   }
   ListBuilder<Node> cases(*this);
   while (is(TokenKind::Case)) {
@@ -116,9 +113,8 @@ const Parser::Node* Parser::parseSwitch() {
 const Parser::Node* Parser::parseTry() {
   const Token opening = token_;
   auto* statement = makeNode<astapi::TryStatement>(NodeKind::TryStatement, opening.begin);
-  Level level(*this);
   advance();
-  statement->body = parseStatements(BodyType::tryBody);
+  statement->body = parseBody(BodyType::tryBody);
   if (is(TokenKind::Catch)) statement->catchClause = parseCatch();
   expectEnd(opening, "try");
   return finish(statement);
@@ -136,7 +132,7 @@ const Parser::Node* Parser::parseCatch() {
       clause->identifier = takeIdentifier();
     }
   }
-  clause->body = parseStatements(BodyType::plain);
+  clause->body = parseBody(BodyType::plain);
   return finish(clause);
 }
 
@@ -144,13 +140,12 @@ const Parser::Node* Parser::parseCatch() {
 const Parser::Node* Parser::parseSpmd() {
   const Token opening = token_;
   auto* statement = makeNode<astapi::SpmdStatement>(NodeKind::SpmdStatement, opening.begin);
-  Level level(*this);
   advance();
   if (is(TokenKind::OpenParenthesis)) {
     statement->arguments = parseArguments(TokenKind::CloseParenthesis);
   }
   recover();
-  statement->body = parseStatements(BodyType::plain);
+  statement->body = parseBody(BodyType::plain);
   expectEnd(opening, "spmd");
   return finish(statement);
 }

@@ -52,19 +52,23 @@ void Parser::parseSize(astapi::ValidationNode& validation) {
       fail("a whole number or `:` as a size");
       break;
     }
-    const std::uint32_t begin = token_.begin;
+    const std::string written = describe(token_);
     const Node* number = parseNumber();
-    for (std::uint32_t at = begin; at <= number->lastPosition && !failed_; ++at) {
-      if (!isDigit(lexer_.at(at))) {
-        report(begin, "expected a whole number or `:` as a size");
-        break;
-      }
+    if (!isWholeNumber(*number)) {
+      report(number->position, "expected a whole number or `:` as a size, found " + written);
     }
     size.add(number);
   } while (accept(TokenKind::Comma));
   bracket.close();
   validation.size = size.take();
   validation.sizeParentheses = {bracket.position(), lastEnd_ - 1};
+}
+
+bool Parser::isWholeNumber(const Node& number) const {
+  for (std::uint32_t at = number.position; at <= number.lastPosition; ++at) {
+    if (!isDigit(lexer_.at(at))) return false;
+  }
+  return true;
 }
 
 // {mustBePositive, pkg.mustFit(Gain, 3)}
@@ -86,12 +90,18 @@ const Parser::Node* Parser::parseValidator() {
     fail("the name of a validator");
     return nullptr;
   }
-  const Node* validator = takeIdentifier();
-  while (is(TokenKind::Dot) && !failed_) validator = parseField(validator);
+  const Node* validator = parseNameChain();
   if (is(TokenKind::OpenParenthesis) && !failed_) {
     validator = parseApplication(NodeKind::CallOrIndex, validator);
   }
   return validator;
+}
+
+// name or name.name, as a chain of fields.
+const Parser::Node* Parser::parseNameChain() {
+  const Node* chain = takeIdentifier();
+  while (!failed_ && accept(TokenKind::Dot)) chain = parseFieldName(chain);
+  return chain;
 }
 
 // --- argument blocks ---
@@ -108,8 +118,6 @@ bool Parser::isArgumentsBlock() const {
     case u';':
     case u'%':
       return true;
-    case 0:
-      return behind >= lexer_.size();
     default:
       return lexer_.isContinuationAt(behind);
   }
@@ -121,7 +129,6 @@ Parser::NodeList<Parser::Node> Parser::parseArgumentBlocks() {
     skipSeparators();
     if (!isArgumentsBlock()) return blocks.take();
     blocks.add(parseArgumentsBlock());
-    finishMember("the block", false);
     recover();
   }
 }
@@ -132,12 +139,12 @@ Parser::NodeList<Parser::Node> Parser::parseArgumentBlocks() {
 const Parser::Node* Parser::parseArgumentsBlock() {
   const Token opening = token_;
   auto* block = makeNode<astapi::ArgumentsBlock>(NodeKind::ArgumentsBlock, opening.begin);
-  Level level(*this);
   advance();
   if (is(TokenKind::OpenParenthesis)) {
     lf::astapi::BracketPair brackets;
     block->attributes = parseAttributes(brackets);
   }
+  Level level(*this);
   ListBuilder<Node> declarations(*this);
   for (;;) {
     recover();
@@ -159,9 +166,7 @@ const Parser::Node* Parser::parseArgumentDeclaration() {
   }
   auto* argument =
       makeNode<astapi::ArgumentDeclaration>(NodeKind::ArgumentDeclaration, token_.begin);
-  const Node* name = takeIdentifier();
-  while (is(TokenKind::Dot) && !failed_) name = parseField(name);
-  argument->name = name;
+  argument->name = parseNameChain();
   if (!failed_) parseDeclarationTail(*argument);
   finish(argument);
   finishMember("the declaration", true);

@@ -171,6 +171,11 @@ const Parser::Node* Parser::parseField(const Node* base) {
     bracket.close();
     return finish(field);
   }
+  return parseFieldName(base);
+}
+
+// The name behind the point.
+const Parser::Node* Parser::parseFieldName(const Node* base) {
   if ((!is(TokenKind::Identifier) && !isKeyword(token_.kind)) || (inList_ && token_.blankBefore)) {
     fail("the name of a field behind `.`");
     return base;
@@ -193,7 +198,9 @@ const Parser::Node* Parser::parseSuperclassCall(const Node* base) {
   auto* call = makeNode<astapi::SuperclassCall>(NodeKind::SuperclassCall, base->position);
   advance();
   call->method = base;
-  call->superClass = takeDottedName();
+  if (!is(TokenKind::Identifier)) fail("the name of a superclass behind `@`");
+  call->superClass = failed_ ? makeNameless() : takeDottedName();
+  if (failed_) return finish(call);
   if (is(TokenKind::OpenParenthesis) && !(inList_ && token_.blankBefore)) {
     call->arguments = parseArguments(TokenKind::CloseParenthesis);
   } else {
@@ -216,7 +223,7 @@ Parser::NodeList<Parser::Node> Parser::parseArguments(TokenKind close) {
 
 // expression or name = expression
 const Parser::Node* Parser::parseArgument() {
-  const Node* argument = parseExpression();
+  const Node* argument = parseExpressionOrColon();
   if (failed_ || !is(TokenKind::Assign)) return argument;
   if (argument->kind != NodeKind::Identifier) {
     fail("`,` or the closing bracket behind the argument");
@@ -224,6 +231,12 @@ const Parser::Node* Parser::parseArgument() {
   }
   advance();
   return makePair(NodeKind::NamedArgument, argument, parseExpression());
+}
+
+// What stands alone between two brackets or commas: in an argument list a bare `:` can.
+const Parser::Node* Parser::parseExpressionOrColon() {
+  if (is(TokenKind::Colon) && argumentDepth_ > 0) return takeLeaf(NodeKind::Colon);
+  return parseExpression();
 }
 
 // --- primaries ---
@@ -246,9 +259,6 @@ const Parser::Node* Parser::parsePrimary() {
       return parseAt();
     case TokenKind::Question:
       return parseClassQuery();
-    case TokenKind::Colon:
-      if (argumentDepth_ > 0) return takeLeaf(NodeKind::Colon);
-      break;
     case TokenKind::End:
       if (argumentDepth_ > 0) return takeLeaf(NodeKind::EndInIndex);
       break;
@@ -270,7 +280,9 @@ const Parser::Node* Parser::parseNumber() {
   }
   const bool runsIntoName = lexer_.isLetterAt(token_.end);
   if (runsIntoName) {
-    report(token_.end, "expected an operator or a blank between the number and the name behind it");
+    const Token name = lexer_.scan(token_.end);
+    report(token_.end,
+           "expected an operator or a blank behind the number, found " + describe(name));
   }
   advance();
   finish(literal);
@@ -291,7 +303,7 @@ const Parser::Node* Parser::parseLiteral() {
 const Parser::Node* Parser::parseParenthesized() {
   auto* node = makeNode<astapi::WrapperNode>(NodeKind::Parenthesized, token_.begin);
   Bracket bracket(*this, BracketType::plain);
-  node->operand = parseExpression();
+  node->operand = parseExpressionOrColon();
   bracket.close();
   return finish(node);
 }
@@ -325,9 +337,9 @@ const Parser::Node* Parser::parseRow(TokenKind close) {
   auto* row = makeNode<astapi::ListNode>(NodeKind::ListRow, token_.begin);
   ListBuilder<Node> elements(*this);
   for (;;) {
-    elements.add(parseExpression());
-    if (failed_) break;
+    elements.add(parseExpressionOrColon());
     finish(row);
+    if (failed_) break;
     if (is(TokenKind::Comma)) {
       unsigned commas = 0;
       for (; accept(TokenKind::Comma); ++commas) {
@@ -360,8 +372,8 @@ const Parser::Node* Parser::parseAt() {
 
 const Parser::Node* Parser::parseAnonymousFunction(std::uint32_t position) {
   auto* function = makeNode<astapi::AnonymousFunction>(NodeKind::AnonymousFunction, position);
-  Level level(*this);
   function->inputs = parseInputs();
+  Level level(*this);
   function->body = failed_ ? makeMissing() : parseExpression();
   return finish(function);
 }

@@ -10,17 +10,21 @@ namespace ca {
 const Parser::Node* Parser::parseFunction(NodeKind kind) {
   const Token opening = token_;
   auto* function = makeNode<astapi::FunctionDefinition>(kind, opening.begin);
-  Level level(*this);
   const bool wasInFunction = inFunction_;
   inFunction_ = true;
   advance();
   parseFunctionHead(*function);
   recover();
-  function->argumentBlocks = parseArgumentBlocks();
-  function->body = parseStatements(BodyType::functionBody);
+  parseFunctionBody(*function);
   inFunction_ = wasInFunction;
   if (style_ == FunctionStyleType::closed) expectEnd(opening, "function");
   return finish(function);
+}
+
+void Parser::parseFunctionBody(astapi::FunctionDefinition& function) {
+  Level level(*this);
+  function.argumentBlocks = parseArgumentBlocks();
+  function.body = parseStatements(BodyType::functionBody);
 }
 
 // outputs = name(inputs), in a methods block.
@@ -60,8 +64,7 @@ void Parser::parseFunctionHead(astapi::FunctionDeclaration& function) {
     }
   }
   if (function.name == nullptr) {
-    // A name that stands nowhere, so that a function always has one.
-    function.name = makeIdentifier(Token{.begin = lastEnd_, .end = lastEnd_});
+    function.name = makeNameless();
   }
   if (!failed_ && is(TokenKind::OpenParenthesis)) function.inputs = parseInputs();
 }

@@ -42,6 +42,12 @@ Parser::NodeList<Parser::Node> Parser::parseStatements(BodyType type) {
   }
 }
 
+// The statements of one level of nesting.
+Parser::NodeList<Parser::Node> Parser::parseBody(BodyType type) {
+  Level level(*this);
+  return parseStatements(type);
+}
+
 bool Parser::isBodyEnd(BodyType type) const {
   switch (token_.kind) {
     case TokenKind::EndOfText:
@@ -58,7 +64,8 @@ bool Parser::isBodyEnd(BodyType type) const {
     case TokenKind::Function:
       return type == BodyType::functionBody && style_ == FunctionStyleType::open;
     case TokenKind::Classdef:
-      return type == BodyType::plain && !inFunction_ && depth_ == 0 && classdef_ == nullptr;
+      // Nothing that is still open here can hold a class.
+      return classdef_ == nullptr && lexer_.isFirstOnLine(token_.begin);
     default:
       return false;
   }
@@ -110,10 +117,15 @@ const Parser::Node* Parser::parseStatement() {
   }
 }
 
-// A keyword that nothing here can begin with.
+// A keyword that nothing here can begin with, and what belongs to it on its line.
 const Parser::Node* Parser::parseStrayKeyword() {
-  report(token_.begin, fmt::format("unexpected {}", describe(token_)));
+  report(token_.begin, fmt::format("expected a statement, found {}", describe(token_)));
+  const bool hasOperand = is(TokenKind::Catch) || is(TokenKind::ElseIf) || is(TokenKind::Case);
   advance();
+  if (hasOperand) {
+    failed_ = true;
+    skipToSafePlace();
+  }
   return nullptr;
 }
 
@@ -208,7 +220,9 @@ bool Parser::parseTargets(NodeList<Node>& targets) {
     if (is(TokenKind::Tilde)) {
       list.add(takeLeaf(NodeKind::Ignored));
     } else if (is(TokenKind::Identifier)) {
-      list.add(parseIndexed(takeIdentifier()));
+      const Node* target = parseIndexed(takeIdentifier());
+      if (!isAssignmentTarget(*target)) return false;
+      list.add(target);
     } else {
       return false;
     }

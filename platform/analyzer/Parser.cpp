@@ -17,6 +17,8 @@ constexpr std::size_t maximumErrors = 10000;
 
 constexpr std::size_t longestQuotedText = 40;
 
+bool isControl(char16_t unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }
+
 bool endsOperand(TokenKind kind) {
   switch (kind) {
     case TokenKind::Identifier:
@@ -41,16 +43,14 @@ Parser::Parser(fl::ustring_view text, Arena& arena, NameTable& names, FunctionSt
     : lexer_(text, *this), arena_(arena), names_(names), style_(style) {}
 
 Parser::Result Parser::parse() {
-  reportNulCharacters();
   auto* root = makeNode<astapi::ListNode>(NodeKind::SourceText, 0);
   root->lastPosition = lexer_.size() - 1;
   token_ = lexer_.scan(0);
   ListBuilder<Node> elements(*this);
   parseFile(elements);
   root->elements = elements.take();
-  std::stable_sort(errors_.begin(), errors_.end(), [](const auto& left, const auto& right) {
-    return left.position < right.position;
-  });
+  reportNulCharacters();
+  sortErrors();
   return {
       .root = root, .classdef = classdef_, .errors = std::move(errors_), .isTooDeep = isTooDeep_};
 }
@@ -104,6 +104,12 @@ Parser::Identifier* Parser::takeDottedName() {
   return takeIdentifier();
 }
 
+Parser::Identifier* Parser::makeNameless() {
+  Token nothing{.begin = lastEnd_, .end = lastEnd_};
+  nothing.hash = astapi::internal::hashName({});
+  return makeIdentifier(nothing);
+}
+
 Parser::Node* Parser::takeLeaf(NodeKind kind) {
   auto* leaf = makeNode<astapi::Leaf>(kind, token_.begin);
   advance();
@@ -113,10 +119,17 @@ Parser::Node* Parser::takeLeaf(NodeKind kind) {
 // --- errors ---
 
 std::string Parser::textOf(const Token& token) const {
-  fl::ustring_view text = lexer_.textOf(token);
-  const bool isLong = text.size() > longestQuotedText;
-  if (isLong) text = text.substr(0, longestQuotedText);
-  return fmt::format("`{}{}`", fl::i18n::to_string(text), isLong ? "..." : "");
+  const fl::ustring_view text = lexer_.textOf(token);
+  fl::ustring_view shown = text.substr(0, std::min(longestQuotedText, text.find(u'\n')));
+  // Half a pair at the cut is no character.
+  if (shown.size() < text.size() && !shown.empty() && shown.back() >= 0xD800 &&
+      shown.back() < 0xDC00) {
+    shown.remove_suffix(1);
+  }
+  fl::ustring printable(shown);
+  std::replace_if(printable.begin(), printable.end(), isControl, u' ');
+  return fmt::format("`{}{}`", fl::i18n::to_string(printable),
+                     shown.size() < text.size() ? "..." : "");
 }
 
 std::string Parser::describe(const Token& token) const {
@@ -132,9 +145,11 @@ std::string Parser::describe(const Token& token) const {
     }
     case TokenKind::Invalid: {
       const char16_t unit = lexer_.at(token.begin);
+      const auto code = static_cast<unsigned>(unit);
       if (token.end == token.begin + 1 && unit >= 0xD800 && unit < 0xE000) {
-        return fmt::format("half of a surrogate pair (U+{:04X})", static_cast<unsigned>(unit));
+        return fmt::format("half of a surrogate pair (U+{:04X})", code);
       }
+      if (isControl(unit)) return fmt::format("the character U+{:04X}, which begins nothing", code);
       return fmt::format("the character {}, which begins nothing", textOf(token));
     }
     default:
@@ -150,9 +165,19 @@ unsigned Parser::lineOf(std::uint32_t position) const {
 
 void Parser::report(std::uint32_t position, std::string message) {
   if (isTooDeep_ || errors_.size() >= maximumErrors) return;
-  // Two findings about one place are one error.
-  if (!errors_.empty() && errors_.back().position == position) return;
   errors_.push_back({position, std::move(message)});
+}
+
+// Into the order of the text; of several findings about one place the first stays.
+void Parser::sortErrors() {
+  const auto isBefore = [](const auto& left, const auto& right) {
+    return left.position < right.position;
+  };
+  std::stable_sort(errors_.begin(), errors_.end(), isBefore);
+  const auto isSamePlace = [](const auto& left, const auto& right) {
+    return left.position == right.position;
+  };
+  errors_.erase(std::unique(errors_.begin(), errors_.end(), isSamePlace), errors_.end());
 }
 
 void Parser::reportLexicalError(std::uint32_t position, const char* message) {
@@ -172,49 +197,67 @@ void Parser::fail(std::string_view expected) {
   skipToSafePlace();
 }
 
+void Parser::skipToken(TokenKind& previous) {
+  switch (token_.kind) {
+    case TokenKind::Quote:
+      // A transpose is a token of its own.
+      if (endsOperand(previous) && !token_.blankBefore) break;
+      [[fallthrough]];
+    case TokenKind::DoubleQuote:
+      token_ = lexer_.scanLiteral(token_.begin, token_.blankBefore);
+      break;
+    case TokenKind::Number:
+      token_.end = std::max(lexer_.scanNumber(token_.begin).end, token_.end);
+      break;
+    default:
+      break;
+  }
+  previous = token_.kind;
+  advance();
+}
+
 // Goes to the end of the statement or declaration. Inside a list that is behind the bracket that
 // closes it, unless a word shows that the list was never closed; parentheses never outlast their
-// line.
+// line, but for the bracket that closes them at the start of the next.
 void Parser::skipToSafePlace() {
   isSkipping_ = true;
   std::vector<BracketType> open = openBrackets_;
-  TokenKind previous = TokenKind::LineEnd;
-  for (;; previous = token_.kind, advance()) {
-    if (is(TokenKind::EndOfText) || beginsStatement(token_.kind)) break;
-    if (is(TokenKind::End) && (open.empty() || lexer_.isFirstOnLine(token_.begin))) break;
-    switch (token_.kind) {
-      case TokenKind::LineEnd:
-        while (!open.empty() && open.back() != BracketType::list) open.pop_back();
-        break;
-      case TokenKind::OpenParenthesis:
-        open.push_back(BracketType::plain);
-        continue;
-      case TokenKind::OpenBracket:
-      case TokenKind::OpenBrace:
-        open.push_back(BracketType::list);
-        continue;
-      case TokenKind::CloseParenthesis:
-        if (!open.empty() && open.back() != BracketType::list) open.pop_back();
-        continue;
-      case TokenKind::CloseBracket:
-      case TokenKind::CloseBrace:
-        if (!open.empty()) open.pop_back();
-        continue;
-      case TokenKind::Quote:
-        if (endsOperand(previous) && !token_.blankBefore) continue;
-        [[fallthrough]];
-      case TokenKind::DoubleQuote:
-        token_ = lexer_.scanLiteral(token_.begin, token_.blankBefore);
-        continue;
-      case TokenKind::Number:
-        token_.end = std::max(lexer_.scanNumber(token_.begin).end, token_.end);
-        continue;
-      default:
-        break;
+  TokenKind previous = TokenKind::Comma;
+  for (; !is(TokenKind::EndOfText); skipToken(previous)) {
+    if (previous != TokenKind::Dot) {
+      if (beginsStatement(token_.kind)) break;
+      if (is(TokenKind::End) && (open.empty() || lexer_.isFirstOnLine(token_.begin))) break;
+    }
+    if (is(TokenKind::LineEnd) && !open.empty() && open.back() != BracketType::list) {
+      const TokenKind next = lexer_.scan(token_.end).kind;
+      const bool closesNext = next == TokenKind::CloseParenthesis || next == TokenKind::CloseBrace;
+      while (!closesNext && !open.empty() && open.back() != BracketType::list) open.pop_back();
     }
     if (open.empty() && isSeparator()) break;
+    countBracket(open);
   }
   isSkipping_ = false;
+}
+
+void Parser::countBracket(std::vector<BracketType>& open) const {
+  switch (token_.kind) {
+    case TokenKind::OpenParenthesis:
+      open.push_back(BracketType::plain);
+      break;
+    case TokenKind::OpenBracket:
+    case TokenKind::OpenBrace:
+      open.push_back(BracketType::list);
+      break;
+    case TokenKind::CloseParenthesis:
+      if (!open.empty() && open.back() != BracketType::list) open.pop_back();
+      break;
+    case TokenKind::CloseBracket:
+    case TokenKind::CloseBrace:
+      if (!open.empty()) open.pop_back();
+      break;
+    default:
+      break;
+  }
 }
 
 void Parser::giveUp() {

@@ -71,6 +71,7 @@ class Parser final : private LexicalErrors {
   std::string textOf(const Token& token) const;
   unsigned lineOf(std::uint32_t position) const;
   void report(std::uint32_t position, std::string message);
+  void sortErrors();
   void reportLexicalError(std::uint32_t position, const char* message) override;
   void reportNulCharacters();
   // Tells what was expected in front of the current token and skips to a safe place; until
@@ -78,6 +79,10 @@ class Parser final : private LexicalErrors {
   void fail(std::string_view expected);
   void recover() { failed_ = isTooDeep_; }
   void skipToSafePlace();
+  // Takes one token while nothing is parsed; `previous` is the kind of the token before it.
+  void skipToken(TokenKind& previous);
+  // Follows the current token into or out of a bracket.
+  void countBracket(std::vector<BracketType>& open) const;
   void giveUp();
   // Takes the `end` of what `opening` began; `what` names it.
   void expectEnd(const Token& opening, const char* what);
@@ -90,6 +95,8 @@ class Parser final : private LexicalErrors {
   Identifier* makeIdentifier(const Token& token);
   Identifier* takeIdentifier();
   Identifier* takeDottedName();
+  // A name that stands nowhere, where one is missing.
+  Identifier* makeNameless();
   Node* takeLeaf(NodeKind kind);
 
   // --- ParseClass.cpp: the file, the class and its blocks ---
@@ -97,7 +104,10 @@ class Parser final : private LexicalErrors {
   void parseBehindClass(ListBuilder<Node>& elements);
   const Node* parseClassdef();
   NodeList<Identifier> parseSuperClasses();
+  void rescueHead(astapi::Classdef& classdef, const Token& head);
+  void skipParentheses();
   void parseClassBody(astapi::Classdef& classdef);
+  void refuse(const char* expected);
   const Node* parseBlock();
   template <class Block>
   const Node* parseBlockOf(NodeKind kind, const char* keyword,
@@ -118,6 +128,8 @@ class Parser final : private LexicalErrors {
   void parseSize(astapi::ValidationNode& validation);
   void parseValidators(astapi::ValidationNode& validation);
   const Node* parseValidator();
+  const Node* parseNameChain();
+  bool isWholeNumber(const Node& number) const;
   const Node* parseArgumentDeclaration();
   NodeList<Node> parseArgumentBlocks();
   const Node* parseArgumentsBlock();
@@ -125,6 +137,7 @@ class Parser final : private LexicalErrors {
 
   // --- ParseFunctions.cpp ---
   const Node* parseFunction(NodeKind kind);
+  void parseFunctionBody(astapi::FunctionDefinition& function);
   const Node* parseSignature();
   void parseFunctionHead(astapi::FunctionDeclaration& function);
   NodeList<Node> parseOutputs();
@@ -138,6 +151,7 @@ class Parser final : private LexicalErrors {
   bool isBodyEnd(BodyType type) const;
   void finishStatement();
   const Node* parseStatement();
+  NodeList<Node> parseBody(BodyType type);
   const Node* parseStrayKeyword();
   const Node* parseCommand();
   const Node* parseExpressionOrAssignment();
@@ -170,10 +184,12 @@ class Parser final : private LexicalErrors {
   const Node* parseIndexed(const Node* base);
   const Node* parseApplication(NodeKind kind, const Node* base);
   const Node* parseField(const Node* base);
+  const Node* parseFieldName(const Node* base);
   bool isSuperclassCall(const Node& base) const;
   const Node* parseSuperclassCall(const Node* base);
   NodeList<Node> parseArguments(TokenKind close);
   const Node* parseArgument();
+  const Node* parseExpressionOrColon();
   const Node* parsePrimary();
   const Node* parseNumber();
   const Node* parseLiteral();

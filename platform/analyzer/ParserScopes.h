@@ -115,6 +115,7 @@ T* Parser::makeNode(NodeKind kind, std::uint32_t position) {
   T* node = arena_.make<T>();
   node->kind = kind;
   node->position = position;
+  node->lastPosition = position;
   return node;
 }
 

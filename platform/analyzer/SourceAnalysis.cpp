@@ -17,6 +17,11 @@ bool hasFunction(const astapi::Node& root) {
   return false;
 }
 
+bool isLessFaulty(const Parser::Result& left, const Parser::Result& right) {
+  if (left.isTooDeep != right.isTooDeep) return right.isTooDeep;
+  return left.errors.size() < right.errors.size();
+}
+
 }  // namespace
 
 SourceAnalysis::SourceAnalysis(fl::ustring text)
@@ -29,8 +34,7 @@ SourceAnalysis::SourceAnalysis(fl::ustring text)
   const bool isFaulty = !result.errors.empty() || result.isTooDeep;
   if (result.classdef == nullptr && isFaulty && hasFunction(*result.root)) {
     Parser::Result open = Parser(text_, arena_, names_, Style::open).parse();
-    const bool isFine = open.errors.empty() && !open.isTooDeep && open.classdef == nullptr;
-    if (isFine) result = std::move(open);
+    if (open.classdef == nullptr && isLessFaulty(open, result)) result = std::move(open);
   }
   take(std::move(result));
 }

@@ -1,13 +1,16 @@
 #include "platform/analyzer/SourceText.h"
 
 #include <memory>
+#include <random>
 
 namespace ca::astapi {
 
 namespace internal {
 
+const std::uint32_t nameHashSeed = std::random_device()();
+
 std::uint32_t hashName(fl::ustring_view name) {
-  std::uint32_t hash = 0;
+  std::uint32_t hash = nameHashSeed;
   for (const char16_t unit : name) hash = extendNameHash(hash, unit);
   return hash;
 }

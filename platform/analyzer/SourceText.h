@@ -37,7 +37,11 @@ struct InternedName {
   mutable std::atomic<std::uint32_t> owners = ownedByTable;
 };
 
-// Continues the hash `hash` of a name by one code unit; the hash of the empty name is 0.
+// The hash of the empty name. It differs from process to process, so that nobody can make up a text
+// whose names all have one hash.
+extern const std::uint32_t nameHashSeed;
+
+// Continues the hash `hash` of a name by one code unit.
 constexpr std::uint32_t extendNameHash(std::uint32_t hash, char16_t unit) {
   return (hash ^ unit) * 0x9E3779B1U;
 }
@@ -71,7 +75,7 @@ class StringId {
   }
 
  private:
-  std::uint32_t hash() const { return name_ != nullptr ? name_->hash : 0; }
+  std::uint32_t hash() const { return name_ != nullptr ? name_->hash : internal::nameHashSeed; }
   void share() const;
   void release() const;
 

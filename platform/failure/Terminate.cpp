@@ -15,7 +15,7 @@ TerminateHandler setTerminateHandler(TerminateHandler handler) {
   return currentHandler.exchange(handler);
 }
 
-void terminate(const char* message, const char* file, int line, const char* function) {
+void terminate(const char* message, const char* file, int line, const char* function) noexcept {
   // Taken out, so that a handler that fails in its turn does not come here for ever.
   if (const TerminateHandler handler = currentHandler.exchange(nullptr)) {
     handler(message, file, line, function);

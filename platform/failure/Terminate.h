@@ -12,6 +12,7 @@ using TerminateHandler = void (*)(const char* message, const char* file, int lin
 TerminateHandler setTerminateHandler(TerminateHandler handler);
 
 // Calls the handler, prints "file:line: function: message" to standard error, and aborts.
-[[noreturn]] void terminate(const char* message, const char* file, int line, const char* function);
+[[noreturn]] void terminate(const char* message, const char* file, int line,
+                            const char* function) noexcept;
 
 }  // namespace foundation::core::diag

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <unordered_map>
 #include <utility>
 
 #include "platform/analyzer/Analyzer.h"
@@ -43,6 +44,8 @@ std::string readHead(const std::string& path) {
   const ssize_t length = read(file, head.data(), head.size());
   close(file);
   head.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+  // Not in the middle of a character.
+  head.resize(std::min(head.size(), head.rfind('\n')));
   return head;
 }
 
@@ -69,11 +72,53 @@ bool isRecent(const FileStamp& stamp, std::int64_t now) {
   return now - std::max(stamp.modificationTime, stamp.changeTime) < resolution;
 }
 
+// What was read from the texts that lie over files on this thread.
+class OverlayDescriptions {
+ public:
+  Description find(const std::string& key, const std::shared_ptr<const fl::ustring>& text) const {
+    const auto entry = entries_.find(key);
+    if (entry == entries_.end() || entry->second.text.lock() != text) return nullptr;
+    return entry->second.description;
+  }
+
+  void keep(const std::string& key, const std::shared_ptr<const fl::ustring>& text,
+            Description description) {
+    if (entries_.size() >= mostEntries) entries_.clear();
+    entries_.insert_or_assign(key, Entry{text, std::move(description)});
+  }
+
+ private:
+  static constexpr std::size_t mostEntries = 256;
+
+  struct Entry {
+    std::weak_ptr<const fl::ustring> text;
+    Description description;
+  };
+
+  std::unordered_map<std::string, Entry> entries_;
+};
+
+Description describeOverlay(const std::string& name, const std::string& path,
+                            const std::shared_ptr<const fl::ustring>& text) {
+  thread_local OverlayDescriptions kept;
+  const std::string key = name + '\0' + path;
+  if (Description known = kept.find(key, text)) return known;
+  auto description = readDescription(path);
+  description->name = name;
+  description->sourcePath = path;
+  kept.keep(key, text, description);
+  return description;
+}
+
 Description describeFile(const std::string& name, const std::string& path) {
-  const bool isFile = fl::filesystem::findOverlay(path) == nullptr;
-  const std::optional<FileStamp> stamp = isFile ? fl::filesystem::stampOf(path) : std::nullopt;
+  if (const auto overlay = fl::filesystem::findOverlay(path)) {
+    return describeOverlay(name, path, overlay);
+  }
+  const std::optional<FileStamp> stamp = fl::filesystem::stampOf(path);
+  // One file may be the file of several classes, under roots inside each other.
+  const std::string key = name + '\0' + path;
   if (stamp) {
-    if (Description kept = cache().find(path, *stamp)) return kept;
+    if (Description kept = cache().find(key, *stamp)) return kept;
   }
   const std::int64_t readAt = nanosecondsSinceEpoch();
   auto description = readDescription(path);
@@ -81,7 +126,7 @@ Description describeFile(const std::string& name, const std::string& path) {
   description->sourcePath = path;
   // The stamp is older than the reading; a file that changed in between has another one now.
   if (stamp && !isRecent(*stamp, readAt) && fl::filesystem::stampOf(path) == stamp) {
-    cache().keep(path, *stamp, description);
+    cache().keep(key, *stamp, description);
   }
   return description;
 }

@@ -141,6 +141,8 @@ ClassTable parseClassTable(std::string_view json) {
     document = Json::parse(json);
   } catch (const Json::parse_error& error) {
     fail("", fmt::format("no valid JSON at byte {}", error.byte));
+  } catch (const Json::exception&) {
+    fail("", "a number is too large");
   }
   ClassTable table;
   readObject(document, "",

@@ -17,9 +17,10 @@ class DescriptionCache {
  public:
   using Description = std::shared_ptr<const ClassDescription>;
 
-  // The description of the file at `path` if it was kept when the file had this stamp, else null.
-  Description find(const std::string& path, const fl::filesystem::FileStamp& stamp);
-  void keep(const std::string& path, const fl::filesystem::FileStamp& stamp,
+  // The description under `key`, which names a file, if it was kept when the file had this stamp,
+  // else null.
+  Description find(const std::string& key, const fl::filesystem::FileStamp& stamp);
+  void keep(const std::string& key, const fl::filesystem::FileStamp& stamp,
             Description description);
 
  private:
@@ -29,7 +30,7 @@ class DescriptionCache {
   };
   using Generation = std::unordered_map<std::string, Entry>;
 
-  void insert(const std::string& path, Entry entry);
+  void insert(const std::string& key, Entry entry);
 
   std::shared_mutex mutex_;
   // When the young generation is full it becomes the old one, and what nobody asked for meanwhile

@@ -35,11 +35,22 @@ TEST(Limits, TheThousandthLevelIsTheLast) {
     const auto textOf = [&](unsigned pairs) {
       return u"x = " + repeat(nesting.opening, pairs) + u"1" + repeat(nesting.closing, pairs);
     };
-    // An anonymous function opens the brackets of its inputs on top of its own level.
-    const unsigned most = maximumNesting / nesting.levels - (nesting.opening[0] == u'@' ? 1 : 0);
+    const unsigned most = maximumNesting / nesting.levels;
     EXPECT_FALSE(analyzeText(textOf(most))->hasSyntaxError());
     EXPECT_THROW(analyzeText(textOf(most + 1)), InvalidAnalysisException);
   }
+}
+
+TEST(Limits, WhatStandsInFrontOfABodyIsNotInIt) {
+  const fl::ustring deep = repeat(u"(", maximumNesting) + u"1" + repeat(u")", maximumNesting);
+  for (const char16_t* head :
+       {u"if ", u"while ", u"switch ", u"for k = ", u"if a\nelseif ", u"classdef (A = "}) {
+    const bool isClass = head[0] == u'c';
+    const fl::ustring inner = isClass ? deep.substr(1, deep.size() - 2) : deep;
+    EXPECT_NO_THROW(analyzeText(head + inner + (isClass ? u") C\nend" : u"\nend")));
+  }
+  EXPECT_NO_THROW(
+      analyzeText(repeat(u"function f(x)\n", maximumNesting) + repeat(u"end\n", maximumNesting)));
 }
 
 TEST(Limits, BodiesAreLevels) {

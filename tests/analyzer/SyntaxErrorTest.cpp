@@ -30,7 +30,7 @@ constexpr Case cases[] = {
      "x = 0x1FFu8; y = 0x10000000000000000\nz = [12ab 3]",
      "1:5: expected a number that fits its type, found `0x1FFu8`\n"
      "1:18: expected a number that fits its type, found `0x10000000000000000`\n"
-     "2:8: expected an operator or a blank between the number and the name behind it"},
+     "2:8: expected an operator or a blank behind the number, found `ab`"},
     {"unclosed literals end with the line", "x = 'a\ny = \"b\nz = 1",
      "1:5: expected `'` to close the character literal, found end of line\n"
      "2:5: expected `\"` to close the string literal, found end of line"},
@@ -46,10 +46,40 @@ constexpr Case cases[] = {
     {"a superclass call without arguments", "x = step@pkg.Base;",
      "1:18: expected `(` behind the superclass of a superclass call, found `;`"},
     {"an empty argument", "f(a,)", "1:5: expected an expression, found `)`"},
-    {"end outside of an index", "if a\nx = {end};\nend", "2:6: expected an expression, found `end`"},
-    {"stray words", "else\ncatch x\nend",
-     "1:1: unexpected `else`\n2:1: unexpected `catch`\n"
-     "2:7: expected a line end, `;` or `,` behind the statement, found `x`\n3:1: unexpected `end`"},
+    {"end outside of an index", "if a\nx = {end};\nend",
+     "2:6: expected an expression, found `end`"},
+    {"stray words, each with what belongs to it", "else\ncatch x\ncase 1\nend",
+     "1:1: expected a statement, found `else`\n2:1: expected a statement, found `catch`\n"
+     "3:1: expected a statement, found `case`\n4:1: expected a statement, found `end`"},
+    {"names behind a point are no words of the language",
+     "x = 3 s.end\ny = # s.if\nz = [1 # s.for];",
+     "1:7: expected a line end, `;` or `,` behind the statement, found `s`\n"
+     "2:5: expected an expression, found the character `#`, which begins nothing\n"
+     "3:8: expected an expression, found the character `#`, which begins nothing"},
+    {"a bracket that is closed on the next line", "x = (a\n)\ny = c{1\n}; z = 2",
+     "1:7: expected `)` to close `(`, found end of line\n"
+     "3:8: expected `}` to close `{`, found end of line"},
+    {"targets that are calls of a superclass", "[a@B(1)] = f\nfor a@B(1) = 1, end",
+     "1:2: expected a name with or without indices in front of `=`, found `a@B(1)`\n"
+     "2:5: expected a name with or without indices in front of `=`, found `a@B(1)`"},
+    {"a colon that is not alone", "f(:')", "1:4: expected `)` to close `(`, found `'`"},
+    {"words of the language as a superclass", "x = a@end(1)",
+     "1:7: expected the name of a superclass behind `@`, found `end`"},
+    {"numbers that are too large", "x = [1e400 1e-400 0.5e400 2e308i]",
+     "1:6: expected a number that fits its type, found `1e400`\n"
+     "1:19: expected a number that fits its type, found `0.5e400`\n"
+     "1:27: expected a number that fits its type, found `2e308i`"},
+    {"an unfinished suffix at the end of the text", "x = 0x1u",
+     "1:8: expected an operator or a blank behind the number, found `u`"},
+    {"errors in functions that nothing closes", "function f\nx = 3 4\nfunction g\n",
+     "2:7: expected a line end, `;` or `,` behind the statement, found `4`"},
+    {"an unclosed block comment behind another error", "x = (1\n%{\ny",
+     "1:7: expected `)` to close `(`, found end of line\n"
+     "2:1: expected `%}` to close the block comment, found end of file"},
+    {"dynamic fields in declarations", "classdef A\nproperties\nx {a.(b)}\nend\nend",
+     "3:6: expected the name of a field behind `.`, found `(`"},
+    {"statements in a class body", "classdef A\nif x\ny = 1;\nend\nproperties\nz\nend\nend",
+     "2:1: expected `properties`, `methods`, `events`, `enumeration` or `end`, found `if`"},
     {"what is not closed at the end", "if x\nwhile y\n",
      "3:1: expected `end` to close `while` (opened at line 2), found end of file"},
     {"a declaration without its terminator", "classdef A\nproperties A = 1 end\nend",
@@ -60,7 +90,7 @@ constexpr Case cases[] = {
      "4:3: expected a line end, `;` or `,` behind the declaration, found `3`\n"
      "5:17: expected a line end, `;` or `,` behind the declaration, found `double`"},
     {"sizes that are none", "classdef A\nproperties\nx (1.5, :, a)\ny () double\nend\nend",
-     "3:4: expected a whole number or `:` as a size\n"
+     "3:4: expected a whole number or `:` as a size, found `1.5`\n"
      "3:12: expected a whole number or `:` as a size, found `a`\n"
      "4:4: expected a whole number or `:` as a size, found `)`"},
     {"attributes", "classdef A\nproperties (~X = 3)\nend\nproperties (A = 1,)\nend\nend",
@@ -69,9 +99,10 @@ constexpr Case cases[] = {
     {"two methods on a line", "classdef A\nmethods\nfunction f\nend function g\nend\nend\nend",
      "4:5: expected a line end, `;` or `,` behind the method, found `function`"},
     {"a dotted class name", "classdef A.b\nend",
-     "1:11: expected `properties`, `methods`, `events`, `enumeration` or `end`, found `.`"},
+     "1:11: expected `<` or the first block behind the name of the class, found `.`"},
     {"something in front of the class", "x = 1\nclassdef A\nend",
-     "2:1: expected nothing but blank lines and comments in front of `classdef`"},
+     "2:1: expected only blank lines and comments in front of a class, found `classdef` behind "
+     "something else"},
     {"something behind the class", "classdef A\nend\nx = 3",
      "3:1: expected a function or the end of the file behind the class, found `x`"},
     {"a function outside of methods", "classdef A\nfunction f\nend\nend",
@@ -97,6 +128,21 @@ TEST(SyntaxError, IsToldOfNulsAndHalvesOfPairsAnywhere) {
             "1:4: expected text, found the character U+0000\n"
             "2:6: expected text, found the character U+0000\n"
             "2:14: expected an expression, found half of a surrogate pair (U+D800)");
+}
+
+TEST(SyntaxError, InTheClassLineLeavesNameAndSuperclasses) {
+  constexpr const char16_t* texts[] = {
+      u"classdef (A,) C < a.B & D\nend",     u"classdef (A B = 'x)') C < a.B & D\nend",
+      u"classdef (~A = 3) C < a.B & D\nend", u"classdef (A = ) C < a.B & D\nend",
+      u"classdef C.E < a.B & D\nend",        u"if x\nclassdef C < a.B & D\nend\nend",
+  };
+  for (const char16_t* text : texts) {
+    const auto analysis = analyzeText(text);
+    EXPECT_TRUE(analysis->hasSyntaxError());
+    ASSERT_NE(analysis->getClassdef(), nullptr) << fl::i18n::to_string(text);
+    const std::string tree = treeText(*analysis, *analysis->getClassdef());
+    EXPECT_NE(tree.find("C a.B D"), std::string::npos) << tree;
+  }
 }
 
 // A class that is broken in many places keeps what could be read of it.

@@ -37,6 +37,7 @@ TEST(ClassTable, ErrorsNameThePlace) {
   constexpr Case cases[] = {
       {"", "no valid JSON at byte 1"},
       {"{\"classes\": {},}", "no valid JSON at byte 16"},
+      {R"({"classes": 1e999})", "a number is too large"},
       {"[]", "expected an object"},
       {R"({"class": {}})", "unknown key \"class\""},
       {R"({"classes": []})", "classes: expected an object"},

@@ -199,6 +199,15 @@ end
   EXPECT_FALSE(top.isMethodDefinedInSuperClass("own"));
 }
 
+TEST_F(Runtime, OneFileMayBeSeveralClasses) {
+  write("a/B.vlm", "classdef B < velum.System\nmethods\nfunction m, end\nend\nend\n");
+  PathDispatcher::getDispatcher().setClassPath({root_.path(), root_.path() + "/a"});
+  EXPECT_TRUE(derives("a.B", "a.B"));
+  EXPECT_TRUE(derives("B", "B"));
+  EXPECT_FALSE(derives("B", "a.B"));
+  EXPECT_FALSE(metaClass("B").isMethodDefinedInSuperClass("m"));
+}
+
 TEST_F(Runtime, AClassTableReplacesWhatSourceSays) {
   write("C.vlm",
         "classdef C < handle\nproperties (Dependent)\nP, Q\nend\nmethods\nfunction m, "
