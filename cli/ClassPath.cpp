@@ -31,6 +31,7 @@ void checkRoot(const std::string& root) {
 // The folder as an absolute path. The current folder may have a name that is no text.
 std::string absoluteRoot(const std::string& root) {
   std::string path = fl::filesystem::makeAbsoluteLexically(root);
+  if (!path.starts_with('/')) throw UsageError("the current folder does not exist any more");
   const fl::DecodedText decoded = fl::decodeFileText(path);
   if (decoded.encoding == fl::EncodingType::utf8) return path;
   throw UsageError(

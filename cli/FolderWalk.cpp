@@ -21,17 +21,21 @@ std::string pathIn(const std::string& folder, const std::string& name) {
   return folder.ends_with('/') ? folder + name : folder + '/' + name;
 }
 
+unsigned char typeOf(const struct stat& status) {
+  return static_cast<unsigned char>(IFTODT(status.st_mode));
+}
+
 // DT_DIR, DT_REG, or another type of entry. A link to a file counts as that file, and one to a
 // folder stays a link; one that leads nowhere counts as a file, which then can't be read.
 unsigned char entryType(const std::string& path, unsigned char type) {
   struct stat status = {};
   if (type == DT_UNKNOWN) {
     if (::lstat(path.c_str(), &status) != 0) return DT_UNKNOWN;
-    type = IFTODT(status.st_mode);
+    type = typeOf(status);
   }
   if (type != DT_LNK) return type;
   if (::stat(path.c_str(), &status) != 0) return DT_REG;
-  return S_ISDIR(status.st_mode) ? type : IFTODT(status.st_mode);
+  return S_ISDIR(status.st_mode) ? type : typeOf(status);
 }
 
 }  // namespace

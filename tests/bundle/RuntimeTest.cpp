@@ -14,8 +14,8 @@
 #include "service/UpdaterImpl.h"
 #include "tests/bundle/BundleFile.h"
 
-// The leak checker, if there is one, falls over threads of the runtime that are just ending while it
-// reads their thread-local memory.
+// The leak checker, if there is one, falls over threads of the runtime that are just ending while
+// it reads their thread-local memory.
 extern "C" const char* __lsan_default_options() {  // NOLINT(bugprone-reserved-identifier)
   return "use_tls=0";
 }
