@@ -1,21 +1,21 @@
 #include "cli/ClassUpdater.h"
 
 #include <fmt/core.h>
-#include <ctime>
+#include <initializer_list>
 #include <memory>
-#include <stdexcept>
+#include <string_view>
 #include <unordered_set>
 #include <utility>
 
 #include "cli/Checks.h"
 #include "cli/ClassMembers.h"
-#include "cli/FileWriter.h"
 #include "cli/Hints.h"
 #include "cli/InternalErrors.h"
+#include "cli/NewFile.h"
+#include "cli/ProgramMessages.h"
 #include "cli/UnifiedDiff.h"
 #include "platform/analyzer/Analyzer.h"
 #include "platform/paths/Overlay.h"
-#include "platform/paths/SourceReader.h"
 #include "platform/text/Conversions.h"
 
 namespace soca::cli {
@@ -24,22 +24,13 @@ namespace {
 using fl::i18n::to_string;
 using fl::i18n::to_ustring;
 
-// A fault that the program itself finds; `what` is the message.
-class ClassFault : public std::runtime_error {
- public:
-  ClassFault(std::string id, const std::string& what)
-      : std::runtime_error(what), id_(std::move(id)) {}
-  const std::string& id() const { return id_; }
-
- private:
-  std::string id_;
-};
-
-Failure makeFailure(const Target& target, std::string id, std::string message) {
+// A failure with a text of the program's own.
+Failure makeFailure(const Target& target, std::string_view id,
+                    std::initializer_list<std::string_view> arguments) {
   Failure failure;
   failure.className = target.className;
-  failure.id = std::move(id);
-  failure.message = std::move(message);
+  failure.id = id;
+  failure.message = programMessage(id, arguments);
   return failure;
 }
 
@@ -47,11 +38,8 @@ Failure makeFailure(const Target& target, std::string id, std::string message) {
 
 TargetOutcome outcomeOfHidden(const Target& target) {
   TargetOutcome outcome;
-  Failure failure = makeFailure(
-      target, "soca:HiddenFile",
-      fmt::format("The file '{}' is not the one that the class path has for class '{}'.",
-                  target.path, target.className));
-  failure.hints = {fmt::format("the file '{}' comes first", target.hiddenBy)};
+  Failure failure =
+      makeFailure(target, "soca:HiddenFile", {target.path, target.className, target.hiddenBy});
   if (target.isNamed) {
     outcome.failures.push_back(std::move(failure));
   } else {
@@ -62,9 +50,8 @@ TargetOutcome outcomeOfHidden(const Target& target) {
 
 TargetOutcome outcomeOfUnreadable(const Target& target) {
   TargetOutcome outcome;
-  outcome.failures.push_back(makeFailure(
-      target, "soca:FolderUnreadable",
-      fmt::format("The folder '{}' could not be read: {}.", target.path, target.reason)));
+  outcome.failures.push_back(
+      makeFailure(target, "soca:FolderUnreadable", {target.path, target.reason}));
   return outcome;
 }
 
@@ -94,51 +81,9 @@ void addFailure(const Target& target, Failure failure, TargetOutcome& outcome) {
 Failure describeMissingDelimiter(const Target& target, const std::string& file,
                                  const SourcePosition& place) {
   Failure failure = makeFailure(target, "soca:DelimiterNotFound", {});
-  failure.message = programMessage(failure.id);
   failure.hints = {fmt::format("line {}, column {} of '{}' has something else than a delimiter",
                                place.line + 1, place.column + 1, file)};
   return failure;
-}
-
-// --- the new file ---
-
-constexpr timespec settlingTime = {0, 25'000'000};
-
-ClassFault makeChangeFault(const std::string& path) {
-  return {"soca:FileChanged", fmt::format("The file '{}' changed while it was looked at.", path)};
-}
-
-// The file as it was when it was analysed, with a stamp that will show any later change.
-fl::filesystem::SourceFileText readAnalysedFile(const std::string& path,
-                                                const ca::AnalysisResult& analysis,
-                                                bool wantsSureStamp) {
-  try {
-    for (int attempts = 0; attempts < 4; ++attempts) {
-      auto file = fl::filesystem::readSourceFile(path, ca::maximumFileSize);
-      if (file.text != analysis.sourceTextView()) break;
-      if (!wantsSureStamp || !file.recentlyChanged) return file;
-      ::nanosleep(&settlingTime, nullptr);
-    }
-  } catch (const fl::filesystem::ReadError&) {
-    throw makeChangeFault(path);
-  }
-  throw makeChangeFault(path);
-}
-
-std::string encodeText(fl::ustring_view text, fl::EncodingType encoding, const std::string& file) {
-  auto bytes = fl::encodeFileText(text, encoding);
-  if (bytes) return std::move(*bytes);
-  throw ClassFault(
-      "soca:TextNotEncodable",
-      fmt::format("The new text of the file '{}' has characters that its encoding, {}, lacks.",
-                  file, encoding == fl::EncodingType::utf8 ? "UTF-8" : "ISO-8859-1"));
-}
-
-void checkReplaceable(const std::string& path) {
-  const auto reason = findReasonNotToReplace(path);
-  if (!reason) return;
-  throw ClassFault("soca:FileNotReplaceable",
-                   fmt::format("The file '{}' can't be replaced: {}.", path, *reason));
 }
 
 // --- the outcome of a class ---
@@ -228,7 +173,9 @@ TargetOutcome ClassUpdater::updateClass(const Target& target) const {
       try {
         outcome.classes.push_back(makeOutcome(planned, listener));
       } catch (const ClassFault& fault) {
-        outcome.failures.push_back(makeFailure(target, fault.id(), fault.what()));
+        Failure failure = makeFailure(target, fault.id(), {});
+        failure.message = fault.what();
+        outcome.failures.push_back(std::move(failure));
       }
     }
   } catch (...) {
@@ -263,19 +210,17 @@ void ClassUpdater::checkNewText(const PlannedClass& planned, ClassOutcome& outco
   }
   outcome.changesAgain = second.changesAgain;
   listChangedMethods(planned, *second.analysis, outcome);
-  makeNewFile(planned, outcome);
+  addNewFile(planned, outcome);
 }
 
-void ClassUpdater::makeNewFile(const PlannedClass& planned, ClassOutcome& outcome) const {
-  const auto file = readAnalysedFile(outcome.file, *planned.analysis, wishes_.newBytes);
-  std::string bytes = encodeText(planned.result.text, file.encoding, outcome.file);
-  checkReplaceable(outcome.file);
+void ClassUpdater::addNewFile(const PlannedClass& planned, ClassOutcome& outcome) const {
+  NewFile file = makeNewFile(outcome.file, *planned.analysis, planned.result.text,
+                             wishes_.newBytes ? StampType::sure : StampType::any);
   if (wishes_.diff) {
-    const std::string oldBytes = encodeText(file.text, file.encoding, outcome.file);
-    outcome.diff = unifiedDiff(names_->inDiff(outcome.file), oldBytes, bytes);
+    outcome.diff = unifiedDiff(names_->inDiff(outcome.file), file.oldBytes, file.newBytes);
   }
   outcome.stamp = file.stamp;
-  if (wishes_.newBytes) outcome.newBytes = std::move(bytes);
+  if (wishes_.newBytes) outcome.newBytes = std::move(file.newBytes);
 }
 
 }  // namespace soca::cli

@@ -40,7 +40,7 @@ class ClassUpdater {
   ClassOutcome makeOutcome(const PlannedClass& planned, const FindingsListener& listener) const;
   // Fills in what there is only for a changed text.
   void checkNewText(const PlannedClass& planned, ClassOutcome& outcome) const;
-  void makeNewFile(const PlannedClass& planned, ClassOutcome& outcome) const;
+  void addNewFile(const PlannedClass& planned, ClassOutcome& outcome) const;
 
   const ClassRoots* roots_;
   const FileNames* names_;

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "cli/Hints.h"
+#include "cli/ProgramMessages.h"
 #include "cli/SyntaxReport.h"
 #include "platform/analyzer/Analyzer.h"
-#include "platform/messages/MessageExplanations.h"
 #include "platform/runtime/ClassDescription.h"
 #include "platform/text/Conversions.h"
 #include "service/UpdatePlan.h"
@@ -67,11 +67,6 @@ void explainSafely(Failure& failure, const Explain& explain) {
 
 }  // namespace
 
-std::string programMessage(std::string_view id) {
-  const auto* explanation = fl::i18n::findMessageExplanation(id);
-  return std::string(explanation == nullptr ? id : explanation->text);
-}
-
 Failure FailureDescriber::describeCurrentException(const FailedCall& call) const {
   Failure failure;
   failure.className = call.className;
@@ -81,7 +76,7 @@ Failure FailureDescriber::describeCurrentException(const FailedCall& call) const
     return describe(exception, call);
   } catch (const std::out_of_range&) {
     failure.id = "std::out_of_range";
-    failure.message = programMessage(failure.id);
+    failure.message = programMessage(failure.id, {});
     explainSafely(failure, [&] { explainMisplacedEdit(call, failure); });
   } catch (const std::bad_alloc&) {
     failure.id = "std::bad_alloc";

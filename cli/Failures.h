@@ -3,7 +3,6 @@
 
 #include <exception>
 #include <string>
-#include <string_view>
 
 #include "cli/ClassRoots.h"
 #include "cli/FileNames.h"
@@ -13,9 +12,6 @@
 #include "soca/Updater.h"
 
 namespace soca::cli {
-
-// The text that belongs to an id of the program's own.
-std::string programMessage(std::string_view id);
 
 // The call that failed.
 struct FailedCall {

@@ -8,6 +8,7 @@
 
 #include "cli/FileWriter.h"
 #include "cli/OrderedWorkers.h"
+#include "cli/ProgramMessages.h"
 #include "cli/Signals.h"
 
 namespace soca::cli {
@@ -34,8 +35,7 @@ Failure makeWriteFailure(const std::string& className, const std::string& file,
   Failure failure;
   failure.className = className;
   failure.id = "soca:WriteFailed";
-  failure.message =
-      fmt::format("The file '{}' was not written and stays as it was: {}.", file, reason);
+  failure.message = programMessage(failure.id, {file, reason});
   return failure;
 }
 

@@ -78,7 +78,7 @@ TEST(Targets, StandForClasses) {
   const auto hidden = space.soca({"update", "-p", "one", "-p", "two", "two/a/B.vlm"});
   EXPECT_EQ(hidden.exitCode, 2);
   EXPECT_NE(hidden.err.find("soca:HiddenFile"), std::string::npos);
-  EXPECT_NE(hidden.err.find("one/a/B.vlm' comes first"), std::string::npos) << hidden.err;
+  EXPECT_NE(hidden.err.find("one/a/B.vlm'."), std::string::npos) << hidden.err;
 }
 
 }  // namespace

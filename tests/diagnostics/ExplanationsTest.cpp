@@ -52,7 +52,11 @@ Outcome updateMixer(std::string_view source) {
 
 // Whether the piece of source before the fix is a class that shows the fault by itself.
 bool showsItsFault(const MessageExplanation& entry) {
-  const std::set<std::string_view> others{"NoFileForClass", "PFileExists", "CodeAnalyzerError"};
+  const std::set<std::string_view> others{"NoFileForClass",        "PFileExists",
+                                          "CodeAnalyzerError",     "soca:HiddenFile",
+                                          "soca:FolderUnreadable", "soca:FileChanged",
+                                          "soca:TextNotEncodable", "soca:FileNotReplaceable",
+                                          "soca:WriteFailed"};
   return !others.contains(entry.id);
 }
 

@@ -1,0 +1,58 @@
+#include "cli/NewFile.h"
+
+#include <ctime>
+#include <utility>
+
+#include "cli/FileWriter.h"
+#include "cli/ProgramMessages.h"
+#include "platform/analyzer/Analyzer.h"
+#include "platform/text/FileText.h"
+
+namespace soca::cli {
+namespace {
+
+constexpr timespec settlingTime = {0, 25'000'000};
+
+// The file as it was when it was analysed.
+fl::filesystem::SourceFileText readAnalysedFile(const std::string& path,
+                                                const ca::AnalysisResult& analysis,
+                                                StampType stampType) {
+  try {
+    for (int attempts = 0; attempts < 4; ++attempts) {
+      auto file = fl::filesystem::readSourceFile(path, ca::maximumFileSize);
+      if (file.text != analysis.sourceTextView()) break;
+      if (stampType == StampType::any || !file.recentlyChanged) return file;
+      ::nanosleep(&settlingTime, nullptr);
+    }
+  } catch (const fl::filesystem::ReadError&) {
+    throw ClassFault("soca:FileChanged", {path});
+  }
+  throw ClassFault("soca:FileChanged", {path});
+}
+
+std::string encodeText(fl::ustring_view text, fl::EncodingType encoding, const std::string& path) {
+  auto bytes = fl::encodeFileText(text, encoding);
+  if (bytes) return std::move(*bytes);
+  const char* name = encoding == fl::EncodingType::utf8 ? "UTF-8" : "ISO-8859-1";
+  throw ClassFault("soca:TextNotEncodable", {path, name});
+}
+
+}  // namespace
+
+ClassFault::ClassFault(std::string_view id, std::initializer_list<std::string_view> arguments)
+    : std::runtime_error(programMessage(id, arguments)), id_(id) {}
+
+NewFile makeNewFile(const std::string& path, const ca::AnalysisResult& analysis,
+                    fl::ustring_view newText, StampType stampType) {
+  const auto old = readAnalysedFile(path, analysis, stampType);
+  NewFile file;
+  file.oldBytes = encodeText(old.text, old.encoding, path);
+  file.newBytes = encodeText(newText, old.encoding, path);
+  file.stamp = old.stamp;
+  if (const auto reason = findReasonNotToReplace(path)) {
+    throw ClassFault("soca:FileNotReplaceable", {path, *reason});
+  }
+  return file;
+}
+
+}  // namespace soca::cli
