@@ -33,7 +33,7 @@ bool derivesFromSystemBase(const tarn::ClassObject& classObject) {
 
 fl::ustring nativePathOf(const ClassPathItem& item) {
   const foundation::storage::vfs::CanonicalAbsoluteIRI iri(item.base, item.folder + item.file);
-  const fl::ustring path = iri.getPath();
+  const fl::ustring& path = iri.getPath();
   return path.empty() ? path : fl::filesystem::detail::make_native_form(path, true);
 }
 

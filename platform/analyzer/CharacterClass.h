@@ -18,14 +18,14 @@ inline constexpr std::uint8_t nameContinuation = letter | digit | underscore;
 
 constexpr std::array<std::uint8_t, 128> makeTable() {
   std::array<std::uint8_t, 128> table{};
-  for (const char c : {'\t', '\v', '\f', '\r', ' '}) table[static_cast<unsigned>(c)] = blank;
+  for (const unsigned char c : {'\t', '\v', '\f', '\r', ' '}) table[c] = blank;
   for (unsigned c = 'a'; c <= 'z'; ++c) table[c] = letter;
   for (unsigned c = 'A'; c <= 'Z'; ++c) table[c] = letter;
   for (unsigned c = '0'; c <= '9'; ++c) table[c] = digit;
   table['_'] = underscore;
-  for (const char c :
+  for (const unsigned char c :
        {'+', '-', '*', '/', '\\', '^', '<', '>', '=', '&', '|', '.', ':', '@', '~'}) {
-    table[static_cast<unsigned>(c)] = operation;
+    table[c] = operation;
   }
   return table;
 }

@@ -252,7 +252,8 @@ bool Lexer::isBlockCommentLine(std::uint32_t position, char16_t mark) const {
 bool Lexer::isFirstOnLine(std::uint32_t position) const {
   for (; position > 0 && text_[position - 1] != u'\n'; --position) {
     const char16_t c = text_[position - 1];
-    if (!isBlank(c) && !(position == 1 && c == byteOrderMark)) return false;
+    const bool isMark = position == 1 && c == byteOrderMark;
+    if (!isBlank(c) && !isMark) return false;
   }
   return true;
 }

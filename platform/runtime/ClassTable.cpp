@@ -45,6 +45,7 @@ std::uint32_t readCode(const Json& value, const Place& place) {
 std::vector<std::string> readStrings(const Json& value, const Place& place) {
   if (!value.is_array()) fail(place, "expected a list of strings");
   std::vector<std::string> strings;
+  strings.reserve(value.size());
   for (std::size_t index = 0; index < value.size(); ++index) {
     strings.push_back(readString(value[index], fmt::format("{}[{}]", place, index)));
   }

@@ -1,5 +1,7 @@
 // Properties blocks and methods blocks.
 #include "model/AttributeText.h"
+
+#include <gtest/gtest.h>
 #include "model/MethodsBlock.h"
 #include "model/PropertiesBlock.h"
 #include "tests/model/ModelOfText.h"

@@ -1,5 +1,7 @@
 #include "model/ClassDefinition.h"
 
+#include <gtest/gtest.h>
+
 #include "model/AnalyzerPositions.h"
 #include "tests/model/ModelOfText.h"
 

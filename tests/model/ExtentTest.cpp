@@ -1,5 +1,7 @@
 #include "model/Extent.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 
 #include "tests/model/ModelOfText.h"

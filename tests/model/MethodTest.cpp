@@ -1,5 +1,7 @@
 #include "model/Method.h"
 
+#include <gtest/gtest.h>
+
 #include <limits>
 
 #include "model/MethodsBlock.h"

@@ -1,5 +1,7 @@
 #include "model/Property.h"
 
+#include <gtest/gtest.h>
+
 #include "tests/model/ModelOfText.h"
 
 namespace soca {

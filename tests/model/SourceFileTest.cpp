@@ -1,5 +1,7 @@
 #include "model/SourceFile.h"
 
+#include <gtest/gtest.h>
+
 #include <stdexcept>
 
 #include "model/TextSearch.h"

@@ -1,5 +1,7 @@
 #include "service/ActionApplier.h"
 
+#include <gtest/gtest.h>
+
 #include <stdexcept>
 
 #include "platform/failure/Exception.h"

@@ -2,6 +2,8 @@
 #include <map>
 
 #include "platform/failure/Exception.h"
+
+#include <gtest/gtest.h>
 #include "platform/text/Conversions.h"
 #include "service/ActionCollection.h"
 #include "service/ActionReport.h"

@@ -3,6 +3,8 @@
 #include <fstream>
 
 #include "metadata/VELUMMetaDataInterface.h"
+
+#include <gtest/gtest.h>
 #include "platform/failure/Exception.h"
 #include "platform/paths/PathDispatcher.h"
 #include "platform/text/Conversions.h"
