@@ -24,23 +24,30 @@ constexpr unsigned forReports = bitOf(CommandType::actions) | bitOf(CommandType:
 constexpr unsigned forClasses = forUpdate | forReports;
 constexpr unsigned forAll = forClasses | bitOf(CommandType::check) | bitOf(CommandType::explain);
 
+constexpr auto ruleWords = std::to_array<OptionWord>(
+    {{"attributes", UpdateMask{2}}, {"mixins", UpdateMask{1}}, {"impl", UpdateMask{4}}});
+constexpr auto colorWords = std::to_array<OptionWord>(
+    {{"auto", ColorType::automatic}, {"always", ColorType::always}, {"never", ColorType::never}});
+constexpr auto formatWords =
+    std::to_array<OptionWord>({{"text", FormatType::text}, {"json", FormatType::json}});
+
 constexpr auto options = std::to_array<OptionRow>({
     {OptionType::path, "-p,--path", "DIR", forClasses,
      "a root of the class path; may be repeated (default: this folder)"},
     {OptionType::rules, "-r,--rules", "LIST", forUpdate,
-     "some of attributes,mixins,impl (default: all)"},
+     "some of attributes,mixins,impl (default: all)", ruleWords},
     {OptionType::superclasses, "-s,--superclasses", "", forUpdate | bitOf(CommandType::actions),
      "take the superclasses along"},
     {OptionType::write, "--write", "", forUpdate, "change the files"},
     {OptionType::check, "--check", "", forUpdate,
      "print the names of what would change; exit with 1 if there are any"},
-    {OptionType::format, "--format", "FORMAT", forUpdate, "text (default) or json"},
+    {OptionType::format, "--format", "FORMAT", forUpdate, "text (default) or json", formatWords},
     {OptionType::classTable, "--class-table", "FILE", forClasses,
      "a JSON file with what source can't tell of classes"},
     {OptionType::jobs, "-j,--jobs", "N", forAll, "threads (default: one for each processor)"},
     {OptionType::quiet, "-q,--quiet", "", forAll, "no diff and no findings"},
     {OptionType::verbose, "-v,--verbose", "", forAll, "say more of each class"},
-    {OptionType::color, "--color", "WHEN", forAll, "auto (default), always or never"},
+    {OptionType::color, "--color", "WHEN", forAll, "auto (default), always or never", colorWords},
     {OptionType::help, "-h,--help", "", forAll, "print this and end"},
 });
 
@@ -56,6 +63,10 @@ const CommandRow* findCommand(std::string_view name) {
 
 const CommandRow& commandRow(CommandType type) {
   return *std::ranges::find(commands, type, &CommandRow::type);
+}
+
+const OptionRow& optionRow(OptionType type) {
+  return *std::ranges::find(options, type, &OptionRow::type);
 }
 
 }  // namespace soca::cli

@@ -1,6 +1,7 @@
 // The commands and their options, as data: the parser and the help are both made from it.
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <string_view>
 
@@ -33,15 +34,28 @@ enum class OptionType {
   help,
 };
 
+// One of the words that an option takes, and what it stands for, as a number.
+struct OptionWord {
+  template <class Value>
+  constexpr OptionWord(std::string_view word, Value meaning)
+      : text(word), value(static_cast<std::uint64_t>(meaning)) {}
+
+  std::string_view text;
+  std::uint64_t value;
+};
+
 struct OptionRow {
   OptionType type;
   // `-p,--path` or `--write`.
   std::string_view flags;
-  // The name of the option's value; empty for a switch.
+  // The name of the option's value; empty for a switch. DIR is a folder, FILE and PATH are files,
+  // and of LIST there may be several, parted by commas.
   std::string_view value;
   // The commands that know it, as a sum of `bitOf`.
   unsigned commands;
   std::string_view text;
+  // All the words that the value can be; none if it is no such word.
+  std::span<const OptionWord> words = {};
 };
 
 constexpr unsigned bitOf(CommandType command) { return 1U << static_cast<unsigned>(command); }
@@ -53,5 +67,6 @@ std::span<const OptionRow> optionRows();
 // The row of the command; null for a name that is none.
 const CommandRow* findCommand(std::string_view name);
 const CommandRow& commandRow(CommandType type);
+const OptionRow& optionRow(OptionType type);
 
 }  // namespace soca::cli

@@ -5,7 +5,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <array>
 #include <charconv>
 
 #include "cli/OptionTable.h"
@@ -17,26 +16,13 @@ namespace {
 
 constexpr unsigned mostJobs = 1024;
 
-// One word that an option takes, and what it stands for.
-template <class Value>
-struct Word {
-  std::string_view text;
-  Value value;
-};
-
-constexpr auto ruleWords = std::to_array<Word<UpdateMask>>(
-    {{"attributes", UpdateMask{2}}, {"mixins", UpdateMask{1}}, {"impl", UpdateMask{4}}});
-constexpr auto colorWords = std::to_array<Word<ColorType>>(
-    {{"auto", ColorType::automatic}, {"always", ColorType::always}, {"never", ColorType::never}});
-constexpr auto formatWords =
-    std::to_array<Word<FormatType>>({{"text", FormatType::text}, {"json", FormatType::json}});
-
-template <class Words>
-auto valueOf(std::string_view text, const Words& words, std::string_view what) {
-  const auto word = std::ranges::find_if(words, [&](const auto& row) { return row.text == text; });
+// What the word stands for that the option was given.
+std::uint64_t valueOf(std::string_view text, OptionType type, std::string_view what) {
+  const std::span<const OptionWord> words = optionRow(type).words;
+  const auto word = std::ranges::find(words, text, &OptionWord::text);
   if (word != words.end()) return word->value;
   std::string known;
-  for (const auto& row : words) {
+  for (const OptionWord& row : words) {
     if (!known.empty()) known += ", ";
     known += row.text;
   }
@@ -47,7 +33,7 @@ UpdateMask parseRules(std::string_view list) {
   UpdateMask mask = 0;
   while (true) {
     const std::size_t comma = list.find(',');
-    mask |= valueOf(list.substr(0, comma), ruleWords, "rule");
+    mask |= valueOf(list.substr(0, comma), OptionType::rules, "rule");
     if (comma == std::string_view::npos) return mask;
     list.remove_prefix(comma + 1);
   }
@@ -126,8 +112,13 @@ void readValues(const CLI::App& app, const RawOptions& raw, Options& options) {
     return option != nullptr && option->count() > 0;
   };
   if (isGiven("--rules")) options.rules = parseRules(raw.rules);
-  if (isGiven("--color")) options.color = valueOf(raw.color, colorWords, "value of --color");
-  if (isGiven("--format")) options.format = valueOf(raw.format, formatWords, "format");
+  if (isGiven("--color")) {
+    options.color =
+        static_cast<ColorType>(valueOf(raw.color, OptionType::color, "value of --color"));
+  }
+  if (isGiven("--format")) {
+    options.format = static_cast<FormatType>(valueOf(raw.format, OptionType::format, "format"));
+  }
   options.jobs = isGiven("--jobs") ? parseJobs(raw.jobs) : numberOfProcessors();
   if (isGiven("--class-table") && options.classTable.empty()) {
     throw UsageError("--class-table takes the name of a file");
