@@ -7,6 +7,8 @@
 #include <cstring>
 #include <memory>
 
+#include "cli/NearestFile.h"
+#include "cli/NearestName.h"
 #include "platform/paths/NativePath.h"
 #include "platform/paths/PathDispatcher.h"
 #include "platform/paths/SourceReader.h"
@@ -23,7 +25,9 @@ void checkRoot(const std::string& root) {
   struct stat status = {};
   if (root.empty()) throw UsageError("--path takes the name of a folder");
   if (::stat(root.c_str(), &status) != 0) {
-    throw UsageError(fmt::format("the root '{}' can't be used: {}", root, std::strerror(errno)));
+    const std::string reason = std::strerror(errno);
+    throw UsageError(fmt::format("the root '{}' can't be used: {}{}", root, reason,
+                                 didYouMean(nearestFolder(root))));
   }
   if (!S_ISDIR(status.st_mode)) throw UsageError(fmt::format("the root '{}' is no folder", root));
 }
@@ -43,7 +47,8 @@ std::shared_ptr<const sotarn::ClassTable> readClassTable(const std::string& file
     const auto bytes = fl::filesystem::readFileBytes(file, largestClassTable);
     return std::make_shared<const sotarn::ClassTable>(sotarn::parseClassTable(bytes));
   } catch (const fl::filesystem::ReadError& error) {
-    throw UsageError(fmt::format("the class table can't be read: {}", error.what()));
+    throw UsageError(fmt::format("the class table can't be read: {}{}", error.what(),
+                                 didYouMean(nearestPath(file))));
   } catch (const sotarn::ClassTableError& error) {
     throw UsageError(fmt::format("the class table '{}' is wrong: {}", file, error.what()));
   }

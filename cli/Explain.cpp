@@ -3,7 +3,9 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <functional>
 
+#include "cli/NearestName.h"
 #include "cli/Options.h"
 #include "platform/messages/MessageExplanations.h"
 
@@ -122,13 +124,26 @@ std::string explainAll() {
   return text + "\n'soca explain ID' says more about one of them.\n";
 }
 
+std::vector<std::string_view> explainedIds() {
+  std::vector<std::string_view> ids;
+  for (const RuleExplanation& rule : fl::i18n::ruleExplanations()) ids.push_back(rule.id);
+  for (const auto messages : {fl::i18n::messageExplanations(), fl::i18n::programExplanations()}) {
+    for (const MessageExplanation& message : messages) ids.push_back(message.id);
+  }
+  return ids;
+}
+
 std::string explain(std::string_view id) {
   if (const RuleExplanation* rule = fl::i18n::findRuleExplanation(id)) return explainRule(*rule);
   if (const MessageExplanation* message = fl::i18n::findMessageExplanation(id)) {
     return explainMessage(*message);
   }
-  throw UsageError(
-      fmt::format("there is no rule or message '{}'; 'soca explain' lists them all", id));
+  // The program's own ids begin with its name.
+  if (const auto* message = fl::i18n::findMessageExplanation(fmt::format("soca:{}", id))) {
+    return explainMessage(*message);
+  }
+  throw UsageError(fmt::format("there is no rule or message '{}'; 'soca explain' lists them all{}",
+                               id, didYouMean(id, explainedIds(), std::identity())));
 }
 
 }  // namespace soca::cli

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "cli/Ancestry.h"
+#include "cli/NearestFile.h"
 #include "platform/paths/SourceReader.h"
 #include "platform/runtime/ClassDescription.h"
 
@@ -34,7 +35,15 @@ std::vector<std::string> hintsOnUnknownClass(std::string_view className, const C
     return {fmt::format("'{}' is no class name: names are letters, digits and _, parted by points",
                         className)};
   }
-  return {fmt::format("no such class was found; {}", whereLooked(className, roots))};
+  std::vector<std::string> hints = {
+      fmt::format("no such class was found; {}", whereLooked(className, roots))};
+  if (stemOfClassFile(className)) {
+    hints.push_back(fmt::format("there is no file '{}' in the current folder either", className));
+  }
+  std::string meant = nearestClass(className, roots);
+  if (meant.empty()) meant = nearestPath(className);
+  if (!meant.empty()) hints.push_back(fmt::format("did you mean '{}'?", meant));
+  return hints;
 }
 
 std::vector<std::string> hintsOnAncestry(const Ancestry& ancestry, const ClassRoots& roots) {

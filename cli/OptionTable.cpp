@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 
 namespace soca::cli {
 namespace {
@@ -52,6 +53,12 @@ constexpr auto options = std::to_array<OptionRow>({
 });
 
 }  // namespace
+
+std::vector<std::string_view> namesOf(const OptionRow& row) {
+  const std::size_t comma = row.flags.find(',');
+  if (comma == std::string_view::npos) return {row.flags};
+  return {row.flags.substr(0, comma), row.flags.substr(comma + 1)};
+}
 
 std::span<const CommandRow> commandRows() { return commands; }
 std::span<const OptionRow> optionRows() { return options; }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "cli/Options.h"
 
@@ -59,6 +60,13 @@ struct OptionRow {
 };
 
 constexpr unsigned bitOf(CommandType command) { return 1U << static_cast<unsigned>(command); }
+
+constexpr bool hasOption(CommandType command, const OptionRow& row) {
+  return (row.commands & bitOf(command)) != 0;
+}
+
+// `-p` and `--path`.
+std::vector<std::string_view> namesOf(const OptionRow& row);
 
 // In the order of the help.
 std::span<const CommandRow> commandRows();

@@ -1,12 +1,16 @@
 #include "cli/Options.h"
 
-#include <fmt/core.h>
+#include <fmt/ranges.h>
 #include <sched.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <functional>
+#include <iterator>
 
+#include "cli/NearestName.h"
 #include "cli/OptionTable.h"
 #include "platform/text/Conversions.h"
 #include "platform/text/FileText.h"
@@ -16,17 +20,21 @@ namespace {
 
 constexpr unsigned mostJobs = 1024;
 
+template <class Rows, class Projection>
+std::vector<std::string_view> namesIn(const Rows& rows, Projection nameOf) {
+  std::vector<std::string_view> names;
+  std::ranges::transform(rows, std::back_inserter(names), nameOf);
+  return names;
+}
+
 // What the word stands for that the option was given.
 std::uint64_t valueOf(std::string_view text, OptionType type, std::string_view what) {
   const std::span<const OptionWord> words = optionRow(type).words;
   const auto word = std::ranges::find(words, text, &OptionWord::text);
   if (word != words.end()) return word->value;
-  std::string known;
-  for (const OptionWord& row : words) {
-    if (!known.empty()) known += ", ";
-    known += row.text;
-  }
-  throw UsageError(fmt::format("unknown {} '{}'; known are: {}", what, text, known));
+  throw UsageError(fmt::format("unknown {} '{}'; known are: {}{}", what, text,
+                               fmt::join(namesIn(words, &OptionWord::text), ", "),
+                               didYouMean(text, words, &OptionWord::text)));
 }
 
 UpdateMask parseRules(std::string_view list) {
@@ -140,31 +148,80 @@ void checkOptions(const CommandRow& command, const Options& options) {
   }
 }
 
-// The parser's messages begin or end with the option that they are about.
-std::string firstWord(std::string_view message) {
-  return std::string(message.substr(0, message.find_first_of(": ")));
+// The option was given without its value, or with one that it does not take. The parser's message
+// begins with its name, which may lack the dashes.
+UsageError wrongValue(std::string_view message) {
+  const auto withoutDashes = [](std::string_view name) {
+    return name.substr(std::min(name.find_first_not_of('-'), name.size()));
+  };
+  const auto word = withoutDashes(message.substr(0, message.find_first_of(": ")));
+  for (const OptionRow& row : optionRows()) {
+    const std::string_view name = namesOf(row).back();
+    if (withoutDashes(name) != word) continue;
+    return UsageError(fmt::format("{} {} value", name, row.value.empty() ? "takes no" : "needs a"));
+  }
+  return UsageError(std::string(message));
 }
-std::string lastWord(std::string_view message) {
-  return std::string(message.substr(message.rfind(' ') + 1));
+
+// `given` is no option of the command.
+UsageError unknownOption(const CommandRow& command, std::string_view given) {
+  const std::string_view name = given.substr(0, given.find('=', 2));
+  std::vector<std::string_view> names;
+  std::vector<std::string_view> owners;
+  for (const OptionRow& row : optionRows()) {
+    const auto rowNames = namesOf(row);
+    if (hasOption(command.type, row)) names.insert(names.end(), rowNames.begin(), rowNames.end());
+    if (std::ranges::find(rowNames, name) == rowNames.end()) continue;
+    for (const CommandRow& owner : commandRows()) {
+      if (hasOption(owner.type, row)) owners.push_back(owner.name);
+    }
+  }
+  if (!owners.empty()) {
+    return UsageError(fmt::format("'{}' has no option '{}'; it is one of '{}'", command.name, name,
+                                  fmt::join(owners, "', '")));
+  }
+  return UsageError(fmt::format("'{}' has no option '{}'{}", command.name, name,
+                                didYouMean(name, names, std::identity())));
+}
+
+// `given` stands where a command should.
+UsageError unknownCommand(std::string_view given) {
+  if (given.starts_with('-')) {
+    const std::array<std::string_view, 2> alone = {"--help", "--version"};
+    return UsageError(fmt::format("the command comes first, and not '{}'{}", given,
+                                  didYouMean(given, alone, std::identity())));
+  }
+  auto names = namesIn(commandRows(), &CommandRow::name);
+  const std::string known = fmt::format("{}", fmt::join(names, ", "));
+  names.insert(names.end(), {"--help", "--version"});
+  return UsageError(fmt::format("unknown command '{}'; known are: {}{}", given, known,
+                                didYouMean(given, names, std::identity())));
 }
 
 void parseCommandLine(const CommandRow& command, const std::vector<std::string>& arguments,
                       Options& options) {
   CLI::App app;
   app.set_help_flag();
+  app.allow_extras();
   RawOptions raw;
   for (const OptionRow& row : optionRows()) {
-    if ((row.commands & bitOf(command.type)) != 0) addOption(app, row, options, raw);
+    if (!hasOption(command.type, row)) continue;
+    addOption(app, row, options, raw);
+    // A switch is given or not.
+    if (row.value.empty()) {
+      app.get_option(std::string(namesOf(row).back()))->disable_flag_override();
+    }
   }
   app.add_option("arguments", options.arguments)->type_name("argument");
   try {
     app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend() - 1));
-  } catch (const CLI::ExtrasError& error) {
-    throw UsageError(fmt::format("'{}' has no option '{}'", command.name, lastWord(error.what())));
   } catch (const CLI::ArgumentMismatch& error) {
-    throw UsageError(fmt::format("{} needs a value", firstWord(error.what())));
+    throw wrongValue(error.what());
   } catch (const CLI::ParseError& error) {
     throw UsageError(error.what());
+  }
+  for (const std::string& extra : app.remaining()) {
+    if (extra != "--") throw unknownOption(command, extra);
   }
   if (raw.help) {
     options.helpSubject = command.type;
@@ -190,7 +247,10 @@ void checkEncoding(const std::vector<std::string>& arguments) {
 Options parseOptions(const std::vector<std::string>& arguments) {
   checkEncoding(arguments);
   Options options;
-  if (arguments.empty()) throw UsageError("a command is missing");
+  if (arguments.empty()) {
+    throw UsageError(fmt::format("a command is missing; known are: {}",
+                                 fmt::join(namesIn(commandRows(), &CommandRow::name), ", ")));
+  }
   const std::string& first = arguments.front();
   if (first == "--version") {
     options.command = CommandType::version;
@@ -198,10 +258,7 @@ Options parseOptions(const std::vector<std::string>& arguments) {
   }
   if (first == "--help" || first == "-h") return options;
   const CommandRow* command = findCommand(first);
-  if (command == nullptr && first.starts_with('-')) {
-    throw UsageError(fmt::format("the command comes first, and not '{}'", first));
-  }
-  if (command == nullptr) throw UsageError(fmt::format("unknown command '{}'", first));
+  if (command == nullptr) throw unknownCommand(first);
   options.command = command->type;
   parseCommandLine(*command, arguments, options);
   return options;

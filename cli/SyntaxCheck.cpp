@@ -8,6 +8,8 @@
 #include <string>
 #include <utility>
 
+#include "cli/NearestFile.h"
+#include "cli/NearestName.h"
 #include "cli/OrderedWorkers.h"
 #include "cli/Signals.h"
 #include "cli/SyntaxReport.h"
@@ -31,7 +33,7 @@ CheckedFile checkFile(const std::string& file) {
     const auto analysis = ca::createSingleFileAnalyzer()->analyze(path, {}, {});
     return {formatSyntaxErrors(file, *analysis, std::numeric_limits<std::size_t>::max()), {}};
   } catch (const std::exception& error) {
-    return {{}, error.what()};
+    return {{}, error.what() + didYouMean(nearestPath(file))};
   }
 }
 

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "cli/NearestFile.h"
+#include "cli/NearestName.h"
 #include "cli/Options.h"
 #include "platform/paths/NativePath.h"
 
@@ -68,7 +70,10 @@ Targets::Argument Targets::makeArgument(const std::string& argument, Folders fol
   if (const auto stem = stemOfClassFile(fileNameOf(path))) {
     return makeFileTarget(argument, path, *stem);
   }
-  if (!exists(path)) throw UsageError(fmt::format("there is no file or folder '{}'", argument));
+  if (!exists(path)) {
+    throw UsageError(fmt::format("there is no file or folder '{}'{}", argument,
+                                 didYouMean(nearestPath(argument))));
+  }
   if (!isFolder(path)) {
     throw UsageError(
         fmt::format("'{}' is no class file: its name ends in neither .vlm nor .p", argument));

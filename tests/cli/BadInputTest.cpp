@@ -23,18 +23,27 @@ TEST(BadInput, WrongCommandLineDoesNothing) {
   space.write("A.vlm", outdatedClass("A"));
   space.write("notes.txt", "");
   space.write("my-folder/B.vlm", outdatedClass("B"));
+  space.write("my-folder/D.text", "");
   space.write("t1.json", R"({"classes": {"A": {"supers": []}}})");
   space.write("t2.json", "{");
   const std::vector<WrongCommandLine> table = {
       {{}, "a command is missing"},
-      {{"frobnicate"}, "unknown command 'frobnicate'"},
+      {{"frobnicate"}, "unknown command 'frobnicate'; known are: update"},
+      {{"udpate"}, "; did you mean 'update'?"},
+      {{"help"}, "; did you mean '--help'?"},
+      {{"--verison"}, "; did you mean '--version'?"},
       {{"-p", "."}, "the command comes first"},
       {{"update", "--frob"}, "'update' has no option '--frob'"},
-      {{"check", "--write", "A.vlm"}, "'check' has no option '--write'"},
+      {{"update", "--ruels=impl"}, "no option '--ruels'; did you mean '--rules'?"},
+      {{"update", "--super"}, "; did you mean '--superclasses'?"},
+      {{"update", "--write=no"}, "--write takes no value"},
+      {{"check", "--write", "A.vlm"}, "'check' has no option '--write'; it is one of 'update'"},
       {{"update", "-p"}, "--path needs a value"},
       {{"update", "--write", "-p", "missing", "A"}, "the root 'missing' can't be used"},
+      {{"update", "-p", "my_folder"}, "No such file or directory; did you mean 'my-folder'?"},
       {{"update", "--write", "-p", "A.vlm"}, "the root 'A.vlm' is no folder"},
       {{"update", "--write", "-r", "impl,others"}, "unknown rule 'others'"},
+      {{"update", "--write", "-r", "impl,Mixin"}, "; did you mean 'mixins'?"},
       {{"update", "--write", "-r", ""}, "unknown rule ''"},
       {{"update", "-j", "0"}, "--jobs takes a number"},
       {{"update", "-j", "2x"}, "--jobs takes a number"},
@@ -45,18 +54,21 @@ TEST(BadInput, WrongCommandLineDoesNothing) {
       {{"update", ""}, "an argument is empty"},
       {{"update", "--write", "A", "/etc"}, "the folder '/etc' is on no root"},
       {{"update", "--write", "A", "missing/"}, "there is no file or folder 'missing/'"},
+      {{"update", "my-floder/D.txt", "A"}, "; did you mean 'my-folder/D.text'?"},
       {{"update", "--write", "A", "notes.txt"}, "'notes.txt' is no class file"},
       {{"update", "--write", "my-folder/B.vlm"}, "has no class name on any root"},
       {{"update", "--write", "my-folder"}, "is on no root"},
       {{"update", "--write", "A\xff"}, "is not UTF-8"},
       {{"update", "--write", "--class-table", "t1.json"}, "unknown key \"supers\""},
       {{"update", "--write", "--class-table", "t2.json"}, "class table 't2.json' is wrong"},
-      {{"update", "--write", "--class-table", "t3.json"}, "the class table can't be read"},
+      {{"update", "--write", "--class-table", "t3.json"},
+       "the class table can't be read: t3.json: there is no such file"},
       {{"actions"}, "'CLASS' is missing"},
       {{"actions", "."}, "'.' is a folder"},
       {{"check"}, "'FILE' is missing"},
       {{"explain", "a", "b"}, "one id at a time"},
       {{"explain", "Nothing"}, "no rule or message 'Nothing'"},
+      {{"explain", "syntaxeror"}, "; did you mean 'SyntaxError'?"},
   };
   const auto before = space.readAll();
   for (const auto& [arguments, error] : table) {
@@ -213,6 +225,23 @@ TEST(BadInputDeathTest, ABrokenPromiseNamesTheClass) {
     foundation::core::diag::terminate("Could not find it", "File", 1, "f");
   };
   EXPECT_DEATH(breakIt(), "class 'pkg.Broken' in .*: Could not find it");
+}
+
+TEST(BadInput, AClassThatIsNotThereBringsUpTheNearestOne) {
+  const Workspace space;
+  space.write("one/shop/Mixer.vlm", outdatedClass("Mixer"));
+  space.write("two/shop/stock/\u00c4rmel.vlm", outdatedClass("\u00c4rmel"));
+  const std::vector<std::pair<std::string, std::string>> table = {
+      {"shop.Mixre", "shop.Mixer"}, {"Shop.mixer", "shop.Mixer"},
+      {"Mixer", "shop.Mixer"},      {"shopp.stock.\u00c4rmle", "shop.stock.\u00c4rmel"},
+      {"shop.stock.Mixre", ""},     {"oen", "one"},
+  };
+  for (const auto& [name, meant] : table) {
+    const auto result = space.soca({"update", "-p", "one", "-p", "two", name});
+    const std::string hint = meant.empty() ? "did you mean" : "did you mean '" + meant + "'?";
+    const bool hasHint = result.err.find(hint) != std::string::npos;
+    EXPECT_EQ(hasHint, !meant.empty()) << name << "\n" << result.err;
+  }
 }
 
 TEST(BadInput, SyntaxErrorsOfASuperclassBelongToTheClassAskedFor) {
