@@ -9,10 +9,12 @@
 
 #include "cli/Checks.h"
 #include "cli/ClassMembers.h"
+#include "cli/FileEdits.h"
 #include "cli/Hints.h"
 #include "cli/InternalErrors.h"
 #include "cli/NewFile.h"
 #include "cli/ProgramMessages.h"
+#include "cli/Sha256.h"
 #include "cli/UnifiedDiff.h"
 #include "platform/analyzer/Analyzer.h"
 #include "platform/paths/Overlay.h"
@@ -199,6 +201,7 @@ ClassOutcome ClassUpdater::makeOutcome(const PlannedClass& planned,
   if (wishes_.hints) outcome.hints = hintsOnMissingSuperClasses(outcome.className, *roots_);
   countEdits(planned, outcome);
   if (outcome.changed) checkNewText(planned, outcome);
+  if (outcome.hasNewFile() || wishes_.edits) addFile(planned, outcome);
   return outcome;
 }
 
@@ -210,17 +213,23 @@ void ClassUpdater::checkNewText(const PlannedClass& planned, ClassOutcome& outco
   }
   outcome.changesAgain = second.changesAgain;
   listChangedMethods(planned, *second.analysis, outcome);
-  addNewFile(planned, outcome);
 }
 
-void ClassUpdater::addNewFile(const PlannedClass& planned, ClassOutcome& outcome) const {
-  NewFile file = makeNewFile(outcome.file, *planned.analysis, planned.result.text,
-                             wishes_.newBytes ? StampType::sure : StampType::any);
-  if (wishes_.diff) {
-    outcome.diff = unifiedDiff(names_->inDiff(outcome.file), file.oldBytes, file.newBytes);
+void ClassUpdater::addFile(const PlannedClass& planned, ClassOutcome& outcome) const {
+  const OldFile old = readOldFile(outcome.file, *planned.analysis,
+                                  wishes_.newBytes ? StampType::sure : StampType::any);
+  outcome.stamp = old.stamp;
+  if (wishes_.edits) {
+    outcome.bytes = FileBytes{sha256(old.bytes), old.encoding};
+    if (outcome.hasNewFile()) outcome.edits = findFileEdits(planned, old.encoding);
   }
-  outcome.stamp = file.stamp;
-  if (wishes_.newBytes) outcome.newBytes = std::move(file.newBytes);
+  if (!outcome.hasNewFile()) return;
+  std::string newBytes = makeNewBytes(outcome.file, planned.result.text, old.encoding);
+  checkIsReplaceable(outcome.file);
+  if (wishes_.diff) {
+    outcome.diff = unifiedDiff(names_->inDiff(outcome.file), old.bytes, newBytes);
+  }
+  if (wishes_.newBytes) outcome.newBytes = std::move(newBytes);
 }
 
 }  // namespace soca::cli

@@ -23,6 +23,8 @@ struct UpdateWishes {
   bool text = false;
   bool hints = false;
   bool newBytes = false;
+  // The single replacements, and what tells which file they are for.
+  bool edits = false;
 };
 
 // May be used by several threads at once.
@@ -40,7 +42,8 @@ class ClassUpdater {
   ClassOutcome makeOutcome(const PlannedClass& planned, const FindingsListener& listener) const;
   // Fills in what there is only for a changed text.
   void checkNewText(const PlannedClass& planned, ClassOutcome& outcome) const;
-  void addNewFile(const PlannedClass& planned, ClassOutcome& outcome) const;
+  // What only the bytes of the file tell.
+  void addFile(const PlannedClass& planned, ClassOutcome& outcome) const;
 
   const ClassRoots* roots_;
   const FileNames* names_;

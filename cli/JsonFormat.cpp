@@ -14,6 +14,14 @@ std::string dump(const Json& json) {
   return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
+Json editsOf(const ClassOutcome& outcome) {
+  Json list = Json::array();
+  for (const FileEdit& edit : outcome.edits.edits) {
+    list.push_back({{"offset", edit.offset}, {"length", edit.length}, {"text", edit.text}});
+  }
+  return list;
+}
+
 std::string joinHints(const std::vector<std::string>& hints) {
   std::string text;
   for (const std::string& hint : hints) {
@@ -51,6 +59,10 @@ std::string JsonReport::dataOf(const ClassOutcome& outcome) const {
                {"updated", outcome.updated},
                {"text", outcome.text},
                {"messages", std::move(messages)}};
+  if (outcome.bytes) {
+    json["sha256"] = outcome.bytes->sha256;
+    json["edits"] = editsOf(outcome);
+  }
   addHint(outcome.hints, json);
   if (outcome.isRefused()) json["refused"] = outcome.refusal;
   return dump(json);

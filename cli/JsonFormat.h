@@ -7,6 +7,11 @@
 //                "diagnostics": [{"line": 3, "column": 5, "message": "..."}], "hint": "..."}],
 //    "skipped": [{"class": "a.D", "id": "...", "message": "...", "hint": "..."}]}
 //
+// With `--edits` a result has two more keys: the checksum of the file as it stands, and the single
+// replacements in it, in the order of the file. Offsets and lengths are bytes of that file.
+//
+//    "sha256": "9f86...", "edits": [{"offset": 120, "length": 4, "text": "..."}]
+//
 // Lines and columns are one-based. `hint` is there when there is one; a result that is refused has
 // the reason under `refused`.
 #pragma once

@@ -30,29 +30,28 @@ fl::filesystem::SourceFileText readAnalysedFile(const std::string& path,
   throw ClassFault("soca:FileChanged", {path});
 }
 
-std::string encodeText(fl::ustring_view text, fl::EncodingType encoding, const std::string& path) {
-  auto bytes = fl::encodeFileText(text, encoding);
-  if (bytes) return std::move(*bytes);
-  const char* name = encoding == fl::EncodingType::utf8 ? "UTF-8" : "ISO-8859-1";
-  throw ClassFault("soca:TextNotEncodable", {path, name});
-}
-
 }  // namespace
 
 ClassFault::ClassFault(std::string_view id, std::initializer_list<std::string_view> arguments)
     : std::runtime_error(programMessage(id, arguments)), id_(id) {}
 
-NewFile makeNewFile(const std::string& path, const ca::AnalysisResult& analysis,
-                    fl::ustring_view newText, StampType stampType) {
-  const auto old = readAnalysedFile(path, analysis, stampType);
-  NewFile file;
-  file.oldBytes = encodeText(old.text, old.encoding, path);
-  file.newBytes = encodeText(newText, old.encoding, path);
-  file.stamp = old.stamp;
-  if (const auto reason = findReasonNotToReplace(path)) {
-    throw ClassFault("soca:FileNotReplaceable", {path, *reason});
-  }
-  return file;
+OldFile readOldFile(const std::string& path, const ca::AnalysisResult& analysis,
+                    StampType stampType) {
+  const auto file = readAnalysedFile(path, analysis, stampType);
+  return {makeNewBytes(path, file.text, file.encoding), file.encoding, file.stamp};
+}
+
+std::string makeNewBytes(const std::string& path, fl::ustring_view newText,
+                         fl::EncodingType encoding) {
+  auto bytes = fl::encodeFileText(newText, encoding);
+  if (bytes) return std::move(*bytes);
+  const char* name = encoding == fl::EncodingType::utf8 ? "UTF-8" : "ISO-8859-1";
+  throw ClassFault("soca:TextNotEncodable", {path, name});
+}
+
+void checkIsReplaceable(const std::string& path) {
+  const auto reason = findReasonNotToReplace(path);
+  if (reason) throw ClassFault("soca:FileNotReplaceable", {path, *reason});
 }
 
 }  // namespace soca::cli

@@ -8,6 +8,7 @@
 
 #include "platform/analyzer/AnalysisResult.h"
 #include "platform/paths/SourceReader.h"
+#include "platform/text/FileText.h"
 #include "platform/text/UString.h"
 
 namespace soca::cli {
@@ -23,10 +24,10 @@ class ClassFault : public std::runtime_error {
   std::string id_;
 };
 
-struct NewFile {
-  std::string oldBytes;
-  std::string newBytes;
-  // Of the file with the old bytes.
+// A class file as it was when it was analysed.
+struct OldFile {
+  std::string bytes;
+  fl::EncodingType encoding = fl::EncodingType::utf8;
   fl::filesystem::FileStamp stamp;
 };
 
@@ -35,8 +36,15 @@ struct NewFile {
 enum class StampType { any, sure };
 
 // Reads the file again for its encoding. Throws ClassFault if it no longer has the text that was
-// analysed, if its encoding lacks characters of the new text, or if it can't be replaced.
-NewFile makeNewFile(const std::string& path, const ca::AnalysisResult& analysis,
-                    fl::ustring_view newText, StampType stampType);
+// analysed.
+OldFile readOldFile(const std::string& path, const ca::AnalysisResult& analysis,
+                    StampType stampType);
+
+// Throws ClassFault if the encoding lacks characters of the text.
+std::string makeNewBytes(const std::string& path, fl::ustring_view newText,
+                         fl::EncodingType encoding);
+
+// Throws ClassFault if the file can't be replaced by another.
+void checkIsReplaceable(const std::string& path);
 
 }  // namespace soca::cli

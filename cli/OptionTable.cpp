@@ -43,6 +43,8 @@ constexpr auto options = std::to_array<OptionRow>({
     {OptionType::check, "--check", "", forUpdate,
      "print the names of what would change; exit with 1 if there are any"},
     {OptionType::format, "--format", "FORMAT", forUpdate, "text (default) or json", formatWords},
+    {OptionType::edits, "--edits", "", forUpdate,
+     "with --format json: the single replacements, in bytes of each file"},
     {OptionType::classTable, "--class-table", "FILE", forClasses,
      "a JSON file with what source can't tell of classes"},
     {OptionType::jobs, "-j,--jobs", "N", forAll, "threads (default: one for each processor)"},

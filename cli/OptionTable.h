@@ -27,6 +27,7 @@ enum class OptionType {
   write,
   check,
   format,
+  edits,
   classTable,
   jobs,
   quiet,

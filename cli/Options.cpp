@@ -93,6 +93,9 @@ void addOption(CLI::App& app, const OptionRow& row, Options& options, RawOptions
     case OptionType::format:
       app.add_option(flags, raw.format)->take_last();
       return;
+    case OptionType::edits:
+      app.add_flag(flags, options.edits);
+      return;
     case OptionType::classTable:
       app.add_option(flags, options.classTable)->take_last();
       return;
@@ -136,6 +139,12 @@ void readValues(const CLI::App& app, const RawOptions& raw, Options& options) {
 void checkOptions(const CommandRow& command, const Options& options) {
   if (options.write && options.check) {
     throw UsageError("--write and --check can't be had together: --check changes nothing");
+  }
+  if (options.edits && options.format == FormatType::text) {
+    throw UsageError("--edits belongs to the data for programs: add --format json");
+  }
+  if (options.edits && options.write) {
+    throw UsageError("--edits and --write can't be had together: written files need no edits");
   }
   if (options.quiet && options.verbose) throw UsageError("--quiet and --verbose contradict");
   if (command.needsArguments && options.arguments.empty()) {

@@ -32,6 +32,7 @@ struct Options {
   bool write = false;
   bool check = false;
   FormatType format = FormatType::text;
+  bool edits = false;
 };
 
 // A command line that asks for nothing that the program does, or for something that is not there.

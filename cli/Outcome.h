@@ -8,9 +8,11 @@
 #include <string>
 #include <vector>
 
+#include "cli/FileEdits.h"
 #include "cli/FileVerdict.h"
 #include "platform/analyzer/Diagnostic.h"
 #include "platform/paths/SourceReader.h"
+#include "platform/text/FileText.h"
 
 namespace soca::cli {
 
@@ -44,6 +46,13 @@ struct Failure {
   std::vector<std::string> hints;
 };
 
+// What is told of a file besides its text.
+struct FileBytes {
+  // The checksum, in hexadecimal digits.
+  std::string sha256;
+  fl::EncodingType encoding = fl::EncodingType::utf8;
+};
+
 struct ClassOutcome {
   std::string className;
   std::string file;
@@ -63,6 +72,9 @@ struct ClassOutcome {
   // Likewise: the file's new bytes, and the stamp of the file that they were computed from.
   std::string newBytes;
   fl::filesystem::FileStamp stamp;
+  FileEdits edits;
+  // Of the file as it stands, only if edits are asked for.
+  std::optional<FileBytes> bytes;
   // How many edits each rule family made, in the order of RuleFamilyType.
   std::array<std::size_t, 3> editCounts{};
   // Whether an update of the new text would change it again.

@@ -23,6 +23,7 @@ UpdateWishes wishesOf(const Options& options) {
   wishes.text = !isText;
   wishes.hints = !isText || !options.quiet;
   wishes.newBytes = options.write;
+  wishes.edits = options.edits;
   return wishes;
 }
 
@@ -87,6 +88,7 @@ TargetOutcome UpdateRun::work(const Target& target) const {
     entry.data = report_->dataOf(entry);
     entry.text = {};
     entry.diff = {};
+    entry.edits = {};
   }
   return outcome;
 }

@@ -1,6 +1,6 @@
 // All before-and-after cases once more, through the program: what it writes is what the service
-// returns, its diffs lead to the same files, and it refuses nothing but what is known to be
-// spoiled.
+// returns, its diffs and its single replacements lead to the same files, and it refuses nothing but
+// what is known to be spoiled.
 #include "tests/cases/CaseFile.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <sstream>
 
+#include "tests/cli/AppliedEdits.h"
 #include "tests/cli/ProgramRunner.h"
 
 namespace soca::testing {
@@ -76,6 +77,20 @@ std::vector<std::string> with(std::vector<std::string> arguments, const char* op
   return arguments;
 }
 
+// The files with the single replacements of a dry run.
+std::map<std::string, std::string> editedFiles(const std::vector<std::string>& arguments,
+                                               const Workspace& space) {
+  const auto result = space.soca(with(with(arguments, "--format=json"), "--edits"));
+  auto files = space.readAll();
+  const auto document = nlohmann::json::parse(result.out);
+  for (const auto& each : document.at("results")) {
+    const auto name = fs::path(each.at("file")).lexically_relative(space.path());
+    std::string& bytes = files.at(name.string());
+    bytes = applyEdits(each, bytes);
+  }
+  return files;
+}
+
 class CasesThroughTheProgram : public ::testing::TestWithParam<Case> {};
 
 TEST_P(CasesThroughTheProgram, DryRunAndWriteAgree) {
@@ -98,6 +113,8 @@ TEST_P(CasesThroughTheProgram, DryRunAndWriteAgree) {
   fs::remove(patched.path() / "update.diff");
   EXPECT_EQ(patched.readAll(), expected);
 
+  EXPECT_EQ(editedFiles(arguments, space), expected);
+
   const auto written = space.soca(with(arguments, "--write"));
   EXPECT_EQ(written.exitCode, dryRun.exitCode) << written.err;
   EXPECT_EQ(space.readAll(), expected);
@@ -109,6 +126,7 @@ TEST_P(KnownCases, AreRefused) {
   const Workspace space;
   writeFiles(GetParam(), space);
   const auto expected = space.readAll();
+  EXPECT_EQ(editedFiles(argumentsOf(GetParam()), space), expected);
   const auto result = space.soca(with(argumentsOf(GetParam()), "--write"));
   EXPECT_EQ(result.exitCode, 2);
   const bool isError = GetParam().find("error") != nullptr;

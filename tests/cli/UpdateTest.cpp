@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "tests/cli/AppliedEdits.h"
 #include "tests/cli/ProgramRunner.h"
 
 namespace soca::testing {
@@ -43,6 +44,7 @@ TEST(Update, DiffsAndWritesAreTheSameBytes) {
   }
   const auto diff = space.soca({"update", "-p", odd});
   EXPECT_EQ(diff.exitCode, 0) << diff.err;
+  const auto data = space.soca({"update", "-p", odd, "--format", "json", "--edits"});
   const auto written = space.soca({"update", "-p", odd, "--write"});
   EXPECT_EQ(written.exitCode, 0) << written.err;
   EXPECT_EQ(written.out, "");
@@ -61,6 +63,12 @@ TEST(Update, DiffsAndWritesAreTheSameBytes) {
     EXPECT_EQ(applied.exitCode, 0) << applied.err << applied.out;
     std::filesystem::remove(each->path() / "update.diff");
     EXPECT_EQ(each->readAll(), expected);
+  }
+  const auto document = nlohmann::json::parse(data.out);
+  for (const auto& result : document.at("results")) {
+    const std::string name =
+        std::filesystem::path(result.at("file")).lexically_relative(space.path());
+    EXPECT_EQ(applyEdits(result, encodings().at(name.substr(odd.size()))), expected.at(name));
   }
   // Nothing is left to do.
   EXPECT_EQ(space.soca({"update", "-p", odd, "--check"}).exitCode, 0);
