@@ -3,8 +3,6 @@
 #include <fmt/core.h>
 
 #include <algorithm>
-#include <map>
-#include <memory>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
@@ -12,6 +10,8 @@
 
 #include "cli/ClassMembers.h"
 #include "cli/KeptText.h"
+#include "model/AnalyzerPositions.h"
+#include "model/TextSearch.h"
 #include "platform/runtime/ClassDescription.h"
 #include "platform/text/Conversions.h"
 
@@ -21,26 +21,47 @@ namespace {
 using fl::i18n::to_string;
 
 // The edits of one family that are no insertions, by where they begin.
-std::map<SourcePosition, const PlannedEdit*> editsByStart(const PlannedClass& planned,
-                                                          RuleFamilyType family) {
-  std::map<SourcePosition, const PlannedEdit*> edits;
-  for (const PlannedAction& action : planned.actions) {
-    if (action.family != family) continue;
-    for (const PlannedEdit& edit : action.edits) {
-      if (edit.extent.start != edit.extent.end) edits.emplace(edit.extent.start, &edit);
+class EditsByStart {
+ public:
+  EditsByStart(const PlannedClass& planned, RuleFamilyType family) {
+    for (const PlannedAction& action : planned.actions) {
+      if (action.family != family) continue;
+      for (const PlannedEdit& edit : action.edits) {
+        if (edit.extent.start != edit.extent.end) edits_.push_back(&edit);
+      }
     }
+    // Of two that begin at one place the one that is made first counts.
+    std::ranges::stable_sort(edits_, {}, startOf);
+    const auto same = std::ranges::unique(edits_, {}, startOf);
+    edits_.erase(same.begin(), same.end());
   }
-  return edits;
-}
+
+  bool empty() const { return edits_.empty(); }
+
+  // The edit that replaces just this extent, or null.
+  const PlannedEdit* of(const Extent& extent) const {
+    const PlannedEdit* edit = lastAt(extent.start);
+    return edit != nullptr && edit->extent == extent ? edit : nullptr;
+  }
+
+  // The last edit that begins at the place or in front of it, or null.
+  const PlannedEdit* lastAt(const SourcePosition& place) const {
+    const auto behind = std::ranges::upper_bound(edits_, place, {}, startOf);
+    return behind != edits_.begin() ? *(behind - 1) : nullptr;
+  }
+
+ private:
+  static const SourcePosition& startOf(const PlannedEdit* edit) { return edit->extent.start; }
+
+  std::vector<const PlannedEdit*> edits_;
+};
 
 // --- properties ---
 
 class PropertyCheck {
  public:
   explicit PropertyCheck(const PlannedClass& planned)
-      : planned_(planned),
-        edits_(editsByStart(planned, RuleFamilyType::attributes)),
-        description_(sotarn::describeClass(to_string(planned.result.className))) {}
+      : planned_(planned), edits_(planned, RuleFamilyType::attributes) {}
 
   std::optional<std::string> run(const ca::AnalysisResult& updated) {
     const auto found = declaredProperties(updated);
@@ -50,10 +71,11 @@ class PropertyCheck {
         deleted_.insert(property.name);
         continue;
       }
-      if (next == found.end() || next->name != property.name) {
+      if (next == found.end() || !areEqualTexts(next->name, property.name)) {
         return fmt::format("property '{}' would get lost", to_string(property.name));
       }
-      if (!property.defaultText.empty() && next->defaultText != property.defaultText) {
+      if (!property.defaultText.empty() &&
+          !areEqualTexts(next->defaultText, property.defaultText)) {
         return fmt::format("the default value of property '{}' would change",
                            to_string(property.name));
       }
@@ -67,18 +89,19 @@ class PropertyCheck {
 
  private:
   bool isDeleted(const DeclaredProperty& property) const {
-    auto edit = edits_.upper_bound(property.extent.start);
-    if (edit == edits_.begin()) return false;
-    --edit;
-    return edit->second->text.empty() && property.extent.end <= edit->second->extent.end;
+    if (edits_.empty()) return false;
+    const Extent extent = makeExtentOfNode(*planned_.analysis, *property.node);
+    const PlannedEdit* edit = edits_.lastAt(extent.start);
+    return edit != nullptr && edit->text.empty() && extent.end <= edit->extent.end;
   }
 
   // Only companions of sets may go, and their values have to survive the quotes that the new
   // declarations put round them.
   std::optional<std::string> checkDeleted() {
+    if (deleted_.empty()) return std::nullopt;
     std::unordered_set<fl::ustring_view> others = deleted_;
-    if (!others.empty() && description_ != nullptr) {
-      for (const auto& [name, property] : description_->properties) {
+    if (const auto description = sotarn::describeClass(to_string(planned_.result.className))) {
+      for (const auto& [name, property] : description->properties) {
         if (!property.constrainedSet) continue;
         const sotarn::ConstrainedSetInfo& set = *property.constrainedSet;
         if (!deleted_.contains(set.setPropertyName)) continue;
@@ -100,26 +123,24 @@ class PropertyCheck {
   }
 
   const PlannedClass& planned_;
-  std::map<SourcePosition, const PlannedEdit*> edits_;
-  std::shared_ptr<const sotarn::ClassDescription> description_;
+  EditsByStart edits_;
   std::unordered_set<fl::ustring_view> deleted_;
 };
 
 // --- methods ---
 
 // The names of the methods as the actions say that they will be.
-std::vector<fl::ustring> expectedMethods(const PlannedClass& planned) {
-  const auto edits = editsByStart(planned, RuleFamilyType::impl);
-  const auto editOf = [&](const Extent& extent) {
-    const auto edit = edits.find(extent.start);
-    return edit != edits.end() && edit->second->extent == extent ? edit->second : nullptr;
+std::vector<fl::ustring_view> expectedMethods(const PlannedClass& planned) {
+  const EditsByStart edits(planned, RuleFamilyType::impl);
+  const auto editOf = [&](const ca::astapi::Node& node) {
+    return edits.empty() ? nullptr : edits.of(makeExtentOfNode(*planned.analysis, node));
   };
-  std::vector<fl::ustring> names;
+  std::vector<fl::ustring_view> names;
   for (const DeclaredMethod& method : declaredMethods(*planned.analysis)) {
-    const PlannedEdit* deletion = editOf(method.extent);
+    const PlannedEdit* deletion = editOf(*method.node);
     if (deletion != nullptr && deletion->text.empty()) continue;
-    const PlannedEdit* renaming = editOf(method.nameExtent);
-    names.push_back(renaming != nullptr ? renaming->text : fl::ustring(method.name));
+    const PlannedEdit* renaming = editOf(*method.node->name);
+    names.push_back(renaming != nullptr ? fl::ustring_view(renaming->text) : method.name);
   }
   return names;
 }
@@ -129,7 +150,7 @@ std::optional<std::string> checkMethods(const PlannedClass& planned,
   const auto expected = expectedMethods(planned);
   const auto found = declaredMethods(updated);
   const auto [missing, other] =
-      std::ranges::mismatch(expected, found, {}, {}, &DeclaredMethod::name);
+      std::ranges::mismatch(expected, found, areEqualTexts, {}, &DeclaredMethod::name);
   if (missing != expected.end()) {
     return fmt::format("method '{}' would get lost", to_string(*missing));
   }

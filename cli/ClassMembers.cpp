@@ -1,8 +1,5 @@
 #include "cli/ClassMembers.h"
 
-#include "model/AnalyzerPositions.h"
-#include "platform/analyzer/Ast.h"
-
 namespace soca::cli {
 
 std::vector<DeclaredProperty> declaredProperties(const ca::AnalysisResult& analysis) {
@@ -11,13 +8,12 @@ std::vector<DeclaredProperty> declaredProperties(const ca::AnalysisResult& analy
   for (const auto* block : analysis.getClassdef()->getPropertiesBlocks()) {
     for (const ca::astapi::Node* member : block->members) {
       const auto& node = static_cast<const ca::astapi::PropertyNode&>(*member);
-      DeclaredProperty property;
-      property.name = analysis.nodeTextView(*node.name);
+      DeclaredProperty& property = properties.emplace_back();
+      property.name = node.name->text.view();
       if (node.defaultValue != nullptr) {
         property.defaultText = analysis.nodeTextView(*node.defaultValue);
       }
-      property.extent = makeExtentOfNode(analysis, node);
-      properties.push_back(property);
+      property.node = &node;
     }
   }
   return properties;
@@ -27,8 +23,7 @@ std::vector<DeclaredMethod> declaredMethods(const ca::AnalysisResult& analysis) 
   std::vector<DeclaredMethod> methods;
   if (analysis.getClassdef() == nullptr) return methods;
   for (const auto* node : analysis.getClassdef()->getMethods()) {
-    methods.push_back({node->name->text.view(), makeExtentOfNode(analysis, *node->name),
-                       makeExtentOfNode(analysis, *node)});
+    methods.push_back({node->name->text.view(), node});
   }
   return methods;
 }

@@ -3,24 +3,23 @@
 
 #include <vector>
 
-#include "model/Extent.h"
 #include "platform/analyzer/AnalysisResult.h"
+#include "platform/analyzer/Ast.h"
 #include "platform/text/UString.h"
 
 namespace soca::cli {
 
-// Views are valid as long as the analysis that they were taken from.
+// Valid as long as the analysis that they were taken from.
 struct DeclaredProperty {
   fl::ustring_view name;
   // Empty without one.
   fl::ustring_view defaultText;
-  Extent extent;
+  const ca::astapi::PropertyNode* node = nullptr;
 };
 
 struct DeclaredMethod {
   fl::ustring_view name;
-  Extent nameExtent;
-  Extent extent;
+  const ca::astapi::FunctionDeclaration* node = nullptr;
 };
 
 // In source order, those of all blocks. None if the file holds no class.

@@ -1,10 +1,11 @@
 #include "cli/ClassUpdater.h"
 
 #include <fmt/core.h>
+
+#include <algorithm>
 #include <initializer_list>
 #include <memory>
 #include <string_view>
-#include <unordered_set>
 #include <utility>
 
 #include "cli/Checks.h"
@@ -16,6 +17,7 @@
 #include "cli/ProgramMessages.h"
 #include "cli/Sha256.h"
 #include "cli/UnifiedDiff.h"
+#include "model/TextSearch.h"
 #include "platform/analyzer/Analyzer.h"
 #include "platform/paths/Overlay.h"
 #include "platform/text/Conversions.h"
@@ -96,30 +98,27 @@ void countEdits(const PlannedClass& planned, ClassOutcome& outcome) {
   }
 }
 
+// The names in the first list that the second does not have.
+std::vector<std::string> namesWithout(const std::vector<DeclaredMethod>& methods,
+                                      const std::vector<DeclaredMethod>& others) {
+  std::vector<fl::ustring_view> known;
+  for (const DeclaredMethod& other : others) known.push_back(other.name);
+  std::ranges::sort(known);
+  std::vector<std::string> names;
+  for (const DeclaredMethod& method : methods) {
+    if (!std::ranges::binary_search(known, method.name)) names.push_back(to_string(method.name));
+  }
+  return names;
+}
+
 // The methods that are called differently, or are gone, afterwards.
 void listChangedMethods(const PlannedClass& planned, const ca::AnalysisResult& updated,
                         ClassOutcome& outcome) {
   if (outcome.editCounts[static_cast<std::size_t>(RuleFamilyType::impl)] == 0) return;
-  const auto namesOf = [](const ca::AnalysisResult& analysis) {
-    std::vector<std::string> names;
-    for (const DeclaredMethod& method : declaredMethods(analysis)) {
-      names.push_back(to_string(method.name));
-    }
-    return names;
-  };
-  const auto without = [](const std::vector<std::string>& names,
-                          const std::vector<std::string>& others) {
-    const std::unordered_set<std::string> known(others.begin(), others.end());
-    std::vector<std::string> rest;
-    for (const std::string& name : names) {
-      if (!known.contains(name)) rest.push_back(name);
-    }
-    return rest;
-  };
-  const auto before = namesOf(*planned.analysis);
-  const auto after = namesOf(updated);
-  outcome.gainedMethods = without(after, before);
-  outcome.deletedMethods = without(before, after);
+  const auto before = declaredMethods(*planned.analysis);
+  const auto after = declaredMethods(updated);
+  outcome.gainedMethods = namesWithout(after, before);
+  outcome.deletedMethods = namesWithout(before, after);
 }
 
 // A second update, of the new text.
@@ -133,8 +132,9 @@ SecondUpdate updateAgain(const PlannedClass& planned, UpdateMask rules) {
                                              planned.result.text);
   try {
     const auto again = planUpdate(planned.result.className, rules, false);
-    return {again.front().analysis, again.front().missingDelimiter.has_value() ||
-                                        again.front().result.text != planned.result.text};
+    return {again.front().analysis,
+            again.front().missingDelimiter.has_value() ||
+                !areEqualTexts(again.front().result.text, planned.result.text)};
   } catch (const std::exception&) {
     // Whatever keeps the second update from ending well: it does not leave the text as it is.
     return {ca::analyzeText(planned.result.text), true};
@@ -195,7 +195,8 @@ ClassOutcome ClassUpdater::makeOutcome(const PlannedClass& planned,
   outcome.className = to_string(planned.result.className);
   outcome.file = to_string(planned.result.fileName);
   outcome.updated = planned.result.updated;
-  outcome.changed = planned.result.text != planned.analysis->sourceTextView();
+  outcome.changed = planned.result.updated &&
+                    !areEqualTexts(planned.result.text, planned.analysis->sourceTextView());
   if (wishes_.text) outcome.text = to_string(planned.result.text);
   outcome.findings = listener.findingsOf(planned);
   if (wishes_.hints) outcome.hints = hintsOnMissingSuperClasses(outcome.className, *roots_);

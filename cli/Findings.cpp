@@ -3,6 +3,7 @@
 #include <variant>
 
 #include "cli/ClassMembers.h"
+#include "model/AnalyzerPositions.h"
 #include "platform/text/Conversions.h"
 
 namespace soca::cli {
@@ -11,13 +12,17 @@ namespace {
 // The one-based lines on which the class declares its methods and properties.
 using LinesByName = std::unordered_map<fl::ustring_view, std::uint64_t>;
 
+std::uint64_t lineOfNode(const ca::AnalysisResult& analysis, const ca::astapi::Node& node) {
+  return makeExtentOfNode(analysis, node).start.line + 1;
+}
+
 LinesByName linesOfMembers(const ca::AnalysisResult& analysis) {
   LinesByName lines;
   for (const DeclaredMethod& method : declaredMethods(analysis)) {
-    lines.emplace(method.name, method.nameExtent.start.line + 1);
+    lines.emplace(method.name, lineOfNode(analysis, *method.node->name));
   }
   for (const DeclaredProperty& property : declaredProperties(analysis)) {
-    lines.emplace(property.name, property.extent.start.line + 1);
+    lines.emplace(property.name, lineOfNode(analysis, *property.node));
   }
   return lines;
 }

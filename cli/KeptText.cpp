@@ -6,6 +6,7 @@
 #include <cstddef>
 
 #include "model/SourceFile.h"
+#include "model/TextSearch.h"
 
 namespace soca::cli {
 namespace {
@@ -15,13 +16,17 @@ constexpr fl::ustring_view continuation = u"...";
 
 // The lines of a text without their line ends; a text that ends in one has an empty last line.
 std::vector<fl::ustring_view> splitLines(fl::ustring_view text) {
+  constexpr std::size_t usualLineLength = 32;
   std::vector<fl::ustring_view> lines;
-  while (true) {
-    const std::size_t end = text.find(u'\n');
-    lines.push_back(text.substr(0, end));
-    if (end == fl::ustring_view::npos) return lines;
-    text.remove_prefix(end + 1);
+  lines.reserve(text.size() / usualLineLength + 1);
+  std::size_t start = 0;
+  for (std::size_t end = findLineEnd(text, 0); end != fl::ustring_view::npos;
+       end = findLineEnd(text, start)) {
+    lines.push_back(text.substr(start, end - start));
+    start = end + 1;
   }
+  lines.push_back(text.substr(start));
+  return lines;
 }
 
 // A line that is dropped once an edit touched it.
@@ -103,56 +108,76 @@ std::optional<std::string> findMisplacedEdit(const std::vector<PlacedEdit>& edit
 }
 
 // What a line of the old text becomes.
-struct EditedLine {
-  fl::ustring text;
-  bool isTouched = false;
+class EditedLine {
+ public:
   // Whether an edit took the line end away, so that the next line may follow without one.
   bool mayJoinNext = false;
+
+  bool isTouched() const { return isTouched_; }
+  fl::ustring_view text() const { return isTouched_ ? fl::ustring_view(built_) : kept_; }
+
+  // Text of the old line. A line that no edit touched is taken over in one piece.
+  void keep(fl::ustring_view text) {
+    if (isTouched_) {
+      built_ += text;
+    } else {
+      kept_ = text;
+    }
+  }
+
+  void touch(fl::ustring_view inserted) {
+    if (!isTouched_) built_ = kept_;
+    isTouched_ = true;
+    built_ += inserted;
+  }
+
+ private:
+  bool isTouched_ = false;
+  fl::ustring_view kept_;
+  fl::ustring built_;
 };
 
 // Builds the new text line by line from the old one and its edits.
 class Rebuilder {
  public:
   Rebuilder(const std::vector<fl::ustring_view>& lines, const std::vector<PlacedEdit>& edits)
-      : lines_(lines), edits_(edits) {}
+      : lines_(lines), edits_(edits) {
+    result_.reserve(lines.size() + edits.size());
+    result_.emplace_back();
+  }
 
   std::vector<EditedLine> rebuild() {
     for (const PlacedEdit& edit : edits_) apply(edit);
     copyUntil({lines_.size() - 1, lines_.back().size()});
-    result_.back().isTouched = true;
+    result_.back().touch({});
     return std::move(result_);
   }
 
  private:
   void apply(const PlacedEdit& edit) {
     copyUntil(edit.start);
-    EditedLine& line = result_.back();
-    line.text += edit.text;
-    line.isTouched = true;
-    if (edit.end.line == edit.start.line) {
-      position_ = edit.end;
-      return;
-    }
-    line.mayJoinNext = true;
+    result_.back().touch(edit.text);
     position_ = edit.end;
-    result_.push_back({.text = {}, .isTouched = true});
+    if (edit.end.line == edit.start.line) return;
+    result_.back().mayJoinNext = true;
+    result_.emplace_back().touch({});
   }
 
   // Copies the old text from where the last edit ended.
   void copyUntil(const SourcePosition& end) {
     while (position_.line < end.line) {
-      result_.back().text += lines_[position_.line].substr(position_.column);
+      result_.back().keep(lines_[position_.line].substr(position_.column));
       result_.emplace_back();
       position_ = {position_.line + 1, 0};
     }
-    result_.back().text += lines_[end.line].substr(position_.column, end.column - position_.column);
+    result_.back().keep(lines_[end.line].substr(position_.column, end.column - position_.column));
     position_ = end;
   }
 
   const std::vector<fl::ustring_view>& lines_;
   const std::vector<PlacedEdit>& edits_;
   SourcePosition position_;
-  std::vector<EditedLine> result_{EditedLine()};
+  std::vector<EditedLine> result_;
 };
 
 // Takes line after line off the front of the new text. False if it is another text.
@@ -161,7 +186,7 @@ class Matcher {
   explicit Matcher(fl::ustring_view text) : rest_(text) {}
 
   bool take(fl::ustring_view text) {
-    if (!rest_.starts_with(text)) return false;
+    if (!areEqualTexts(rest_.substr(0, text.size()), text)) return false;
     rest_.remove_prefix(text.size());
     return true;
   }
@@ -177,10 +202,10 @@ std::optional<std::size_t> findMismatch(const std::vector<EditedLine>& lines,
   Matcher matcher(newText);
   for (std::size_t i = 0; i < lines.size(); ++i) {
     const EditedLine& line = lines[i];
-    if (line.isTouched && isDropped(line.text)) continue;
-    if (!matcher.take(line.text)) return i + 1;
+    if (line.isTouched() && isDropped(line.text())) continue;
+    if (!matcher.take(line.text())) return i + 1;
     if (i + 1 == lines.size()) break;
-    const bool nextIsDropped = lines[i + 1].isTouched && isDropped(lines[i + 1].text);
+    const bool nextIsDropped = lines[i + 1].isTouched() && isDropped(lines[i + 1].text());
     const bool tookLineEnd = matcher.take(u"\n");
     if (!tookLineEnd && (!line.mayJoinNext || nextIsDropped)) return i + 1;
   }

@@ -5,6 +5,7 @@
 
 #include "cli/FileWriter.h"
 #include "cli/ProgramMessages.h"
+#include "model/TextSearch.h"
 #include "platform/analyzer/Analyzer.h"
 #include "platform/text/FileText.h"
 
@@ -20,7 +21,7 @@ fl::filesystem::SourceFileText readAnalysedFile(const std::string& path,
   try {
     for (int attempts = 0; attempts < 4; ++attempts) {
       auto file = fl::filesystem::readSourceFile(path, ca::maximumFileSize);
-      if (file.text != analysis.sourceTextView()) break;
+      if (!areEqualTexts(file.text, analysis.sourceTextView())) break;
       if (stampType == StampType::any || !file.recentlyChanged) return file;
       ::nanosleep(&settlingTime, nullptr);
     }

@@ -6,6 +6,7 @@
 #include <variant>
 
 #include "model/AnalyzerPositions.h"
+#include "model/TextSearch.h"
 #include "platform/analyzer/NodeVisitor.h"
 #include "platform/failure/Terminate.h"
 
@@ -75,6 +76,20 @@ bool isOutput(const Node* target, const fl::ustring& outputName) {
   return isIdentifier(target, id) || (outputName == u"varargout" && isFirstCell(target, id));
 }
 
+// Whether the text of a function has the keyword, as whatever, at all.
+bool mayReturn(fl::ustring_view text) {
+  return TextFinder(u"return").find(text) != fl::ustring_view::npos;
+}
+
+// Whether the text has the name, as whatever, at any other place than its own. Where it has not, no
+// identifier can be there, and no walk has to look for one.
+bool standsElsewhere(fl::ustring_view text, const Identifier& name) {
+  const TextFinder finder(name.text.view());
+  std::size_t place = finder.find(text);
+  if (place == name.position) place = finder.find(text, place + 1);
+  return place != fl::ustring_view::npos;
+}
+
 }  // namespace
 
 bool Method::isFunctionDefinition() const { return node_->kind == NodeKind::FunctionDefinition; }
@@ -126,9 +141,10 @@ bool Method::isSimpleConstantAssignment(const fl::ustring& outputName, bool& con
 
 std::vector<Extent> Method::findReturnStatements() const {
   const ca::astapi::FunctionDefinition& function = definition();
+  std::vector<Extent> statements;
+  if (!mayReturn(context_->analysis->nodeTextView(function))) return statements;
   const Span method(function);
   const std::vector<Span> nested = nestedFunctions(function);
-  std::vector<Extent> statements;
   MethodNodeVisitor<ReturnStatement> visitor(&function, [&](const ReturnStatement& statement) {
     const Span span(statement);
     const auto holdsIt = [&](const Span& other) { return other.contains(span); };
@@ -140,6 +156,7 @@ std::vector<Extent> Method::findReturnStatements() const {
 }
 
 bool Method::isMethodReferencedInSysObj() const {
+  if (!standsElsewhere(context_->analysis->sourceTextView(), *node_->name)) return false;
   const StringId id(node_->name->text.getText());
   const Extent ownName = getNameExtent();
   bool isReferenced = false;

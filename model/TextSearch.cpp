@@ -1,42 +1,63 @@
 #include "model/TextSearch.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdint>
+#include <bit>
+#include <cstring>
 
 namespace soca {
-namespace {
 
-// For each low byte of a code unit, how far the pattern may move on when that unit stands under the
-// pattern's last one. Units of one low byte share an entry, which is never too large for any.
-class SkipTable {
- public:
-  explicit SkipTable(fl::ustring_view pattern) {
-    skips_.fill(limited(pattern.size()));
-    for (std::size_t i = 0; i + 1 < pattern.size(); ++i) {
-      skips_[slotOf(pattern[i])] = limited(pattern.size() - 1 - i);
-    }
+bool areEqualTexts(fl::ustring_view left, fl::ustring_view right) {
+  return left.size() == right.size() &&
+         (left.empty() ||
+          std::memcmp(left.data(), right.data(), left.size() * sizeof(char16_t)) == 0);
+}
+
+std::size_t findLineEnd(fl::ustring_view text, std::size_t from) {
+  // The search for a byte is the widest there is. A byte that is only half of a unit is passed by.
+  constexpr std::size_t lowByte = std::endian::native == std::endian::little ? 0 : 1;
+  const char* const bytes = reinterpret_cast<const char*>(text.data());
+  const char* const end = bytes + text.size() * sizeof(char16_t);
+  const char* next = bytes + from * sizeof(char16_t);
+  while (next < end) {
+    next = static_cast<const char*>(std::memchr(next, '\n', static_cast<std::size_t>(end - next)));
+    if (next == nullptr) break;
+    const auto offset = static_cast<std::size_t>(next - bytes);
+    const std::size_t place = offset / sizeof(char16_t);
+    if (offset % sizeof(char16_t) == lowByte && text[place] == u'\n') return place;
+    ++next;
   }
+  return fl::ustring_view::npos;
+}
 
-  std::size_t skipOf(char16_t unit) const { return skips_[slotOf(unit)]; }
-
- private:
-  static std::size_t slotOf(char16_t unit) { return unit & 0xFFU; }
-  static std::uint8_t limited(std::size_t skip) {
+TextFinder::TextFinder(fl::ustring_view pattern) : pattern_(pattern) {
+  const auto limited = [](std::size_t skip) {
     return static_cast<std::uint8_t>(std::min<std::size_t>(skip, 0xFF));
+  };
+  skips_.fill(limited(pattern.size()));
+  for (std::size_t i = 0; i + 1 < pattern.size(); ++i) {
+    skips_[slotOf(pattern[i])] = limited(pattern.size() - 1 - i);
   }
+}
 
-  std::array<std::uint8_t, 256> skips_;
-};
-
-}  // namespace
+std::size_t TextFinder::find(fl::ustring_view text, std::size_t from) const {
+  const std::size_t length = pattern_.size();
+  if (length == 0) return from <= text.size() ? from : fl::ustring_view::npos;
+  const char16_t last = pattern_.back();
+  for (std::size_t end = from + length; end <= text.size();) {
+    const char16_t unit = text[end - 1];
+    if (unit == last && areEqualTexts(text.substr(end - length, length), pattern_)) {
+      return end - length;
+    }
+    end += skips_[slotOf(unit)];
+  }
+  return fl::ustring_view::npos;
+}
 
 std::size_t findBehindDot(fl::ustring_view text, fl::ustring_view name) {
-  const fl::ustring pattern = u'.' + fl::ustring(name);
-  const SkipTable skips(pattern);
-  const std::size_t length = pattern.size();
-  for (std::size_t end = length; end <= text.size(); end += skips.skipOf(text[end - 1])) {
-    if (text.substr(end - length, length) == pattern) return end;
+  const TextFinder finder(name);
+  for (std::size_t place = finder.find(text, 1); place != fl::ustring_view::npos;
+       place = finder.find(text, place + 1)) {
+    if (text[place - 1] == u'.') return place + name.size();
   }
   return fl::ustring_view::npos;
 }

@@ -1,14 +1,38 @@
-// Searches in the text of a file.
+// Searches in the text of a file, and comparisons of texts, that do not look at one character after
+// the other.
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 
 #include "platform/text/UString.h"
 
 namespace soca {
 
-// The place behind the first occurrence of "." followed by `name`, or npos. Made for a class in
-// which many names are looked for, most of which do not occur: it does not look at every character.
+bool areEqualTexts(fl::ustring_view left, fl::ustring_view right);
+
+// The place of the first U+000A at or behind `from`, or npos.
+std::size_t findLineEnd(fl::ustring_view text, std::size_t from);
+
+// Looks for one pattern in any number of texts. The pattern must outlive the finder.
+class TextFinder {
+ public:
+  explicit TextFinder(fl::ustring_view pattern);
+
+  // The place of the first occurrence that begins at or behind `from`, or npos.
+  std::size_t find(fl::ustring_view text, std::size_t from = 0) const;
+
+ private:
+  static std::size_t slotOf(char16_t unit) { return unit & 0xFFU; }
+
+  fl::ustring_view pattern_;
+  // For each low byte of a code unit, how far the pattern may move on when that unit stands under
+  // its last one. Units of one low byte share an entry, which is never too large for any.
+  std::array<std::uint8_t, 256> skips_;
+};
+
+// The place behind the first occurrence of "." followed by `name`, or npos.
 std::size_t findBehindDot(fl::ustring_view text, fl::ustring_view name);
 
 }  // namespace soca

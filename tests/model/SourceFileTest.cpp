@@ -196,7 +196,20 @@ TEST(SourceFile, StartBehindTheLineThrows) {
   EXPECT_NO_THROW(file.replace(u"", 0, {{0, 3}, {0, 3}}));
 }
 
+TEST(TextSearch, FindsLineEndsAmongUnitsThatHoldTheirByte) {
+  const fl::ustring text = u"\u0A0A\u0A00\u010A\n\u0A0A\n";
+  EXPECT_EQ(findLineEnd(text, 0), 3U);
+  EXPECT_EQ(findLineEnd(text, 3), 3U);
+  EXPECT_EQ(findLineEnd(text, 4), 5U);
+  EXPECT_EQ(findLineEnd(text, 6), fl::ustring_view::npos);
+  EXPECT_TRUE(areEqualTexts({}, u""));
+  EXPECT_FALSE(areEqualTexts(u"ab", u"a\u0162"));
+}
+
 TEST(TextSearch, FindsTheFirstOccurrenceOnly) {
+  EXPECT_EQ(TextFinder(u"aXa").find(u"aaXaXa", 2), 3U);
+  EXPECT_EQ(TextFinder(u"aXa").find(u"aaXaXa", 4), fl::ustring_view::npos);
+  EXPECT_EQ(TextFinder(u"").find(u"ab", 2), 2U);
   EXPECT_EQ(findBehindDot(u"a.Mode2 + b.Mode", u"Mode"), 6U);
   EXPECT_EQ(findBehindDot(u"Mode.Mod ..Mode", u"Mode"), 15U);
   EXPECT_EQ(findBehindDot(u"Mode", u"Mode"), fl::ustring_view::npos);
