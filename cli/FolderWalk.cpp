@@ -21,6 +21,16 @@ std::string pathIn(const std::string& folder, const std::string& name) {
   return folder.ends_with('/') ? folder + name : folder + '/' + name;
 }
 
+// The place of an entry of the folder that stands at `folder`.
+std::string placeIn(const GitPlace& folder, const std::string& name) {
+  return folder.path.empty() ? name : folder.path + '/' + name;
+}
+
+bool exists(const std::string& path) {
+  struct stat status = {};
+  return ::lstat(path.c_str(), &status) == 0;
+}
+
 unsigned char typeOf(const struct stat& status) {
   return static_cast<unsigned char>(IFTODT(status.st_mode));
 }
@@ -40,8 +50,9 @@ unsigned char entryType(const std::string& path, unsigned char type) {
 
 }  // namespace
 
-FolderWalk::FolderWalk(const ClassRoots* roots, std::string folder) : roots_(roots) {
-  enter(std::move(folder));
+FolderWalk::FolderWalk(const ClassRoots* roots, Git* git, WalkType type, std::string folder)
+    : roots_(roots), git_(git), type_(type), start_(resolveLinks(folder).value_or(folder)) {
+  enterAnyway(std::move(folder));
 }
 
 std::optional<FoundFile> FolderWalk::next() {
@@ -55,17 +66,63 @@ std::optional<FoundFile> FolderWalk::next() {
     }
     const Entry entry = std::move(level.entries.back());
     level.entries.pop_back();
-    if (!entry.isFolder) return describe(level, entry);
-    enter(pathIn(level.folder, entry.name));
+    if (entry.isFolder) {
+      enterFolderIn(level, entry);
+    } else if (!isIgnored(level, entry)) {
+      return describe(level, entry);
+    }
   }
 }
 
-void FolderWalk::enter(std::string folder) {
+void FolderWalk::enterAnyway(std::string folder) {
+  GitPlace git = askGit(folder);
+  const bool isIgnored =
+      git.repository != nullptr && !git.path.empty() && git.repository->isFolderIgnored(git.path);
+  enter(std::move(folder), isIgnored ? GitPlace() : std::move(git));
+}
+
+void FolderWalk::enterFolderIn(const Level& level, const Entry& entry) {
+  std::string folder = pathIn(level.folder, entry.name);
+  if (entry.isLink && !isNewFolder(folder)) return;
+  if (std::ranges::find(roots_->all(), folder) != roots_->all().end()) {
+    return enterAnyway(std::move(folder));
+  }
+  if (isIgnored(level, entry) && !roots_->hasRootAtOrBelow(folder)) return;
+  GitPlace git = level.git;
+  if (git.repository != nullptr) git.path = placeIn(git, entry.name);
+  if (exists(pathIn(folder, ".git"))) git = askGit(folder);
+  enter(std::move(folder), std::move(git));
+}
+
+void FolderWalk::enter(std::string folder, GitPlace git) {
   Level level;
   level.folder = std::move(folder);
   level.package = roots_->packageOf(level.folder);
+  level.git = std::move(git);
   level.entries = readEntries(level);
   levels_.push_back(std::move(level));
+}
+
+GitPlace FolderWalk::askGit(const std::string& folder) {
+  if (type_ == WalkType::everything) return {};
+  const auto path = resolveLinks(folder);
+  GitPlace place = path ? git_->placeOfFolder(*path) : GitPlace();
+  if (!place.problem.empty()) warnings_.push_back(place.problem);
+  return place;
+}
+
+bool FolderWalk::isIgnored(const Level& level, const Entry& entry) {
+  if (level.git.repository == nullptr) return false;
+  if (entry.isFolder) {
+    return level.git.repository->isFolderIgnored(placeIn(level.git, entry.name));
+  }
+  return level.git.repository->isFileIgnored(placeIn(level.git, fileName(entry)));
+}
+
+bool FolderWalk::isNewFolder(const std::string& link) {
+  auto folder = resolveLinks(link);
+  if (!folder || relativeTo(start_, *folder) || relativeTo(*folder, start_)) return false;
+  return linked_.insert(std::move(*folder)).second;
 }
 
 std::vector<FolderWalk::Entry> FolderWalk::readEntries(const Level& level) {
@@ -98,16 +155,23 @@ std::vector<FolderWalk::Entry> FolderWalk::readEntries(const Level& level) {
 }
 
 void FolderWalk::addEntry(const Level& level, const std::string& name, unsigned char type,
-                          std::vector<Entry>& entries) const {
+                          std::vector<Entry>& entries) {
   const auto stem = stemOfClassFile(name);
-  if (!stem && type != DT_DIR && type != DT_UNKNOWN) return;
+  const bool mayBeFolder =
+      type == DT_DIR || type == DT_UNKNOWN || (type == DT_LNK && type_ == WalkType::everything);
+  if (!stem && !mayBeFolder) return;
   if (name == "." || name == "..") return;
   type = entryType(pathIn(level.folder, name), type);
-  if (type == DT_DIR) {
-    if (isWorthEntering(level, name)) entries.push_back({.name = name, .isFolder = true});
+  // A link to a folder keeps its type.
+  const bool isLink = type == DT_LNK;
+  if (type == DT_DIR || isLink) {
+    const bool isWanted = !isLink || type_ == WalkType::everything;
+    if (isWanted && isWorthEntering(level, name)) {
+      entries.push_back({.name = name, .isFolder = true, .isLink = isLink});
+    }
     return;
   }
-  if (!stem || type == DT_LNK) return;
+  if (!stem) return;
   entries.push_back({.name = std::string(*stem),
                      .isRegular = type == DT_REG,
                      .hasSource = name.ends_with(".vlm")});
@@ -118,9 +182,13 @@ bool FolderWalk::isWorthEntering(const Level& level, const std::string& name) co
   return roots_->hasRootAtOrBelow(pathIn(level.folder, name));
 }
 
+std::string FolderWalk::fileName(const Entry& entry) {
+  return entry.name + (entry.hasSource ? ".vlm" : ".p");
+}
+
 FoundFile FolderWalk::describe(const Level& level, const Entry& entry) {
   FoundFile file;
-  file.path = pathIn(level.folder, entry.name) + (entry.hasSource ? ".vlm" : ".p");
+  file.path = pathIn(level.folder, fileName(entry));
   if (!entry.isRegular || !level.package || !isIdentifierName(entry.name)) {
     file.type = FoundFile::Type::noClass;
     return file;

@@ -3,9 +3,11 @@
 
 #include <optional>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "cli/ClassRoots.h"
+#include "cli/Git.h"
 
 namespace soca::cli {
 
@@ -29,21 +31,35 @@ struct FoundFile {
   std::string reason;
 };
 
+// What a walk leaves out: what git ignores, hidden folders, and links to folders; or nothing of it.
+enum class WalkType { filtered, everything };
+
 // Reads each folder when it comes to it, and keeps no more than the names of those that it is in.
-// Classes come in the byte order of their names. Links to folders are not followed, and folders
-// whose names no class name can have are left out, unless a root lies in them.
+// Classes come in the byte order of their names. Folders whose names no class name can have are
+// left out, unless a root lies in them.
+//
+// The folder itself and the roots in it are walked whatever git says of them. Where git ignores
+// such a folder, its rules say nothing of what lies below, and all of that is walked.
+//
+// A walk of everything follows a link to a folder that lies outside of the walk, each such folder
+// once. What lies inside is come to anyway.
 class FolderWalk {
  public:
-  // `roots` must outlive the walk. `folder` is absolute.
-  FolderWalk(const ClassRoots* roots, std::string folder);
+  // `roots` and `git` must outlive the walk. `folder` is absolute.
+  FolderWalk(const ClassRoots* roots, Git* git, WalkType type, std::string folder);
 
   std::optional<FoundFile> next();
+
+  // Why git's rules could not be asked, once for each repository, as far as the walk has come.
+  const std::vector<std::string>& warnings() const { return warnings_; }
 
  private:
   struct Entry {
     // Without the extension of a class file.
     std::string name;
     bool isFolder = false;
+    // Whether the folder is behind a link.
+    bool isLink = false;
     bool isRegular = true;
     // Of a class file, whether it is the `.vlm`.
     bool hasSource = false;
@@ -54,17 +70,34 @@ class FolderWalk {
     std::string folder;
     std::optional<ClassRoots::Package> package;
     std::vector<Entry> entries;
+    // Whose rules hold in the folder, and its place there.
+    GitPlace git;
   };
 
-  void enter(std::string folder);
+  // Enters a folder that is walked whatever git says of it.
+  void enterAnyway(std::string folder);
+  void enterFolderIn(const Level& level, const Entry& entry);
+  void enter(std::string folder, GitPlace git);
+  GitPlace askGit(const std::string& folder);
+  static bool isIgnored(const Level& level, const Entry& entry);
+  // Whether the link leads to a folder that the walk would not come to without it.
+  bool isNewFolder(const std::string& link);
   std::vector<Entry> readEntries(const Level& level);
   void addEntry(const Level& level, const std::string& name, unsigned char type,
-                std::vector<Entry>& entries) const;
+                std::vector<Entry>& entries);
   bool isWorthEntering(const Level& level, const std::string& name) const;
+  static std::string fileName(const Entry& entry);
   static FoundFile describe(const Level& level, const Entry& entry);
 
   const ClassRoots* roots_;
+  Git* git_;
+  WalkType type_;
+  // The folder that is walked, without links.
+  std::string start_;
   std::vector<Level> levels_;
+  // The folders, without links, that links led to.
+  std::unordered_set<std::string> linked_;
+  std::vector<std::string> warnings_;
   // A folder that could not be read, to be told of next.
   std::optional<FoundFile> unreadable_;
 };

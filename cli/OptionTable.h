@@ -26,6 +26,8 @@ enum class OptionType {
   superclasses,
   write,
   check,
+  allowDirty,
+  noIgnore,
   format,
   edits,
   classTable,

@@ -90,6 +90,12 @@ void addOption(CLI::App& app, const OptionRow& row, Options& options, RawOptions
     case OptionType::check:
       app.add_flag(flags, options.check);
       return;
+    case OptionType::allowDirty:
+      app.add_flag(flags, options.allowDirty);
+      return;
+    case OptionType::noIgnore:
+      app.add_flag(flags, options.noIgnore);
+      return;
     case OptionType::format:
       app.add_option(flags, raw.format)->take_last();
       return;

@@ -31,6 +31,10 @@ struct Options {
   bool includeSuperclasses = false;
   bool write = false;
   bool check = false;
+  // Whether files may be changed that git could not bring back.
+  bool allowDirty = false;
+  // Whether a folder stands for what git ignores, hidden folders and links to folders too.
+  bool noIgnore = false;
   FormatType format = FormatType::text;
   bool edits = false;
 };

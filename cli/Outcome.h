@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/FileEdits.h"
@@ -65,6 +66,8 @@ struct ClassOutcome {
   std::vector<std::string> hints;
   // Why the program does not take the new text; empty if it does.
   std::string refusal;
+  // Why `--write` would not take it, where that is known in a dry run.
+  std::string writeRefusal;
   // Only for a text that differs and is not refused.
   std::string diff;
   // What is printed of the class on standard output.
@@ -84,6 +87,15 @@ struct ClassOutcome {
   std::vector<std::string> deletedMethods;
 
   bool isRefused() const { return !refusal.empty(); }
+  // Drops what there is only of a text that is not refused.
+  void refuse(std::string reason) {
+    refusal = std::move(reason);
+    diff.clear();
+    newBytes.clear();
+    gainedMethods.clear();
+    deletedMethods.clear();
+    changesAgain = false;
+  }
   // Whether the file is to be replaced.
   bool hasNewFile() const { return changed && !isRefused(); }
 };

@@ -47,7 +47,7 @@ ReportOutcome report(const Options& options, const Target& target,
 ExitCodeType runReport(const Options& options, const ClassRoots& roots, Console& console) {
   const FileNames names(&roots);
   const FailureDescriber describer(&roots, &names);
-  Targets targets(&roots, options.arguments, Targets::Folders::refused);
+  Targets targets(&roots, options.arguments);
   auto exitCode = ExitCodeType::done;
   const auto next = [&]() -> std::optional<Target> {
     if (wasInterrupted()) return std::nullopt;

@@ -22,6 +22,7 @@ void Summary::add(const ClassOutcome& outcome) {
     ++changed;
   }
   if (outcome.changesAgain) ++changesAgain;
+  if (!outcome.writeRefusal.empty()) ++uncommitted;
 }
 
 std::string formatSummary(const Summary& summary, TenseType tense) {

@@ -19,6 +19,8 @@ struct Summary {
   std::size_t filesWithoutClass = 0;
   std::size_t changesAgain = 0;
   std::size_t findings = 0;
+  // Of a dry run, the classes that change and that `--write` would refuse.
+  std::size_t uncommitted = 0;
 
   void add(const ClassOutcome& outcome);
 };

@@ -44,25 +44,48 @@ std::string_view fileNameOf(std::string_view path) { return path.substr(path.rfi
 
 }  // namespace
 
-Targets::Targets(const ClassRoots* roots, const std::vector<std::string>& arguments,
-                 Folders folders)
+Targets::Targets(const ClassRoots* roots, const std::vector<std::string>& arguments)
     : roots_(roots) {
-  for (const std::string& argument : arguments) {
-    arguments_.push_back(makeArgument(argument, folders));
+  addArguments(arguments);
+}
+
+Targets::Targets(const ClassRoots* roots, const std::vector<std::string>& arguments, WalkType walk,
+                 Git* git)
+    : roots_(roots), walk_(walk), git_(git) {
+  addArguments(arguments);
+  if (!arguments.empty()) return;
+  for (const std::string& root : roots->all()) {
+    arguments_.emplace_back(FolderWalk(roots, git, walk, root));
   }
-  if (arguments.empty()) {
-    for (const std::string& root : roots->all()) arguments_.emplace_back(FolderWalk(roots, root));
-  }
+}
+
+void Targets::addArguments(const std::vector<std::string>& arguments) {
+  for (const std::string& argument : arguments) arguments_.push_back(makeArgument(argument));
   for (const Argument& argument : arguments_) {
     const auto* target = std::get_if<Target>(&argument);
     if (target != nullptr && target->type == Target::Type::aClass) {
       named_.insert(target->className);
     }
   }
-  mayRepeat_ = arguments_.size() > 1 || roots->all().size() > 1;
+  mayRepeat_ = arguments_.size() > 1 || roots_->all().size() > 1;
 }
 
-Targets::Argument Targets::makeArgument(const std::string& argument, Folders folders) const {
+std::vector<std::string> Targets::warnings() const {
+  std::vector<std::string> warnings;
+  for (const Argument& argument : arguments_) {
+    const auto* walk = std::get_if<FolderWalk>(&argument);
+    if (walk == nullptr) continue;
+    for (const std::string& problem : walk->warnings()) {
+      auto warning = fmt::format("warning: git's ignore rules do not hold: {}", problem);
+      if (std::ranges::find(warnings, warning) == warnings.end()) {
+        warnings.push_back(std::move(warning));
+      }
+    }
+  }
+  return warnings;
+}
+
+Targets::Argument Targets::makeArgument(const std::string& argument) const {
   if (argument.empty()) throw UsageError("an argument is empty");
   if (!isPath(argument)) return makeClassTarget(argument);
   const std::string path = roots_->underRoot(fl::filesystem::makeAbsoluteLexically(argument));
@@ -78,14 +101,14 @@ Targets::Argument Targets::makeArgument(const std::string& argument, Folders fol
     throw UsageError(
         fmt::format("'{}' is no class file: its name ends in neither .vlm nor .p", argument));
   }
-  if (folders == Folders::refused) {
+  if (git_ == nullptr) {
     throw UsageError(fmt::format("'{}' is a folder; name a class or its file", argument));
   }
   if (!roots_->packageOf(path)) {
     throw UsageError(fmt::format("the folder '{}' is on no root of the class path: {}", argument,
                                  roots_->listing()));
   }
-  return FolderWalk(roots_, path);
+  return FolderWalk(roots_, git_, walk_, path);
 }
 
 Target Targets::makeFileTarget(const std::string& argument, const std::string& path,
@@ -103,6 +126,12 @@ Target Targets::makeFileTarget(const std::string& argument, const std::string& p
   Target target = makeTarget(std::move(file));
   target.isNamed = true;
   return target;
+}
+
+bool Targets::haveFolders() const {
+  return std::ranges::any_of(arguments_, [](const Argument& argument) {
+    return std::holds_alternative<FolderWalk>(argument);
+  });
 }
 
 bool Targets::isOneClass() const {

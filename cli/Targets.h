@@ -41,21 +41,31 @@ struct Target {
 // a slash, is a path. No argument stands for all roots.
 class Targets {
  public:
-  enum class Folders { welcome, refused };
+  // Takes no folders. Throws UsageError for an argument that is on no root, or is a folder. `roots`
+  // must outlive the targets.
+  Targets(const ClassRoots* roots, const std::vector<std::string>& arguments);
 
-  // Throws UsageError for an argument that is on no root. `roots` must outlive the targets.
-  Targets(const ClassRoots* roots, const std::vector<std::string>& arguments, Folders folders);
+  // Takes folders too, which are walked as `walk` says. `git` must outlive the targets.
+  Targets(const ClassRoots* roots, const std::vector<std::string>& arguments, WalkType walk,
+          Git* git);
 
   // Whether there is one target at most, as far as that can be known before it is asked for.
   bool isOneClass() const;
 
+  // Whether some of them are looked for in folders.
+  bool haveFolders() const;
+
   // In the order of the arguments.
   std::optional<Target> next();
+
+  // What went wrong without keeping anything from going on, each once.
+  std::vector<std::string> warnings() const;
 
  private:
   using Argument = std::variant<Target, FolderWalk>;
 
-  Argument makeArgument(const std::string& argument, Folders folders) const;
+  void addArguments(const std::vector<std::string>& arguments);
+  Argument makeArgument(const std::string& argument) const;
   Target makeFileTarget(const std::string& argument, const std::string& path,
                         std::string_view stem) const;
   std::optional<Target> nextOf(Argument& argument);
@@ -64,6 +74,9 @@ class Targets {
   bool isNew(const Target& target);
 
   const ClassRoots* roots_;
+  WalkType walk_ = WalkType::filtered;
+  // Null where folders are refused.
+  Git* git_ = nullptr;
   std::vector<Argument> arguments_;
   std::size_t current_ = 0;
   std::unordered_set<std::string> named_;

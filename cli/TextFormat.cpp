@@ -58,6 +58,9 @@ void TextReport::printNotes(const ClassOutcome& outcome) {
   if (options_->verbose && outcome.changesAgain) {
     text += fmt::format("{}: note: a second update would change it again\n", file);
   }
+  if (options_->verbose && !outcome.writeRefusal.empty()) {
+    text += fmt::format("{}: note: --write would refuse it: {}\n", file, outcome.writeRefusal);
+  }
   if (!text.empty()) console_->printError(text);
   if (outcome.isRefused()) {
     console_->complain(fmt::format("the update of class '{}' in '{}' is refused: {}",

@@ -46,9 +46,13 @@ UpdateRun::UpdateRun(const Options* options, const ClassRoots* roots, Console* c
     : options_(options),
       console_(console),
       names_(roots),
-      targets_(roots, options->arguments, Targets::Folders::welcome),
+      targets_(roots, options->arguments,
+               options->noIgnore ? WalkType::everything : WalkType::filtered, &git_),
       updater_(roots, &names_, wishesOf(*options)),
-      report_(makeUpdateReport(*options, names_, *console)) {}
+      report_(makeUpdateReport(*options, names_, *console)) {
+  const bool asksInDryRun = targets_.haveFolders() && !options->noIgnore && !options->check;
+  asksGit_ = !options->allowDirty && (options->write || asksInDryRun);
+}
 
 ExitCodeType UpdateRun::run() {
   computeAll();
@@ -82,15 +86,26 @@ void UpdateRun::computeAll() {
       .run();
 }
 
-TargetOutcome UpdateRun::work(const Target& target) const {
+TargetOutcome UpdateRun::work(const Target& target) {
   TargetOutcome outcome = updater_.update(target);
   for (ClassOutcome& entry : outcome.classes) {
+    if (asksGit_ && entry.hasNewFile()) checkUncommitted(entry);
     entry.data = report_->dataOf(entry);
     entry.text = {};
     entry.diff = {};
     entry.edits = {};
   }
   return outcome;
+}
+
+void UpdateRun::checkUncommitted(ClassOutcome& outcome) {
+  auto reason = git_.findUncommitted(outcome.file);
+  if (!reason) return;
+  if (options_->write) {
+    outcome.refuse(std::move(*reason));
+  } else {
+    outcome.writeRefusal = std::move(*reason);
+  }
 }
 
 void UpdateRun::take(TargetOutcome& outcome) {
@@ -174,11 +189,20 @@ void UpdateRun::writeAll() {
 
 void UpdateRun::finish() {
   report_->finish();
-  if (!options_->quiet) {
-    for (const std::string& warning : methodChanges_.warnings()) console_->complain(warning);
-  }
+  if (!options_->quiet) printWarnings();
   if (!fatalError_.empty()) console_->complain(fatalError_);
   console_->complain(summaryText());
+}
+
+void UpdateRun::printWarnings() {
+  for (const std::string& warning : targets_.warnings()) console_->complain(warning);
+  for (const std::string& warning : methodChanges_.warnings()) console_->complain(warning);
+  if (summary_.uncommitted > 0) {
+    console_->complain(
+        fmt::format("warning: --write would refuse {} of these, which git could not bring back; "
+                    "commit or stash first, or give --allow-dirty",
+                    summary_.uncommitted));
+  }
 }
 
 std::string UpdateRun::summaryText() const {

@@ -11,6 +11,7 @@
 #include "cli/Console.h"
 #include "cli/ExitCodes.h"
 #include "cli/FileNames.h"
+#include "cli/Git.h"
 #include "cli/MethodChanges.h"
 #include "cli/Options.h"
 #include "cli/Spool.h"
@@ -42,7 +43,9 @@ class UpdateRun {
   };
 
   void computeAll();
-  TargetOutcome work(const Target& target) const;
+  TargetOutcome work(const Target& target);
+  // Refuses to change what git could not bring back; in a dry run only notes that.
+  void checkUncommitted(ClassOutcome& outcome);
   // Both run in the order of the targets.
   void take(TargetOutcome& outcome);
   void takeClass(ClassOutcome& outcome);
@@ -51,16 +54,20 @@ class UpdateRun {
   void addFailure(const Failure& failure);
   void writeAll();
   void finish();
+  void printWarnings();
   std::string summaryText() const;
   ExitCodeType exitCode() const;
 
   const Options* options_;
   Console* console_;
   FileNames names_;
+  Git git_;
   Targets targets_;
   ClassUpdater updater_;
   std::unique_ptr<UpdateReport> report_;
 
+  // Whether it matters what is committed to git.
+  bool asksGit_ = false;
   Summary summary_;
   MethodChanges methodChanges_;
   // With superclasses, the classes that were shown.

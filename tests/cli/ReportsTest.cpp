@@ -22,7 +22,7 @@ TEST(Reports, HelpFitsTheScreen) {
     const auto result = space.soca(arguments);
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.err, "");
-    EXPECT_LE(std::ranges::count(result.out, '\n'), 24) << result.out;
+    EXPECT_LE(std::ranges::count(result.out, '\n'), 30) << result.out;
     EXPECT_NE(result.out.find("  soca " + (arguments.size() > 1 ? arguments[0] : "update")),
               std::string::npos);
     std::size_t length = 0;
