@@ -198,7 +198,7 @@ ClassOutcome ClassUpdater::makeOutcome(const PlannedClass& planned,
   outcome.changed = planned.result.updated &&
                     !areEqualTexts(planned.result.text, planned.analysis->sourceTextView());
   if (wishes_.text) outcome.text = to_string(planned.result.text);
-  outcome.findings = listener.findingsOf(planned);
+  outcome.findings = listener.findingsOf(planned, wishes_.places);
   if (wishes_.hints) outcome.hints = hintsOnMissingSuperClasses(outcome.className, *roots_);
   countEdits(planned, outcome);
   if (outcome.changed) checkNewText(planned, outcome);

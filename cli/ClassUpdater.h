@@ -25,6 +25,7 @@ struct UpdateWishes {
   bool newBytes = false;
   // The single replacements, and what tells which file they are for.
   bool edits = false;
+  FindingPlacesType places = FindingPlacesType::none;
 };
 
 // May be used by several threads at once.

@@ -1,40 +1,18 @@
 #include "cli/Findings.h"
 
+#include <algorithm>
 #include <variant>
 
-#include "cli/ClassMembers.h"
-#include "model/AnalyzerPositions.h"
+#include "cli/FindingPlaces.h"
 #include "platform/text/Conversions.h"
 
 namespace soca::cli {
 namespace {
 
-// The one-based lines on which the class declares its methods and properties.
-using LinesByName = std::unordered_map<fl::ustring_view, std::uint64_t>;
-
-std::uint64_t lineOfNode(const ca::AnalysisResult& analysis, const ca::astapi::Node& node) {
-  return makeExtentOfNode(analysis, node).start.line + 1;
-}
-
-LinesByName linesOfMembers(const ca::AnalysisResult& analysis) {
-  LinesByName lines;
-  for (const DeclaredMethod& method : declaredMethods(analysis)) {
-    lines.emplace(method.name, lineOfNode(analysis, *method.node->name));
-  }
-  for (const DeclaredProperty& property : declaredProperties(analysis)) {
-    lines.emplace(property.name, lineOfNode(analysis, *property.node));
-  }
-  return lines;
-}
-
-// The line of the member that the message is about, which is its first argument; 0 if there is
-// none.
-std::uint64_t lineOf(const resource_core::BaseMsgID& message, const LinesByName& lines) {
-  if (message.arguments.empty()) return 0;
-  const auto* name = std::get_if<fl::ustring>(&message.arguments.front());
-  if (name == nullptr) return 0;
-  const auto line = lines.find(*name);
-  return line == lines.end() ? 0 : line->second;
+std::string textOf(const std::variant<long, std::string, fl::ustring>& argument) {
+  if (const auto* text = std::get_if<fl::ustring>(&argument)) return fl::i18n::to_string(*text);
+  if (const auto* text = std::get_if<std::string>(&argument)) return *text;
+  return std::to_string(std::get<long>(argument));
 }
 
 }  // namespace
@@ -44,18 +22,21 @@ FindingsListener::FindingsListener()
         messages_.emplace(text, message);
       }) {}
 
-std::vector<Finding> FindingsListener::findingsOf(const PlannedClass& planned) const {
+std::vector<Finding> FindingsListener::findingsOf(const PlannedClass& planned,
+                                                  FindingPlacesType places) const {
   std::vector<Finding> findings;
-  if (planned.result.messages.empty()) return findings;
-  const LinesByName lines = linesOfMembers(*planned.analysis);
   for (const fl::ustring& text : planned.result.messages) {
     Finding& finding = findings.emplace_back();
     finding.text = fl::i18n::to_string(text);
     const auto heard = messages_.find(text);
     if (heard == messages_.end()) continue;
     finding.id = heard->second.id;
-    finding.line = lineOf(heard->second, lines);
+    std::ranges::transform(heard->second.arguments, std::back_inserter(finding.arguments), textOf);
   }
+  if (findings.empty() || places == FindingPlacesType::none) return findings;
+  const FindingPlaces finder(*planned.analysis);
+  finder.addMembers(findings);
+  if (places == FindingPlacesType::related) finder.addRelated(findings);
   return findings;
 }
 

@@ -12,14 +12,17 @@
 
 namespace soca::cli {
 
+// How much is found out about a message besides its text and id: nothing, the place of the member
+// that it is about, or also the places of what stands in the way.
+enum class FindingPlacesType { none, members, related };
+
 // Hears, while it lives, which messages this thread makes texts of.
 class FindingsListener {
  public:
   FindingsListener();
 
-  // The messages of the class, in their order. The line is that of the property or method that the
-  // message is about.
-  std::vector<Finding> findingsOf(const PlannedClass& planned) const;
+  // The messages of the class, in their order.
+  std::vector<Finding> findingsOf(const PlannedClass& planned, FindingPlacesType places) const;
 
  private:
   std::unordered_map<fl::ustring, resource_core::BaseMsgID> messages_;

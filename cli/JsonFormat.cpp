@@ -4,6 +4,8 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "platform/messages/MessageExplanations.h"
+
 namespace soca::cli {
 namespace {
 
@@ -18,6 +20,29 @@ Json editsOf(const ClassOutcome& outcome) {
   Json list = Json::array();
   for (const FileEdit& edit : outcome.edits.edits) {
     list.push_back({{"offset", edit.offset}, {"length", edit.length}, {"text", edit.text}});
+  }
+  return list;
+}
+
+Json placeOf(const LinePlace& place) {
+  return {{"line", place.line}, {"column", place.column}, {"endColumn", place.endColumn}};
+}
+
+Json findingsOf(const ClassOutcome& outcome) {
+  Json list = Json::array();
+  for (const Finding& finding : outcome.findings) {
+    Json json;
+    if (const auto* known = fl::i18n::findMessageExplanation(finding.id))
+      json["id"] = known->fullId;
+    json["message"] = finding.text;
+    if (finding.line != 0) json.update(placeOf(finding));
+    Json related = Json::array();
+    for (const RelatedPlace& place : finding.related) {
+      related.push_back(placeOf(place));
+      related.back()["message"] = place.text;
+    }
+    if (!related.empty()) json["related"] = std::move(related);
+    list.push_back(std::move(json));
   }
   return list;
 }
@@ -62,6 +87,7 @@ std::string JsonReport::dataOf(const ClassOutcome& outcome) const {
   if (outcome.bytes) {
     json["sha256"] = outcome.bytes->sha256;
     json["edits"] = editsOf(outcome);
+    json["findings"] = findingsOf(outcome);
   }
   addHint(outcome.hints, json);
   if (outcome.isRefused()) json["refused"] = outcome.refusal;

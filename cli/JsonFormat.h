@@ -7,13 +7,16 @@
 //                "diagnostics": [{"line": 3, "column": 5, "message": "..."}], "hint": "..."}],
 //    "skipped": [{"class": "a.D", "id": "...", "message": "...", "hint": "..."}]}
 //
-// With `--edits` a result has two more keys: the checksum of the file as it stands, and the single
-// replacements in it, in the order of the file. Offsets and lengths are bytes of that file.
+// With `--edits` a result has three more keys: the checksum of the file as it stands, the single
+// replacements in it, in the order of the file, and the messages with their places. Offsets and
+// lengths are bytes of that file; a finding whose place is not known has no line.
 //
-//    "sha256": "9f86...", "edits": [{"offset": 120, "length": 4, "text": "..."}]
+//    "sha256": "9f86...", "edits": [{"offset": 120, "length": 4, "text": "..."}],
+//    "findings": [{"id": "VELUM:system:Analyzer:LegacyImplReferenced", "message": "...", "line": 3,
+//                  "column": 5, "endColumn": 26, "related": [{"line": 9, ..., "message": "..."}]}]
 //
-// Lines and columns are one-based. `hint` is there when there is one; a result that is refused has
-// the reason under `refused`.
+// Lines and columns are one-based; columns count UTF-16 code units. `hint` is there when there is
+// one; a result that is refused has the reason under `refused`.
 #pragma once
 
 #include <string>

@@ -19,13 +19,28 @@ namespace soca::cli {
 
 // All texts are UTF-8.
 
-// One message of the service beside its edits.
-struct Finding {
+// A stretch of one line of the file as it stands. All are one-based, columns count UTF-16 code
+// units, and `endColumn` is the one behind it. A line of 0 is a place that is not known.
+struct LinePlace {
+  std::uint64_t line = 0;
+  std::uint64_t column = 0;
+  std::uint64_t endColumn = 0;
+};
+
+// Another place that belongs to a finding.
+struct RelatedPlace : LinePlace {
+  std::string text;
+};
+
+// One message of the service beside its edits, at the name of the member that it is about.
+struct Finding : LinePlace {
   // The short id; empty if it is not known.
   std::string id;
   std::string text;
-  // One-based; 0 if the place is not known.
-  std::uint64_t line = 0;
+  // What fills the placeholders of the text.
+  std::vector<std::string> arguments;
+  // In the order of the file.
+  std::vector<RelatedPlace> related;
 };
 
 // A class that could not be updated, or was passed over.

@@ -24,6 +24,8 @@ UpdateWishes wishesOf(const Options& options) {
   wishes.hints = !isText || !options.quiet;
   wishes.newBytes = options.write;
   wishes.edits = options.edits;
+  if (options.edits) wishes.places = FindingPlacesType::related;
+  if (isText && !options.quiet) wishes.places = FindingPlacesType::members;
   return wishes;
 }
 

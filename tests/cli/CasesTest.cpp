@@ -77,6 +77,34 @@ std::vector<std::string> with(std::vector<std::string> arguments, const char* op
   return arguments;
 }
 
+// What stands at the place of a finding, which is not to be larger than its line.
+std::string textAt(const nlohmann::json& place, std::string_view text) {
+  for (std::size_t line = place.at("line"); line > 1; --line)
+    text.remove_prefix(text.find('\n') + 1);
+  const std::size_t column = place.at("column");
+  const auto line = fl::i18n::to_ustring(text.substr(0, text.find('\n')));
+  return fl::i18n::to_string(
+      line.substr(column - 1, place.at("endColumn").get<std::size_t>() - column));
+}
+
+// Whether each finding stands at the member that its message names first, and what belongs to it at
+// something else that it names.
+void expectPlaces(const nlohmann::json& result, const std::string& bytes) {
+  for (const auto& finding : result.at("findings")) {
+    const std::string message = finding.at("message");
+    const std::size_t start = message.find('\'') + 1;
+    EXPECT_EQ(textAt(finding, bytes), message.substr(start, message.find('\'', start) - start));
+    EXPECT_TRUE(finding.contains("id")) << finding;
+    const bool hasReferences = message.find("refer") != std::string::npos;
+    EXPECT_TRUE(!hasReferences || finding.contains("related")) << finding;
+    for (const auto& place : finding.value("related", nlohmann::json::array())) {
+      std::string name = textAt(place, bytes);
+      if (name.starts_with("get.")) name.erase(0, 4);
+      EXPECT_NE(message.find('\'' + name + '\''), std::string::npos) << finding;
+    }
+  }
+}
+
 // The files with the single replacements of a dry run.
 std::map<std::string, std::string> editedFiles(const std::vector<std::string>& arguments,
                                                const Workspace& space) {
@@ -86,6 +114,7 @@ std::map<std::string, std::string> editedFiles(const std::vector<std::string>& a
   for (const auto& each : document.at("results")) {
     const auto name = fs::path(each.at("file")).lexically_relative(space.path());
     std::string& bytes = files.at(name.string());
+    expectPlaces(each, bytes);
     bytes = applyEdits(each, bytes);
   }
   return files;
