@@ -1,5 +1,6 @@
 #include "cli/Console.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -11,6 +12,7 @@
 namespace soca::cli {
 namespace {
 
+constexpr std::size_t usualWidth = 100;
 constexpr std::size_t bufferSize = std::size_t{1} << 16U;
 
 bool isSet(const char* variable) {
@@ -64,6 +66,16 @@ void Output::writeThrough(std::string_view text) {
 }
 
 bool Output::isTerminal() const { return ::isatty(descriptor_) == 1; }
+
+std::size_t Output::width() const {
+  winsize size = {};
+  return ::ioctl(descriptor_, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
+
+std::size_t Console::width() const {
+  const std::size_t width = err_.width();
+  return width == 0 ? usualWidth : width;
+}
 
 void Console::setColor(ColorType color) {
   colorsOut_ = wantsColor(color, out_);

@@ -21,6 +21,8 @@ class Output {
   // The number of the first error, 0 if all went well.
   int error() const { return error_; }
   bool isTerminal() const;
+  // Of the terminal, in columns; 0 if it is none, or won't tell.
+  std::size_t width() const;
 
  private:
   void writeThrough(std::string_view text);
@@ -41,6 +43,8 @@ class Console {
   // Decides about colours, for which the environment and the terminals are asked.
   void setColor(ColorType color);
   bool colorsOut() const { return colorsOut_; }
+  // For lines that are broken on standard error: of the terminal, or what reads well in a file.
+  std::size_t width() const;
 
   void print(std::string_view text) { out_.write(text); }
   // Everything printed so far goes out first.

@@ -2,16 +2,11 @@
 
 #include <fmt/core.h>
 
-#include <array>
-#include <string_view>
-
+#include "cli/FamilyNames.h"
 #include "cli/UnifiedDiff.h"
 
 namespace soca::cli {
 namespace {
-
-// In the order of RuleFamilyType.
-constexpr std::array<std::string_view, 3> familyNames = {"attributes", "mixins", "impl"};
 
 std::string hintLines(const std::vector<std::string>& hints) {
   std::string text;

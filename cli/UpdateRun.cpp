@@ -149,7 +149,7 @@ UpdateRun::Deferred UpdateRun::defer(const ClassOutcome& outcome, bool hasNewFil
 }
 
 void UpdateRun::addFailure(const Failure& failure) {
-  ++summary_.failed;
+  summary_.addFailure(failure);
   report_->addFailure(failure);
 }
 
@@ -194,6 +194,7 @@ void UpdateRun::finish() {
   if (!options_->quiet) printWarnings();
   if (!fatalError_.empty()) console_->complain(fatalError_);
   console_->complain(summaryText());
+  if (!options_->quiet) console_->printError(formatDetails(summary_, console_->width()));
 }
 
 void UpdateRun::printWarnings() {
