@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "cli/MessageText.h"
 #include "cli/Signals.h"
 
 namespace soca::cli {
@@ -88,9 +89,22 @@ void Console::printError(std::string_view text) {
   err_.flush();
 }
 
-void Console::complain(std::string_view what) {
-  std::string line = colorsErr_ ? "\x1b[1msoca:\x1b[m " : "soca: ";
-  line += what;
+void Console::printMessages(std::string_view lines) {
+  const std::string clean = withoutControls(lines);
+  printError(colorsErr_ ? colorMessages(clean) : clean);
+}
+
+void Console::complain(std::string_view what) { printLine(what, "\x1b[1;31m"); }
+
+void Console::tell(std::string_view what) { printLine(what, "\x1b[1m"); }
+
+void Console::printLine(std::string_view what, std::string_view color) {
+  std::string line;
+  if (colorsErr_) line += color;
+  line += "soca:";
+  if (colorsErr_) line += "\x1b[m";
+  line += ' ';
+  line += withoutControls(what);
   line += '\n';
   printError(line);
 }

@@ -40,7 +40,9 @@ class Console {
  public:
   Console(int outDescriptor, int errDescriptor) : out_(outDescriptor), err_(errDescriptor) {}
 
-  // Decides about colours, for which the environment and the terminals are asked.
+  // Decides about colours. Unless there are to be some always or never, the environment has a say,
+  // then the terminals: none with NO_COLOR, some with FORCE_COLOR, otherwise on a terminal that is
+  // not dumb. An empty variable counts as none.
   void setColor(ColorType color);
   bool colorsOut() const { return colorsOut_; }
   // For lines that are broken on standard error: of the terminal, or what reads well in a file.
@@ -49,13 +51,18 @@ class Console {
   void print(std::string_view text) { out_.write(text); }
   // Everything printed so far goes out first.
   void printError(std::string_view text);
-  // One line "soca: <what>".
+  // Lines of messages, which get colours and lose what a terminal would obey.
+  void printMessages(std::string_view lines);
+  // One line "soca: <what>", of something that went wrong, and of something else.
   void complain(std::string_view what);
+  void tell(std::string_view what);
 
   // Sends everything out. False, with a complaint, if some of the data could not be written.
   bool finish();
 
  private:
+  void printLine(std::string_view what, std::string_view color);
+
   Output out_;
   Output err_;
   bool colorsOut_ = false;

@@ -259,6 +259,22 @@ void checkEncoding(const std::vector<std::string>& arguments) {
 
 }  // namespace
 
+ColorType findColor(const std::vector<std::string>& arguments) {
+  constexpr std::string_view flag = "--color";
+  auto color = ColorType::automatic;
+  for (std::size_t i = 0; i < arguments.size() && arguments[i] != "--"; ++i) {
+    std::string_view word = arguments[i];
+    if (!word.starts_with(flag)) continue;
+    word.remove_prefix(flag.size());
+    if (word.empty() && i + 1 < arguments.size()) word = arguments[i + 1];
+    if (word.starts_with('=')) word.remove_prefix(1);
+    for (const OptionWord& row : optionRow(OptionType::color).words) {
+      if (row.text == word) color = static_cast<ColorType>(row.value);
+    }
+  }
+  return color;
+}
+
 Options parseOptions(const std::vector<std::string>& arguments) {
   checkEncoding(arguments);
   Options options;

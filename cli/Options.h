@@ -45,6 +45,9 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// The colours that the arguments ask for, also if there is something wrong with them.
+ColorType findColor(const std::vector<std::string>& arguments);
+
 // `arguments` are those behind the program's name. Throws UsageError.
 Options parseOptions(const std::vector<std::string>& arguments);
 

@@ -55,6 +55,7 @@ ExitCodeType runProgram(const std::vector<std::string>& arguments, Console& cons
   try {
     exitCode = runCommand(parseOptions(arguments), console);
   } catch (const UsageError& error) {
+    console.setColor(findColor(arguments));
     console.complain(error.what());
     const bool hasCommand = !arguments.empty() && findCommand(arguments.front()) != nullptr;
     console.printError(

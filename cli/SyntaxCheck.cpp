@@ -8,6 +8,7 @@
 #include <string>
 #include <utility>
 
+#include "cli/MessageText.h"
 #include "cli/NearestFile.h"
 #include "cli/NearestName.h"
 #include "cli/OrderedWorkers.h"
@@ -47,7 +48,7 @@ ExitCodeType runSyntaxCheck(const Options& options, Console& console) {
     return options.arguments[index++];
   };
   const auto consume = [&](const CheckedFile& file) {
-    console.print(file.report);
+    console.print(console.colorsOut() ? colorMessages(file.report) : file.report);
     if (!file.failure.empty()) console.complain(file.failure);
     if (!file.report.empty() || !file.failure.empty()) exitCode = ExitCodeType::failed;
     return !wasInterrupted();

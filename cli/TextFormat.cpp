@@ -56,7 +56,7 @@ void TextReport::printNotes(const ClassOutcome& outcome) {
   if (options_->verbose && !outcome.writeRefusal.empty()) {
     text += fmt::format("{}: note: --write would refuse it: {}\n", file, outcome.writeRefusal);
   }
-  if (!text.empty()) console_->printError(text);
+  if (!text.empty()) console_->printMessages(text);
   if (outcome.isRefused()) {
     console_->complain(fmt::format("the update of class '{}' in '{}' is refused: {}",
                                    outcome.className, file, outcome.refusal));
@@ -65,8 +65,8 @@ void TextReport::printNotes(const ClassOutcome& outcome) {
 
 void TextReport::addSkipped(const Failure& failure) {
   if (!options_->verbose) return;
-  console_->complain(fmt::format("skipped: {}", failure.message));
-  console_->printError(hintLines(failure.hints));
+  console_->tell(fmt::format("skipped: {}", failure.message));
+  console_->printMessages(hintLines(failure.hints));
 }
 
 void TextReport::printFailure(Console& console, const Failure& failure) {
@@ -78,7 +78,7 @@ void TextReport::printFailure(Console& console, const Failure& failure) {
     text += fmt::format("  in the update of class '{}'\n", failure.className);
   }
   text += hintLines(failure.hints);
-  if (!text.empty()) console.printError(text);
+  if (!text.empty()) console.printMessages(text);
 }
 
 }  // namespace soca::cli

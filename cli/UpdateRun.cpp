@@ -193,15 +193,15 @@ void UpdateRun::finish() {
   report_->finish();
   if (!options_->quiet) printWarnings();
   if (!fatalError_.empty()) console_->complain(fatalError_);
-  console_->complain(summaryText());
+  console_->tell(summaryText());
   if (!options_->quiet) console_->printError(formatDetails(summary_, console_->width()));
 }
 
 void UpdateRun::printWarnings() {
-  for (const std::string& warning : targets_.warnings()) console_->complain(warning);
-  for (const std::string& warning : methodChanges_.warnings()) console_->complain(warning);
+  for (const std::string& warning : targets_.warnings()) console_->tell(warning);
+  for (const std::string& warning : methodChanges_.warnings()) console_->tell(warning);
   if (summary_.uncommitted > 0) {
-    console_->complain(
+    console_->tell(
         fmt::format("warning: --write would refuse {} of these, which git could not bring back; "
                     "commit or stash first, or give --allow-dirty",
                     summary_.uncommitted));

@@ -6,6 +6,7 @@
 
 #include "cli/FileNames.h"
 #include "cli/LineDiff.h"
+#include "cli/MessageText.h"
 #include "cli/UnifiedDiff.h"
 #include "tests/cli/ProgramRunner.h"
 
@@ -57,6 +58,14 @@ TEST(UnifiedDiff, ColorsLeaveTheTextAlone) {
   EXPECT_EQ(colorDiff("--- a/f\n+++ b/f\n@@ -1 +1 @@\n--- x\n+y\n z\n"),
             "\x1b[1m--- a/f\x1b[m\n\x1b[1m+++ b/f\x1b[m\n\x1b[36m@@ -1 +1 @@\x1b[m\n"
             "\x1b[31m--- x\x1b[m\n\x1b[32m+y\x1b[m\n z\n");
+}
+
+TEST(Messages, ColorsAreForTheFirstWordThatTellsHowGraveItIs) {
+  EXPECT_EQ(colorMessages("a.vlm:1:2: error: a: warning: b\n    1 | \tx ^\n      | \t  ^\n"
+                          "b.vlm: note: c\n  hint: d\nhint: error\n"),
+            "a.vlm:1:2: \x1b[1;31merror:\x1b[m a: warning: b\n    1 | \tx ^\n"
+            "      | \t  \x1b[1;32m^\x1b[m\n"
+            "b.vlm: \x1b[36mnote:\x1b[m c\n  \x1b[36mhint:\x1b[m d\nhint: error\n");
 }
 
 // A text of lines out of a small set, and the same with some stretches changed.

@@ -176,14 +176,43 @@ TEST(Update, AnyNumberOfJobsGivesTheSameBytes) {
 TEST(Update, ColorsAreForTerminalsAndThoseWhoAsk) {
   const Workspace space;
   space.write("A.vlm", outdatedClass("A"));
-  const auto hasColor = [&](std::vector<std::string> command) {
-    return space.run(std::move(command)).out.find("\x1b[31m-classdef") != std::string::npos;
+  space.write("B.vlm", "classdef B < velum.System\n  properties\n    X = (1;\n  end\nend\n");
+  struct Case {
+    std::vector<std::string> environment;
+    std::vector<std::string> options;
+    bool hasColor;
   };
-  EXPECT_FALSE(hasColor({SOCA_PROGRAM, "update"}));
-  EXPECT_TRUE(hasColor({SOCA_PROGRAM, "update", "--color", "always"}));
-  EXPECT_TRUE(hasColor({"env", "FORCE_COLOR=1", SOCA_PROGRAM, "update"}));
-  EXPECT_FALSE(hasColor({"env", "FORCE_COLOR=1", "NO_COLOR=1", SOCA_PROGRAM, "update"}));
-  EXPECT_FALSE(hasColor({"env", "FORCE_COLOR=1", SOCA_PROGRAM, "update", "--color=never"}));
+  const std::vector<Case> table = {
+      {{}, {}, false},
+      {{}, {"--color=never", "--color", "always"}, true},
+      {{"FORCE_COLOR=1", "TERM=dumb"}, {}, true},
+      {{"FORCE_COLOR=1", "NO_COLOR="}, {}, true},
+      {{"FORCE_COLOR=1", "NO_COLOR=0"}, {}, false},
+      {{"FORCE_COLOR=0"}, {}, false},
+      {{"FORCE_COLOR="}, {}, false},
+      {{"NO_COLOR=1"}, {"--color=always"}, true},
+      {{"FORCE_COLOR=1"}, {"--color=never"}, false},
+  };
+  for (const auto& [environment, options, hasColor] : table) {
+    std::vector<std::string> command = {"env", "-u", "NO_COLOR", "-u", "FORCE_COLOR"};
+    command.insert(command.end(), environment.begin(), environment.end());
+    command.insert(command.end(), {SOCA_PROGRAM, "update"});
+    command.insert(command.end(), options.begin(), options.end());
+    const auto result = space.run(command);
+    EXPECT_EQ(result.out.find("\x1b[31m-classdef") != std::string::npos, hasColor) << command[5];
+    EXPECT_EQ(result.err.find("\x1b[1;31msoca:\x1b[m VELUM") != std::string::npos, hasColor);
+    EXPECT_EQ(result.err.find("B.vlm:3:11: \x1b[1;31merror:") != std::string::npos, hasColor);
+    // Also for a command line that can't be read.
+    command.emplace_back("--frob");
+    const bool complainsInColor = space.run(command).err.starts_with("\x1b[1;31msoca:\x1b[m '");
+    EXPECT_EQ(complainsInColor, hasColor) << command[5];
+  }
+}
+
+TEST(Update, TerminalsObeyNoName) {
+  const auto result = Workspace().soca({"update", "A\x1b[31m\x7f\xc2\x9b!"});
+  EXPECT_NE(result.err.find("'A\ufffd[31m\ufffd\ufffd!'"), std::string::npos) << result.err;
+  EXPECT_EQ(result.err.find('\x1b'), std::string::npos);
 }
 
 }  // namespace
