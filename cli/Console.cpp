@@ -1,5 +1,6 @@
 #include "cli/Console.h"
 
+#include <fmt/core.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -99,13 +100,11 @@ void Console::complain(std::string_view what) { printLine(what, "\x1b[1;31m"); }
 void Console::tell(std::string_view what) { printLine(what, "\x1b[1m"); }
 
 void Console::printLine(std::string_view what, std::string_view color) {
-  std::string line;
-  if (colorsErr_) line += color;
-  line += "soca:";
-  if (colorsErr_) line += "\x1b[m";
-  line += ' ';
-  line += withoutControls(what);
-  line += '\n';
+  constexpr std::string_view program = "soca:";
+  std::string line = fmt::format("{} {}\n", program, withoutControls(what));
+  if (colorsErr_) {
+    line = fmt::format("{}{}\x1b[m{}", color, program, colorMessages(line).substr(program.size()));
+  }
   printError(line);
 }
 

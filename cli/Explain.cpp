@@ -7,6 +7,7 @@
 
 #include "cli/NearestName.h"
 #include "cli/Options.h"
+#include "cli/TextLayout.h"
 #include "platform/messages/MessageExplanations.h"
 
 namespace soca::cli {
@@ -15,28 +16,6 @@ namespace {
 using fl::i18n::MessageExplanation;
 using fl::i18n::MessageKindType;
 using fl::i18n::RuleExplanation;
-
-constexpr std::size_t lineWidth = 80;
-
-// The text in lines of words, each behind `indent`.
-std::string wrap(std::string_view text, std::string_view indent) {
-  std::string result;
-  std::string line(indent);
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find(' '), text.size());
-    const std::string_view word = text.substr(0, end);
-    text.remove_prefix(std::min(end + 1, text.size()));
-    const bool isFirst = line.size() == indent.size();
-    if (!isFirst && line.size() + 1 + word.size() > lineWidth) {
-      result += line + '\n';
-      line = indent;
-    } else if (!isFirst) {
-      line += ' ';
-    }
-    line += word;
-  }
-  return result + line + '\n';
-}
 
 std::string paragraph(std::string_view title, std::string_view text) {
   if (text.empty()) return {};

@@ -2,52 +2,65 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
+
 #include "cli/OptionTable.h"
+#include "cli/TextLayout.h"
 
 namespace soca::cli {
 namespace {
 
-constexpr std::string_view exitCodes =
-    "Exit codes: 0 done; 1 --check found something to change; 2 a class failed or was refused,\n"
-    "or the command line was wrong; 130 and 143 interrupted.\n";
+// "Exit codes: 0 done; 130 interrupted." with the codes for which `isWanted` is true.
+template <class Predicate>
+std::string exitCodeLines(const Predicate& isWanted) {
+  std::string text = "Exit codes:";
+  for (const ExitCodeRow& row : exitCodeRows()) {
+    if (isWanted(row)) text += fmt::format(" {} {};", static_cast<int>(row.code), row.text);
+  }
+  text.back() = '.';
+  return wrap(text, "");
+}
 
 std::string programHelp() {
   std::string text =
-      "Updates System object classes to the current form of the language.\n\nUsage:\n";
+      "Updates System object classes to the current form of the language.\n\n"
+      "Usage: soca COMMAND [options] [arguments]\n\n";
   for (const CommandRow& row : commandRows()) {
-    text += fmt::format("  soca {:<8} {:<31} {}\n", row.name,
-                        fmt::format("[options] {}", row.arguments), row.summary);
+    text += fmt::format("  {:<8} {}\n", row.name, row.summary);
   }
   text += "\nExamples:\n";
   for (const CommandRow& row : commandRows()) text += fmt::format("  {}\n", row.example);
-  text += "\n'soca COMMAND --help' tells the options of a command, 'soca --version' the version.\n";
-  text += exitCodes;
-  return text;
+  text += "\n'soca COMMAND --help' tells a command's options, 'soca --version' the version.\n";
+  return text + exitCodeLines([](const ExitCodeRow&) { return true; });
 }
 
 // `-p, --path DIR`, with room for a short form where there is none.
 std::string optionUsage(const OptionRow& row) {
-  std::string flags(row.flags);
-  const std::size_t comma = flags.find(',');
-  if (comma != std::string::npos) {
-    flags.insert(comma + 1, " ");
-  } else {
-    flags.insert(0, "    ");
-  }
+  const auto names = namesOf(row);
+  std::string flags = names.size() > 1 ? fmt::format("{}, {}", names[0], names[1])
+                                       : fmt::format("    {}", names[0]);
   return row.value.empty() ? flags : fmt::format("{} {}", flags, row.value);
 }
 
-std::string commandHelp(const CommandRow& command) {
-  std::string text =
-      fmt::format("Usage: soca {} [options] {}\n\n", command.name, command.arguments);
-  text += fmt::format("To {}.\n\nOptions:\n", command.summary);
+std::string optionLines(const CommandRow& command) {
+  std::size_t width = 0;
   for (const OptionRow& row : optionRows()) {
-    if ((row.commands & bitOf(command.type)) == 0) continue;
-    text += fmt::format("  {:<23} {}\n", optionUsage(row), row.text);
+    if (isFor(command.type, row)) width = std::max(width, optionUsage(row).size());
   }
-  text += fmt::format("\nExample:\n  {}\n", command.example);
-  if (command.type == CommandType::update) text += fmt::format("\n{}", exitCodes);
+  std::string text;
+  for (const OptionRow& row : optionRows()) {
+    if (!isFor(command.type, row)) continue;
+    text += wrap(row.text, std::string(width + 4, ' '),
+                 fmt::format("  {:<{}}  ", optionUsage(row), width));
+  }
   return text;
+}
+
+std::string commandHelp(const CommandRow& command) {
+  return fmt::format(
+      "Usage: soca {} [options] {}\nTo {}.\n\n{}\nExample: {}\n{}", command.name, command.arguments,
+      command.summary, optionLines(command), command.example,
+      exitCodeLines([&](const ExitCodeRow& row) { return isFor(command.type, row); }));
 }
 
 }  // namespace
@@ -55,7 +68,5 @@ std::string commandHelp(const CommandRow& command) {
 std::string helpText(CommandType subject) {
   return subject == CommandType::help ? programHelp() : commandHelp(commandRow(subject));
 }
-
-std::string versionText() { return "soca " SOCA_VERSION "\n"; }
 
 }  // namespace soca::cli

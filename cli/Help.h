@@ -1,4 +1,4 @@
-// What `--help` and `--version` print.
+// What `--help` prints.
 #pragma once
 
 #include <string>
@@ -9,7 +9,5 @@ namespace soca::cli {
 
 // Help on a command, or with CommandType::help on the program as a whole.
 std::string helpText(CommandType subject);
-
-std::string versionText();
 
 }  // namespace soca::cli

@@ -34,21 +34,21 @@ constexpr auto formatWords =
 
 constexpr auto options = std::to_array<OptionRow>({
     {OptionType::path, "-p,--path", "DIR", forClasses,
-     "a root of the class path; may be repeated (default: this folder)"},
+     "a root of the class path, may be repeated (default: .)"},
     {OptionType::rules, "-r,--rules", "LIST", forUpdate,
      "some of attributes,mixins,impl (default: all)", ruleWords},
     {OptionType::superclasses, "-s,--superclasses", "", forUpdate | bitOf(CommandType::actions),
      "take the superclasses along"},
     {OptionType::write, "--write", "", forUpdate, "change the files"},
     {OptionType::check, "--check", "", forUpdate,
-     "print the names of what would change; exit with 1 if there are any"},
+     "print the names of what would change, and exit with 1"},
     {OptionType::allowDirty, "--allow-dirty", "", forUpdate,
-     "with --write, change files with uncommitted changes too"},
+     "write files with uncommitted changes too"},
     {OptionType::noIgnore, "--no-ignore", "", forUpdate,
-     "walk what git ignores, hidden folders and links to folders too"},
+     "walk ignored, hidden and linked folders too"},
     {OptionType::format, "--format", "FORMAT", forUpdate, "text (default) or json", formatWords},
     {OptionType::edits, "--edits", "", forUpdate,
-     "with --format json: the single replacements, in bytes of each file"},
+     "with --format json: the single replacements too"},
     {OptionType::classTable, "--class-table", "FILE", forClasses,
      "a JSON file with what source can't tell of classes"},
     {OptionType::jobs, "-j,--jobs", "N", forAll, "threads (default: one for each processor)"},
@@ -56,6 +56,15 @@ constexpr auto options = std::to_array<OptionRow>({
     {OptionType::verbose, "-v,--verbose", "", forAll, "say more of each class"},
     {OptionType::color, "--color", "WHEN", forAll, "auto (default), always or never", colorWords},
     {OptionType::help, "-h,--help", "", forAll, "print this and end"},
+});
+
+constexpr auto exitCodes = std::to_array<ExitCodeRow>({
+    {ExitCodeType::done, forAll, "done"},
+    {ExitCodeType::somethingToChange, forUpdate, "--check found something to change"},
+    {ExitCodeType::failed, forAll,
+     "something failed or was refused, or the command line was wrong"},
+    {ExitCodeType::interrupted, forAll, "interrupted"},
+    {ExitCodeType::terminated, forAll, "terminated"},
 });
 
 }  // namespace
@@ -68,6 +77,7 @@ std::vector<std::string_view> namesOf(const OptionRow& row) {
 
 std::span<const CommandRow> commandRows() { return commands; }
 std::span<const OptionRow> optionRows() { return options; }
+std::span<const ExitCodeRow> exitCodeRows() { return exitCodes; }
 
 const CommandRow* findCommand(std::string_view name) {
   const auto* row = std::ranges::find(commands, name, &CommandRow::name);

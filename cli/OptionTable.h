@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/ExitCodes.h"
 #include "cli/Options.h"
 
 namespace soca::cli {
@@ -62,9 +63,18 @@ struct OptionRow {
   std::span<const OptionWord> words = {};
 };
 
+struct ExitCodeRow {
+  ExitCodeType code;
+  // As in OptionRow.
+  unsigned commands;
+  std::string_view text;
+};
+
 constexpr unsigned bitOf(CommandType command) { return 1U << static_cast<unsigned>(command); }
 
-constexpr bool hasOption(CommandType command, const OptionRow& row) {
+// Whether the row is one for the command.
+template <class Row>
+constexpr bool isFor(CommandType command, const Row& row) {
   return (row.commands & bitOf(command)) != 0;
 }
 
@@ -74,6 +84,7 @@ std::vector<std::string_view> namesOf(const OptionRow& row);
 // In the order of the help.
 std::span<const CommandRow> commandRows();
 std::span<const OptionRow> optionRows();
+std::span<const ExitCodeRow> exitCodeRows();
 
 // The row of the command; null for a name that is none.
 const CommandRow* findCommand(std::string_view name);

@@ -185,10 +185,10 @@ UsageError unknownOption(const CommandRow& command, std::string_view given) {
   std::vector<std::string_view> owners;
   for (const OptionRow& row : optionRows()) {
     const auto rowNames = namesOf(row);
-    if (hasOption(command.type, row)) names.insert(names.end(), rowNames.begin(), rowNames.end());
+    if (isFor(command.type, row)) names.insert(names.end(), rowNames.begin(), rowNames.end());
     if (std::ranges::find(rowNames, name) == rowNames.end()) continue;
     for (const CommandRow& owner : commandRows()) {
-      if (hasOption(owner.type, row)) owners.push_back(owner.name);
+      if (isFor(owner.type, row)) owners.push_back(owner.name);
     }
   }
   if (!owners.empty()) {
@@ -220,7 +220,7 @@ void parseCommandLine(const CommandRow& command, const std::vector<std::string>&
   app.allow_extras();
   RawOptions raw;
   for (const OptionRow& row : optionRows()) {
-    if (!hasOption(command.type, row)) continue;
+    if (!isFor(command.type, row)) continue;
     addOption(app, row, options, raw);
     // A switch is given or not.
     if (row.value.empty()) {

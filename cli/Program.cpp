@@ -14,6 +14,7 @@
 #include "cli/Signals.h"
 #include "cli/SyntaxCheck.h"
 #include "cli/UpdateRun.h"
+#include "cli/Version.h"
 
 namespace soca::cli {
 namespace {
