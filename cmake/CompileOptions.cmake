@@ -13,3 +13,9 @@ if(SOCA_SANITIZE)
   add_compile_options(-fsanitize=${SOCA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${SOCA_SANITIZE})
 endif()
+
+if(SOCA_BUILD_FUZZERS)
+  # The fuzzers see which code an input reaches.
+  add_compile_options(-fsanitize=fuzzer-no-link)
+  add_link_options(-fsanitize=fuzzer-no-link)
+endif()

@@ -2,6 +2,8 @@
 // Also the making of nodes. Only for the parser's own sources.
 #pragma once
 
+#include <algorithm>
+
 #include "platform/analyzer/Analyzer.h"
 #include "platform/analyzer/Parser.h"
 
@@ -121,7 +123,8 @@ T* Parser::makeNode(NodeKind kind, std::uint32_t position) {
 
 template <class T>
 T* Parser::finish(T* node) const {
-  node->lastPosition = lastEnd_ - 1;
+  // Where a syntax error left nothing of the node, the last token lies in front of it.
+  node->lastPosition = std::max(lastEnd_, node->position) - 1;
   return node;
 }
 

@@ -1,0 +1,35 @@
+// What holds of the analysis of any text.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "platform/analyzer/AnalysisResult.h"
+#include "platform/text/UString.h"
+
+namespace soca::fuzz {
+
+// Throws a Violation unless all of this holds:
+// - the root's text is the analysed text, and every position becomes the line and column that
+//   counting gives;
+// - every node lies in the text, and without syntax errors within its parent and apart from its
+//   siblings;
+// - the walk reaches each identifier once, and an identifier's texts are what stands at its place;
+// - diagnostics stand in the text, in its order.
+void checkAnalysis(const ca::AnalysisResult& analysis, fl::ustring_view text);
+
+// The analysis of the text, checked; null for one that is nested too deeply.
+std::shared_ptr<ca::AnalysisResult> analyzeChecked(const fl::ustring& text);
+
+// A stretch of a text, in UTF-16 code units.
+struct Stretch {
+  std::size_t position = 0;
+  std::size_t length = 0;
+
+  friend auto operator<=>(const Stretch&, const Stretch&) = default;
+};
+
+// The identifiers that the walk meets, in the order of the text.
+std::vector<Stretch> identifiersOf(const ca::AnalysisResult& analysis);
+
+}  // namespace soca::fuzz

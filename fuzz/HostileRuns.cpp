@@ -1,0 +1,147 @@
+// Runs the program on hostile inputs and measures it:
+//   hostile_inputs --program SOCA [--bytes N] [--only NAME] [--seconds S] [--mebibytes M]
+// One line an input: time, memory, exit code. The exit code is 1 if a run took more than the
+// bounds, was killed, or printed nothing although it failed.
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "fuzz/HostileInputs.h"
+
+namespace soca::fuzz {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Options {
+  std::string program;
+  std::string only;
+  std::size_t bytes = 10'000'000;
+  double seconds = 10;
+  double mebibytes = 1024;
+};
+
+// A folder of its own, gone with the object.
+class Folder {
+ public:
+  Folder() {
+    std::string name = (fs::temp_directory_path() / "soca-hostile-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no folder for the input");
+    path_ = name;
+    fs::create_directory(path_ / "in");
+  }
+  ~Folder() {
+    std::error_code ignored;
+    fs::remove_all(path_, ignored);
+  }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+
+  fs::path input() const { return path_ / "in"; }
+  fs::path output() const { return path_ / "out"; }
+
+ private:
+  fs::path path_;
+};
+
+struct Measured {
+  // What the process ended with; 128 and the number of the signal that killed it.
+  int exitCode = 0;
+  double seconds = 0;
+  double mebibytes = 0;
+  bool isSilent = false;
+};
+
+// The program's process: in the folder, with both outputs in one file, killed when it takes
+// `seconds` of processor time.
+[[noreturn]] void becomeProgram(const Options& options, const HostileInput& input,
+                                const Folder& folder) {
+  const int out = open(folder.output().c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  const auto limit = static_cast<rlim_t>(6 * options.seconds);
+  const rlimit time = {limit, limit};
+  std::vector<std::string> arguments = input.arguments;
+  std::vector<char*> pointers = {const_cast<char*>(options.program.c_str())};
+  for (std::string& argument : arguments) pointers.push_back(argument.data());
+  pointers.push_back(nullptr);
+  const bool isReady = out >= 0 && dup2(out, STDOUT_FILENO) >= 0 && dup2(out, STDERR_FILENO) >= 0 &&
+                       chdir(folder.input().c_str()) == 0 && setrlimit(RLIMIT_CPU, &time) == 0;
+  if (isReady) execv(options.program.c_str(), pointers.data());
+  _exit(127);
+}
+
+Measured measure(const Options& options, const HostileInput& input, const Folder& folder) {
+  const auto start = std::chrono::steady_clock::now();
+  const pid_t child = fork();
+  if (child < 0) throw std::runtime_error("no process for the program");
+  if (child == 0) becomeProgram(options, input, folder);
+  int status = 0;
+  rusage usage = {};
+  if (wait4(child, &status, 0, &usage) != child) throw std::runtime_error("the process is lost");
+  const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+  const auto cpuTime = [](const timeval& value) {
+    return static_cast<double>(value.tv_sec) + static_cast<double>(value.tv_usec) * 1e-6;
+  };
+  Measured measured;
+  measured.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  // What other processes take from this one does not count.
+  measured.seconds = std::min(time.count(), cpuTime(usage.ru_utime) + cpuTime(usage.ru_stime));
+  measured.mebibytes = static_cast<double>(usage.ru_maxrss) / 1024;
+  measured.isSilent = fs::file_size(folder.output()) == 0;
+  return measured;
+}
+
+// What is wrong with the run; nothing if all is well.
+std::string faultOf(const Options& options, const Measured& measured) {
+  if (measured.exitCode > 2) return "ended badly";
+  if (measured.isSilent && measured.exitCode != 0) return "failed without a word";
+  if (measured.seconds > options.seconds) return "took too long";
+  if (measured.mebibytes > options.mebibytes) return "took too much memory";
+  return "";
+}
+
+bool run(const Options& options, const HostileInput& input) {
+  const Folder folder;
+  input.make(folder.input(), std::min(options.bytes, input.promisedBytes));
+  const Measured measured = measure(options, input, folder);
+  const std::string fault = faultOf(options, measured);
+  fmt::print("{:<40} {:7.2f} s {:7.0f} MiB  exit {}{}{}\n", input.name, measured.seconds,
+             measured.mebibytes, measured.exitCode, fault.empty() ? "" : "  ", fault);
+  std::fflush(stdout);
+  return fault.empty();
+}
+
+}  // namespace
+}  // namespace soca::fuzz
+
+int main(int argc, char** argv) try {
+  soca::fuzz::Options options;
+  CLI::App app{"Runs the program on hostile inputs and measures it"};
+  app.add_option("--program", options.program, "The program")->required();
+  app.add_option("--only", options.only, "The inputs with this in their names alone");
+  app.add_option("--bytes", options.bytes, "The size of each input");
+  app.add_option("--seconds", options.seconds, "The bound on time");
+  app.add_option("--mebibytes", options.mebibytes, "The bound on memory");
+  CLI11_PARSE(app, argc, argv);
+  options.program = std::filesystem::absolute(options.program).string();
+  int faults = 0;
+  for (const auto& input : soca::fuzz::hostileInputs()) {
+    if (input.name.find(options.only) == std::string::npos) continue;
+    if (!soca::fuzz::run(options, input)) ++faults;
+  }
+  fmt::print("{} of these inputs broke a bound\n", faults);
+  return faults == 0 ? 0 : 1;
+} catch (const std::exception& error) {
+  fmt::print(stderr, "hostile_inputs: {}\n", error.what());
+  return 1;
+}

@@ -1,0 +1,289 @@
+#include "fuzz/RandomClass.h"
+
+#include <fmt/format.h>
+
+#include <array>
+
+#include "fuzz/RandomCode.h"
+#include "platform/text/Conversions.h"
+
+namespace soca::fuzz {
+namespace {
+
+using Choices = std::initializer_list<fl::ustring_view>;
+
+struct ImplShape {
+  fl::ustring_view name;
+  std::size_t inputs;
+  std::size_t outputs;
+};
+constexpr std::array<ImplShape, 13> implMethods = {{
+    {u"isInputSizeLockedImpl", 2, 1},
+    {u"isInputSizeLockedImpl", 2, 1},
+    {u"isInputSizeMutableImpl", 2, 1},
+    {u"isInputComplexityLockedImpl", 2, 1},
+    {u"isInputComplexityMutableImpl", 2, 1},
+    {u"processInputSizeChangeImpl", 2, 0},
+    {u"processInputSpecificationChangeImpl", 2, 0},
+    {u"isOutputComplexityLockedImpl", 2, 1},
+    {u"isOutputSizeLockedImpl", 2, 1},
+    {u"isInputDataTypeMutableImpl", 2, 1},
+    {u"isDiscreteStateSpecificationMutableImpl", 1, 1},
+    {u"isTunablePropertyDataTypeMutableImpl", 1, 1},
+    {u"stepImpl", 2, 1},
+}};
+
+constexpr std::array<fl::ustring_view, 9> propertyNames = {
+    u"Mode",      u"Rate",        u"Modes",      u"Count", u"L1",
+    u"\u00C9tat", u"\U0001D49Cx", u"properties", u"ab_c"};
+
+class ClassMaker {
+ public:
+  ClassMaker(bench::Dice* dice, fl::ustring name, const std::vector<fl::ustring>& others)
+      : out_(dice), code_(&out_), name_(std::move(name)), others_(others) {}
+
+  RandomClass make() {
+    // What stands in front of the class line is no more than blank lines and comments.
+    if (out_.once(6)) out_.lineEnd();
+    writeHeader();
+    const std::size_t blocks = 1 + out_.dice().roll(6);
+    for (std::size_t number = 0; number < blocks; ++number) writeBlock();
+    out_.put(u"end");
+    if (out_.once(6)) writeFunctions();
+    out_.lastLines();
+    return {{"", out_.text()}, out_.identifiers()};
+  }
+
+ private:
+  void writeHeader() {
+    out_.put(u"classdef");
+    out_.space();
+    if (out_.once(3)) {
+      code_.attributes({u"StrictDefaults", u"StrictDefaults", u"Sealed", u"Abstract"});
+      out_.gap();
+    }
+    out_.identifier(name_);
+    if (!out_.once(20)) writeSuperClasses();
+    out_.lineEnd();
+  }
+
+  void writeSuperClasses() {
+    out_.gap();
+    out_.put(u"<");
+    out_.gap();
+    const std::size_t count = 1 + out_.dice().roll(out_.once(4) ? 5 : 2);
+    for (std::size_t number = 0; number < count; ++number) {
+      if (number > 0) {
+        out_.gap();
+        out_.put(u"&");
+        out_.gap();
+      }
+      writeSuperClass();
+    }
+  }
+
+  void writeSuperClass() {
+    if (!others_.empty() && out_.once(4)) {
+      return out_.identifier(others_[out_.dice().roll(others_.size())]);
+    }
+    out_.identifier(out_.pick(
+        {u"velum.System", u"velum.System", u"velum.System", u"velum.System", u"velum.System",
+         u"velum.System", u"velum.system.coder.System", u"velum.system.mixin.Propagates",
+         u"velum.system.mixin.SampleTime", u"velum.system.mixin.CustomIcon",
+         u"velum.system.mixin.internal.CustomIcon", u"velum.system.mixin.FiniteSource", u"handle",
+         u"no.such.Class", u"very.long.name.of.a.package.WithALongClassNameAtItsEnd12345"}));
+  }
+
+  void writeBlock() {
+    out_.indent();
+    const std::size_t choice = out_.dice().roll(12);
+    if (choice < 7) {
+      writeProperties();
+    } else if (choice < 11) {
+      writeMethods();
+    } else {
+      writeNames();
+    }
+    out_.indent();
+    out_.put(u"end");
+    out_.once(20) ? out_.put(out_.pick({u";", u",", u" , "})) : out_.lineEnd();
+  }
+
+  void writeProperties() {
+    out_.put(u"properties");
+    if (!out_.once(4)) {
+      out_.gap();
+      code_.attributes({u"Logical", u"PositiveInteger", u"Logical", u"PositiveInteger", u"Hidden",
+                        u"Nontunable", u"Constant", u"Abstract", u"Dependent", u"Transient",
+                        u"logical", u"Description", u"Access", u"GetAccess", u"SetAccess"});
+    }
+    out_.lineEnd();
+    // A block that the attribute rules take needs default values throughout.
+    hasDefaults_ = !out_.once(3);
+    const std::size_t count = out_.dice().roll(5);
+    for (std::size_t number = 0; number < count; ++number) {
+      out_.indent();
+      writeProperty();
+      out_.separator();
+    }
+  }
+
+  void writeProperty() {
+    fl::ustring name(out_.dice().pick(propertyNames));
+    const bool isCompanion = out_.once(3);
+    if (isCompanion) name += u"Set";
+    out_.identifier(name);
+    if (out_.once(6)) code_.size();
+    if (out_.once(6)) {
+      out_.space();
+      out_.identifier(out_.pick({u"double", u"logical", u"char", u"pkg.Type"}));
+    }
+    if (out_.once(6)) code_.validators(name);
+    if (!isCompanion && !hasDefaults_ && out_.once(2)) return;
+    out_.gap();
+    out_.put(u"=");
+    out_.gap();
+    if (isCompanion && !out_.once(10)) return writeSet();
+    out_.once(2) ? out_.put(out_.pick({u"1", u"'a'", u"\"b\""})) : code_.expression(1);
+  }
+
+  void writeSet() {
+    const fl::ustring_view name =
+        out_.once(6) ? out_.pick({u"velum.system.StringSetGF", u"velum.system.DataTypeSet",
+                                  u"velum.system.internal.StringSet", u"pkg.StringSet"})
+                     : u"velum.system.StringSet";
+    out_.dottedIdentifiers(name);
+    out_.put(u"(");
+    const SourceWriter::ListScope scope(&out_, false);
+    const std::size_t choice = out_.dice().roll(10);
+    if (choice == 0) code_.arguments(2);
+    if (choice == 1) out_.put(out_.pick({u"\"b\"", u"\"say \"\"x\"\"\""}));
+    if (choice == 2) code_.list(/*isCell=*/true, 2);
+    if (choice > 3) {
+      out_.put(out_.pick({u"{'a', 'b'}", u"{'a';'b'}", u"{'a', ...\n 'b'}", u"{'a' % one\n'b'}",
+                          u"[\"b\", \"c\"]", u"{}", u"{{'a'}, 'b'}", u"{'it''s'}"}));
+    }
+    out_.put(u")");
+  }
+
+  void writeMethods() {
+    out_.put(u"methods");
+    if (!out_.once(4)) {
+      out_.gap();
+      if (out_.once(4)) {
+        code_.attributes({u"Access", u"Static", u"Hidden", u"Sealed", u"Abstract", u"Test"});
+      } else {
+        out_.put(u"(");
+        out_.identifier(u"Access");
+        out_.put(out_.pick({u" = ", u"="}));
+        out_.once(3) ? out_.put(u"'protected'") : out_.identifier(u"protected");
+        out_.put(u")");
+      }
+    }
+    out_.lineEnd();
+    const std::size_t count = out_.dice().roll(4);
+    for (std::size_t number = 0; number < count; ++number) {
+      out_.indent();
+      writeMethod();
+      out_.separator();
+    }
+  }
+
+  void writeMethod() {
+    const std::size_t choice = out_.dice().roll(8);
+    if (choice == 0) return code_.function(1);
+    if (choice == 1) return code_.head(implHead());
+    out_.put(u"function");
+    out_.space();
+    RandomCode::Head head = implHead();
+    if (choice == 2) head.name = out_.pick({u"get.ModeSet", u"get.Rate", u"set.Mode"});
+    code_.head(head);
+    out_.lineEnd();
+    if (out_.once(10)) code_.argumentBlock();
+    writeImplBody(head);
+    out_.indent();
+    out_.put(u"end");
+  }
+
+  RandomCode::Head implHead() {
+    if (out_.once(6)) return code_.randomHead();
+    const ImplShape& shape = out_.dice().pick(implMethods);
+    RandomCode::Head head;
+    head.name = shape.name;
+    head.inputs.assign(shape.inputs, out_.pick({u"obj", u"~"}));
+    if (shape.outputs > 0) head.outputs = {out_.pick({u"flag", u"flag", u"varargout"})};
+    return head;
+  }
+
+  void writeImplBody(const RandomCode::Head& head) {
+    out_.indent();
+    if (head.outputs.size() == 1 && !out_.once(4)) {
+      out_.identifier(head.outputs.front());
+      if (head.outputs.front() == u"varargout") out_.put(u"{1}");
+      out_.gap();
+      out_.put(u"=");
+      out_.gap();
+      out_.identifier(out_.pick({u"true", u"false", u"false", u"x"}));
+      out_.separator();
+    }
+    if (out_.once(2)) code_.statements(3, 1);
+  }
+
+  void writeNames() {
+    const bool isEvents = out_.once(2);
+    out_.put(isEvents ? u"events" : u"enumeration");
+    if (out_.once(3)) {
+      out_.gap();
+      code_.attributes({u"Hidden"});
+    }
+    out_.lineEnd();
+    const std::size_t count = out_.dice().roll(3);
+    for (std::size_t number = 0; number < count; ++number) {
+      out_.indent();
+      out_.identifier(out_.pick({u"Moved", u"events", u"Mode"}));
+      if (!isEvents && out_.once(2)) {
+        out_.put(u"(");
+        code_.arguments(2);
+        out_.put(u")");
+      }
+      out_.separator();
+    }
+  }
+
+  void writeFunctions() {
+    out_.lineEnd();
+    const std::size_t count = 1 + out_.dice().roll(2);
+    for (std::size_t number = 0; number < count; ++number) {
+      if (number > 0) out_.separator();
+      code_.function(0);
+    }
+  }
+
+  SourceWriter out_;
+  RandomCode code_;
+  fl::ustring name_;
+  const std::vector<fl::ustring>& others_;
+  bool hasDefaults_ = false;
+};
+
+}  // namespace
+
+std::vector<RandomClass> makeRandomClasses(std::uint64_t seed, const std::string& suffix) {
+  bench::Dice dice(seed);
+  const std::size_t others = dice.roll(4);
+  std::vector<fl::ustring> otherNames;
+  for (std::size_t number = 0; number < others; ++number) {
+    otherNames.push_back(fl::i18n::to_ustring(fmt::format("pkg.Base{}{}", number, suffix)));
+  }
+  std::vector<RandomClass> classes;
+  const fl::ustring name = fl::i18n::to_ustring("C" + suffix);
+  classes.push_back(ClassMaker(&dice, name, otherNames).make());
+  classes.back().file.className = "C" + suffix;
+  for (const fl::ustring& other : otherNames) {
+    classes.push_back(ClassMaker(&dice, other.substr(4), otherNames).make());
+    classes.back().file.className = fl::i18n::to_string(other);
+  }
+  return classes;
+}
+
+}  // namespace soca::fuzz

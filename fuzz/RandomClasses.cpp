@@ -1,0 +1,118 @@
+// Makes random classes and checks all properties on each:
+//   random_classes [--count N] [--seed S] [--print]
+// The same seed makes the same class on every machine. A class on which a property fails is printed
+// behind its seed, and the exit code is 1. With `--print` the classes are printed and not checked.
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <exception>
+#include <map>
+#include <string>
+
+#include "fuzz/RandomClass.h"
+#include "fuzz/UpdateProperties.h"
+#include "fuzz/Violation.h"
+#include "platform/text/Conversions.h"
+
+namespace soca::fuzz {
+namespace {
+
+std::vector<ClassFile> filesOf(const std::vector<RandomClass>& classes) {
+  std::vector<ClassFile> files;
+  for (const RandomClass& each : classes) files.push_back(each.file);
+  return files;
+}
+
+// A class as it was made: without syntax errors, and with its identifiers.
+void checkAsMade(const RandomClass& made) {
+  const auto analysis = analyzeChecked(made.file.text);
+  require(analysis != nullptr, "class {} is nested too deeply", made.file.className);
+  for (const ca::Diagnostic& diagnostic : analysis->diagnostics()) {
+    throw Violation(fmt::format("class {} has a syntax error: {}:{}: {}", made.file.className,
+                                diagnostic.line + 1, diagnostic.column + 1, diagnostic.message));
+  }
+  const auto found = identifiersOf(*analysis);
+  const auto [expected, other] = std::ranges::mismatch(made.identifiers, found);
+  require(expected == made.identifiers.end() && other == found.end(),
+          "class {}: identifiers differ at {}", made.file.className,
+          expected != made.identifiers.end() ? expected->position : made.file.text.size());
+}
+
+class Run {
+ public:
+  // False if a property failed.
+  bool check(std::uint64_t seed) {
+    const auto classes = makeRandomClasses(seed);
+    try {
+      for (const RandomClass& each : classes) {
+        checkAsMade(each);
+        codeUnits_ += each.file.text.size();
+      }
+      count(checkUpdate(filesOf(classes)));
+    } catch (const std::exception& error) {
+      fmt::print("seed {}: {}\n{}\n", seed, error.what(), writeClassFiles(filesOf(classes)));
+      return false;
+    }
+    return true;
+  }
+
+  void printSummary() const {
+    for (const auto& [verdict, number] : verdicts_) fmt::print("{:>8}  {}\n", number, verdict);
+    fmt::print("{:>8}  UTF-16 code units\n", codeUnits_);
+  }
+
+ private:
+  void count(const UpdateVerdict& verdict) {
+    static constexpr std::string_view names[] = {"unchanged", "updated", "failed", "spoiled"};
+    std::string key(names[static_cast<std::size_t>(verdict.type)]);
+    if (!verdict.reason.empty()) key += ": " + verdict.reason;
+    if (verdict.furtherUpdates > 0) key += fmt::format(", {} times", 1 + verdict.furtherUpdates);
+    ++verdicts_[key];
+  }
+
+  std::map<std::string, std::size_t> verdicts_;
+  std::size_t codeUnits_ = 0;
+};
+
+void printClasses(std::uint64_t seed) {
+  for (const RandomClass& each : makeRandomClasses(seed)) {
+    fmt::print("--- {}\n{}\n", each.file.className, fl::i18n::to_string(each.file.text));
+  }
+}
+
+int runAll(std::uint64_t seed, std::uint64_t count, std::uint64_t mostFailures) {
+  const auto start = std::chrono::steady_clock::now();
+  Run run;
+  std::uint64_t failures = 0;
+  std::uint64_t done = 0;
+  while (done < count && failures < mostFailures) {
+    if (!run.check(seed + done++)) ++failures;
+  }
+  const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+  run.printSummary();
+  fmt::print("{} classes with all that they need, {} failures, {:.1f} s\n", done, failures,
+             time.count());
+  return failures == 0 ? 0 : 1;
+}
+
+}  // namespace
+}  // namespace soca::fuzz
+
+int main(int argc, char** argv) {
+  std::uint64_t seed = 1;
+  std::uint64_t count = 1000;
+  std::uint64_t mostFailures = 1;
+  bool isPrinting = false;
+  CLI::App app{"Checks the properties of updates on random classes"};
+  app.add_option("--seed", seed, "The seed of the first class; the next one has the next number");
+  app.add_option("--count", count, "How many classes");
+  app.add_option("--failures", mostFailures, "After how many failures to stop");
+  app.add_flag("--print", isPrinting, "Print the classes and check nothing");
+  CLI11_PARSE(app, argc, argv);
+  if (!isPrinting) return soca::fuzz::runAll(seed, count, mostFailures);
+  for (std::uint64_t number = 0; number < count; ++number) soca::fuzz::printClasses(seed + number);
+  return 0;
+}
