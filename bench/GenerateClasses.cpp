@@ -1,6 +1,9 @@
 // Writes trees of made-up class files, the same ones for the same seed:
 //   generate_classes --seed 1 --count 2000 --out DIR     a tree of classes, half of them outdated
 //   generate_classes --seed 1 --bytes 10000000 --out DIR one class of that size, DIR/Large.vlm
+//   generate_classes --members method --count 1000 --out DIR
+//                                                        one class of so many members of a kind
+// and JavaScript classes of the same build with --language javascript.
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
@@ -8,10 +11,14 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <map>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
 #include "bench/ClassWriter.h"
+#include "bench/JavaScriptWriter.h"
+#include "bench/MembersWriter.h"
 
 namespace {
 
@@ -19,11 +26,18 @@ constexpr std::size_t kUsualBytes = 5000;
 constexpr std::size_t kClassesPerFolder = 40;
 constexpr std::size_t kBases = 8;
 
+enum class LanguageType { velum, javaScript };
+// Which of the classes of a tree want to be changed.
+enum class MixType { half, all, none };
+
 struct Options {
   std::uint64_t seed = 1;
   std::size_t count = 0;
   std::size_t bytes = 0;
   std::filesystem::path out;
+  LanguageType language = LanguageType::velum;
+  MixType mix = MixType::half;
+  std::optional<bench::MemberType> members;
 };
 
 void writeFile(const std::filesystem::path& path, const std::string& text) {
@@ -33,6 +47,19 @@ void writeFile(const std::filesystem::path& path, const std::string& text) {
   if (!file.flush()) {
     throw std::runtime_error("can't write " + path.string());
   }
+}
+
+void writeClassFile(const Options& options, const std::filesystem::path& folder,
+                    const bench::ClassShape& shape) {
+  const bool isVelum = options.language == LanguageType::velum;
+  writeFile(folder / (shape.name + (isVelum ? ".vlm" : ".js")),
+            isVelum ? writeClass(shape) : writeJavaScriptClass(shape));
+}
+
+bench::FormType formOf(const Options& options, std::size_t number) {
+  const bool isOutdated =
+      options.mix == MixType::all || (options.mix == MixType::half && number % 2 == 0);
+  return isOutdated ? bench::FormType::outdated : bench::FormType::current;
 }
 
 std::string baseName(std::size_t number) { return fmt::format("Base{}", number); }
@@ -46,7 +73,7 @@ void writeBases(const Options& options) {
                                   .form = bench::FormType::current,
                                   .seed = options.seed + i,
                                   .minimumBytes = kUsualBytes};
-    writeFile(options.out / "common" / "blocks" / (shape.name + ".vlm"), writeClass(shape));
+    writeClassFile(options, options.out / "common" / "blocks", shape);
   }
 }
 
@@ -58,11 +85,10 @@ void writeTree(const Options& options) {
     const bench::ClassShape shape{
         .name = fmt::format("Block{:05}", i),
         .base = direct ? "" : "common.blocks." + baseName(dice.roll(kBases)),
-        .form = i % 2 == 0 ? bench::FormType::outdated : bench::FormType::current,
+        .form = formOf(options, i),
         .seed = options.seed + kBases + i,
         .minimumBytes = kUsualBytes};
-    const std::string folder = fmt::format("area{:03}", i / kClassesPerFolder);
-    writeFile(options.out / folder / (shape.name + ".vlm"), writeClass(shape));
+    writeClassFile(options, options.out / fmt::format("area{:03}", i / kClassesPerFolder), shape);
   }
 }
 
@@ -72,7 +98,16 @@ void writeLarge(const Options& options) {
                                 .form = bench::FormType::outdated,
                                 .seed = options.seed,
                                 .minimumBytes = options.bytes};
-  writeFile(options.out / "Large.vlm", writeClass(shape));
+  writeClassFile(options, options.out, shape);
+}
+
+void write(const Options& options) {
+  if (options.members) {
+    writeFile(options.out / "Many.vlm", writeMembers("Many", *options.members, options.count));
+    return;
+  }
+  if (options.count > 0) writeTree(options);
+  if (options.bytes > 0) writeLarge(options);
 }
 
 }  // namespace
@@ -84,13 +119,24 @@ int main(int argc, char** argv) try {
   app.add_option("--count", options.count, "So many classes, besides their bases");
   app.add_option("--bytes", options.bytes, "One class of at least so many bytes");
   app.add_option("--out", options.out, "The folder for them")->required();
+  const std::map<std::string, LanguageType> languages = {{"velum", LanguageType::velum},
+                                                         {"javascript", LanguageType::javaScript}};
+  app.add_option("--language", options.language, "velum (default) or javascript")
+      ->transform(CLI::Transformer(languages));
+  const std::map<std::string, MixType> mixes = {
+      {"half", MixType::half}, {"all", MixType::all}, {"none", MixType::none}};
+  app.add_option("--outdated", options.mix,
+                 "How many of the classes are: half (default), all, none")
+      ->transform(CLI::Transformer(mixes));
+  const std::map<std::string, bench::MemberType> kinds = {
+      {"plain", bench::MemberType::plain},
+      {"positive", bench::MemberType::positiveInteger},
+      {"stringset", bench::MemberType::stringSet},
+      {"method", bench::MemberType::method}};
+  app.add_option("--members", options.members, "One class of --count members of a kind")
+      ->transform(CLI::Transformer(kinds));
   CLI11_PARSE(app, argc, argv);
-  if (options.count > 0) {
-    writeTree(options);
-  }
-  if (options.bytes > 0) {
-    writeLarge(options);
-  }
+  write(options);
   return 0;
 } catch (const std::exception& error) {
   fmt::print(stderr, "generate_classes: {}\n", error.what());

@@ -1,0 +1,164 @@
+// What each stage of an update takes, on one made-up class. `bytes_per_second` counts the bytes of
+// its file.
+#include <benchmark/benchmark.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "bench/ClassWriter.h"
+#include "platform/analyzer/Analyzer.h"
+#include "platform/analyzer/Lexer.h"
+#include "platform/paths/PathDispatcher.h"
+#include "platform/text/Conversions.h"
+#include "platform/text/FileText.h"
+#include "service/ActionCollection.h"
+#include "service/ApplyUpdates.h"
+#include "service/ClassLoader.h"
+#include "service/ServiceContext.h"
+#include "service/UpdatePlan.h"
+
+namespace {
+
+constexpr std::size_t kSmall = 5000;
+constexpr std::size_t kLarge = 1000000;
+
+// The class and its texts; its file stands in a folder of its own until the process ends.
+class Sample {
+ public:
+  explicit Sample(std::size_t bytes)
+      : folder_(std::filesystem::temp_directory_path() /
+                ("soca_bench_" + std::to_string(::getpid()))),
+        bytes_(bench::writeClass({.name = "Sample",
+                                  .base = "",
+                                  .form = bench::FormType::outdated,
+                                  .seed = 1,
+                                  .minimumBytes = bytes})),
+        text_(fl::decodeFileText(bytes_).text) {
+    std::filesystem::create_directories(folder_);
+    std::ofstream(folder_ / "Sample.vlm", std::ios::binary) << bytes_;
+    PathDispatcher::getDispatcher().setClassPath({folder_.string()});
+  }
+  ~Sample() { std::filesystem::remove_all(folder_); }
+  Sample(const Sample&) = delete;
+  Sample& operator=(const Sample&) = delete;
+
+  const std::string& bytes() const { return bytes_; }
+  const fl::ustring& text() const { return text_; }
+
+ private:
+  std::filesystem::path folder_;
+  std::string bytes_;
+  fl::ustring text_;
+};
+
+Sample sampleOf(const benchmark::State& state) {
+  return Sample(static_cast<std::size_t>(state.range(0)));
+}
+
+void countBytes(benchmark::State& state, const Sample& sample) {
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(sample.bytes().size()));
+}
+
+class NoErrors final : public ca::LexicalErrors {
+ public:
+  void reportLexicalError(std::uint32_t /*position*/, const char* /*message*/) override {}
+};
+
+void decode(benchmark::State& state) {
+  const Sample sample = sampleOf(state);
+  for (auto _ : state) benchmark::DoNotOptimize(fl::decodeFileText(sample.bytes()));
+  countBytes(state, sample);
+}
+
+void encode(benchmark::State& state) {
+  const Sample sample = sampleOf(state);
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(fl::encodeFileText(sample.text(), fl::EncodingType::utf8));
+  }
+  countBytes(state, sample);
+}
+
+// The tokens as they come without a parser, which knows more of quotes and commands.
+void scan(benchmark::State& state) {
+  const Sample sample = sampleOf(state);
+  NoErrors errors;
+  for (auto _ : state) {
+    ca::Lexer lexer(sample.text(), errors);
+    std::uint32_t at = 0;
+    while (at < lexer.size()) {
+      const ca::Token token = lexer.scan(at);
+      at = token.end > at ? token.end : at + 1;
+    }
+    benchmark::DoNotOptimize(at);
+  }
+  countBytes(state, sample);
+}
+
+void parse(benchmark::State& state) {
+  const Sample sample = sampleOf(state);
+  for (auto _ : state) benchmark::DoNotOptimize(ca::analyzeText(sample.text()));
+  countBytes(state, sample);
+}
+
+// From the class name to the model; the analysis of the file is remembered.
+void load(benchmark::State& state) {
+  const Sample sample = sampleOf(state);
+  const soca::ServiceContext context(7);
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(soca::ClassLoader{u"Sample", context.metaData.get()}.load());
+  }
+  countBytes(state, sample);
+}
+
+// The actions of the families that the mask selects, less the loading.
+void collect(benchmark::State& state) {
+  const Sample sample = sampleOf(state);
+  const soca::ServiceContext context(static_cast<soca::UpdateMask>(state.range(1)));
+  for (auto _ : state) {
+    state.PauseTiming();
+    auto loaded = soca::ClassLoader{u"Sample", context.metaData.get()}.load();
+    state.ResumeTiming();
+    std::vector<std::size_t> counts;
+    benchmark::DoNotOptimize(
+        soca::collectClassActions(std::move(loaded), context.factories, counts));
+  }
+  countBytes(state, sample);
+}
+
+void apply(benchmark::State& state) {
+  const Sample sample = sampleOf(state);
+  const soca::ServiceContext context(7);
+  std::vector<std::size_t> counts;
+  const auto entry = soca::collectClassActions(
+      soca::ClassLoader{u"Sample", context.metaData.get()}.load(), context.factories, counts);
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(soca::applyClassUpdate(entry, soca::MissingDelimiterType::endsClass));
+  }
+  countBytes(state, sample);
+}
+
+void update(benchmark::State& state) {
+  const Sample sample = sampleOf(state);
+  for (auto _ : state) benchmark::DoNotOptimize(soca::planUpdate(u"Sample", 7, false));
+  countBytes(state, sample);
+}
+
+BENCHMARK(decode)->Arg(kSmall)->Arg(kLarge);
+BENCHMARK(encode)->Arg(kSmall)->Arg(kLarge);
+BENCHMARK(scan)->Arg(kSmall)->Arg(kLarge);
+BENCHMARK(parse)->Arg(kSmall)->Arg(kLarge);
+BENCHMARK(load)->Arg(kSmall)->Arg(kLarge);
+BENCHMARK(collect)->ArgNames({"", "mixins"})->Args({kLarge, 1});
+BENCHMARK(collect)->ArgNames({"", "attributes"})->Args({kLarge, 2});
+BENCHMARK(collect)->ArgNames({"", "impl"})->Args({kLarge, 4});
+BENCHMARK(apply)->Arg(kSmall)->Arg(kLarge);
+BENCHMARK(update)->Arg(kSmall)->Arg(kLarge);
+
+}  // namespace
+
+BENCHMARK_MAIN();
