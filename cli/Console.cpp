@@ -15,6 +15,7 @@ namespace soca::cli {
 namespace {
 
 constexpr std::size_t usualWidth = 100;
+constexpr std::string_view clearToLineEnd = "\x1b[K";
 constexpr std::size_t bufferSize = std::size_t{1} << 16U;
 
 bool isSet(const char* variable) {
@@ -84,7 +85,33 @@ void Console::setColor(ColorType color) {
   colorsErr_ = wantsColor(color, err_);
 }
 
+bool Console::hasStatusLine() const { return err_.isTerminal() && !isDumbTerminal(); }
+
+void Console::showStatus(std::string_view line) {
+  if (out_.isTerminal()) out_.flush();
+  // Written over the last one in one go, so that it does not flicker.
+  err_.write("\r");
+  err_.write(line);
+  err_.write(clearToLineEnd);
+  err_.flush();
+  isStatusShown_ = true;
+}
+
+void Console::clearStatus() {
+  if (!isStatusShown_) return;
+  err_.write("\r");
+  err_.write(clearToLineEnd);
+  err_.flush();
+  isStatusShown_ = false;
+}
+
+void Console::print(std::string_view text) {
+  if (isStatusShown_ && out_.isTerminal()) clearStatus();
+  out_.write(text);
+}
+
 void Console::printError(std::string_view text) {
+  clearStatus();
   out_.flush();
   err_.write(text);
   err_.flush();
@@ -109,6 +136,7 @@ void Console::printLine(std::string_view what, std::string_view color) {
 }
 
 bool Console::finish() {
+  clearStatus();
   out_.flush();
   err_.flush();
   if (out_.error() == 0 || out_.error() == EINTR) return true;

@@ -35,7 +35,7 @@ class Output {
 enum class ColorType { automatic, always, never };
 
 // The two streams of a process. On a terminal what comes later is shown later, whichever stream it
-// went to.
+// went to, and below it there can be a status line that goes away before anything else is shown.
 class Console {
  public:
   Console(int outDescriptor, int errDescriptor) : out_(outDescriptor), err_(errDescriptor) {}
@@ -48,7 +48,13 @@ class Console {
   // For lines that are broken on standard error: of the terminal, or what reads well in a file.
   std::size_t width() const;
 
-  void print(std::string_view text) { out_.write(text); }
+  // Whether standard error is a terminal on which a line can be taken away again.
+  bool hasStatusLine() const;
+  // `line` is printable ASCII and shorter than the terminal is wide.
+  void showStatus(std::string_view line);
+  void clearStatus();
+
+  void print(std::string_view text);
   // Everything printed so far goes out first.
   void printError(std::string_view text);
   // Lines of messages, which get colours and lose what a terminal would obey.
@@ -67,6 +73,7 @@ class Console {
   Output err_;
   bool colorsOut_ = false;
   bool colorsErr_ = false;
+  bool isStatusShown_ = false;
 };
 
 }  // namespace soca::cli

@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <optional>
+#include <thread>
 #include <utility>
 
 #include "cli/FileWriter.h"
@@ -46,10 +47,10 @@ Failure makeWriteFailure(const std::string& className, const std::string& file,
 
 UpdateRun::UpdateRun(const Options* options, const ClassRoots* roots, Console* console)
     : options_(options),
+      roots_(roots),
       console_(console),
       names_(roots),
-      targets_(roots, options->arguments,
-               options->noIgnore ? WalkType::everything : WalkType::filtered, &git_),
+      targets_(roots, options->arguments, walkType(), &git_),
       updater_(roots, &names_, wishesOf(*options)),
       report_(makeUpdateReport(*options, names_, *console)) {
   const bool asksInDryRun = targets_.haveFolders() && !options->noIgnore && !options->check;
@@ -69,14 +70,36 @@ ExitCodeType UpdateRun::run() {
   return exitCode();
 }
 
+WalkType UpdateRun::walkType() const {
+  return options_->noIgnore ? WalkType::everything : WalkType::filtered;
+}
+
+void UpdateRun::countTargets(const std::stop_token& stop, Progress& progress) {
+  try {
+    Targets targets(roots_, options_->arguments, walkType(), &git_);
+    std::size_t total = 0;
+    while (!stop.stop_requested() && targets.next()) ++total;
+    if (!stop.stop_requested()) progress.setTotal(total);
+  } catch (const std::exception&) {
+    // The update itself will tell what is wrong.
+  }
+}
+
 void UpdateRun::computeAll() {
+  std::optional<Progress> progress;
+  std::jthread counter;
+  if (!options_->quiet && !targets_.isOneClass() && console_->hasStatusLine()) {
+    progress.emplace(console_, "classes");
+    counter = std::jthread([&](const std::stop_token& stop) { countTargets(stop, *progress); });
+  }
   const auto next = [this]() -> std::optional<Target> {
     if (wasInterrupted()) return std::nullopt;
     return targets_.next();
   };
-  const auto consume = [this](TargetOutcome& outcome) {
+  const auto consume = [&](TargetOutcome& outcome) {
     try {
       take(outcome);
+      if (progress) progress->advance();
     } catch (const std::exception& error) {
       fatalError_ = error.what();
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <stop_token>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -14,6 +15,7 @@
 #include "cli/Git.h"
 #include "cli/MethodChanges.h"
 #include "cli/Options.h"
+#include "cli/Progress.h"
 #include "cli/Spool.h"
 #include "cli/Summary.h"
 #include "cli/Targets.h"
@@ -43,6 +45,9 @@ class UpdateRun {
   };
 
   void computeAll();
+  WalkType walkType() const;
+  // Tells the progress how many targets there are.
+  void countTargets(const std::stop_token& stop, Progress& progress);
   TargetOutcome work(const Target& target);
   // Refuses to change what git could not bring back; in a dry run only notes that.
   void checkUncommitted(ClassOutcome& outcome);
@@ -59,6 +64,7 @@ class UpdateRun {
   ExitCodeType exitCode() const;
 
   const Options* options_;
+  const ClassRoots* roots_;
   Console* console_;
   FileNames names_;
   Git git_;

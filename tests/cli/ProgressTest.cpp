@@ -1,0 +1,85 @@
+#include "cli/Progress.h"
+
+#include <gtest/gtest.h>
+#include <pty.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
+
+namespace soca::cli {
+namespace {
+
+using std::chrono::milliseconds;
+
+TEST(Progress, SaysWhatIsKnownAndFits) {
+  const ProgressState unknown{"classes", 4321, std::nullopt, 2};
+  const ProgressState known{"classes", 4321, 12345, 2};
+  const struct {
+    ProgressState state;
+    std::size_t width;
+    const char* line;
+  } table[] = {
+      {unknown, 79, "4,321 classes  2,160/s"},
+      {unknown, 15, "4,321 classes"},
+      {known, 79, " 4,321 of 12,345 classes  35% [#######.............]  2,160/s  0:04 left"},
+      {known, 72, " 4,321 of 12,345 classes  35% [#######.............]  2,160/s  0:04 left"},
+      {known, 71, " 4,321 of 12,345 classes  35%  2,160/s  0:04 left"},
+      {known, 30, " 4,321 of 12,345 classes  35%"},
+      {known, 9, " 4,321 of"},
+      {{"classes", 3, 30'000, 2}, 50, "     3 of 30,000 classes   0%  1/s  5:33:18 left"},
+      // Files came up since they were counted.
+      {{"classes", 3, 2, 0}, 40, "3 of 3 classes 100%"},
+      {{"classes", 0, 0, 0}, 40, "0 of 1 classes   0%"},
+  };
+  for (const auto& row : table) EXPECT_EQ(formatProgress(row.state, row.width), row.line);
+}
+
+// What a terminal of 60 columns is sent.
+std::string sentToTerminal(const char* type, const std::function<void(Console&)>& run) {
+  winsize size = {.ws_row = 24, .ws_col = 60, .ws_xpixel = 0, .ws_ypixel = 0};
+  int controller = -1;
+  int terminal = -1;
+  if (::openpty(&controller, &terminal, nullptr, nullptr, &size) != 0) return "no terminal";
+  ::setenv("TERM", type, 1);
+  Console console(terminal, terminal);
+  run(console);
+  console.finish();
+  std::string text(4096, '\0');
+  console.printError("$");
+  for (std::size_t length = 0; length < text.size();) {
+    const ssize_t count = ::read(controller, text.data() + length, text.size() - length);
+    length += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+    if (count <= 0 || text[length - 1] == '$') text.resize(length - 1);
+  }
+  ::close(terminal);
+  ::close(controller);
+  return text;
+}
+
+TEST(Progress, IsGoneBeforeAnythingElseIsShown) {
+  const auto run = [](Console& console) {
+    const Progress::Clock::time_point start;
+    Progress progress(&console, "files", start);
+    console.print("a\n");
+    // Nothing at first, and then now and then.
+    for (const int now : {0, 399, 400, 401, 500, 525}) progress.advance(start + milliseconds(now));
+    console.complain("b");
+    progress.setTotal(8);
+    progress.advance(start + milliseconds(1000));
+    console.print("c\n");
+    progress.advance(start + milliseconds(2000));
+  };
+  EXPECT_EQ(sentToTerminal("xterm", run),
+            "a\r\n"
+            "\r3 files  7/s\x1b[K\r6 files  11/s\x1b[K\r\x1b[K"
+            "soca: b\r\n"
+            "\r7 of 8 files  87% [#################...]  7/s  0:01 left\x1b[K\r\x1b[K"
+            "c\r\n"
+            "\r8 of 8 files 100% [####################]  4/s  0:00 left\x1b[K\r\x1b[K");
+  EXPECT_EQ(sentToTerminal("dumb", run), "a\r\nsoca: b\r\nc\r\n");
+}
+
+}  // namespace
+}  // namespace soca::cli
