@@ -221,8 +221,10 @@ void ClassUpdater::addFile(const PlannedClass& planned, ClassOutcome& outcome) c
                                   wishes_.newBytes ? StampType::sure : StampType::any);
   outcome.stamp = old.stamp;
   if (wishes_.edits) {
-    outcome.bytes = FileBytes{sha256(old.bytes), old.encoding};
+    outcome.bytes = FileBytes{sha256(old.bytes), old.encoding,
+                              planned.analysis->sourceTextView().starts_with(u'\uFEFF')};
     if (outcome.hasNewFile()) outcome.edits = findFileEdits(planned, old.encoding);
+    if (wishes_.conversions) outcome.conversions = findConversions(planned, outcome.edits);
   }
   if (!outcome.hasNewFile()) return;
   std::string newBytes = makeNewBytes(outcome.file, planned.result.text, old.encoding);

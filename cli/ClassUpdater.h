@@ -25,6 +25,8 @@ struct UpdateWishes {
   bool newBytes = false;
   // The single replacements, and what tells which file they are for.
   bool edits = false;
+  // The conversions that the edits belong to.
+  bool conversions = false;
   FindingPlacesType places = FindingPlacesType::none;
 };
 

@@ -105,20 +105,21 @@ void JsonReport::addFailure(const Failure& failure) {
   Json json = headOf(failure);
   json["diagnostics"] = diagnosticsOf(failure);
   addHint(failure.hints, json);
-  errors_.push_back(dump(json));
+  errors_.add(dump(json));
 }
 
 void JsonReport::addSkipped(const Failure& failure) {
   Json json = headOf(failure);
   addHint(failure.hints, json);
-  skipped_.push_back(dump(json));
+  skipped_.add(dump(json));
 }
 
-void JsonReport::finish() {
+void JsonReport::finish(ExitCodeType) {
   beginResults();
-  console_->print("]");
-  printList("errors", errors_);
-  printList("skipped", skipped_);
+  console_->print("],\n \"errors\": ");
+  errors_.print(*console_);
+  console_->print(",\n \"skipped\": ");
+  skipped_.print(*console_);
   console_->print("}\n");
 }
 
@@ -126,17 +127,6 @@ void JsonReport::beginResults() {
   if (hasBegun_) return;
   console_->print("{\"version\": 1,\n \"results\": [");
   hasBegun_ = true;
-}
-
-void JsonReport::printList(const char* name, const std::vector<std::string>& entries) {
-  console_->print(",\n \"");
-  console_->print(name);
-  console_->print("\": [");
-  for (std::size_t i = 0; i < entries.size(); ++i) {
-    console_->print(i == 0 ? "\n  " : ",\n  ");
-    console_->print(entries[i]);
-  }
-  console_->print("]");
 }
 
 }  // namespace soca::cli

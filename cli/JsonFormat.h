@@ -20,13 +20,13 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
+#include "cli/SpooledList.h"
 #include "cli/UpdateReport.h"
 
 namespace soca::cli {
 
-// Results are printed as they come; errors and skipped classes are kept for the end.
+// Results are printed as they come; errors and skipped classes are put aside until the end.
 class JsonReport : public UpdateReport {
  public:
   // `console` must outlive the report.
@@ -37,17 +37,16 @@ class JsonReport : public UpdateReport {
   void printNotes(const ClassOutcome&) override {}
   void addFailure(const Failure& failure) override;
   void addSkipped(const Failure& failure) override;
-  void finish() override;
+  void finish(ExitCodeType exitCode) override;
 
  private:
   void beginResults();
-  void printList(const char* name, const std::vector<std::string>& entries);
 
   Console* console_;
   bool hasBegun_ = false;
   bool hasResults_ = false;
-  std::vector<std::string> errors_;
-  std::vector<std::string> skipped_;
+  SpooledList errors_;
+  SpooledList skipped_;
 };
 
 }  // namespace soca::cli

@@ -29,8 +29,8 @@ constexpr auto ruleWords = std::to_array<OptionWord>(
     {{"attributes", UpdateMask{2}}, {"mixins", UpdateMask{1}}, {"impl", UpdateMask{4}}});
 constexpr auto colorWords = std::to_array<OptionWord>(
     {{"auto", ColorType::automatic}, {"always", ColorType::always}, {"never", ColorType::never}});
-constexpr auto formatWords =
-    std::to_array<OptionWord>({{"text", FormatType::text}, {"json", FormatType::json}});
+constexpr auto formatWords = std::to_array<OptionWord>(
+    {{"text", FormatType::text}, {"json", FormatType::json}, {"sarif", FormatType::sarif}});
 
 constexpr auto options = std::to_array<OptionRow>({
     {OptionType::path, "-p,--path", "DIR", forClasses,
@@ -46,7 +46,8 @@ constexpr auto options = std::to_array<OptionRow>({
      "write files with uncommitted changes too"},
     {OptionType::noIgnore, "--no-ignore", "", forUpdate,
      "walk ignored, hidden and linked folders too"},
-    {OptionType::format, "--format", "FORMAT", forUpdate, "text (default) or json", formatWords},
+    {OptionType::format, "--format", "FORMAT", forUpdate, "text (default), json or sarif",
+     formatWords},
     {OptionType::edits, "--edits", "", forUpdate,
      "with --format json: the single replacements too"},
     {OptionType::classTable, "--class-table", "FILE", forClasses,

@@ -149,6 +149,12 @@ void checkOptions(const CommandRow& command, const Options& options) {
   if (options.edits && options.format == FormatType::text) {
     throw UsageError("--edits belongs to the data for programs: add --format json");
   }
+  if (options.write && options.format == FormatType::sarif) {
+    throw UsageError(
+        "--format sarif names places in the files as they stand, and --write changes them: run "
+        "once "
+        "without --write, for the log, and then with it");
+  }
   if (options.edits && options.write) {
     throw UsageError("--edits and --write can't be had together: written files need no edits");
   }

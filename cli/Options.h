@@ -12,7 +12,7 @@ namespace soca::cli {
 
 enum class CommandType { update, actions, classes, check, explain, help, version };
 
-enum class FormatType { text, json };
+enum class FormatType { text, json, sarif };
 
 struct Options {
   CommandType command = CommandType::help;

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "cli/Conversions.h"
 #include "cli/FileEdits.h"
 #include "cli/FileVerdict.h"
 #include "platform/analyzer/Diagnostic.h"
@@ -67,6 +68,7 @@ struct FileBytes {
   // The checksum, in hexadecimal digits.
   std::string sha256;
   fl::EncodingType encoding = fl::EncodingType::utf8;
+  bool hasByteOrderMark = false;
 };
 
 struct ClassOutcome {
@@ -91,6 +93,7 @@ struct ClassOutcome {
   std::string newBytes;
   fl::filesystem::FileStamp stamp;
   FileEdits edits;
+  std::vector<Conversion> conversions;
   // Of the file as it stands, only if edits are asked for.
   std::optional<FileBytes> bytes;
   // How many edits each rule family made, in the order of RuleFamilyType.

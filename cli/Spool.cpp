@@ -38,6 +38,10 @@ Spool::Place Spool::put(std::string_view text) {
 
 std::string Spool::take(const Place& place) {
   if (place.offset >= inFile_) return buffer_.substr(place.offset - inFile_, place.size);
+  if (place.offset + place.size > inFile_) {
+    const std::uint64_t written = inFile_ - place.offset;
+    return take({place.offset, written}) + take({inFile_, place.size - written});
+  }
   std::string text(place.size, '\0');
   for (std::size_t done = 0; done < text.size();) {
     const ssize_t count = ::pread(descriptor_, text.data() + done, text.size() - done,

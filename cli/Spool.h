@@ -21,6 +21,7 @@ class Spool {
   Spool(const Spool&) = delete;
   Spool& operator=(const Spool&) = delete;
 
+  // A place may also be several that were put one after the other, or a part of them.
   // Both throw std::runtime_error if the file can't be made, written or read.
   Place put(std::string_view text);
   std::string take(const Place& place);

@@ -19,7 +19,7 @@ class TextReport : public UpdateReport {
   void printNotes(const ClassOutcome& outcome) override;
   void addFailure(const Failure& failure) override { printFailure(*console_, failure); }
   void addSkipped(const Failure& failure) override;
-  void finish() override {}
+  void finish(ExitCodeType) override {}
 
   // "soca: <id>: <message>", the lines in question, and the hints.
   static void printFailure(Console& console, const Failure& failure);

@@ -1,13 +1,15 @@
 #include "cli/UpdateReport.h"
 
 #include "cli/JsonFormat.h"
+#include "cli/SarifFormat.h"
 #include "cli/TextFormat.h"
 
 namespace soca::cli {
 
-std::unique_ptr<UpdateReport> makeUpdateReport(const Options& options, const FileNames& names,
-                                               Console& console) {
+std::unique_ptr<UpdateReport> makeUpdateReport(const Options& options, const ClassRoots& roots,
+                                               const FileNames& names, Console& console) {
   if (options.format == FormatType::json) return std::make_unique<JsonReport>(&console);
+  if (options.format == FormatType::sarif) return std::make_unique<SarifReport>(&roots, &console);
   return std::make_unique<TextReport>(&options, &names, &console);
 }
 

@@ -4,7 +4,9 @@
 #include <memory>
 #include <string>
 
+#include "cli/ClassRoots.h"
 #include "cli/Console.h"
+#include "cli/ExitCodes.h"
 #include "cli/FileNames.h"
 #include "cli/Options.h"
 #include "cli/Outcome.h"
@@ -24,12 +26,12 @@ class UpdateReport {
   virtual void printNotes(const ClassOutcome& outcome) = 0;
   virtual void addFailure(const Failure& failure) = 0;
   virtual void addSkipped(const Failure& failure) = 0;
-  // Prints what belongs behind everything else.
-  virtual void finish() = 0;
+  // Prints what belongs behind everything else. The run is to end with this code.
+  virtual void finish(ExitCodeType exitCode) = 0;
 };
 
-// All three must outlive the report.
-std::unique_ptr<UpdateReport> makeUpdateReport(const Options& options, const FileNames& names,
-                                               Console& console);
+// All must outlive the report.
+std::unique_ptr<UpdateReport> makeUpdateReport(const Options& options, const ClassRoots& roots,
+                                               const FileNames& names, Console& console);
 
 }  // namespace soca::cli

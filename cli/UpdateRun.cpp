@@ -21,11 +21,12 @@ UpdateWishes wishesOf(const Options& options) {
   wishes.rules = options.rules;
   wishes.includeSuperclasses = options.includeSuperclasses;
   wishes.diff = isText && !options.quiet && !options.check && !options.write;
-  wishes.text = !isText;
+  wishes.text = options.format == FormatType::json;
   wishes.hints = !isText || !options.quiet;
   wishes.newBytes = options.write;
-  wishes.edits = options.edits;
-  if (options.edits) wishes.places = FindingPlacesType::related;
+  wishes.conversions = options.format == FormatType::sarif;
+  wishes.edits = options.edits || wishes.conversions;
+  if (wishes.edits) wishes.places = FindingPlacesType::related;
   if (isText && !options.quiet) wishes.places = FindingPlacesType::members;
   return wishes;
 }
@@ -52,7 +53,7 @@ UpdateRun::UpdateRun(const Options* options, const ClassRoots* roots, Console* c
       names_(roots),
       targets_(roots, options->arguments, walkType(), &git_),
       updater_(roots, &names_, wishesOf(*options)),
-      report_(makeUpdateReport(*options, names_, *console)) {
+      report_(makeUpdateReport(*options, *roots, names_, *console)) {
   const bool asksInDryRun = targets_.haveFolders() && !options->noIgnore && !options->check;
   asksGit_ = !options->allowDirty && (options->write || asksInDryRun);
 }
@@ -119,6 +120,7 @@ TargetOutcome UpdateRun::work(const Target& target) {
     entry.text = {};
     entry.diff = {};
     entry.edits = {};
+    entry.conversions = {};
   }
   return outcome;
 }
@@ -213,7 +215,7 @@ void UpdateRun::writeAll() {
 }
 
 void UpdateRun::finish() {
-  report_->finish();
+  report_->finish(exitCode());
   if (!options_->quiet) printWarnings();
   if (!fatalError_.empty()) console_->complain(fatalError_);
   console_->tell(summaryText());

@@ -1,0 +1,150 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "platform/text/Conversions.h"
+#include "tests/cli/AppliedEdits.h"
+#include "tests/cli/ProgramRunner.h"
+
+namespace soca::testing {
+namespace {
+
+using nlohmann::json;
+
+// A class with an edit behind a character that takes two code units.
+constexpr const char* pairClass =
+    "classdef P < velum.System\n"
+    "  properties, Mode = 'a'; end\n"
+    "  properties (Constant), Note = '\U0001F600'; ModeSet = velum.system.StringSet({'a'}); end\n"
+    "end\n";
+
+json logOf(const Workspace& space, std::vector<std::string> more = {}) {
+  std::vector<std::string> arguments = {"update", "--format", "sarif"};
+  arguments.insert(arguments.end(), more.begin(), more.end());
+  return json::parse(space.soca(arguments).out).at("runs").at(0);
+}
+
+std::size_t offsetOf(const fl::ustring& text, std::size_t line, std::size_t column) {
+  std::size_t start = 0;
+  for (; line > 1; --line) start = text.find(u'\n', start) + 1;
+  return start + column - 1;
+}
+
+// The text of the file with all fixes of the log in which it occurs.
+fl::ustring fixedText(const json& run, const std::string& uri, fl::ustring text) {
+  std::vector<json> replacements;
+  for (const json& result : run.at("results")) {
+    if (!result.contains("fixes")) continue;
+    const json& change = result.at("fixes").at(0).at("artifactChanges").at(0);
+    if (change.at("artifactLocation").at("uri") != uri) continue;
+    for (const json& each : change.at("replacements")) replacements.push_back(each);
+  }
+  // A byte order mark counts as no character.
+  const bool hasMark = text.starts_with(u'\uFEFF');
+  if (hasMark) text.erase(0, 1);
+  const auto startOf = [&](const json& replacement) {
+    const json& region = replacement.at("deletedRegion");
+    return offsetOf(text, region.at("startLine"), region.at("startColumn"));
+  };
+  std::ranges::sort(replacements, std::greater(), startOf);
+  for (const json& each : replacements) {
+    const json& region = each.at("deletedRegion");
+    const std::size_t start = startOf(each);
+    const std::size_t end = offsetOf(text, region.at("endLine"), region.at("endColumn"));
+    const auto content = each.value("insertedContent", json::object()).value("text", "");
+    text.replace(start, end - start, fl::i18n::to_ustring(content));
+  }
+  return hasMark ? u'\uFEFF' + text : text;
+}
+
+TEST(Sarif, FixesMakeTheNewTextInAnyEncoding) {
+  const std::string odd = "a b/100%25 \u00e4:#?";
+  std::string latin = outdatedClass("C");
+  latin.replace(latin.find("\u00e9"), 2, "\xe9");
+  const std::map<std::string, std::string> classes = {
+      {"plain/C", outdatedClass("C")},
+      {"mark/C", "\xEF\xBB\xBF" + outdatedClass("C")},
+      {"latin/C", latin},
+      {"pair/P", pairClass}};
+  const Workspace space;
+  for (const auto& [name, bytes] : classes) {
+    const auto folder = odd + std::filesystem::path(name).parent_path().string();
+    space.write(folder + "/" + std::filesystem::path(name).filename().string() + ".vlm", bytes);
+    const auto run = logOf(space, {"-p", folder});
+    ASSERT_EQ(run.at("artifacts").size(), 1U) << run.dump(1);
+    const json& artifact = run.at("artifacts").at(0);
+    const std::string uri = artifact.at("location").at("uri");
+    EXPECT_EQ(uri.substr(0, 32), "a%20b/100%2525%20%C3%A4%3A%23%3F");
+    EXPECT_EQ(artifact.at("encoding"), name == "latin/C" ? "ISO-8859-1" : "UTF-8");
+    const auto data = json::parse(space.soca({"update", "--format=json", "-p", folder}).out);
+    const std::string expected = data.at("results").at(0).at("text");
+    const auto text = fl::decodeFileText(bytes).text;
+    EXPECT_EQ(fl::i18n::to_string(fixedText(run, uri, text)), expected) << run.dump(1);
+    EXPECT_NE(bytes, expected);
+  }
+}
+
+std::vector<std::string> fingerprintsOf(const json& run) {
+  std::vector<std::string> fingerprints;
+  for (const json& result : run.at("results")) {
+    fingerprints.push_back(result.at("partialFingerprints").at("memberAndRule/v1"));
+  }
+  return fingerprints;
+}
+
+TEST(Sarif, FingerprintsStayWhenLinesMove) {
+  const Workspace space;
+  const std::string text = outdatedClass("C") + "% isInputSizeLockedImpl\n";
+  space.write("C.vlm", text);
+  const auto before = logOf(space);
+  auto fingerprints = fingerprintsOf(before);
+  std::string moved = text;
+  moved.insert(moved.find("    properties"), "    % one\n    % more\n\n");
+  space.write("C.vlm", moved);
+  const auto after = logOf(space);
+  EXPECT_EQ(fingerprintsOf(after), fingerprints);
+  EXPECT_NE(after.at("results"), before.at("results"));
+  std::ranges::sort(fingerprints);
+  EXPECT_EQ(std::ranges::unique(fingerprints).size(), 0U);
+  EXPECT_EQ(fingerprints.size(), 3U);
+}
+
+TEST(Sarif, TellsFailuresAndIsTheSameForAnyNumberOfJobs) {
+  const Workspace space;
+  const Workspace elsewhere;
+  elsewhere.write("lib/Far.vlm", outdatedClass("Far"));
+  space.write("Broken.vlm",
+              "classdef Broken < velum.System\n  properties\n    X = (;\n  end\nend\n");
+  space.write("Other.vlm", "classdef Other < handle\nend\n");
+  for (char c = 'A'; c <= 'M'; ++c) {
+    space.write(std::string(1, c) + ".vlm", outdatedClass(std::string(1, c)));
+  }
+  const std::string far = elsewhere.path() / "lib";
+  const std::vector<std::string> arguments = {"update", "--format=sarif", "-p", ".", "-p", far};
+  auto alone = arguments;
+  alone.insert(alone.end(), {"-j", "1"});
+  auto together = arguments;
+  together.insert(together.end(), {"-j", "7"});
+  const auto result = space.soca(alone);
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_EQ(space.soca(together).out, result.out);
+  const auto run = json::parse(result.out).at("runs").at(0);
+  const json& invocation = run.at("invocations").at(0);
+  EXPECT_EQ(invocation.at("executionSuccessful"), false);
+  ASSERT_EQ(invocation.at("toolExecutionNotifications").size(), 2U) << invocation.dump(1);
+  const json& error = invocation.at("toolExecutionNotifications").at(0);
+  EXPECT_EQ(error.at("level"), "error");
+  EXPECT_EQ(error.at("descriptor").at("id"), "VELUM:system:Analyzer:SyntaxError");
+  const json& place = error.at("locations").at(0).at("physicalLocation");
+  EXPECT_EQ(place.at("artifactLocation").at("uri"), "Broken.vlm");
+  EXPECT_EQ(place.at("region").at("startLine"), 3);
+  EXPECT_EQ(invocation.at("toolExecutionNotifications").at(1).at("level"), "note");
+  EXPECT_EQ(run.at("artifacts").back().at("location"),
+            json({{"uri", "Far.vlm"}, {"uriBaseId", "ROOT2"}}));
+  EXPECT_EQ(run.at("originalUriBaseIds").at("ROOT2").at("uri"), "file://" + far + "/");
+}
+
+}  // namespace
+}  // namespace soca::testing
