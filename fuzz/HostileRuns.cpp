@@ -1,5 +1,5 @@
 // Runs the program on hostile inputs and measures it:
-//   hostile_inputs --program SOCA [--bytes N] [--only NAME] [--seconds S] [--mebibytes M]
+//   hostile_inputs [--bytes N] [--only NAME] [--seconds S] [--mebibytes M]
 // One line an input: time, memory, exit code. The exit code is 1 if a run took more than the
 // bounds, was killed, or printed nothing although it failed.
 #include <fcntl.h>
@@ -25,7 +25,6 @@ namespace {
 namespace fs = std::filesystem;
 
 struct Options {
-  std::string program;
   std::string only;
   std::size_t bytes = 10'000'000;
   double seconds = 10;
@@ -70,13 +69,14 @@ struct Measured {
   const int out = open(folder.output().c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
   const auto limit = static_cast<rlim_t>(6 * options.seconds);
   const rlimit time = {limit, limit};
+  std::string program = SOCA_PROGRAM;
   std::vector<std::string> arguments = input.arguments;
-  std::vector<char*> pointers = {const_cast<char*>(options.program.c_str())};
+  std::vector<char*> pointers = {program.data()};
   for (std::string& argument : arguments) pointers.push_back(argument.data());
   pointers.push_back(nullptr);
   const bool isReady = out >= 0 && dup2(out, STDOUT_FILENO) >= 0 && dup2(out, STDERR_FILENO) >= 0 &&
                        chdir(folder.input().c_str()) == 0 && setrlimit(RLIMIT_CPU, &time) == 0;
-  if (isReady) execv(options.program.c_str(), pointers.data());
+  if (isReady) execv(program.c_str(), pointers.data());
   _exit(127);
 }
 
@@ -127,13 +127,11 @@ bool run(const Options& options, const HostileInput& input) {
 int main(int argc, char** argv) try {
   soca::fuzz::Options options;
   CLI::App app{"Runs the program on hostile inputs and measures it"};
-  app.add_option("--program", options.program, "The program")->required();
   app.add_option("--only", options.only, "The inputs with this in their names alone");
   app.add_option("--bytes", options.bytes, "The size of each input");
   app.add_option("--seconds", options.seconds, "The bound on time");
   app.add_option("--mebibytes", options.mebibytes, "The bound on memory");
   CLI11_PARSE(app, argc, argv);
-  options.program = std::filesystem::absolute(options.program).string();
   int faults = 0;
   for (const auto& input : soca::fuzz::hostileInputs()) {
     if (input.name.find(options.only) == std::string::npos) continue;

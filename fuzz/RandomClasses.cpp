@@ -1,7 +1,8 @@
 // Makes random classes and checks all properties on each:
-//   random_classes [--count N] [--seed S] [--print]
+//   random_classes [--count N] [--seed S] [--folder N] [--print]
 // The same seed makes the same class on every machine. A class on which a property fails is printed
-// behind its seed, and the exit code is 1. With `--print` the classes are printed and not checked.
+// behind its seed, and the exit code is 1. The program runs on folders of N of them. With `--print`
+// the classes are printed and not checked.
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
@@ -12,6 +13,7 @@
 #include <map>
 #include <string>
 
+#include "fuzz/ProgramProperties.h"
 #include "fuzz/RandomClass.h"
 #include "fuzz/UpdateProperties.h"
 #include "fuzz/Violation.h"
@@ -83,13 +85,38 @@ void printClasses(std::uint64_t seed) {
   }
 }
 
-int runAll(std::uint64_t seed, std::uint64_t count, std::uint64_t mostFailures) {
+struct Options {
+  std::uint64_t seed = 1;
+  std::uint64_t count = 1000;
+  std::uint64_t mostFailures = 1;
+  // How many classes, with those that they need, the program is given at once; 0 for none.
+  std::uint64_t folder = 200;
+  bool isPrinting = false;
+};
+
+// False if a property failed.
+bool checkFolder(std::uint64_t seed, std::uint64_t count) {
+  try {
+    checkProgram(seed, count);
+  } catch (const std::exception& error) {
+    fmt::print("the program on the {} seeds from {} on: {}\n", count, seed, error.what());
+    return false;
+  }
+  return true;
+}
+
+int runAll(const Options& options) {
   const auto start = std::chrono::steady_clock::now();
   Run run;
   std::uint64_t failures = 0;
   std::uint64_t done = 0;
-  while (done < count && failures < mostFailures) {
-    if (!run.check(seed + done++)) ++failures;
+  while (done < options.count && failures < options.mostFailures) {
+    if (!run.check(options.seed + done++)) ++failures;
+    const bool isFolderDone =
+        options.folder > 0 && (done % options.folder == 0 || done == options.count);
+    if (!isFolderDone) continue;
+    const std::uint64_t inFolder = (done - 1) % options.folder + 1;
+    if (!checkFolder(options.seed + done - inFolder, inFolder)) ++failures;
   }
   const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
   run.printSummary();
@@ -102,17 +129,17 @@ int runAll(std::uint64_t seed, std::uint64_t count, std::uint64_t mostFailures) 
 }  // namespace soca::fuzz
 
 int main(int argc, char** argv) {
-  std::uint64_t seed = 1;
-  std::uint64_t count = 1000;
-  std::uint64_t mostFailures = 1;
-  bool isPrinting = false;
+  soca::fuzz::Options options;
   CLI::App app{"Checks the properties of updates on random classes"};
-  app.add_option("--seed", seed, "The seed of the first class; the next one has the next number");
-  app.add_option("--count", count, "How many classes");
-  app.add_option("--failures", mostFailures, "After how many failures to stop");
-  app.add_flag("--print", isPrinting, "Print the classes and check nothing");
+  app.add_option("--seed", options.seed, "The first class; the next one has the next number");
+  app.add_option("--count", options.count, "How many classes");
+  app.add_option("--failures", options.mostFailures, "After how many failures to stop");
+  app.add_option("--folder", options.folder, "How many classes the program gets at once, or 0");
+  app.add_flag("--print", options.isPrinting, "Print the classes and check nothing");
   CLI11_PARSE(app, argc, argv);
-  if (!isPrinting) return soca::fuzz::runAll(seed, count, mostFailures);
-  for (std::uint64_t number = 0; number < count; ++number) soca::fuzz::printClasses(seed + number);
+  if (!options.isPrinting) return soca::fuzz::runAll(options);
+  for (std::uint64_t number = 0; number < options.count; ++number) {
+    soca::fuzz::printClasses(options.seed + number);
+  }
   return 0;
 }
