@@ -143,6 +143,20 @@ SecondUpdate updateAgain(const PlannedClass& planned, UpdateMask rules) {
 
 }  // namespace
 
+UpdateWishes makeWishes(const Options& options) {
+  const bool isText = options.format == FormatType::text;
+  UpdateWishes wishes;
+  wishes.rules = options.rules;
+  wishes.includeSuperclasses = options.includeSuperclasses;
+  wishes.text = options.format == FormatType::json;
+  wishes.hints = !isText || !options.quiet;
+  wishes.conversions = options.format == FormatType::sarif;
+  wishes.edits = options.edits || wishes.conversions;
+  if (wishes.edits) wishes.places = FindingPlacesType::related;
+  if (isText && !options.quiet) wishes.places = FindingPlacesType::members;
+  return wishes;
+}
+
 TargetOutcome ClassUpdater::update(const Target& target) const {
   switch (target.type) {
     case Target::Type::hidden:
@@ -216,9 +230,13 @@ void ClassUpdater::checkNewText(const PlannedClass& planned, ClassOutcome& outco
   listChangedMethods(planned, *second.analysis, outcome);
 }
 
+OldFile ClassUpdater::oldFileOf(const PlannedClass& planned, const std::string& path) const {
+  if (wishes_.input != nullptr) return wishes_.input->file;
+  return readOldFile(path, *planned.analysis, wishes_.newBytes ? StampType::sure : StampType::any);
+}
+
 void ClassUpdater::addFile(const PlannedClass& planned, ClassOutcome& outcome) const {
-  const OldFile old = readOldFile(outcome.file, *planned.analysis,
-                                  wishes_.newBytes ? StampType::sure : StampType::any);
+  const OldFile old = oldFileOf(planned, outcome.file);
   outcome.stamp = old.stamp;
   if (wishes_.edits) {
     outcome.bytes = FileBytes{sha256(old.bytes), old.encoding,
@@ -228,7 +246,7 @@ void ClassUpdater::addFile(const PlannedClass& planned, ClassOutcome& outcome) c
   }
   if (!outcome.hasNewFile()) return;
   std::string newBytes = makeNewBytes(outcome.file, planned.result.text, old.encoding);
-  checkIsReplaceable(outcome.file);
+  if (wishes_.input == nullptr) checkIsReplaceable(outcome.file);
   if (wishes_.diff) {
     outcome.diff = unifiedDiff(names_->inDiff(outcome.file), old.bytes, newBytes);
   }

@@ -8,7 +8,9 @@
 #include "cli/Failures.h"
 #include "cli/FileNames.h"
 #include "cli/Findings.h"
+#include "cli/Options.h"
 #include "cli/Outcome.h"
+#include "cli/StandardInput.h"
 #include "cli/Targets.h"
 #include "service/UpdatePlan.h"
 #include "soca/Updater.h"
@@ -28,7 +30,12 @@ struct UpdateWishes {
   // The conversions that the edits belong to.
   bool conversions = false;
   FindingPlacesType places = FindingPlacesType::none;
+  // A text that lies over the file of the class and is taken for it; null for none.
+  const StandardInput* input = nullptr;
 };
+
+// What the options ask for, but for the diffs and the new bytes.
+UpdateWishes makeWishes(const Options& options);
 
 // May be used by several threads at once.
 class ClassUpdater {
@@ -45,6 +52,7 @@ class ClassUpdater {
   ClassOutcome makeOutcome(const PlannedClass& planned, const FindingsListener& listener) const;
   // Fills in what there is only for a changed text.
   void checkNewText(const PlannedClass& planned, ClassOutcome& outcome) const;
+  OldFile oldFileOf(const PlannedClass& planned, const std::string& path) const;
   // What only the bytes of the file tell.
   void addFile(const PlannedClass& planned, ClassOutcome& outcome) const;
 

@@ -50,6 +50,8 @@ constexpr auto options = std::to_array<OptionRow>({
      formatWords},
     {OptionType::edits, "--edits", "", forUpdate,
      "with --format json: the single replacements too"},
+    {OptionType::stdinPath, "--stdin-path", "PATH", forUpdate,
+     "with '-': the text of this class is standard input"},
     {OptionType::classTable, "--class-table", "FILE", forClasses,
      "a JSON file with what source can't tell of classes"},
     {OptionType::jobs, "-j,--jobs", "N", forAll, "threads (default: one for each processor)"},

@@ -31,6 +31,7 @@ enum class OptionType {
   noIgnore,
   format,
   edits,
+  stdinPath,
   classTable,
   jobs,
   quiet,

@@ -102,6 +102,9 @@ void addOption(CLI::App& app, const OptionRow& row, Options& options, RawOptions
     case OptionType::edits:
       app.add_flag(flags, options.edits);
       return;
+    case OptionType::stdinPath:
+      app.add_option(flags, options.stdinPath)->take_last();
+      return;
     case OptionType::classTable:
       app.add_option(flags, options.classTable)->take_last();
       return;
@@ -137,8 +140,31 @@ void readValues(const CLI::App& app, const RawOptions& raw, Options& options) {
     options.format = static_cast<FormatType>(valueOf(raw.format, OptionType::format, "format"));
   }
   options.jobs = isGiven("--jobs") ? parseJobs(raw.jobs) : numberOfProcessors();
+  if (isGiven("--stdin-path") && options.stdinPath.empty()) {
+    throw UsageError("--stdin-path takes the path of a class file");
+  }
   if (isGiven("--class-table") && options.classTable.empty()) {
     throw UsageError("--class-table takes the name of a file");
+  }
+}
+
+// What goes with a text that comes in on standard input.
+void checkStandardInput(const Options& options) {
+  const bool isNamed = std::ranges::find(options.arguments, "-") != options.arguments.end();
+  if (options.stdinPath.empty()) {
+    if (!isNamed) return;
+    throw UsageError("'-' is standard input: add --stdin-path PATH to say which class comes in");
+  }
+  if (!isNamed || options.arguments.size() > 1) {
+    throw UsageError("--stdin-path goes with '-' as the only argument: --stdin-path PATH -");
+  }
+  if (options.write) {
+    throw UsageError(
+        "--stdin-path and --write can't be had together: the new text goes to standard output");
+  }
+  if (options.includeSuperclasses) {
+    throw UsageError(
+        "--stdin-path and --superclasses can't be had together: one text comes in and goes out");
   }
 }
 
@@ -151,13 +177,13 @@ void checkOptions(const CommandRow& command, const Options& options) {
   }
   if (options.write && options.format == FormatType::sarif) {
     throw UsageError(
-        "--format sarif names places in the files as they stand, and --write changes them: run "
-        "once "
-        "without --write, for the log, and then with it");
+        "--format sarif and --write can't be had together: it tells places in the files as they "
+        "stand; run it first, and then --write");
   }
   if (options.edits && options.write) {
     throw UsageError("--edits and --write can't be had together: written files need no edits");
   }
+  if (command.type == CommandType::update) checkStandardInput(options);
   if (options.quiet && options.verbose) throw UsageError("--quiet and --verbose contradict");
   if (command.needsArguments && options.arguments.empty()) {
     throw UsageError(fmt::format("'{}' is missing; write: soca {} [options] {}",

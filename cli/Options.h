@@ -37,6 +37,8 @@ struct Options {
   bool noIgnore = false;
   FormatType format = FormatType::text;
   bool edits = false;
+  // The path of the class whose text comes in on standard input; empty for none.
+  std::string stdinPath;
 };
 
 // A command line that asks for nothing that the program does, or for something that is not there.

@@ -12,6 +12,7 @@
 #include "cli/Options.h"
 #include "cli/ReportRun.h"
 #include "cli/Signals.h"
+#include "cli/StandardInput.h"
 #include "cli/SyntaxCheck.h"
 #include "cli/UpdateRun.h"
 #include "cli/Version.h"
@@ -38,6 +39,7 @@ ExitCodeType runCommand(const Options& options, Console& console) {
       return runSyntaxCheck(options, console);
     case CommandType::update: {
       const ClassRoots roots = setClassPath(options);
+      if (!options.stdinPath.empty()) return updateStandardInput(options, roots, console);
       return UpdateRun(&options, &roots, &console).run();
     }
     case CommandType::actions:

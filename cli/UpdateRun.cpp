@@ -16,18 +16,10 @@ namespace soca::cli {
 namespace {
 
 UpdateWishes wishesOf(const Options& options) {
+  UpdateWishes wishes = makeWishes(options);
   const bool isText = options.format == FormatType::text;
-  UpdateWishes wishes;
-  wishes.rules = options.rules;
-  wishes.includeSuperclasses = options.includeSuperclasses;
   wishes.diff = isText && !options.quiet && !options.check && !options.write;
-  wishes.text = options.format == FormatType::json;
-  wishes.hints = !isText || !options.quiet;
   wishes.newBytes = options.write;
-  wishes.conversions = options.format == FormatType::sarif;
-  wishes.edits = options.edits || wishes.conversions;
-  if (wishes.edits) wishes.places = FindingPlacesType::related;
-  if (isText && !options.quiet) wishes.places = FindingPlacesType::members;
   return wishes;
 }
 

@@ -1,0 +1,28 @@
+// `update --stdin-path PATH -`: the update of a text that no file holds yet.
+#pragma once
+
+#include <string>
+
+#include "cli/ClassRoots.h"
+#include "cli/Console.h"
+#include "cli/ExitCodes.h"
+#include "cli/NewFile.h"
+#include "cli/Options.h"
+
+namespace soca::cli {
+
+// The text of one class, to be taken for that of its file, which need not be there.
+struct StandardInput {
+  // Absolute, as the class path names it.
+  std::string path;
+  OldFile file;
+};
+
+// Reads the text of the class from standard input and prints what becomes of it: the new bytes, or
+// those that came in. Of the class itself nothing is read from a disk. On failure nothing is
+// printed but complaints, and in the formats for programs what they have for failures.
+//
+// Throws UsageError for a path that no class has.
+ExitCodeType updateStandardInput(const Options& options, const ClassRoots& roots, Console& console);
+
+}  // namespace soca::cli
