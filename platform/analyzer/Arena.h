@@ -2,21 +2,20 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <new>
 #include <type_traits>
-#include <utility>
-#include <vector>
+
+#include "platform/analyzer/ArenaBlock.h"
 
 namespace ca {
 
 // What is made in an arena is never destroyed one by one.
 class Arena {
  public:
-  // The first block has `firstBlockSize` bytes; later ones are at least as large.
-  explicit Arena(std::size_t firstBlockSize) : blockSize_(firstBlockSize) {}
+  Arena() = default;
   Arena(const Arena&) = delete;
   Arena& operator=(const Arena&) = delete;
+  ~Arena() { ArenaBlock::releaseAll(last_); }
 
   void* allocate(std::size_t size) {
     size = (size + alignment - 1) & ~(alignment - 1);
@@ -43,16 +42,14 @@ class Arena {
   static constexpr std::size_t alignment = 8;
 
   void addBlock(std::size_t atLeast) {
-    const std::size_t size = atLeast > blockSize_ ? atLeast : blockSize_;
-    blocks_.push_back(std::unique_ptr<std::byte[]>(new std::byte[size]));
-    next_ = blocks_.back().get();
-    end_ = next_ + size;
+    last_ = ArenaBlock::take(atLeast, last_);
+    next_ = last_->begin();
+    end_ = last_->end();
   }
 
-  std::size_t blockSize_;
   std::byte* next_ = nullptr;
   std::byte* end_ = nullptr;
-  std::vector<std::unique_ptr<std::byte[]>> blocks_;
+  ArenaBlock* last_ = nullptr;
 };
 
 }  // namespace ca

@@ -1,12 +1,22 @@
 #include "platform/analyzer/Keywords.h"
 
+#include <cstring>
+
 namespace ca {
 namespace {
 
 constexpr std::size_t longestKeyword = 10;
 
-TokenKind pick(fl::ustring_view name, fl::ustring_view keyword, TokenKind kind) {
-  return name == keyword ? kind : TokenKind::Identifier;
+// Compares as bytes, for which compilers make few wide instructions when the length is known.
+template <std::size_t size>
+bool isWord(fl::ustring_view name, const char16_t (&keyword)[size]) {
+  constexpr std::size_t length = size - 1;
+  return name.size() == length && std::memcmp(name.data(), keyword, length * sizeof(char16_t)) == 0;
+}
+
+template <std::size_t size>
+TokenKind pick(fl::ustring_view name, const char16_t (&keyword)[size], TokenKind kind) {
+  return isWord(name, keyword) ? kind : TokenKind::Identifier;
 }
 
 TokenKind beginningWithC(fl::ustring_view name) {
@@ -16,7 +26,7 @@ TokenKind beginningWithC(fl::ustring_view name) {
     case 5:
       return pick(name, u"catch", TokenKind::Catch);
     default:
-      if (name == u"classdef") return TokenKind::Classdef;
+      if (isWord(name, u"classdef")) return TokenKind::Classdef;
       return pick(name, u"continue", TokenKind::Continue);
   }
 }

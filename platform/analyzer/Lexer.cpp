@@ -2,7 +2,7 @@
 
 #include "platform/analyzer/CharacterClass.h"
 #include "platform/analyzer/Keywords.h"
-#include "platform/analyzer/SourceText.h"
+#include "platform/analyzer/TokenStart.h"
 #include "platform/text/Letters.h"
 
 namespace ca {
@@ -24,82 +24,76 @@ Token Lexer::scan(std::uint32_t from) {
   if (position == 0 && size_ > 0 && text_[0] == byteOrderMark) ++position;
   for (;;) {
     const char16_t c = text_[position];
-    if (isBlank(c)) {
-      ++position;
-    } else if (c == u'%') {
-      position = skipComment(position);
-    } else if (c == u'.' && isContinuationAt(position)) {
-      position = findLineEnd(position);
-      if (position < size_) ++position;
-    } else if (c == 0 && position < size_) {
-      ++position;  // Told of once for the whole text.
-    } else {
-      break;
+    const TokenStart start = startOf(c);
+    switch (start.type) {
+      case TokenStartType::single:
+        token.kind = start.kind;
+        token.begin = position;
+        token.end = position + 1;
+        return token;
+      case TokenStartType::name:
+        token.begin = position;
+        return scanName(token);
+      case TokenStartType::blank:
+        position = skipBlanks(position);
+        break;
+      case TokenStartType::lineEnd:
+        token.kind = TokenKind::LineEnd;
+        token.begin = position;
+        token.end = skipLineEnds(position);
+        return token;
+      case TokenStartType::comment:
+        position = skipComment(position);
+        break;
+      case TokenStartType::operation:
+        if (isContinuationAt(position)) {
+          position = skipLine(position);
+          break;
+        }
+        token.begin = position;
+        token.end = position + 1;
+        return scanOperator(token);
+      case TokenStartType::nul:
+        if (position >= size_) {
+          token.begin = token.end = position;
+          return token;
+        }
+        ++position;  // Told of once for the whole text.
+        break;
+      case TokenStartType::wide:
+        token.begin = position;
+        return scanWide(token);
     }
     token.blankBefore = true;
   }
-  token.begin = position;
-  token.end = position + 1;
-  const char16_t c = text_[position];
-  if (isOfClass(c, characters::letter)) return scanName(token);
-  switch (c) {
-    case u'\n':
-      token.kind = TokenKind::LineEnd;
-      token.end = skipLineEnds(position);
-      return token;
-    case u'0':
-    case u'1':
-    case u'2':
-    case u'3':
-    case u'4':
-    case u'5':
-    case u'6':
-    case u'7':
-    case u'8':
-    case u'9':
-      token.kind = TokenKind::Number;
-      return token;
-    case 0:
-      token.kind = TokenKind::EndOfText;
-      token.end = position;
-      return token;
-    default:
-      break;
-  }
-  if (c < 128) return scanOperator(token);
-  if (wideLetterLength(position) != 0) return scanName(token);
-  token.kind = TokenKind::Invalid;
-  if (isHighSurrogate(c) && isLowSurrogate(text_[position + 1])) ++token.end;
-  return token;
 }
 
 Token Lexer::scanName(Token token) const {
-  token.hash = astapi::internal::nameHashSeed;
-  token.end = nameEnd(token.begin, token.hash);
+  token.end = nameEnd(token.begin);
   token.kind = keywordOrIdentifier(textOf(token));
   return token;
 }
 
-std::uint32_t Lexer::nameEnd(std::uint32_t position, std::uint32_t& hash) const {
+Token Lexer::scanWide(Token token) const {
+  if (wideLetterLength(token.begin) != 0) return scanName(token);
+  token.kind = TokenKind::Invalid;
+  token.end = token.begin + 1;
+  if (isHighSurrogate(text_[token.begin]) && isLowSurrogate(text_[token.end])) ++token.end;
+  return token;
+}
+
+std::uint32_t Lexer::nameEnd(std::uint32_t position) const {
   for (;;) {
-    const char16_t c = text_[position];
-    if (isOfClass(c, characters::nameContinuation)) {
-      hash = astapi::internal::extendNameHash(hash, c);
-      ++position;
-      continue;
-    }
-    const std::uint32_t length = c < 128 ? 0 : wideLetterLength(position);
+    position = map_->findNameEnd(position);
+    const std::uint32_t length = text_[position] < 128 ? 0 : wideLetterLength(position);
     if (length == 0) return position;
-    for (const std::uint32_t stop = position + length; position < stop; ++position) {
-      hash = astapi::internal::extendNameHash(hash, text_[position]);
-    }
+    position += length;
   }
 }
 
 Token Lexer::extendName(Token first, std::uint32_t parts) const {
   for (; parts > 0 && text_[first.end] == u'.' && isLetterAt(first.end + 1); --parts) {
-    first.hash = astapi::internal::extendNameHash(first.hash, u'.');
-    first.end = nameEnd(first.end + 1, first.hash);
+    first.end = nameEnd(first.end + 1);
   }
   return first;
 }
@@ -118,75 +112,43 @@ bool Lexer::isLetterAt(std::uint32_t position) const {
   return c < 128 ? isOfClass(c, characters::letter) : wideLetterLength(position) != 0;
 }
 
+// The operators of more than one character, or of which one may begin another.
 Token Lexer::scanOperator(Token token) const {
   const char16_t next = text_[token.begin + 1];
-  const auto one = [&](TokenKind kind) {
-    token.kind = kind;
-    return token;
-  };
-  const auto two = [&](TokenKind kind) {
-    token.kind = kind;
-    ++token.end;
+  const auto pick = [&](char16_t second, TokenKind pair, TokenKind single) {
+    token.kind = next == second ? pair : single;
+    if (next == second) ++token.end;
     return token;
   };
   switch (text_[token.begin]) {
-    case u';':
-      return one(TokenKind::Semicolon);
-    case u',':
-      return one(TokenKind::Comma);
-    case u'\'':
-      return one(TokenKind::Quote);
-    case u'"':
-      return one(TokenKind::DoubleQuote);
-    case u'(':
-      return one(TokenKind::OpenParenthesis);
-    case u')':
-      return one(TokenKind::CloseParenthesis);
-    case u'[':
-      return one(TokenKind::OpenBracket);
-    case u']':
-      return one(TokenKind::CloseBracket);
-    case u'{':
-      return one(TokenKind::OpenBrace);
-    case u'}':
-      return one(TokenKind::CloseBrace);
-    case u'@':
-      return one(TokenKind::At);
-    case u'?':
-      return one(TokenKind::Question);
-    case u':':
-      return one(TokenKind::Colon);
-    case u'+':
-      return one(TokenKind::Plus);
-    case u'-':
-      return one(TokenKind::Minus);
-    case u'*':
-    case u'/':
-    case u'\\':
-      return one(TokenKind::Multiplicative);
-    case u'^':
-      return one(TokenKind::Power);
     case u'~':
-      return next == u'=' ? two(TokenKind::NotEqual) : one(TokenKind::Tilde);
+      return pick(u'=', TokenKind::NotEqual, TokenKind::Tilde);
     case u'=':
-      return next == u'=' ? two(TokenKind::Equal) : one(TokenKind::Assign);
+      return pick(u'=', TokenKind::Equal, TokenKind::Assign);
     case u'<':
-      return next == u'=' ? two(TokenKind::LessEqual) : one(TokenKind::Less);
+      return pick(u'=', TokenKind::LessEqual, TokenKind::Less);
     case u'>':
-      return next == u'=' ? two(TokenKind::GreaterEqual) : one(TokenKind::Greater);
+      return pick(u'=', TokenKind::GreaterEqual, TokenKind::Greater);
     case u'&':
-      return next == u'&' ? two(TokenKind::AndAnd) : one(TokenKind::And);
+      return pick(u'&', TokenKind::AndAnd, TokenKind::And);
     case u'|':
-      return next == u'|' ? two(TokenKind::OrOr) : one(TokenKind::Or);
+      return pick(u'|', TokenKind::OrOr, TokenKind::Or);
     case u'.':
-      if (isDigit(next)) return one(TokenKind::Number);
-      if (next == u'*' || next == u'/' || next == u'\\') return two(TokenKind::Multiplicative);
-      if (next == u'^') return two(TokenKind::Power);
-      if (next == u'\'') return two(TokenKind::DotQuote);
-      return one(TokenKind::Dot);
+      return scanPoint(token);
     default:
-      return one(TokenKind::Invalid);
+      token.kind = startOf(text_[token.begin]).kind;
+      return token;
   }
+}
+
+Token Lexer::scanPoint(Token token) const {
+  const char16_t next = text_[token.begin + 1];
+  token.kind = isDigit(next) ? TokenKind::Number : TokenKind::Dot;
+  if (next == u'*' || next == u'/' || next == u'\\') token.kind = TokenKind::Multiplicative;
+  if (next == u'^') token.kind = TokenKind::Power;
+  if (next == u'\'') token.kind = TokenKind::DotQuote;
+  if (token.kind != TokenKind::Number && token.kind != TokenKind::Dot) ++token.end;
+  return token;
 }
 
 Token Lexer::scanLiteral(std::uint32_t begin, bool blankBefore) {
@@ -213,23 +175,30 @@ Token Lexer::scanLiteral(std::uint32_t begin, bool blankBefore) {
 
 // --- blanks, line ends, comments ---
 
-std::uint32_t Lexer::findLineEnd(std::uint32_t position) const {
-  while (position < size_ && text_[position] != u'\n') ++position;
-  return position;
+std::uint32_t Lexer::skipBlanks(std::uint32_t position) const {
+  ++position;
+  // Most often there is just one.
+  return isBlank(text_[position]) ? map_->findBlanksEnd(position) : position;
+}
+
+std::uint32_t Lexer::skipLine(std::uint32_t position) const {
+  position = map_->findLineEnd(position);
+  return position < size_ ? position + 1 : position;
 }
 
 std::uint32_t Lexer::skipLineEnds(std::uint32_t position) {
   std::uint32_t end = position;
   for (;;) {
-    const char16_t c = text_[position];
-    if (c == u'\n') {
-      end = ++position;
-    } else if (isBlank(c)) {
-      ++position;
-    } else if (c == u'%') {
-      position = skipComment(position);
-    } else {
-      return end;
+    switch (text_[position]) {
+      case u'\n':
+        end = ++position;
+        position = map_->findBlanksEnd(position);
+        break;
+      case u'%':
+        position = skipComment(position);
+        break;
+      default:
+        return end;
     }
   }
 }
@@ -238,14 +207,13 @@ std::uint32_t Lexer::skipComment(std::uint32_t position) {
   if (text_[position + 1] == u'{' && isBlockCommentLine(position, u'{')) {
     return skipBlockComment(position);
   }
-  return findLineEnd(position);
+  return map_->findLineEnd(position);
 }
 
 bool Lexer::isBlockCommentLine(std::uint32_t position, char16_t mark) const {
   if (text_[position + 1] != mark) return false;
   if (!isFirstOnLine(position)) return false;
-  std::uint32_t behind = position + 2;
-  while (isBlank(text_[behind])) ++behind;
+  const std::uint32_t behind = map_->findBlanksEnd(position + 2);
   return behind >= size_ || text_[behind] == u'\n';
 }
 
@@ -263,15 +231,14 @@ std::uint32_t Lexer::skipBlockComment(std::uint32_t position) {
   const std::uint32_t opening = position;
   unsigned depth = 1;
   for (;;) {
-    position = findLineEnd(position);
+    position = map_->findLineEnd(position);
     if (position >= size_) break;
-    ++position;
-    while (isBlank(text_[position])) ++position;
+    position = map_->findBlanksEnd(position + 1);
     if (text_[position] != u'%') continue;
     if (isBlockCommentLine(position, u'{')) {
       ++depth;
     } else if (isBlockCommentLine(position, u'}') && --depth == 0) {
-      return findLineEnd(position);
+      return map_->findLineEnd(position);
     }
   }
   errors_->reportLexicalError(opening,
@@ -282,10 +249,9 @@ std::uint32_t Lexer::skipBlockComment(std::uint32_t position) {
 std::uint32_t Lexer::skipBlanksAndContinuations(std::uint32_t from) const {
   for (;;) {
     if (isBlank(text_[from])) {
-      ++from;
+      from = skipBlanks(from);
     } else if (isContinuationAt(from)) {
-      from = findLineEnd(from);
-      if (from < size_) ++from;
+      from = skipLine(from);
     } else {
       return from;
     }

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "platform/analyzer/CharacterMap.h"
 #include "platform/analyzer/NumericValue.h"
 #include "platform/analyzer/Token.h"
 #include "platform/text/UString.h"
@@ -20,11 +21,14 @@ class LexicalErrors {
   ~LexicalErrors() = default;
 };
 
-// `text` must outlive the lexer and be followed by a NUL, as a string's is.
+// `text` must be followed by a NUL, as a string's is. It and its map must outlive the lexer.
 class Lexer {
  public:
-  Lexer(fl::ustring_view text, LexicalErrors& errors)
-      : text_(text.data()), size_(static_cast<std::uint32_t>(text.size())), errors_(&errors) {}
+  Lexer(fl::ustring_view text, const CharacterMap& map, LexicalErrors& errors)
+      : text_(text.data()),
+        size_(static_cast<std::uint32_t>(text.size())),
+        map_(&map),
+        errors_(&errors) {}
 
   // The token at `from`, or the next one behind blanks and comments.
   Token scan(std::uint32_t from);
@@ -75,21 +79,27 @@ class Lexer {
  private:
   Token extendName(Token first, std::uint32_t parts) const;
   Token scanName(Token token) const;
-  // The end of the name that begins at `position`, and its hash, continued from `hash`.
-  std::uint32_t nameEnd(std::uint32_t position, std::uint32_t& hash) const;
+  Token scanWide(Token token) const;
+  // The end of the name that begins at `position`.
+  std::uint32_t nameEnd(std::uint32_t position) const;
   // The length in code units of a letter beyond ASCII at `position`, or 0.
   std::uint32_t wideLetterLength(std::uint32_t position) const;
   Token scanOperator(Token token) const;
+  Token scanPoint(Token token) const;
+  // Behind the blanks that begin at `position`.
+  std::uint32_t skipBlanks(std::uint32_t position) const;
+  // Behind the line end of the line; a text need not end with one.
+  std::uint32_t skipLine(std::uint32_t position) const;
   std::uint32_t skipLineEnds(std::uint32_t position);
   std::uint32_t skipComment(std::uint32_t position);
   std::uint32_t skipBlockComment(std::uint32_t position);
-  std::uint32_t findLineEnd(std::uint32_t position) const;
   // Whether only `%` and `mark` stand on the line of the `%` at `position`.
   bool isBlockCommentLine(std::uint32_t position, char16_t mark) const;
   Number scanBasedNumber(std::uint32_t begin, unsigned bitsPerDigit) const;
 
   const char16_t* text_;
   std::uint32_t size_;
+  const CharacterMap* map_;
   LexicalErrors* errors_;
 };
 

@@ -4,19 +4,25 @@
 
 namespace ca {
 
-LineTable::LineTable(fl::ustring_view text) {
+LineTable::LineTable(const CharacterMap& map, std::size_t size) : marks_(size / unitsPerMark + 1) {
   constexpr std::size_t usualLineLength = 32;
-  starts_.reserve(text.size() / usualLineLength + 1);
+  starts_.reserve(size / usualLineLength + 2);
   starts_.push_back(0);
-  for (std::size_t at = text.find(u'\n'); at != fl::ustring_view::npos;
-       at = text.find(u'\n', at + 1)) {
-    starts_.push_back(static_cast<std::uint32_t>(at + 1));
-  }
+  std::uint32_t line = 0;
+  std::uint32_t mark = 0;
+  map.forEachLineEnd([&](std::uint32_t position) {
+    for (; mark * unitsPerMark <= position; ++mark) marks_[mark] = line;
+    starts_.push_back(position + 1);
+    ++line;
+  });
+  std::fill(marks_.begin() + mark, marks_.end(), line);
+  starts_.push_back(UINT32_MAX);
 }
 
 std::uint32_t LineTable::lineOf(std::uint32_t position) const {
-  const auto behind = std::upper_bound(starts_.begin(), starts_.end(), position);
-  return static_cast<std::uint32_t>(behind - starts_.begin() - 1);
+  std::uint32_t line = marks_[position / unitsPerMark];
+  while (starts_[line + 1] <= position) ++line;
+  return line;
 }
 
 }  // namespace ca

@@ -4,21 +4,27 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/text/UString.h"
+#include "platform/analyzer/CharacterMap.h"
 
 namespace ca {
 
 class LineTable {
  public:
-  explicit LineTable(fl::ustring_view text);
+  // `size` is that of the text that `map` was made of.
+  LineTable(const CharacterMap& map, std::size_t size);
 
-  // The zero-based line of the code unit at `position`.
+  // The zero-based line of the code unit at `position`, which may be just behind the text.
   std::uint32_t lineOf(std::uint32_t position) const;
   // The position of the first code unit of a line.
   std::uint32_t startOf(std::uint32_t line) const { return starts_[line]; }
 
  private:
+  static constexpr std::uint32_t unitsPerMark = 64;
+
+  // With one more behind the last line, which no position reaches.
   std::vector<std::uint32_t> starts_;
+  // The line of every 64th code unit, from which it is not far to the line of any other.
+  std::vector<std::uint32_t> marks_;
 };
 
 }  // namespace ca

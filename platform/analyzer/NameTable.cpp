@@ -1,5 +1,9 @@
 #include "platform/analyzer/NameTable.h"
 
+#include <algorithm>
+
+#include "platform/analyzer/NameHash.h"
+
 namespace ca {
 
 using astapi::internal::InternedName;
@@ -8,35 +12,54 @@ namespace {
 
 constexpr std::size_t initialSlots = 256;
 
-// The multiplication of the hash leaves its best bits on top.
-std::size_t slotOf(std::uint32_t hash, std::size_t slots) {
-  return (hash ^ hash >> 15U) & (slots - 1);
-}
-
 }  // namespace
 
-NameTable::NameTable() : slots_(initialSlots) {}
-
-const InternedName* NameTable::intern(fl::ustring_view name, std::uint32_t hash) {
-  std::size_t slot = slotOf(hash, slots_.size());
-  while (const InternedName* entry = slots_[slot]) {
-    if (entry->hash == hash && entry->text == name) return entry;
-    slot = (slot + 1) & (slots_.size() - 1);
+NameTable::~NameTable() {
+  for (const InternedName* name = last_; name != nullptr; name = name->previous) {
+    delete name->string.load(std::memory_order_relaxed);
   }
-  InternedName& added = names_.emplace_back();
-  added.text = name;
-  added.hash = hash;
-  slots_[slot] = &added;
-  if (names_.size() * 2 > slots_.size()) grow();
-  return &added;
 }
 
-void NameTable::grow() {
-  slots_.assign(slots_.size() * 2, nullptr);
-  for (const InternedName& name : names_) {
-    std::size_t slot = slotOf(name.hash, slots_.size());
-    while (slots_[slot] != nullptr) slot = (slot + 1) & (slots_.size() - 1);
-    slots_[slot] = &name;
+void NameTable::Slots::clear() {
+  slots_.resize(initialSlots);
+  std::fill(slots_.begin(), slots_.end(), nullptr);
+  used_ = 0;
+}
+
+const InternedName* NameTable::intern(fl::ustring_view name, Slots& slots) {
+  const std::uint32_t hash = astapi::internal::hashName(name);
+  const std::size_t mask = slots.slots_.size() - 1;
+  std::size_t slot = hash & mask;
+  while (const InternedName* entry = slots.slots_[slot]) {
+    if (entry->hash == hash && entry->length == name.size() &&
+        astapi::internal::isSameName(entry->text, name.data(), name.size())) {
+      return entry;
+    }
+    slot = (slot + 1) & mask;
+  }
+  const InternedName* added = add(name, hash);
+  slots.slots_[slot] = added;
+  if (++slots.used_ * 2 > slots.slots_.size()) grow(slots);
+  return added;
+}
+
+const InternedName* NameTable::add(fl::ustring_view name, std::uint32_t hash) {
+  auto* added = arena_->make<InternedName>();
+  added->text = name.data();
+  added->length = static_cast<std::uint32_t>(name.size());
+  added->hash = hash;
+  added->previous = last_;
+  last_ = added;
+  return added;
+}
+
+void NameTable::grow(Slots& slots) const {
+  slots.slots_.assign(slots.slots_.size() * 2, nullptr);
+  const std::size_t mask = slots.slots_.size() - 1;
+  for (const InternedName* name = last_; name != nullptr; name = name->previous) {
+    std::size_t slot = name->hash & mask;
+    while (slots.slots_[slot] != nullptr) slot = (slot + 1) & mask;
+    slots.slots_[slot] = name;
   }
 }
 

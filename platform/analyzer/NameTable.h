@@ -2,30 +2,46 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <vector>
 
+#include "platform/analyzer/Arena.h"
 #include "platform/analyzer/SourceText.h"
 #include "platform/text/UString.h"
 
 namespace ca {
 
+// Names lie in the arena of their tree and point into its text; both must outlive the table.
 class NameTable {
  public:
-  NameTable();
+  explicit NameTable(Arena* arena) : arena_(arena) {}
   NameTable(const NameTable&) = delete;
   NameTable& operator=(const NameTable&) = delete;
+  ~NameTable();
 
-  // The one entry for `name`, whose hash by astapi::internal::hashName is `hash`. Lives as long as
-  // the table.
-  const astapi::internal::InternedName* intern(fl::ustring_view name, std::uint32_t hash);
+  // The places where names are looked up, which only the making of a tree needs: one text after the
+  // other may use the same memory.
+  class Slots {
+   public:
+    void clear();
+
+   private:
+    friend class NameTable;
+
+    // Open addressing over a power of two of slots.
+    std::vector<const astapi::internal::InternedName*> slots_;
+    std::size_t used_ = 0;
+  };
+
+  // The one entry for `name`, which stands in the text. Lives as long as the arena. `slots` must be
+  // the same in all calls, and empty in the first.
+  const astapi::internal::InternedName* intern(fl::ustring_view name, Slots& slots);
 
  private:
-  void grow();
+  const astapi::internal::InternedName* add(fl::ustring_view name, std::uint32_t hash);
+  void grow(Slots& slots) const;
 
-  std::deque<astapi::internal::InternedName> names_;
-  // Open addressing over a power of two of slots.
-  std::vector<const astapi::internal::InternedName*> slots_;
+  Arena* arena_;
+  const astapi::internal::InternedName* last_ = nullptr;
 };
 
 }  // namespace ca

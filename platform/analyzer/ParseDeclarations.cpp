@@ -52,10 +52,11 @@ void Parser::parseSize(astapi::ValidationNode& validation) {
       fail("a whole number or `:` as a size");
       break;
     }
-    const std::string written = describe(token_);
+    const Token written = token_;
     const Node* number = parseNumber();
     if (!isWholeNumber(*number)) {
-      report(number->position, "expected a whole number or `:` as a size, found " + written);
+      report(number->position,
+             "expected a whole number or `:` as a size, found " + describe(written));
     }
     size.add(number);
   } while (accept(TokenKind::Comma));

@@ -39,8 +39,14 @@ bool beginsStatement(TokenKind kind) { return isKeyword(kind) && kind != TokenKi
 
 }  // namespace
 
-Parser::Parser(fl::ustring_view text, Arena& arena, NameTable& names, FunctionStyleType style)
-    : lexer_(text, *this), arena_(arena), names_(names), style_(style) {}
+Parser::Parser(fl::ustring_view text, ParserMemory& memory, Arena& arena, NameTable& names,
+               FunctionStyleType style)
+    : lexer_(text, memory.map(), *this),
+      memory_(memory),
+      arena_(arena),
+      names_(names),
+      style_(style),
+      scratch_(memory.elements()) {}
 
 Parser::Result Parser::parse() {
   auto* root = makeNode<astapi::ListNode>(NodeKind::SourceText, 0);
@@ -89,7 +95,7 @@ Parser::Identifier* Parser::makeIdentifier(const Token& token) {
   identifier->lastPosition = token.end - 1;
   const fl::ustring_view text = lexer_.textOf(token);
   identifier->text = astapi::SourceText(text);
-  identifier->id = astapi::StringId(names_.intern(text, token.hash));
+  identifier->id = astapi::StringId(names_.intern(text, memory_.slots()));
   return identifier;
 }
 
@@ -105,9 +111,7 @@ Parser::Identifier* Parser::takeDottedName() {
 }
 
 Parser::Identifier* Parser::makeNameless() {
-  Token nothing{.begin = lastEnd_, .end = lastEnd_};
-  nothing.hash = astapi::internal::hashName({});
-  return makeIdentifier(nothing);
+  return makeIdentifier(Token{.begin = lastEnd_, .end = lastEnd_});
 }
 
 Parser::Node* Parser::takeLeaf(NodeKind kind) {
@@ -185,6 +189,7 @@ void Parser::reportLexicalError(std::uint32_t position, const char* message) {
 }
 
 void Parser::reportNulCharacters() {
+  if (!memory_.map().hasNul()) return;
   for (std::uint32_t at = 0; at < lexer_.size(); ++at) {
     if (lexer_.at(at) == 0) report(at, "expected text, found the character U+0000");
   }

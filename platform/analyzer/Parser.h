@@ -14,6 +14,7 @@
 #include "platform/analyzer/Ast.h"
 #include "platform/analyzer/Lexer.h"
 #include "platform/analyzer/NameTable.h"
+#include "platform/analyzer/ParserMemory.h"
 
 namespace ca {
 
@@ -39,8 +40,9 @@ class Parser final : private LexicalErrors {
   // Whether the functions of a file without a class are closed by `end`.
   enum class FunctionStyleType { closed, open };
 
-  // All arguments must outlive the parser.
-  Parser(fl::ustring_view text, Arena& arena, NameTable& names, FunctionStyleType style);
+  // All arguments must outlive the parser. `memory` must have read the text.
+  Parser(fl::ustring_view text, ParserMemory& memory, Arena& arena, NameTable& names,
+         FunctionStyleType style);
 
   Result parse();
 
@@ -204,6 +206,7 @@ class Parser final : private LexicalErrors {
   astapi::PairNode* makePair(NodeKind kind, const Node* left, const Node* right);
 
   Lexer lexer_;
+  ParserMemory& memory_;
   Arena& arena_;
   NameTable& names_;
   FunctionStyleType style_;
@@ -221,7 +224,7 @@ class Parser final : private LexicalErrors {
   unsigned depth_ = 0;
   std::vector<BracketType> openBrackets_;
   // The elements of the lists under way.
-  std::vector<const Node*> scratch_;
+  std::vector<const Node*>& scratch_;
   const astapi::Classdef* classdef_ = nullptr;
   std::vector<SyntaxErrorRecord> errors_;
 };

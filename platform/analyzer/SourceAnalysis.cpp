@@ -6,10 +6,6 @@ namespace ca {
 
 namespace {
 
-// What a usual class needs for its nodes, so that one block of memory serves.
-constexpr std::size_t arenaBytesPerCodeUnit = 10;
-constexpr std::size_t smallestArenaBlock = 4096;
-
 bool hasFunction(const astapi::Node& root) {
   for (const astapi::Node* element : static_cast<const astapi::ListNode&>(root).elements) {
     if (element->kind == lf::astapi::NodeKind::FunctionDefinition) return true;
@@ -25,18 +21,20 @@ bool isLessFaulty(const Parser::Result& left, const Parser::Result& right) {
 }  // namespace
 
 SourceAnalysis::SourceAnalysis(fl::ustring text)
-    : text_(std::move(text)),
-      lines_(text_),
-      arena_(smallestArenaBlock + text_.size() * arenaBytesPerCodeUnit) {
+    : SourceAnalysis(std::move(text), ParserMemory::ofThread()) {}
+
+SourceAnalysis::SourceAnalysis(fl::ustring text, ParserMemory& memory)
+    : text_(std::move(text)), lines_(memory.read(text_), text_.size()), names_(&arena_) {
   using Style = Parser::FunctionStyleType;
-  Parser::Result result = Parser(text_, arena_, names_, Style::closed).parse();
+  Parser::Result result = Parser(text_, memory, arena_, names_, Style::closed).parse();
   // In a file without a class all functions may do without their `end`.
   const bool isFaulty = !result.errors.empty() || result.isTooDeep;
   if (result.classdef == nullptr && isFaulty && hasFunction(*result.root)) {
-    Parser::Result open = Parser(text_, arena_, names_, Style::open).parse();
+    Parser::Result open = Parser(text_, memory, arena_, names_, Style::open).parse();
     if (open.classdef == nullptr && isLessFaulty(open, result)) result = std::move(open);
   }
   take(std::move(result));
+  memory.shrink();
 }
 
 void SourceAnalysis::take(Parser::Result result) {

@@ -34,6 +34,8 @@ class SourceAnalysis final : public AnalysisResult {
  private:
   void take(Parser::Result result);
 
+  SourceAnalysis(fl::ustring text, ParserMemory& memory);
+
   fl::ustring text_;
   LineTable lines_;
   Arena arena_;

@@ -1,43 +1,39 @@
 #include "platform/analyzer/SourceText.h"
 
 #include <memory>
-#include <random>
+
+#include "platform/analyzer/NameHash.h"
 
 namespace ca::astapi {
 
-namespace internal {
-
-const std::uint32_t nameHashSeed = std::random_device()();
-
-std::uint32_t hashName(fl::ustring_view name) {
-  std::uint32_t hash = nameHashSeed;
-  for (const char16_t unit : name) hash = extendNameHash(hash, unit);
-  return hash;
-}
-
-}  // namespace internal
-
 StringId::StringId(const fl::ustring& name) {
   auto owned = std::make_unique<internal::InternedName>();
-  owned->text = name;
-  owned->hash = internal::hashName(name);
+  auto string = std::make_unique<const fl::ustring>(name);
+  owned->text = string->data();
+  owned->length = static_cast<std::uint32_t>(string->size());
+  owned->hash = internal::hashName(*string);
   owned->owners = 1;
+  owned->string = string.release();
   name_ = owned.release();
 }
 
 const fl::ustring& StringId::getString() const {
   static const fl::ustring empty;
-  return name_ != nullptr ? name_->text : empty;
+  if (name_ == nullptr) return empty;
+  if (const fl::ustring* made = name_->string.load(std::memory_order_acquire)) return *made;
+  auto string = std::make_unique<const fl::ustring>(name_->view());
+  const fl::ustring* current = nullptr;
+  // Another thread may have been first.
+  if (!name_->string.compare_exchange_strong(current, string.get())) return *current;
+  return *string.release();
 }
 
-void StringId::share() const {
-  if (name_ == nullptr || name_->owners == internal::InternedName::ownedByTable) return;
-  name_->owners.fetch_add(1, std::memory_order_relaxed);
-}
+void StringId::addOwner() const { name_->owners.fetch_add(1, std::memory_order_relaxed); }
 
-void StringId::release() const {
-  if (name_ == nullptr || name_->owners == internal::InternedName::ownedByTable) return;
-  if (name_->owners.fetch_sub(1, std::memory_order_acq_rel) == 1) delete name_;
+void StringId::removeOwner() const {
+  if (name_->owners.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
+  delete name_->string.load(std::memory_order_relaxed);
+  delete name_;
 }
 
 }  // namespace ca::astapi

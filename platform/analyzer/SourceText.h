@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <utility>
 
 #include "platform/text/UString.h"
 
@@ -28,25 +29,21 @@ class SourceText {
 namespace internal {
 
 // One name of a name table. `owners` counts the StringIds that share a name of no table; a name in
-// a table belongs to the table.
+// a table belongs to the table, and its text is that of the analysis.
 struct InternedName {
   static constexpr std::uint32_t ownedByTable = 0xFFFFFFFF;
 
-  fl::ustring text;
+  const char16_t* text = nullptr;
+  std::uint32_t length = 0;
   std::uint32_t hash = 0;
   mutable std::atomic<std::uint32_t> owners = ownedByTable;
+  // The name as a string, made when somebody first asks for one.
+  mutable std::atomic<const fl::ustring*> string = nullptr;
+  // The name that its table took up before it.
+  const InternedName* previous = nullptr;
+
+  fl::ustring_view view() const { return {text, length}; }
 };
-
-// The hash of the empty name. It differs from process to process, so that nobody can make up a text
-// whose names all have one hash.
-extern const std::uint32_t nameHashSeed;
-
-// Continues the hash `hash` of a name by one code unit.
-constexpr std::uint32_t extendNameHash(std::uint32_t hash, char16_t unit) {
-  return (hash ^ unit) * 0x9E3779B1U;
-}
-
-std::uint32_t hashName(fl::ustring_view name);
 
 }  // namespace internal
 
@@ -71,13 +68,20 @@ class StringId {
 
   friend bool operator==(const StringId& left, const StringId& right) {
     if (left.name_ == right.name_) return true;
-    return left.hash() == right.hash() && left.getString() == right.getString();
+    if (left.name_ == nullptr || right.name_ == nullptr) return left.isEmpty() && right.isEmpty();
+    return left.name_->hash == right.name_->hash && left.name_->view() == right.name_->view();
   }
 
  private:
-  std::uint32_t hash() const { return name_ != nullptr ? name_->hash : internal::nameHashSeed; }
-  void share() const;
-  void release() const;
+  bool isEmpty() const { return name_ == nullptr || name_->length == 0; }
+  void share() const {
+    if (name_ != nullptr && name_->owners != internal::InternedName::ownedByTable) addOwner();
+  }
+  void release() const {
+    if (name_ != nullptr && name_->owners != internal::InternedName::ownedByTable) removeOwner();
+  }
+  void addOwner() const;
+  void removeOwner() const;
 
   const internal::InternedName* name_ = nullptr;
 };

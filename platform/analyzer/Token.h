@@ -77,8 +77,6 @@ struct Token {
   bool blankBefore = false;
   std::uint32_t begin = 0;
   std::uint32_t end = 0;
-  // For identifiers and keywords: the hash of the name.
-  std::uint32_t hash = 0;
 };
 
 }  // namespace ca
