@@ -105,6 +105,7 @@ void UpdateRun::computeAll() {
 }
 
 TargetOutcome UpdateRun::work(const Target& target) {
+  const fl::filesystem::FileView::Scope scope(view_);
   TargetOutcome outcome = updater_.update(target);
   for (ClassOutcome& entry : outcome.classes) {
     if (asksGit_ && entry.hasNewFile()) checkUncommitted(entry);

@@ -20,6 +20,7 @@
 #include "cli/Summary.h"
 #include "cli/Targets.h"
 #include "cli/UpdateReport.h"
+#include "platform/paths/FileView.h"
 
 namespace soca::cli {
 
@@ -66,6 +67,8 @@ class UpdateRun {
   const Options* options_;
   const ClassRoots* roots_;
   Console* console_;
+  // All is computed from the files as they stand before the run.
+  fl::filesystem::FileView view_;
   FileNames names_;
   Git git_;
   Targets targets_;

@@ -1,6 +1,5 @@
 #include "platform/analyzer/FileAnalysis.h"
 
-#include <optional>
 #include <utility>
 
 #include "platform/analyzer/Analyzer.h"
@@ -11,14 +10,11 @@ namespace ca {
 
 namespace {
 
-using fl::filesystem::FileStamp;
-
 // An analysis and what it was made of: the file as it was then, or an overlay text.
 struct Remembered {
   std::string path;
-  std::optional<FileStamp> stamp;
   std::shared_ptr<const fl::ustring> overlay;
-  std::shared_ptr<SourceAnalysis> analysis;
+  FileAnalysis file;
 };
 
 // The class runtime and the service ask for the same class one after the other.
@@ -27,34 +23,32 @@ Remembered& lastOfThread() {
   return last;
 }
 
-std::shared_ptr<SourceAnalysis> analyzeOverlay(const std::string& path,
-                                               std::shared_ptr<const fl::ustring> overlay) {
+FileAnalysis analyzeOverlay(const std::string& path, std::shared_ptr<const fl::ustring> overlay) {
   Remembered& last = lastOfThread();
-  if (last.analysis != nullptr && last.overlay == overlay && last.path == path)
-    return last.analysis;
+  if (last.overlay == overlay && last.path == path) return last.file;
   last = {};
-  auto analysis = std::make_shared<SourceAnalysis>(*overlay);
-  last = {.path = path, .stamp = {}, .overlay = std::move(overlay), .analysis = analysis};
-  return analysis;
+  FileAnalysis file{std::make_shared<SourceAnalysis>(*overlay), {}};
+  last = {path, std::move(overlay), file};
+  return file;
 }
 
 }  // namespace
 
-std::shared_ptr<SourceAnalysis> analyzeFile(const std::string& path) {
+FileAnalysis analyzeFile(const std::string& path) {
   if (auto overlay = fl::filesystem::findOverlay(path)) return analyzeOverlay(path, overlay);
   Remembered& last = lastOfThread();
-  if (last.analysis != nullptr && last.stamp && last.path == path &&
-      fl::filesystem::stampOf(path) == last.stamp) {
-    return last.analysis;
+  if (last.file.stamp && last.path == path &&
+      fl::filesystem::stampInView(path) == last.file.stamp) {
+    return last.file;
   }
   last = {};
   try {
-    auto file = fl::filesystem::readSourceFile(path, maximumFileSize);
-    auto analysis = std::make_shared<SourceAnalysis>(std::move(file.text));
-    if (!file.recentlyChanged) {
-      last = {.path = path, .stamp = file.stamp, .overlay = {}, .analysis = analysis};
-    }
-    return analysis;
+    auto source = fl::filesystem::readSourceFile(path, maximumFileSize);
+    FileAnalysis file{std::make_shared<SourceAnalysis>(std::move(source.text)), {}};
+    if (source.recentlyChanged) return file;
+    file.stamp = source.stamp;
+    last = {path, nullptr, file};
+    return file;
   } catch (const fl::filesystem::ReadError& error) {
     throw InvalidAnalysisException(error.what());
   }

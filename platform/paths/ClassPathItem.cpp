@@ -1,12 +1,11 @@
 #include "platform/paths/ClassPathItem.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <string>
 #include <string_view>
 
 #include "platform/paths/Overlay.h"
+#include "platform/paths/SourceReader.h"
 #include "platform/text/Conversions.h"
 #include "platform/text/Letters.h"
 
@@ -23,8 +22,7 @@ bool isClassName(fl::ustring_view name) {
 
 // Whether a file or a folder is at the path, or a text lies over it.
 bool exists(const std::string& path) {
-  struct stat status;
-  return ::stat(path.c_str(), &status) == 0 || fl::filesystem::findOverlay(path) != nullptr;
+  return fl::filesystem::findOverlay(path) != nullptr || fl::filesystem::stampInView(path);
 }
 
 // The extension of the class's file under the root, with its point; empty if there is none.

@@ -16,6 +16,17 @@ using Text = std::shared_ptr<const ustring>;
 // The texts over each path, the youngest last; no entry is empty.
 thread_local std::unordered_map<std::string, std::vector<Text>> overlays;
 
+// Whether the path is `.../a/b/C` and an extension for the class `a.b.C`.
+bool isPathOfClass(std::string_view path, std::string_view className) {
+  path = path.substr(0, path.rfind('.'));
+  if (path.size() <= className.size()) return false;
+  const std::string_view end = path.substr(path.size() - className.size());
+  return path[path.size() - className.size() - 1] == '/' &&
+         std::ranges::equal(end, className, [](char c, char ofName) {
+           return c == (ofName == '.' ? '/' : ofName);
+         });
+}
+
 }  // namespace
 
 OverlayScope::OverlayScope(const std::string& path, std::shared_ptr<const ustring> text)
@@ -44,5 +55,10 @@ std::shared_ptr<const ustring> findOverlay(const ustring& path) {
 }
 
 bool hasOverlays() { return !overlays.empty(); }
+
+bool hasOverlayOfClass(std::string_view className) {
+  return std::ranges::any_of(
+      overlays, [&](const auto& overlay) { return isPathOfClass(overlay.first, className); });
+}
 
 }  // namespace fl::filesystem

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "platform/text/UString.h"
 
@@ -33,5 +34,10 @@ std::shared_ptr<const ustring> findOverlay(const ustring& path);
 
 // Whether any text lies over any path on this thread.
 bool hasOverlays();
+
+// Whether a text lies over a path on this thread that may be the file of the class under some root:
+// one with the class's name in its last segments, in front of an extension. `className` is dotted
+// and in UTF-8.
+bool hasOverlayOfClass(std::string_view className);
 
 }  // namespace fl::filesystem

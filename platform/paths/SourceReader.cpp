@@ -10,6 +10,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "platform/paths/ViewMemory.h"
+
 namespace fl::filesystem {
 namespace {
 
@@ -118,6 +120,14 @@ std::optional<FileStamp> stampOf(const std::string& path) {
   return makeStamp(status);
 }
 
+std::optional<FileStamp> stampInView(const std::string& path) {
+  thread_local ViewMemory<std::optional<FileStamp>, 512> known;
+  if (const auto* stamp = known.find(path)) return *stamp;
+  const std::optional<FileStamp> stamp = stampOf(path);
+  known.keep(path, stamp);
+  return stamp;
+}
+
 SourceFileText readSourceFile(const std::string& path, std::uint64_t maximumSize) {
   const std::int64_t start = now();
   const OpenFile file(path);
@@ -126,8 +136,7 @@ SourceFileText readSourceFile(const std::string& path, std::uint64_t maximumSize
   const Bytes bytes = readBytes(file, static_cast<std::size_t>(status.st_size));
   DecodedText decoded = decodeFileText(bytes.view());
   SourceFileText result{std::move(decoded.text), decoded.encoding, makeStamp(status), false};
-  result.recentlyChanged =
-      start - result.stamp.changeTime < settlingTime || makeStamp(file.getStatus()) != result.stamp;
+  result.recentlyChanged = start - result.stamp.changeTime < settlingTime;
   return result;
 }
 

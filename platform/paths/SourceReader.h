@@ -31,13 +31,17 @@ struct FileStamp {
 // The stamp of what is at the path now, links followed; nothing if nothing is there.
 std::optional<FileStamp> stampOf(const std::string& path);
 
+// The same; under a view in force it may be the stamp of an earlier moment of the view.
+std::optional<FileStamp> stampInView(const std::string& path);
+
 struct SourceFileText {
   ustring text;
   EncodingType encoding = EncodingType::utf8;
   // As of the moment before it was read.
   FileStamp stamp;
-  // Whether it was read within 20 ms of its time of change, or changed meanwhile. A later change
-  // may then have the same stamp, so the text must not be kept under it.
+  // Whether it was read within 20 ms of its time of change. A later change may then have the same
+  // stamp, so the text must not be kept under it. A change after these 20 ms gives another stamp,
+  // even while the file is being read.
   bool recentlyChanged = false;
 };
 

@@ -7,12 +7,14 @@
 namespace tarn {
 
 ClassObject::ClassObject(std::shared_ptr<const sotarn::ClassDescription> description)
-    : description_(std::move(description)) {}
+    : description_(std::move(description)),
+      hierarchy_(std::make_shared<const sotarn::Hierarchy>(description_)) {}
 
 bool ClassObject::isDerivedFrom(const InternedId& base) const {
-  return sotarn::anyInHierarchy(description_, [&](const sotarn::ClassDescription& description) {
-    return description.name == base.name;
-  });
+  const auto isBase = [&](const sotarn::ClassDescription& ancestor) {
+    return ancestor.name == base.name;
+  };
+  return hierarchy_->find(isBase) != nullptr;
 }
 
 InternedId ClassObject::getID() const { return internal::makeInterned(description_->name); }

@@ -6,6 +6,10 @@
 #include "platform/runtime/ClassDescription.h"
 #include "platform/runtime/InternedId.h"
 
+namespace sotarn {
+class Hierarchy;
+}
+
 namespace tarn {
 
 // A class that exists.
@@ -22,6 +26,7 @@ class ClassObject {
 
  private:
   std::shared_ptr<const sotarn::ClassDescription> description_;
+  std::shared_ptr<const sotarn::Hierarchy> hierarchy_;
 };
 
 // Holds a class object, or none for a class that does not exist.

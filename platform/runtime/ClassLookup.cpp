@@ -12,6 +12,7 @@
 #include "platform/paths/NativePath.h"
 #include "platform/paths/Overlay.h"
 #include "platform/paths/SourceReader.h"
+#include "platform/paths/ViewMemory.h"
 #include "platform/runtime/ClassDescription.h"
 #include "platform/runtime/ClassTable.h"
 #include "platform/runtime/CurrentClassTable.h"
@@ -49,14 +50,24 @@ std::string readHead(const std::string& path) {
   return head;
 }
 
-// What the file says of its class; nothing if it can't be read at all.
-std::shared_ptr<ClassDescription> readDescription(const std::string& path) {
+// What a file says of its class.
+struct ReadDescription {
+  std::shared_ptr<ClassDescription> description;
+  // The state of the file that it comes from; nothing when it must not be kept under that.
+  std::optional<FileStamp> stamp;
+};
+
+// Nothing in it if the file can't be read at all.
+ReadDescription readDescription(const std::string& path) {
   try {
-    return describeAnalysis(*ca::analyzeFile(path));
+    const ca::FileAnalysis file = ca::analyzeFile(path);
+    return {describeAnalysis(*file.analysis), file.stamp};
   } catch (const ca::InvalidAnalysisException&) {
     const std::optional<FileStamp> stamp = fl::filesystem::stampOf(path);
-    if (!stamp || stamp->size <= ca::maximumFileSize) return std::make_shared<ClassDescription>();
-    return describeAnalysis(ca::SourceAnalysis(fl::decodeFileText(readHead(path)).text));
+    if (!stamp || stamp->size <= ca::maximumFileSize) {
+      return {std::make_shared<ClassDescription>(), stamp};
+    }
+    return {describeAnalysis(ca::SourceAnalysis(fl::decodeFileText(readHead(path)).text)), stamp};
   }
 }
 
@@ -103,7 +114,7 @@ Description describeOverlay(const std::string& name, const std::string& path,
   thread_local OverlayDescriptions kept;
   const std::string key = name + '\0' + path;
   if (Description known = kept.find(key, text)) return known;
-  auto description = readDescription(path);
+  auto description = readDescription(path).description;
   description->name = name;
   description->sourcePath = path;
   kept.keep(key, text, description);
@@ -114,19 +125,18 @@ Description describeFile(const std::string& name, const std::string& path) {
   if (const auto overlay = fl::filesystem::findOverlay(path)) {
     return describeOverlay(name, path, overlay);
   }
-  const std::optional<FileStamp> stamp = fl::filesystem::stampOf(path);
+  const std::optional<FileStamp> stamp = fl::filesystem::stampInView(path);
   // One file may be the file of several classes, under roots inside each other.
   const std::string key = name + '\0' + path;
   if (stamp) {
     if (Description kept = cache().find(key, *stamp)) return kept;
   }
   const std::int64_t readAt = nanosecondsSinceEpoch();
-  auto description = readDescription(path);
+  auto [description, stampOfText] = readDescription(path);
   description->name = name;
   description->sourcePath = path;
-  // The stamp is older than the reading; a file that changed in between has another one now.
-  if (stamp && !isRecent(*stamp, readAt) && fl::filesystem::stampOf(path) == stamp) {
-    cache().keep(key, *stamp, description);
+  if (stampOfText && !isRecent(*stampOfText, readAt)) {
+    cache().keep(key, *stampOfText, description);
   }
   return description;
 }
@@ -142,7 +152,7 @@ std::string nativePath(const ClassPathItem& item, const fl::ustring& file) {
 Description describePFile(const std::string& name, const ClassPathItem& item) {
   const fl::ustring source = item.file.substr(0, item.file.size() - 1) + u"vlm";
   const std::string path = nativePath(item, source);
-  if (fl::filesystem::findOverlay(path) != nullptr || fl::filesystem::stampOf(path)) {
+  if (fl::filesystem::findOverlay(path) != nullptr || fl::filesystem::stampInView(path)) {
     return describeFile(name, path);
   }
   auto description = std::make_shared<ClassDescription>();
@@ -151,14 +161,34 @@ Description describePFile(const std::string& name, const ClassPathItem& item) {
   return description;
 }
 
-// What the environment or the class path knows of the class.
-Description describeKnown(const std::string& name) {
-  if (Description environment = describeEnvironmentClass(name)) return environment;
+// What the class path knows of the class.
+Description describeOnPath(const std::string& name) {
   const auto item =
       omGetMatchingClassPathItem(PathDispatcher::getDispatcher(), fl::i18n::to_ustring(name));
   if (item == nullptr) return nullptr;
   return isPFile(*item) ? describePFile(name, *item)
                         : describeFile(name, nativePath(*item, item->file));
+}
+
+// The same; what a thread learns of a class under a view of the files holds for the whole view,
+// unless a text lies over the class.
+Description describeInView(std::string_view name) {
+  struct Known {
+    const std::vector<PathDispatcher::Root>* roots = nullptr;
+    Description description;
+  };
+  thread_local fl::filesystem::ViewMemory<Known, 256> memory;
+  if (fl::filesystem::hasOverlayOfClass(name)) return describeOnPath(std::string(name));
+  const auto* roots = &PathDispatcher::getDispatcher().roots();
+  const Known* known = memory.find(name);
+  if (known != nullptr && known->roots == roots) return known->description;
+  Description description = describeOnPath(std::string(name));
+  // The count of owners of one that all threads share would go back and forth between them.
+  if (description != nullptr) {
+    description = Description(std::make_shared<Description>(description), description.get());
+  }
+  memory.keep(name, {roots, description});
+  return description;
 }
 
 template <class T>
@@ -167,7 +197,7 @@ void replaceIfGiven(T& value, const std::optional<T>& given) {
 }
 
 // The description with what the class table says in place of it.
-Description withTable(const std::string& name, const Description& known,
+Description withTable(std::string_view name, const Description& known,
                       const ClassTableEntry& entry) {
   auto description = known != nullptr ? std::make_shared<ClassDescription>(*known)
                                       : std::make_shared<ClassDescription>();
@@ -189,12 +219,12 @@ Description withTable(const std::string& name, const Description& known,
 
 Description describeClass(std::string_view name) {
   if (name.empty()) return nullptr;
-  const std::string className(name);
-  Description known = describeKnown(className);
-  const std::shared_ptr<const ClassTable> table = currentClassTable();
-  if (table == nullptr) return known;
-  const auto entry = table->find(className);
-  return entry == table->end() ? known : withTable(className, known, entry->second);
+  const ClassTable* table = currentClassTable();
+  ClassTable::const_iterator entry;
+  const bool isInTable = table != nullptr && (entry = table->find(name)) != table->end();
+  Description known = describeEnvironmentClass(name);
+  if (known == nullptr) known = describeInView(name);
+  return isInTable ? withTable(name, known, entry->second) : known;
 }
 
 }  // namespace sotarn

@@ -5,8 +5,10 @@
 #include <algorithm>
 #include <atomic>
 #include <functional>
+#include <mutex>
 #include <nlohmann/json.hpp>
 #include <utility>
+#include <vector>
 
 #include "platform/runtime/CurrentClassTable.h"
 #include "platform/text/Conversions.h"
@@ -128,11 +130,8 @@ ClassTableEntry readEntry(const Json& object, const Place& place) {
   return entry;
 }
 
-// A plain lock would do as well; this is read once a class.
-std::atomic<std::shared_ptr<const ClassTable>>& currentTable() {
-  static std::atomic<std::shared_ptr<const ClassTable>> table;
-  return table;
-}
+// Read at every question about a class, without a lock: so what was set once is kept for ever.
+std::atomic<const ClassTable*> currentTable = nullptr;
 
 }  // namespace
 
@@ -156,8 +155,14 @@ ClassTable parseClassTable(std::string_view json) {
   return table;
 }
 
-void setClassTable(std::shared_ptr<const ClassTable> table) { currentTable() = std::move(table); }
+void setClassTable(std::shared_ptr<const ClassTable> table) {
+  static std::mutex mutex;
+  static auto& history = *new std::vector<std::shared_ptr<const ClassTable>>();
+  const std::lock_guard lock(mutex);
+  currentTable = table.get();
+  if (table != nullptr) history.push_back(std::move(table));
+}
 
-std::shared_ptr<const ClassTable> currentClassTable() { return currentTable(); }
+const ClassTable* currentClassTable() { return currentTable; }
 
 }  // namespace sotarn

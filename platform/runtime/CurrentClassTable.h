@@ -1,13 +1,11 @@
 // The class table that a client has set.
 #pragma once
 
-#include <memory>
-
 #include "platform/runtime/ClassTable.h"
 
 namespace sotarn {
 
-// Null for none.
-std::shared_ptr<const ClassTable> currentClassTable();
+// Null for none. The table lives as long as the process.
+const ClassTable* currentClassTable();
 
 }  // namespace sotarn

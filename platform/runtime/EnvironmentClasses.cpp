@@ -26,14 +26,15 @@ constexpr std::array<EnvironmentClass, 10> environmentClasses{{
     {"velum.system.mixin.FiniteSource", "handle"},
 }};
 
+// Never destroyed, and so without a count of owners that threads would contend for.
 std::shared_ptr<const ClassDescription> describe(const EnvironmentClass& environmentClass) {
-  auto description = std::make_shared<ClassDescription>();
+  auto* const description = new ClassDescription();
   description->name = environmentClass.name;
   description->origin = ClassOriginType::environment;
   if (!environmentClass.superClass.empty()) {
     description->superClasses.emplace_back(environmentClass.superClass);
   }
-  return description;
+  return {std::shared_ptr<const ClassDescription>(), description};
 }
 
 std::size_t indexOf(std::string_view name) {

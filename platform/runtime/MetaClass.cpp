@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "platform/runtime/Class.h"
 #include "platform/runtime/Hierarchy.h"
 
 namespace sotarn {
@@ -15,11 +14,8 @@ const PropertyDescription* findProperty(const ClassDescription& description,
   return found == description.properties.end() ? nullptr : &found->second;
 }
 
-bool isSystemObject(const std::shared_ptr<const ClassDescription>& description) {
-  return anyInHierarchy(description, [](const ClassDescription& ancestor) {
-    return ancestor.name == "velum.system.coder.System" ||
-           ancestor.name == "velum.system.SystemImpl";
-  });
+bool isSystemBase(const ClassDescription& ancestor) {
+  return ancestor.name == "velum.system.coder.System" || ancestor.name == "velum.system.SystemImpl";
 }
 
 }  // namespace
@@ -35,64 +31,67 @@ ConstrainedSetInfo MetaProperty::getConstrainedSetInfo() const {
 }
 
 bool MetaProperty::isAbstractInAnyClass() const {
-  return anyInHierarchy(owner_, [&](const ClassDescription& description) {
+  const auto saysAbstract = [&](const ClassDescription& description) {
     const PropertyDescription* property = findProperty(description, name_);
     return property != nullptr && property->isAbstract.value_or(false);
-  });
+  };
+  return hierarchy_->find(saysAbstract) != nullptr;
 }
 
 bool MetaProperty::isDependent() const {
-  bool isDependent = false;
-  anyInHierarchy(owner_, [&](const ClassDescription& description) {
+  const auto declaresIt = [&](const ClassDescription& description) {
     const PropertyDescription* property = findProperty(description, name_);
-    if (property == nullptr || !property->isDependent) return false;
-    isDependent = *property->isDependent;
-    return true;
-  });
-  return isDependent;
+    return property != nullptr && property->isDependent;
+  };
+  const ClassDescription* nearest = hierarchy_->find(declaresIt);
+  return nearest != nullptr && *findProperty(*nearest, name_)->isDependent;
 }
 
 // --- classes ---
 
+MetaClass::MetaClass(const std::string& name) : name_(name), description_(describeClass(name)) {}
+
 MetaClass MetaClass::fromID(const tarn::InternedId& id) {
-  MetaClass metaClass;
-  metaClass.name_ = id.name;
-  metaClass.description_ = describeClass(id.name);
+  MetaClass metaClass(id.name);
+  metaClass.hierarchy_ = metaClass.hierarchy();
   return metaClass;
+}
+
+std::shared_ptr<const Hierarchy> MetaClass::hierarchy() const {
+  return hierarchy_ != nullptr ? hierarchy_ : std::make_shared<const Hierarchy>(description_);
 }
 
 std::string MetaClass::getName() const { return name_; }
 
 std::vector<MetaClass> MetaClass::getSuperClasses() const {
   std::vector<MetaClass> superClasses;
-  if (!isSystemObject(description_)) return superClasses;
+  if (hierarchy()->find(isSystemBase) == nullptr) return superClasses;
   for (const std::string& name : description_->superClasses) {
-    if (isEnvironmentClass(name)) continue;
-    MetaClass superClass;
-    superClass.name_ = name;
-    superClass.description_ = describeClass(name);
-    superClasses.push_back(std::move(superClass));
+    if (!isEnvironmentClass(name)) superClasses.push_back(MetaClass(name));
   }
   return superClasses;
 }
 
 MetaProperty MetaClass::getProperty(const std::string& name) const {
-  return MetaProperty(description_, name);
+  return MetaProperty(description_, hierarchy(), name);
 }
 
 bool MetaClass::isStrictDefaultsClass() const {
-  return anyInHierarchy(
-      description_, [](const ClassDescription& description) { return description.strictDefaults; });
+  const auto isStrict = [](const ClassDescription& description) {
+    return description.strictDefaults;
+  };
+  return hierarchy()->find(isStrict) != nullptr;
 }
 
 bool MetaClass::isMethodDefinedInSuperClass(const std::string& name) const {
-  return anyInHierarchy(description_, [&](const ClassDescription& description) {
+  const auto definesIt = [&](const ClassDescription& description) {
     if (description.name == name_ || description.origin == ClassOriginType::environment) {
       return false;
     }
     return std::find(description.methods.begin(), description.methods.end(), name) !=
            description.methods.end();
-  });
+  };
+  return hierarchy()->find(definesIt) != nullptr;
 }
 
 }  // namespace sotarn

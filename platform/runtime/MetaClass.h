@@ -10,6 +10,8 @@
 
 namespace sotarn {
 
+class Hierarchy;
+
 class MetaProperty {
  public:
   // Whether the file of the class declares a companion that holds the property's set.
@@ -23,14 +25,17 @@ class MetaProperty {
 
  private:
   friend class MetaClass;
-  MetaProperty(std::shared_ptr<const ClassDescription> owner, std::string name)
-      : owner_(std::move(owner)), name_(std::move(name)) {}
+  MetaProperty(std::shared_ptr<const ClassDescription> owner,
+               std::shared_ptr<const Hierarchy> hierarchy, std::string name)
+      : owner_(std::move(owner)), hierarchy_(std::move(hierarchy)), name_(std::move(name)) {}
 
   std::shared_ptr<const ClassDescription> owner_;
+  std::shared_ptr<const Hierarchy> hierarchy_;
   std::string name_;
 };
 
-// A default-constructed description belongs to no class and has nothing to tell.
+// A class as it was, with all that it derives from, when it was asked for. A default-constructed
+// description belongs to no class and has nothing to tell.
 class MetaClass {
  public:
   MetaClass() = default;
@@ -49,8 +54,14 @@ class MetaClass {
   bool isMethodDefinedInSuperClass(const std::string& name) const;
 
  private:
+  explicit MetaClass(const std::string& name);
+
+  // The class and its ancestors; made anew for a superclass, of which few ask for them.
+  std::shared_ptr<const Hierarchy> hierarchy() const;
+
   std::string name_;
   std::shared_ptr<const ClassDescription> description_;
+  std::shared_ptr<const Hierarchy> hierarchy_;
 };
 
 }  // namespace sotarn

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "platform/analyzer/FileAnalysis.h"
+#include "platform/paths/FileView.h"
 #include "platform/paths/Overlay.h"
 #include "platform/paths/PathDispatcher.h"
 #include "platform/runtime/ClassDescription.h"
@@ -23,7 +24,7 @@ class HotReload : public testing::Test {
 
   // The superclass by the class runtime and by the analyzer.
   static std::string readBoth(const std::string& path) {
-    const auto analysis = ca::analyzeFile(path);
+    const auto analysis = ca::analyzeFile(path).analysis;
     const auto super = analysis->getClassdef()->superClasses.front()->text.getText();
     return sotarn::describeClass("C")->superClasses.front() + static_cast<char>(super[0]);
   }
@@ -58,7 +59,7 @@ TEST_F(HotReload, ChangesAreSeenUnderAnOldTimeStampAndTheSameSize) {
 TEST_F(HotReload, AnUnchangedFileIsAnalysedOnce) {
   const std::string path = write('A');
   std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  EXPECT_EQ(ca::analyzeFile(path), ca::analyzeFile(path));
+  EXPECT_EQ(ca::analyzeFile(path).analysis, ca::analyzeFile(path).analysis);
   EXPECT_EQ(sotarn::describeClass("C"), sotarn::describeClass("C"));
 }
 
@@ -74,6 +75,36 @@ TEST_F(HotReload, AnOverlayLiesOverTheFileOnItsThreadOnly) {
   EXPECT_EQ(readBoth(path), "AA");
   const fl::filesystem::OverlayScope onNothing(root_.path() + "/New.vlm", u"classdef New\nend\n");
   EXPECT_NE(sotarn::describeClass("New"), nullptr);
+}
+
+TEST_F(HotReload, UnderAViewFilesStayAsTheyWereButOverlaysCount) {
+  const auto superOf = [](const char* name) {
+    const auto description = sotarn::describeClass(name);
+    return description == nullptr ? "none" : description->superClasses.front();
+  };
+  const std::string path = write('A');
+  {
+    const fl::filesystem::FileView view;
+    const fl::filesystem::FileView::Scope scope(view);
+    EXPECT_EQ(superOf("C") + superOf("pkg.New"), "Anone");
+    write('B');
+    root_.write("pkg/New.vlm", "classdef New < N\nend\n");
+    EXPECT_EQ(superOf("C") + superOf("pkg.New"), "Anone");
+    {
+      const fl::filesystem::OverlayScope over(path, u"classdef C < D\nend\n");
+      EXPECT_EQ(superOf("C"), "D");
+      const fl::filesystem::OverlayScope overNew(root_.path() + "/pkg/New.vlm",
+                                                 u"classdef New < E\nend\n");
+      EXPECT_EQ(superOf("pkg.New"), "E");
+    }
+    EXPECT_EQ(superOf("C") + superOf("pkg.New"), "Anone");
+    std::thread([&] { EXPECT_EQ(superOf("C") + superOf("pkg.New"), "BN"); }).join();
+    const fl::filesystem::FileView later;
+    const fl::filesystem::FileView::Scope laterScope(later);
+    EXPECT_EQ(superOf("C") + superOf("pkg.New"), "BN");
+  }
+  write('F');
+  EXPECT_EQ(superOf("C"), "F");
 }
 
 }  // namespace
