@@ -87,8 +87,10 @@ void encode(benchmark::State& state) {
 void scan(benchmark::State& state) {
   const Sample sample = sampleOf(state);
   NoErrors errors;
+  ca::CharacterMap map;
   for (auto _ : state) {
-    ca::Lexer lexer(sample.text(), errors);
+    map.read(sample.text());
+    ca::Lexer lexer(sample.text(), map, errors);
     std::uint32_t at = 0;
     while (at < lexer.size()) {
       const ca::Token token = lexer.scan(at);
