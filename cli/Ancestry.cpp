@@ -30,4 +30,10 @@ void Ancestry::look(std::size_t index) {
   for (const std::string& super : description->superClasses) add(super, current.name);
 }
 
+std::vector<std::string> Ancestry::superClasses() const {
+  std::vector<std::string> names;
+  for (std::size_t i = 1; i < classes_.size(); ++i) names.push_back(classes_[i].name);
+  return names;
+}
+
 }  // namespace soca::cli

@@ -26,8 +26,8 @@ class Ancestry {
   bool isCyclic() const { return isCyclic_; }
   // Whether the class names any superclass at all.
   bool hasSuperClasses() const { return classes_.size() > 1; }
-  // Whether the class is this one or derives from it.
-  bool contains(const std::string& className) const { return met_.contains(className); }
+  // All that the class derives from, nearest first.
+  std::vector<std::string> superClasses() const;
 
  private:
   struct Class {

@@ -50,6 +50,9 @@ class FolderWalk {
 
   std::optional<FoundFile> next();
 
+  // The folder that is walked, without links.
+  const std::string& folder() const { return start_; }
+
   // Why git's rules could not be asked, once for each repository, as far as the walk has come.
   const std::vector<std::string>& warnings() const { return warnings_; }
 
@@ -92,7 +95,6 @@ class FolderWalk {
   const ClassRoots* roots_;
   Git* git_;
   WalkType type_;
-  // The folder that is walked, without links.
   std::string start_;
   std::vector<Level> levels_;
   // The folders, without links, that links led to.

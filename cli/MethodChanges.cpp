@@ -2,31 +2,46 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
+#include <functional>
+#include <string_view>
+
 #include "cli/Ancestry.h"
 
 namespace soca::cli {
+namespace {
+
+std::size_t keyOf(std::string_view className, std::string_view method) {
+  return std::hash<std::string>()(fmt::format("{} {}", className, method));
+}
+
+}  // namespace
 
 void MethodChanges::add(const ClassOutcome& outcome) {
   for (const std::string& method : outcome.gainedMethods) {
-    gaining_[method].push_back(outcome.className);
+    gained_.push_back(keyOf(outcome.className, method));
+    gainedNames_.insert(method);
   }
   for (const std::string& method : outcome.deletedMethods) {
-    deleted_.emplace_back(outcome.className, method);
+    losing_[method].append(outcome.className).append("\n");
   }
 }
 
-std::vector<std::string> MethodChanges::warnings() const {
+std::vector<std::string> MethodChanges::warnings() {
+  std::ranges::sort(gained_);
   std::vector<std::string> warnings;
-  for (const auto& [className, method] : deleted_) {
-    const auto gaining = gaining_.find(method);
-    if (gaining == gaining_.end()) continue;
-    const Ancestry ancestry(className);
-    for (const std::string& super : gaining->second) {
-      if (super == className || !ancestry.contains(super)) continue;
-      warnings.push_back(fmt::format(
-          "warning: method '{}' of class '{}' is deleted as redundant, and its superclass '{}' "
-          "gains a method of that name in the same run; see whether '{}' has to keep its own",
-          method, className, super, className));
+  for (const std::string& method : gainedNames_) {
+    std::string_view rest = losing_[method];
+    while (!rest.empty()) {
+      const std::string className(rest.substr(0, rest.find('\n')));
+      rest.remove_prefix(className.size() + 1);
+      for (const std::string& super : Ancestry(className).superClasses()) {
+        if (!std::ranges::binary_search(gained_, keyOf(super, method))) continue;
+        warnings.push_back(fmt::format(
+            "warning: method '{}' of class '{}' is deleted as redundant, and its superclass '{}' "
+            "gains a method of that name in the same run; see whether '{}' has to keep its own",
+            method, className, super, className));
+      }
     }
   }
   return warnings;

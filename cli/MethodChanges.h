@@ -1,9 +1,10 @@
 // Methods that one class of a run loses and another gains.
 #pragma once
 
+#include <cstddef>
+#include <map>
+#include <set>
 #include <string>
-#include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "cli/Outcome.h"
@@ -17,15 +18,15 @@ class MethodChanges {
   void add(const ClassOutcome& outcome);
 
   // One sentence for each such method.
-  std::vector<std::string> warnings() const;
+  std::vector<std::string> warnings();
 
  private:
-  using MethodOfClass = std::pair<std::string, std::string>;
-
-  // The classes that gain a method, by the method's name.
-  std::unordered_map<std::string, std::vector<std::string>> gaining_;
-  // Class and method.
-  std::vector<MethodOfClass> deleted_;
+  // Per class so little is kept that a run may be of any size: of what is gained no more than a
+  // hash of class and method, sorted once all are known.
+  std::vector<std::size_t> gained_;
+  std::set<std::string> gainedNames_;
+  // The classes that lose a method, by the method's name, each with a line end.
+  std::map<std::string, std::string> losing_;
 };
 
 }  // namespace soca::cli

@@ -40,6 +40,11 @@ Target makeClassTarget(const std::string& className) {
   return target;
 }
 
+// What no two targets have in common.
+std::string keyOf(const Target& target) {
+  return target.type == Target::Type::aClass ? target.className : target.path;
+}
+
 std::string_view fileNameOf(std::string_view path) { return path.substr(path.rfind('/') + 1); }
 
 }  // namespace
@@ -57,17 +62,32 @@ Targets::Targets(const ClassRoots* roots, const std::vector<std::string>& argume
   for (const std::string& root : roots->all()) {
     arguments_.emplace_back(FolderWalk(roots, git, walk, root));
   }
+  mayRepeat_ = haveNestedFolders();
 }
 
 void Targets::addArguments(const std::vector<std::string>& arguments) {
   for (const std::string& argument : arguments) arguments_.push_back(makeArgument(argument));
   for (const Argument& argument : arguments_) {
     const auto* target = std::get_if<Target>(&argument);
-    if (target != nullptr && target->type == Target::Type::aClass) {
-      named_.insert(target->className);
-    }
+    if (target != nullptr) named_.insert(keyOf(*target));
   }
-  mayRepeat_ = arguments_.size() > 1 || roots_->all().size() > 1;
+  mayRepeat_ = haveNestedFolders();
+}
+
+bool Targets::haveNestedFolders() const {
+  std::unordered_set<std::string_view> folders;
+  for (const Argument& argument : arguments_) {
+    const auto* walk = std::get_if<FolderWalk>(&argument);
+    if (walk != nullptr && !folders.insert(walk->folder()).second) return true;
+  }
+  const auto liesInAnother = [&](std::string_view folder) {
+    while (folder != "/") {
+      folder = folderOf(folder);
+      if (folders.contains(folder)) return true;
+    }
+    return false;
+  };
+  return std::ranges::any_of(folders, liesInAnother);
 }
 
 std::vector<std::string> Targets::warnings() const {
@@ -187,9 +207,8 @@ Target Targets::makeTarget(FoundFile file) const {
 }
 
 bool Targets::isNew(const Target& target) {
-  if (!mayRepeat_) return true;
-  const bool isClass = target.type == Target::Type::aClass;
-  return seen_.insert(isClass ? target.className : target.path).second;
+  const std::string key = keyOf(target);
+  return (!mayRepeat_ && !named_.contains(key)) || seen_.insert(key).second;
 }
 
 }  // namespace soca::cli

@@ -70,6 +70,7 @@ class Targets {
                         std::string_view stem) const;
   std::optional<Target> nextOf(Argument& argument);
   Target makeTarget(FoundFile file) const;
+  bool haveNestedFolders() const;
   // Whether the target was not given out yet.
   bool isNew(const Target& target);
 
@@ -79,8 +80,10 @@ class Targets {
   Git* git_ = nullptr;
   std::vector<Argument> arguments_;
   std::size_t current_ = 0;
+  // The classes, and the files that are hidden, that arguments name.
   std::unordered_set<std::string> named_;
-  // Kept only where a class can come up twice.
+  // Whether a folder is walked that lies in another one. Otherwise only what an argument names can
+  // come up twice, and little has to be kept.
   bool mayRepeat_ = false;
   std::unordered_set<std::string> seen_;
 };

@@ -23,10 +23,6 @@ UpdateWishes wishesOf(const Options& options) {
   return wishes;
 }
 
-std::string keyOf(const fl::filesystem::FileStamp& stamp) {
-  return fmt::format("{}:{}", stamp.device, stamp.inode);
-}
-
 Failure makeWriteFailure(const std::string& className, const std::string& file,
                          const std::string& reason) {
   Failure failure;
@@ -143,9 +139,10 @@ void UpdateRun::take(TargetOutcome& outcome) {
 
 void UpdateRun::takeClass(ClassOutcome& outcome) {
   summary_.add(outcome);
-  methodChanges_.add(outcome);
+  if (!options_->quiet) methodChanges_.add(outcome);
   // A file that several classes stand for, over links, changes once.
-  const bool isFirst = !outcome.hasNewFile() || files_.insert(keyOf(outcome.stamp)).second;
+  const bool isFirst =
+      !outcome.hasNewFile() || files_[outcome.stamp.device].insert(outcome.stamp.inode).second;
   if (!isFirst && options_->format == FormatType::text) outcome.data.clear();
   if (options_->write) {
     deferred_.push_back(defer(outcome, outcome.hasNewFile() && isFirst));

@@ -1,6 +1,8 @@
 // The command `update`.
 #pragma once
 
+#include <cstdint>
+#include <map>
 #include <memory>
 #include <stop_token>
 #include <string>
@@ -81,8 +83,8 @@ class UpdateRun {
   MethodChanges methodChanges_;
   // With superclasses, the classes that were shown.
   std::unordered_set<std::string> shown_;
-  // The files that change, by device and inode.
-  std::unordered_set<std::string> files_;
+  // The files that change: their inodes by their devices.
+  std::map<std::uint64_t, std::unordered_set<std::uint64_t>> files_;
   Spool spool_;
   std::vector<Deferred> deferred_;
   bool isWritten_ = false;
