@@ -139,7 +139,7 @@ void apply(benchmark::State& state) {
   const auto entry = soca::collectClassActions(
       soca::ClassLoader{u"Sample", context.metaData.get()}.load(), context.factories, counts);
   for (auto _ : state) {
-    benchmark::DoNotOptimize(soca::applyClassUpdate(entry, soca::MissingDelimiterType::endsClass));
+    benchmark::DoNotOptimize(soca::applyClassUpdate(entry));
   }
   countBytes(state, sample);
 }

@@ -20,6 +20,8 @@ struct DeclaredProperty {
 struct DeclaredMethod {
   fl::ustring_view name;
   const ca::astapi::FunctionDeclaration* node = nullptr;
+
+  fl::ustring_view nameView() const { return name; }
 };
 
 // In source order, those of all blocks. None if the file holds no class.

@@ -1,8 +1,6 @@
 #include "cli/ClassUpdater.h"
 
 #include <fmt/core.h>
-
-#include <algorithm>
 #include <initializer_list>
 #include <memory>
 #include <string_view>
@@ -17,6 +15,7 @@
 #include "cli/ProgramMessages.h"
 #include "cli/Sha256.h"
 #include "cli/UnifiedDiff.h"
+#include "model/NameIndex.h"
 #include "model/TextSearch.h"
 #include "platform/analyzer/Analyzer.h"
 #include "platform/paths/Overlay.h"
@@ -101,12 +100,12 @@ void countEdits(const PlannedClass& planned, ClassOutcome& outcome) {
 // The names in the first list that the second does not have.
 std::vector<std::string> namesWithout(const std::vector<DeclaredMethod>& methods,
                                       const std::vector<DeclaredMethod>& others) {
-  std::vector<fl::ustring_view> known;
-  for (const DeclaredMethod& other : others) known.push_back(other.name);
-  std::ranges::sort(known);
+  NameIndex<DeclaredMethod> known;
+  known.add(others);
+  known.finish();
   std::vector<std::string> names;
   for (const DeclaredMethod& method : methods) {
-    if (!std::ranges::binary_search(known, method.name)) names.push_back(to_string(method.name));
+    if (known.find(method.name) == nullptr) names.push_back(to_string(method.name));
   }
   return names;
 }
@@ -122,19 +121,11 @@ void listChangedMethods(const PlannedClass& planned, const ca::AnalysisResult& u
 }
 
 // A second update, of the new text.
-struct SecondUpdate {
-  std::shared_ptr<ca::AnalysisResult> analysis;
-  bool changesAgain = false;
-};
-
-SecondUpdate updateAgain(const PlannedClass& planned, UpdateMask rules) {
+RepeatedUpdate updateAgain(const PlannedClass& planned, UpdateMask rules) {
   const fl::filesystem::OverlayScope overlay(to_string(planned.result.fileName),
                                              planned.result.text);
   try {
-    const auto again = planUpdate(planned.result.className, rules, false);
-    return {again.front().analysis,
-            again.front().missingDelimiter.has_value() ||
-                !areEqualTexts(again.front().result.text, planned.result.text)};
+    return repeatUpdate(planned.result.className, rules);
   } catch (const std::exception&) {
     // Whatever keeps the second update from ending well: it does not leave the text as it is.
     return {ca::analyzeText(planned.result.text), true};
@@ -221,7 +212,7 @@ ClassOutcome ClassUpdater::makeOutcome(const PlannedClass& planned,
 }
 
 void ClassUpdater::checkNewText(const PlannedClass& planned, ClassOutcome& outcome) const {
-  const SecondUpdate second = updateAgain(planned, wishes_.rules);
+  const RepeatedUpdate second = updateAgain(planned, wishes_.rules);
   if (auto reason = findReasonToRefuse(planned, *second.analysis)) {
     outcome.refusal = std::move(*reason);
     return;
@@ -238,19 +229,27 @@ OldFile ClassUpdater::oldFileOf(const PlannedClass& planned, const std::string& 
 void ClassUpdater::addFile(const PlannedClass& planned, ClassOutcome& outcome) const {
   const OldFile old = oldFileOf(planned, outcome.file);
   outcome.stamp = old.stamp;
+  const auto bytesOf = [&](fl::ustring_view text) {
+    return makeBytes(outcome.file, text, old.encoding);
+  };
   if (wishes_.edits) {
-    outcome.bytes = FileBytes{sha256(old.bytes), old.encoding,
-                              planned.analysis->sourceTextView().starts_with(u'\uFEFF')};
+    const fl::ustring_view text = planned.analysis->sourceTextView();
+    outcome.bytes = FileBytes{sha256(bytesOf(text)), old.encoding, text.starts_with(u'\uFEFF')};
     if (outcome.hasNewFile()) outcome.edits = findFileEdits(planned, old.encoding);
     if (wishes_.conversions) outcome.conversions = findConversions(planned, outcome.edits);
   }
   if (!outcome.hasNewFile()) return;
-  std::string newBytes = makeNewBytes(outcome.file, planned.result.text, old.encoding);
+  if (wishes_.diff || wishes_.newBytes) {
+    outcome.newBytes = bytesOf(planned.result.text);
+  } else {
+    checkIsEncodable(outcome.file, planned.result.text, old.encoding);
+  }
   if (wishes_.input == nullptr) checkIsReplaceable(outcome.file);
   if (wishes_.diff) {
-    outcome.diff = unifiedDiff(names_->inDiff(outcome.file), old.bytes, newBytes);
+    outcome.diff = unifiedDiff(names_->inDiff(outcome.file),
+                               bytesOf(planned.analysis->sourceTextView()), outcome.newBytes);
   }
-  if (wishes_.newBytes) outcome.newBytes = std::move(newBytes);
+  if (!wishes_.newBytes) outcome.newBytes = {};
 }
 
 }  // namespace soca::cli

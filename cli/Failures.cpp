@@ -2,6 +2,7 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <new>
 #include <optional>
 #include <stdexcept>
@@ -15,6 +16,7 @@
 #include "platform/analyzer/Analyzer.h"
 #include "platform/runtime/ClassDescription.h"
 #include "platform/text/Conversions.h"
+#include "service/ClaimedExtents.h"
 #include "service/UpdatePlan.h"
 
 namespace soca::cli {
@@ -38,12 +40,15 @@ std::shared_ptr<ca::AnalysisResult> analyzeFile(const std::string& path) {
 
 // The first two actions that meet on a line, in the order in which they are applied.
 std::optional<std::pair<Extent, Extent>> findOverlap(const std::vector<PlannedAction>& actions) {
+  ClaimedExtents claimed;
   for (auto later = actions.begin(); later != actions.end(); ++later) {
-    for (auto earlier = actions.begin(); earlier != later; ++earlier) {
-      if (later->extent.startsWithinLinesOf(earlier->extent)) {
-        return std::pair(earlier->extent, later->extent);
-      }
+    if (claimed.collidesWith(later->extent)) {
+      const auto earlier = std::find_if(actions.begin(), later, [&](const PlannedAction& action) {
+        return later->extent.startsWithinLinesOf(action.extent);
+      });
+      return std::pair(earlier->extent, later->extent);
     }
+    claimed.add(later->extent);
   }
   return std::nullopt;
 }

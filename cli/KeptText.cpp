@@ -107,21 +107,25 @@ std::optional<std::string> findMisplacedEdit(const std::vector<PlacedEdit>& edit
   return std::nullopt;
 }
 
-// What a line of the old text becomes.
-class EditedLine {
+// What becomes of some lines of the old text.
+class Stretch {
  public:
   // Whether an edit took the line end away, so that the next line may follow without one.
   bool mayJoinNext = false;
 
+  // An edited line stands alone.
   bool isTouched() const { return isTouched_; }
+  bool isDropped() const { return isTouched_ && cli::isDropped(built_); }
   fl::ustring_view text() const { return isTouched_ ? fl::ustring_view(built_) : kept_; }
+  std::size_t lineCount() const { return lineCount_; }
 
-  // Text of the old line. A line that no edit touched is taken over in one piece.
-  void keep(fl::ustring_view text) {
+  // Text of the old line, or of several, which no edit touches.
+  void keep(fl::ustring_view text, std::size_t lineCount = 1) {
     if (isTouched_) {
       built_ += text;
     } else {
       kept_ = text;
+      lineCount_ = lineCount;
     }
   }
 
@@ -134,19 +138,18 @@ class EditedLine {
  private:
   bool isTouched_ = false;
   fl::ustring_view kept_;
+  std::size_t lineCount_ = 1;
   fl::ustring built_;
 };
 
-// Builds the new text line by line from the old one and its edits.
+// Builds the new text from the old one and its edits: edited lines one by one, and what stands
+// between them in one piece.
 class Rebuilder {
  public:
   Rebuilder(const std::vector<fl::ustring_view>& lines, const std::vector<PlacedEdit>& edits)
-      : lines_(lines), edits_(edits) {
-    result_.reserve(lines.size() + edits.size());
-    result_.emplace_back();
-  }
+      : lines_(lines), edits_(edits) {}
 
-  std::vector<EditedLine> rebuild() {
+  std::vector<Stretch> rebuild() {
     for (const PlacedEdit& edit : edits_) apply(edit);
     copyUntil({lines_.size() - 1, lines_.back().size()});
     result_.back().touch({});
@@ -165,22 +168,34 @@ class Rebuilder {
 
   // Copies the old text from where the last edit ended.
   void copyUntil(const SourcePosition& end) {
-    while (position_.line < end.line) {
-      result_.back().keep(lines_[position_.line].substr(position_.column));
-      result_.emplace_back();
-      position_ = {position_.line + 1, 0};
-    }
+    if (position_.line < end.line && result_.back().isTouched()) endLine();
+    if (position_.line < end.line) copyLines(end.line);
     result_.back().keep(lines_[end.line].substr(position_.column, end.column - position_.column));
     position_ = end;
+  }
+
+  void endLine() {
+    result_.back().keep(lines_[position_.line].substr(position_.column));
+    result_.emplace_back();
+    position_ = {position_.line + 1, 0};
+  }
+
+  // The lines from the current one on, less the one that they are followed by.
+  void copyLines(std::uint64_t behind) {
+    const char16_t* const start = lines_[position_.line].data();
+    const fl::ustring_view& last = lines_[behind - 1];
+    result_.back().keep({start, last.data() + last.size()}, behind - position_.line);
+    result_.emplace_back();
+    position_ = {behind, 0};
   }
 
   const std::vector<fl::ustring_view>& lines_;
   const std::vector<PlacedEdit>& edits_;
   SourcePosition position_;
-  std::vector<EditedLine> result_;
+  std::vector<Stretch> result_{Stretch()};
 };
 
-// Takes line after line off the front of the new text. False if it is another text.
+// Takes piece after piece off the front of the new text. False if it is another text.
 class Matcher {
  public:
   explicit Matcher(fl::ustring_view text) : rest_(text) {}
@@ -190,6 +205,11 @@ class Matcher {
     rest_.remove_prefix(text.size());
     return true;
   }
+  // How many whole lines of `text` stand in front.
+  std::size_t countLines(fl::ustring_view text) const {
+    const auto [own, other] = std::ranges::mismatch(text, rest_);
+    return static_cast<std::size_t>(std::count(text.begin(), own, u'\n'));
+  }
   bool isAtEnd() const { return rest_.empty(); }
 
  private:
@@ -197,19 +217,23 @@ class Matcher {
 };
 
 // The number of the first line, counted from 1, that the new text does not have as it should.
-std::optional<std::size_t> findMismatch(const std::vector<EditedLine>& lines,
+std::optional<std::size_t> findMismatch(const std::vector<Stretch>& stretches,
                                         fl::ustring_view newText) {
   Matcher matcher(newText);
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    const EditedLine& line = lines[i];
-    if (line.isTouched() && isDropped(line.text())) continue;
-    if (!matcher.take(line.text())) return i + 1;
-    if (i + 1 == lines.size()) break;
-    const bool nextIsDropped = lines[i + 1].isTouched() && isDropped(lines[i + 1].text());
+  std::size_t line = 0;
+  for (std::size_t i = 0; i < stretches.size(); ++i) {
+    const Stretch& stretch = stretches[i];
+    const std::size_t firstLine = line + 1;
+    line += stretch.lineCount();
+    if (stretch.isDropped()) continue;
+    if (!matcher.take(stretch.text())) {
+      return stretch.isTouched() ? line : firstLine + matcher.countLines(stretch.text());
+    }
+    if (i + 1 == stretches.size()) break;
     const bool tookLineEnd = matcher.take(u"\n");
-    if (!tookLineEnd && (!line.mayJoinNext || nextIsDropped)) return i + 1;
+    if (!tookLineEnd && (!stretch.mayJoinNext || stretches[i + 1].isDropped())) return line;
   }
-  return matcher.isAtEnd() ? std::nullopt : std::optional(lines.size());
+  return matcher.isAtEnd() ? std::nullopt : std::optional(line);
 }
 
 }  // namespace

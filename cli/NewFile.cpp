@@ -1,6 +1,8 @@
 #include "cli/NewFile.h"
 
 #include <ctime>
+#include <functional>
+#include <numeric>
 #include <utility>
 
 #include "cli/FileWriter.h"
@@ -39,15 +41,20 @@ ClassFault::ClassFault(std::string_view id, std::initializer_list<std::string_vi
 OldFile readOldFile(const std::string& path, const ca::AnalysisResult& analysis,
                     StampType stampType) {
   const auto file = readAnalysedFile(path, analysis, stampType);
-  return {makeNewBytes(path, file.text, file.encoding), file.encoding, file.stamp};
+  return {file.encoding, file.stamp};
 }
 
-std::string makeNewBytes(const std::string& path, fl::ustring_view newText,
-                         fl::EncodingType encoding) {
-  auto bytes = fl::encodeFileText(newText, encoding);
+std::string makeBytes(const std::string& path, fl::ustring_view text, fl::EncodingType encoding) {
+  auto bytes = fl::encodeFileText(text, encoding);
   if (bytes) return std::move(*bytes);
   const char* name = encoding == fl::EncodingType::utf8 ? "UTF-8" : "ISO-8859-1";
   throw ClassFault("soca:TextNotEncodable", {path, name});
+}
+
+void checkIsEncodable(const std::string& path, fl::ustring_view text, fl::EncodingType encoding) {
+  // Most texts are ASCII, which is in every encoding; the others are tried.
+  const unsigned bits = std::accumulate(text.begin(), text.end(), 0U, std::bit_or());
+  if (bits > 0x7F) makeBytes(path, text, encoding);
 }
 
 void checkIsReplaceable(const std::string& path) {

@@ -26,7 +26,6 @@ class ClassFault : public std::runtime_error {
 
 // A class file as it was when it was analysed.
 struct OldFile {
-  std::string bytes;
   fl::EncodingType encoding = fl::EncodingType::utf8;
   fl::filesystem::FileStamp stamp;
 };
@@ -40,9 +39,9 @@ enum class StampType { any, sure };
 OldFile readOldFile(const std::string& path, const ca::AnalysisResult& analysis,
                     StampType stampType);
 
-// Throws ClassFault if the encoding lacks characters of the text.
-std::string makeNewBytes(const std::string& path, fl::ustring_view newText,
-                         fl::EncodingType encoding);
+// Both throw ClassFault if the encoding lacks characters of the text.
+std::string makeBytes(const std::string& path, fl::ustring_view text, fl::EncodingType encoding);
+void checkIsEncodable(const std::string& path, fl::ustring_view text, fl::EncodingType encoding);
 
 // Throws ClassFault if the file can't be replaced by another.
 void checkIsReplaceable(const std::string& path);

@@ -76,14 +76,14 @@ class StandardInputRun {
   ExitCodeType run(const ClassRoots& roots) {
     StandardInput input;
     input.path = target_.path;
-    input.file.bytes = readAll();
+    const std::string bytes = readAll();
     if (wasInterrupted()) return interruptExitCode();
-    fl::DecodedText decoded = fl::decodeFileText(input.file.bytes);
+    fl::DecodedText decoded = fl::decodeFileText(bytes);
     input.file.encoding = decoded.encoding;
     const fl::filesystem::OverlayScope overlay(input.path, std::move(decoded.text));
     const TargetOutcome outcome =
         ClassUpdater(&roots, &names_, wishesOf(options_, input)).update(target_);
-    for (const ClassOutcome& each : outcome.classes) print(each, input.file.bytes);
+    for (const ClassOutcome& each : outcome.classes) print(each, bytes);
     for (const Failure& failure : outcome.failures) report_->addFailure(failure);
     if (!outcome.failures.empty()) exitCode_ = ExitCodeType::failed;
     report_->finish(exitCode_);

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "model/TextSearch.h"
 #include "platform/text/UString.h"
 
 namespace soca {
@@ -29,9 +30,10 @@ class NameIndex {
 
   // Null for a name that no entry has.
   const Entry* find(fl::ustring_view name) const {
+    const auto isName = [name](fl::ustring_view text) { return areEqualTexts(text, name); };
     const auto found = isSorted() ? std::ranges::lower_bound(names_, name, {}, &Name::text)
-                                  : std::ranges::find(names_, name, &Name::text);
-    return found != names_.end() && found->text == name ? found->entry : nullptr;
+                                  : std::ranges::find_if(names_, isName, &Name::text);
+    return found != names_.end() && isName(found->text) ? found->entry : nullptr;
   }
 
  private:

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "model/AnalyzerPositions.h"
+#include "model/DotIndex.h"
 #include "model/TextSearch.h"
 
 namespace soca {
@@ -34,14 +35,25 @@ bool isAsciiAlphanumeric(char16_t unit) {
          (unit >= u'a' && unit <= u'z');
 }
 
+// Whether the function is the get accessor of the property.
+bool isGetAccessor(const ca::astapi::FunctionDeclaration& function, fl::ustring_view propertyName) {
+  const fl::ustring_view name = function.name->id.getString();
+  return name.size() == getAccessorPrefix.size() + propertyName.size() &&
+         name.starts_with(getAccessorPrefix) && name.ends_with(propertyName);
+}
+
 // Whether the class, which has all functions in methods blocks, has a get accessor of that name.
 bool definesGetAccessor(const ca::astapi::Classdef& classdef, fl::ustring_view propertyName) {
-  const auto methods = classdef.getMethods();
-  return std::ranges::any_of(methods, [&](const ca::astapi::FunctionDeclaration* method) {
-    const fl::ustring_view name = method->name->id.getString();
-    return name.size() == getAccessorPrefix.size() + propertyName.size() &&
-           name.starts_with(getAccessorPrefix) && name.ends_with(propertyName);
-  });
+  const auto hasIt = [&](const Node* member) {
+    return member->kind == NodeKind::MethodsBlockNode &&
+           std::ranges::any_of(static_cast<const ca::astapi::MethodsBlockNode*>(member)->members,
+                               [&](const Node* function) {
+                                 return isGetAccessor(
+                                     static_cast<const ca::astapi::FunctionDeclaration&>(*function),
+                                     propertyName);
+                               });
+  };
+  return std::ranges::any_of(classdef.members, hasIt);
 }
 
 }  // namespace
@@ -93,9 +105,16 @@ bool Property::hasGetAccessor() const {
 }
 
 bool Property::isReferencedThroughDot() const {
-  const fl::ustring_view text = context_->analysis->sourceTextView();
   // Only the first occurrence counts: `.Mode2` hides a `.Mode` that follows it.
-  const std::size_t behind = findBehindDot(text, nameView());
+  return isReferencedInFrontOf(findBehindDot(context_->analysis->sourceTextView(), nameView()));
+}
+
+bool Property::isReferencedThroughDot(const DotIndex& index) const {
+  return isReferencedInFrontOf(index.findBehind(nameView()));
+}
+
+bool Property::isReferencedInFrontOf(std::size_t behind) const {
+  const fl::ustring_view text = context_->analysis->sourceTextView();
   if (behind == fl::ustring_view::npos || hasGetAccessor()) return false;
   return behind == text.size() || !isAsciiAlphanumeric(text[behind]);
 }

@@ -1,6 +1,7 @@
 // One property of a class, as its declaration says.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "metadata/MetaClass.h"
@@ -10,6 +11,7 @@
 
 namespace soca {
 
+class DotIndex;
 class PropertiesBlock;
 
 // A handle on one declaration, which has at most these parts, in this order:
@@ -55,6 +57,8 @@ class Property {
   // Whether the first `.<name>` in the text of the file, comments and literals included, is not
   // followed by an ASCII letter or digit. False for a property with a get accessor.
   bool isReferencedThroughDot() const;
+  // The same, with an index of that text in which the property's name is.
+  bool isReferencedThroughDot(const DotIndex& index) const;
 
   // The declaration without its terminator.
   Extent getFullExtent() const;
@@ -70,6 +74,8 @@ class Property {
  private:
   friend class PropertiesBlock;
 
+  // Whether what stands behind the first `.<name>`, or npos, makes it a reference.
+  bool isReferencedInFrontOf(std::size_t behind) const;
   SourcePosition nameEnd() const;
   SourcePosition sizeEnd() const;
   SourcePosition classEnd() const;

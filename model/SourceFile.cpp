@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <boost/algorithm/string/find_iterator.hpp>
-#include <boost/algorithm/string/finder.hpp>
+#include <boost/range/iterator_range.hpp>
+#include <cstddef>
+#include <utility>
 
+#include "model/TextSearch.h"
 #include "platform/failure/Terminate.h"
 
 namespace soca {
@@ -27,17 +30,30 @@ bool isBareContinuation(const Line& line) {
 }
 
 void markDeleted(Line& line) {
-  line.text.clear();
+  line.text = {};
   line.flags &= ~(SourceFile::LineNoNewline | SourceFile::LineModified);
   line.flags |= SourceFile::LineDeleted;
 }
 
+// Finds the line ends of a text for the splitting of it.
+struct LineEndFinder {
+  template <class Iterator>
+  boost::iterator_range<Iterator> operator()(Iterator begin, Iterator end) const {
+    const std::size_t place = findLineEnd(fl::ustring_view(begin, end), 0);
+    if (place == fl::ustring_view::npos) return {end, end};
+    begin += static_cast<std::ptrdiff_t>(place);
+    return {begin, begin + 1};
+  }
+};
+
 std::vector<Line> splitTextIntoLines(fl::ustring_view text) {
-  const auto isLineEnd = [](char16_t unit) { return unit == u'\n'; };
+  constexpr std::size_t usualLineLength = 32;
   std::vector<Line> lines;
-  lines.reserve(static_cast<std::size_t>(std::ranges::count(text, u'\n')) + 1);
-  auto pieces = boost::algorithm::make_split_iterator(text, boost::token_finder(isLineEnd));
-  for (; !pieces.eof(); ++pieces) lines.push_back({fl::ustring(pieces->begin(), pieces->end())});
+  lines.reserve(text.size() / usualLineLength + 1);
+  auto pieces = boost::algorithm::make_split_iterator(text, LineEndFinder());
+  for (; !pieces.eof(); ++pieces) {
+    lines.push_back({fl::ustring_view(pieces->begin(), pieces->end())});
+  }
   // The last line counts as edited, so that the empty one behind a final line end goes away again.
   lines.back().flags = SourceFile::LineNoNewline | SourceFile::LineModified;
   return lines;
@@ -52,7 +68,10 @@ struct SourceFile::DelimiterSearch {
   bool isMissing = false;
 };
 
-SourceFile::SourceFile(fl::ustring_view text) : lines_(splitTextIntoLines(text)) {}
+SourceFile::SourceFile(fl::ustring_view text)
+
+    : unedited_(text.begin(), text.end()),
+      lines_(splitTextIntoLines({unedited_.data(), unedited_.size()})) {}
 
 fl::ustring SourceFile::getText() const {
   std::size_t length = 0;
@@ -76,7 +95,7 @@ std::uint64_t SourceFile::lineBehindContinuation(std::uint64_t line) const {
 SourceFile::DelimiterSearch SourceFile::searchDelimiter(SourcePosition position,
                                                         fl::ustring_view delimiters) const {
   while (true) {
-    const fl::ustring& text = lines_[position.line].text;
+    const fl::ustring_view text = lines_[position.line].text;
     const std::size_t column = text.find_first_not_of(blanks, position.column);
     if (column == fl::ustring::npos) return {{position.line, text.size()}};
     const char16_t unit = text[column];
@@ -133,7 +152,7 @@ void SourceFile::replace(const fl::ustring& text, std::uint64_t options, Extent 
   }
   const std::uint64_t count =
       std::min(endColumn - extent.start.column, length - extent.start.column);
-  first.text.replace(extent.start.column, count, text);
+  replaceInLine(extent.start.line, extent.start.column, count, text);
   first.flags |= LineModified;
   if (has(first, LineDeleted)) closeGapBehind(extent);
 }
@@ -146,8 +165,21 @@ void SourceFile::cutFollowingLines(const Extent& extent) {
   }
   Line& last = lines_[extent.end.line];
   // The all-ones column takes all of the line.
-  last.text.erase(0, extent.end.column);
+  last.text.remove_prefix(std::min<std::uint64_t>(extent.end.column, last.text.size()));
   last.flags |= LineModified;
+}
+
+void SourceFile::replaceInLine(std::uint64_t line, std::uint64_t column, std::uint64_t count,
+                               const fl::ustring& text) {
+  fl::ustring_view& current = lines_[line].text;
+  const fl::ustring_view rest = current.substr(column);
+  fl::ustring edited;
+  edited.reserve(current.size() + text.size());
+  edited.append(current.substr(0, column)).append(text);
+  edited.append(rest.substr(std::min<std::uint64_t>(count, rest.size())));
+  fl::ustring& kept = editedTexts_[line];
+  kept = std::move(edited);
+  current = kept;
 }
 
 // Where the edited lines had gone before, the blank lines on both sides of them meet: one is

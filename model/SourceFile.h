@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
 #include "model/Extent.h"
@@ -33,12 +34,14 @@ class SourceFile {
   static constexpr std::uint64_t ConsumeAmpersand = 2;      // then a `&`
 
   struct Line {
-    // Without its U+000A; a U+000D stays.
-    fl::ustring text;
+    // Without its U+000A; a U+000D stays. Belongs to the file, and is valid until the next edit.
+    fl::ustring_view text;
     std::uint64_t flags = 0;
   };
 
   explicit SourceFile(fl::ustring_view text);
+  SourceFile(SourceFile&&) = default;
+  SourceFile& operator=(SourceFile&&) = default;
 
   // The lines, joined.
   fl::ustring getText() const;
@@ -76,8 +79,14 @@ class SourceFile {
   // Takes what the extent holds of all lines but its first.
   void cutFollowingLines(const Extent& extent);
   void closeGapBehind(const Extent& extent);
+  // Replaces `count` code units of one line. Throws std::out_of_range for a column behind its end.
+  void replaceInLine(std::uint64_t line, std::uint64_t column, std::uint64_t count,
+                     const fl::ustring& text);
 
+  // Few lines of a file are ever edited: the others point into this, which moves with its place.
+  std::vector<char16_t> unedited_;
   std::vector<Line> lines_;
+  std::unordered_map<std::uint64_t, fl::ustring> editedTexts_;
 };
 
 }  // namespace soca

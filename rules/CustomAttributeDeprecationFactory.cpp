@@ -91,12 +91,14 @@ void applyAttributeRule(std::vector<BlockUpdate>& updates, PropertyAttributeType
 }
 
 // The names of the companions that are no longer needed, as often as they are found.
-std::vector<fl::ustring> convertStringSets(const ClassDefinition& classDefinition,
+std::vector<fl::ustring> convertStringSets(const AnalyzedClass& analyzedClass,
                                            std::vector<BlockUpdate>& updates) {
+  const ClassDefinition& classDefinition = *analyzedClass.definition;
+  CompanionUses uses(&classDefinition, analyzedClass.sourceTextView());
   std::vector<fl::ustring> setProperties;
   for (BlockUpdate& update : updates) {
     for (const Property& property : update.block->getProperties()) {
-      convertStringSet(classDefinition, property, update, setProperties);
+      convertStringSet(classDefinition, property, uses, update, setProperties);
     }
   }
   return setProperties;
@@ -182,7 +184,7 @@ RuleResult CustomAttributeDeprecationFactory::createActions(
                                    classDefinition.getPropertiesBlocks().end());
   applyAttributeRule(updates, PropertyAttributeType::PositiveInteger, makePositiveIntegerActions);
   applyAttributeRule(updates, PropertyAttributeType::Logical, makeLogicalActions);
-  const std::vector<fl::ustring> setProperties = convertStringSets(classDefinition, updates);
+  const std::vector<fl::ustring> setProperties = convertStringSets(analyzedClass, updates);
   deleteCompanions(updates, setProperties);
   deleteEmptyBlocks(updates);
   joinNeighbours(classDefinition, updates);

@@ -2,14 +2,18 @@
 // CustomAttributeDeprecationFactory.cpp, and included by nothing else.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include "diagnostics/Findings.h"
 #include "metadata/MetaClass.h"
 #include "model/ClassDefinition.h"
+#include "model/DotIndex.h"
+#include "model/PropertiesBlock.h"
 #include "model/Property.h"
 #include "platform/text/UString.h"
 #include "rules/PropertiesBlockUpdate.h"
@@ -48,8 +52,40 @@ bool isReplaceableSet(const ConstrainedSetInfo& set) {
   }
 }
 
+// Tells of companions whether the source code uses them. The first few are looked for one by one;
+// for more, all of the class's properties are looked for in one pass over the text.
+class CompanionUses {
+ public:
+  // Both must outlive this object.
+  CompanionUses(const ClassDefinition* classDefinition, fl::ustring_view text)
+      : classDefinition_(classDefinition), text_(text) {}
+
+  bool isUsed(const Property& companion) {
+    if (count_++ < few) return companion.isReferencedThroughDot();
+    if (!index_) index_.emplace(text_, propertyNames());
+    return companion.isReferencedThroughDot(*index_);
+  }
+
+ private:
+  static constexpr std::size_t few = 16;
+
+  std::vector<fl::ustring_view> propertyNames() const {
+    std::vector<fl::ustring_view> names;
+    for (const PropertiesBlock& block : classDefinition_->getPropertiesBlocks()) {
+      for (const Property& property : block.getProperties()) names.push_back(property.nameView());
+    }
+    return names;
+  }
+
+  const ClassDefinition* classDefinition_;
+  fl::ustring_view text_;
+  std::size_t count_ = 0;
+  std::optional<DotIndex> index_;
+};
+
 // Whether nothing stands against deleting the companion; messages tell what does.
-bool canDeleteCompanion(const Property& property, const Property& companion, BlockUpdate& update) {
+bool canDeleteCompanion(const Property& property, const Property& companion, CompanionUses& uses,
+                        BlockUpdate& update) {
   const auto report = [&](const char* id) {
     update.messages.push_back(findingText(id, {property.getName(), companion.getName()}));
   };
@@ -57,7 +93,7 @@ bool canDeleteCompanion(const Property& property, const Property& companion, Blo
   if (hasGetter) report("AssociatedStringSetHasGetter");
   const bool isDirect = companion.hasStringSetDefault();
   if (!isDirect) report("StringSetIndirectInstantiation");
-  const bool isUsed = companion.isReferencedThroughDot();
+  const bool isUsed = uses.isUsed(companion);
   if (isUsed) report("AssociatedStringSetUsedInSourceCode");
   return !hasGetter && isDirect && !isUsed;
 }
@@ -96,12 +132,13 @@ bool lacksFirstValue(const Property& property, const ConstrainedSetInfo& set) {
 // companion, which is thereby free to go, to `setProperties`. A message tells what stands against
 // it.
 void convertStringSet(const ClassDefinition& classDefinition, const Property& property,
-                      BlockUpdate& update, std::vector<fl::ustring>& setProperties) {
+                      CompanionUses& uses, BlockUpdate& update,
+                      std::vector<fl::ustring>& setProperties) {
   const ConstrainedSetInfo set = property.getConstrainedSetInfo();
   if (!isReplaceableSet(set)) return;
   if (reportAbstractProperty(property, update)) return;
   const Property* companion = classDefinition.findProperty(set.setPropertyName);
-  if (companion == nullptr || !canDeleteCompanion(property, *companion, update)) return;
+  if (companion == nullptr || !canDeleteCompanion(property, *companion, uses, update)) return;
   if (lacksFirstValue(property, set)) return;
   update.addGroup(makeMemberActions(property, set));
   setProperties.push_back(set.setPropertyName);

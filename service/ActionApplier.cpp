@@ -1,6 +1,5 @@
 #include "service/ActionApplier.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <utility>
 
@@ -13,42 +12,34 @@ ActionApplier::ActionApplier(SourceFile* file, fl::ustring fileName)
     : file_(file), fileName_(std::move(fileName)) {}
 
 void ActionApplier::apply(const Action& action) {
-  visitEdits(action, [&](const SingleAction& edit) {
-    replace(edit);
-    return true;
-  });
-}
-
-std::optional<SourcePosition> ActionApplier::applyUnlessDelimiterMissing(const Action& action) {
-  std::optional<SourcePosition> missing;
-  visitEdits(action, [&](const SingleAction& edit) {
-    missing = file_->findMissingDelimiter(edit.getDelimiterFlags(), edit.getExtent());
-    if (!missing) replace(edit);
-    return !missing;
-  });
-  return missing;
-}
-
-template <class Edit>
-void ActionApplier::visitEdits(const Action& action, const Edit& edit) {
   if (checkOverlap_) claim(action.getExtent());
   if (!action.isGroup()) {
-    edit(static_cast<const SingleAction&>(action));
+    replace(static_cast<const SingleAction&>(action));
     return;
   }
   checkOverlap_ = false;
   for (const auto& child : static_cast<const ActionGroup&>(action).getActions()) {
-    if (!child->isGroup() && !edit(static_cast<const SingleAction&>(*child))) break;
+    if (!child->isGroup()) replace(static_cast<const SingleAction&>(*child));
   }
   checkOverlap_ = true;
 }
 
+std::optional<SourcePosition> ActionApplier::applyUnlessDelimiterMissing(
+    const PlannedAction& action) {
+  claim(action.extent);
+  for (const PlannedEdit& edit : action.edits) {
+    const auto missing = file_->findMissingDelimiter(edit.delimiterFlags, edit.extent);
+    if (missing) return missing;
+    file_->replace(edit.text, edit.delimiterFlags, edit.extent);
+  }
+  return std::nullopt;
+}
+
 void ActionApplier::claim(const Extent& extent) {
-  const auto collides = [&](const Extent& claimed) { return extent.startsWithinLinesOf(claimed); };
-  if (std::ranges::any_of(claimedExtents_, collides)) {
+  if (claimedExtents_.collidesWith(extent)) {
     raiseErrMsgId(VELUM::system::Analyzer::OverlappingExtent(fileName_));
   }
-  claimedExtents_.push_back(extent);
+  claimedExtents_.add(extent);
 }
 
 void ActionApplier::replace(const SingleAction& action) {

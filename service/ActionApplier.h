@@ -1,13 +1,14 @@
 // Carries out the actions of one class.
 #pragma once
 
-#include <list>
 #include <optional>
 
 #include "model/Extent.h"
 #include "model/SourceFile.h"
 #include "platform/text/UString.h"
 #include "rules/Action.h"
+#include "service/ClaimedExtents.h"
+#include "service/UpdatePlan.h"
 
 namespace soca {
 
@@ -23,23 +24,21 @@ class ActionApplier {
   // SourceFile::replace does. What was edited until then stays edited.
   void apply(const Action& action);
 
-  // As `apply`, but stops in front of an edit that would end the process for want of a delimiter,
-  // and returns the place where it looks for one; nothing if there was no such edit.
-  std::optional<SourcePosition> applyUnlessDelimiterMissing(const Action& action);
+  // The same for an action that was asked before. Stops in front of an edit that would end the
+  // process for want of a delimiter, and returns the place where it looks for one; nothing if there
+  // was no such edit.
+  std::optional<SourcePosition> applyUnlessDelimiterMissing(const PlannedAction& action);
 
  private:
   void claim(const Extent& extent);
   void replace(const SingleAction& action);
-  // Calls `edit` with each edit of the action as long as it returns true.
-  template <class Edit>
-  void visitEdits(const Action& action, const Edit& edit);
 
   SourceFile* file_;
   fl::ustring fileName_;
   // False exactly while the children of a group are applied.
   bool checkOverlap_ = true;
-  // The extents of the actions applied so far; those of a group's children are not among them.
-  std::list<Extent> claimedExtents_;
+  // Those of a group's children are not among them.
+  ClaimedExtents claimedExtents_;
 };
 
 }  // namespace soca

@@ -1,49 +1,36 @@
 #include "service/ApplyUpdates.h"
 
-#include "model/SourceFile.h"
 #include "service/ActionApplier.h"
 
 namespace soca {
-namespace {
 
-// Applies the actions in order, up to the first that must not be applied.
-std::optional<SourcePosition> applyActions(const ActionList& actions, ActionApplier& applier,
-                                           MissingDelimiterType missingDelimiter) {
-  for (const auto& action : actions) {
-    if (missingDelimiter == MissingDelimiterType::endsProcess) {
-      applier.apply(*action);
-    } else if (const auto place = applier.applyUnlessDelimiterMissing(*action)) {
-      return place;
-    }
-  }
-  return std::nullopt;
+UpdateResult makeResult(const ClassActions& entry) {
+  UpdateResult result;
+  result.className = entry.analyzedClass->className;
+  result.fileName = entry.analyzedClass->metaClass->getClassFile();
+  result.messages.assign(entry.messages.begin(), entry.messages.end());
+  return result;
 }
 
-fl::ustring cleanText(SourceFile& file) {
+fl::ustring takeText(SourceFile& file) {
   file.removeEmptiedLines();
   return file.getText();
 }
 
-}  // namespace
-
-ClassUpdate applyClassUpdate(const ClassActions& entry, MissingDelimiterType missingDelimiter) {
-  const AnalyzedClass& analyzedClass = *entry.analyzedClass;
-  ClassUpdate update;
-  UpdateResult& result = update.result;
-  result.className = analyzedClass.className;
-  result.fileName = analyzedClass.metaClass->getClassFile();
-  result.messages.assign(entry.messages.begin(), entry.messages.end());
+UpdateResult applyClassUpdate(const ClassActions& entry) {
+  UpdateResult result = makeResult(entry);
   // Without actions the text stays as it is, to the character: no file is made, since cleaning it
   // up can take away a last line.
-  if (!entry.actions.empty()) {
-    SourceFile file(analyzedClass.sourceTextView());
-    ActionApplier applier(&file, result.fileName);
-    update.missingDelimiter = applyActions(entry.actions, applier, missingDelimiter);
-    result.updated = !update.missingDelimiter;
-    if (result.updated) result.text = cleanText(file);
+  if (entry.actions.empty()) {
+    result.text = entry.analyzedClass->getSourceText();
+    return result;
   }
-  if (!result.updated) result.text = analyzedClass.getSourceText();
-  return update;
+  SourceFile file(entry.analyzedClass->sourceTextView());
+  ActionApplier applier(&file, result.fileName);
+  for (const auto& action : entry.actions) applier.apply(*action);
+  result.text = takeText(file);
+  result.updated = true;
+  return result;
 }
 
 std::vector<UpdateResult> applyUpdates(const fl::ustring& className, MetaDataInterface* metaData,
@@ -52,9 +39,7 @@ std::vector<UpdateResult> applyUpdates(const fl::ustring& className, MetaDataInt
   const auto entries = collectActions(classes, factories);
   std::vector<UpdateResult> results;
   results.reserve(entries.size());
-  for (const ClassActions& entry : entries) {
-    results.push_back(applyClassUpdate(entry, MissingDelimiterType::endsProcess).result);
-  }
+  for (const ClassActions& entry : entries) results.push_back(applyClassUpdate(entry));
   return results;
 }
 

@@ -1,11 +1,10 @@
 // From a class name to the updated texts.
 #pragma once
 
-#include <optional>
 #include <vector>
 
 #include "metadata/MetaDataInterface.h"
-#include "model/SourcePosition.h"
+#include "model/SourceFile.h"
 #include "platform/text/UString.h"
 #include "service/ActionCollection.h"
 #include "service/ServiceContext.h"
@@ -19,17 +18,13 @@ namespace soca {
 std::vector<UpdateResult> applyUpdates(const fl::ustring& className, MetaDataInterface* metaData,
                                        const FactoryList& factories, bool includeSuperclasses);
 
-// What to do about an edit that would end the process for want of a delimiter.
-enum class MissingDelimiterType { endsProcess, endsClass };
-
 // One class's part of the above.
-struct ClassUpdate {
-  // With a missing delimiter the text before the update.
-  UpdateResult result;
-  // Where the first edit that could not be made looks for a delimiter.
-  std::optional<SourcePosition> missingDelimiter;
-};
+UpdateResult applyClassUpdate(const ClassActions& entry);
 
-ClassUpdate applyClassUpdate(const ClassActions& entry, MissingDelimiterType missingDelimiter);
+// The result of one class but for its text: what it is, and the messages.
+UpdateResult makeResult(const ClassActions& entry);
+
+// Ends the editing of a file and takes its text.
+fl::ustring takeText(SourceFile& file);
 
 }  // namespace soca

@@ -3,6 +3,9 @@
 #include <cstddef>
 #include <utility>
 
+#include "model/SourceFile.h"
+#include "model/TextSearch.h"
+#include "service/ActionApplier.h"
 #include "service/ActionCollection.h"
 #include "service/ApplyUpdates.h"
 #include "service/ServiceContext.h"
@@ -41,29 +44,62 @@ std::vector<PlannedAction> makeActions(const CountedActions& counted,
   return actions;
 }
 
-PlannedClass planClass(const CountedActions& counted, const std::vector<RuleFamilyType>& families) {
-  ClassUpdate update = applyClassUpdate(counted.entry, MissingDelimiterType::endsClass);
-  return {std::move(update.result), counted.entry.analyzedClass->analysis,
-          makeActions(counted, families), update.missingDelimiter};
+// The text after the actions, up to the first for which a delimiter is missing: then none.
+std::optional<fl::ustring> applyActions(const PlannedClass& planned,
+                                        std::optional<SourcePosition>& missingDelimiter) {
+  SourceFile file(planned.analysis->sourceTextView());
+  ActionApplier applier(&file, planned.result.fileName);
+  for (const PlannedAction& action : planned.actions) {
+    missingDelimiter = applier.applyUnlessDelimiterMissing(action);
+    if (missingDelimiter) return std::nullopt;
+  }
+  return takeText(file);
 }
 
-PlannedClass planWithoutApplying(const CountedActions& counted,
-                                 const std::vector<RuleFamilyType>& families) {
-  const AnalyzedClass& analyzedClass = *counted.entry.analyzedClass;
+PlannedClass planWithoutText(const CountedActions& counted,
+                             const std::vector<RuleFamilyType>& families) {
   PlannedClass planned;
-  planned.result.className = analyzedClass.className;
-  planned.result.fileName = analyzedClass.metaClass->getClassFile();
-  planned.result.text = analyzedClass.getSourceText();
-  planned.analysis = analyzedClass.analysis;
+  planned.result = makeResult(counted.entry);
+  planned.analysis = counted.entry.analyzedClass->analysis;
   planned.actions = makeActions(counted, families);
   return planned;
 }
 
+PlannedClass planClass(const CountedActions& counted, const std::vector<RuleFamilyType>& families) {
+  PlannedClass planned = planWithoutText(counted, families);
+  std::optional<fl::ustring> text;
+  if (!planned.actions.empty()) text = applyActions(planned, planned.missingDelimiter);
+  planned.result.updated = text.has_value();
+  planned.result.text = text ? std::move(*text) : counted.entry.analyzedClass->getSourceText();
+  return planned;
+}
+
+PlannedClass planWithoutApplying(const CountedActions& counted,
+                                 const std::vector<RuleFamilyType>& families) {
+  PlannedClass planned = planWithoutText(counted, families);
+  planned.result.text = counted.entry.analyzedClass->getSourceText();
+  return planned;
+}
+
+RepeatedUpdate repeatClass(const CountedActions& counted,
+                           const std::vector<RuleFamilyType>& families) {
+  RepeatedUpdate repeated;
+  repeated.analysis = counted.entry.analyzedClass->analysis;
+  if (counted.entry.actions.empty()) return repeated;
+  const PlannedClass planned = planWithoutText(counted, families);
+  std::optional<SourcePosition> missingDelimiter;
+  const auto text = applyActions(planned, missingDelimiter);
+  repeated.changesAgain = !text || !areEqualTexts(*text, repeated.analysis->sourceTextView());
+  return repeated;
+}
+
 // Collects the classes and makes what `plan` says of each. All are collected before the first is
 // planned.
-template <class Plan>
-std::vector<PlannedClass> planEach(const fl::ustring& className, const UpdateMask& mask,
-                                   bool includeSuperclasses, const Plan& plan) {
+template <class Planned>
+std::vector<Planned> planEach(const fl::ustring& className, const UpdateMask& mask,
+                              bool includeSuperclasses,
+                              Planned (*plan)(const CountedActions&,
+                                              const std::vector<RuleFamilyType>&)) {
   const ServiceContext context(mask);
   const auto families = selectRuleFamilies(mask);
   std::vector<CountedActions> collected;
@@ -73,7 +109,7 @@ std::vector<PlannedClass> planEach(const fl::ustring& className, const UpdateMas
     counted.entry =
         collectClassActions(std::move(analyzedClass), context.factories, counted.actionCounts);
   }
-  std::vector<PlannedClass> planned;
+  std::vector<Planned> planned;
   for (const CountedActions& counted : collected) planned.push_back(plan(counted, families));
   return planned;
 }
@@ -88,6 +124,10 @@ std::vector<PlannedClass> planUpdate(const fl::ustring& className, const UpdateM
 std::vector<PlannedClass> planActions(const fl::ustring& className, const UpdateMask& mask,
                                       bool includeSuperclasses) {
   return planEach(className, mask, includeSuperclasses, planWithoutApplying);
+}
+
+RepeatedUpdate repeatUpdate(const fl::ustring& className, const UpdateMask& mask) {
+  return planEach(className, mask, false, repeatClass).front();
 }
 
 }  // namespace soca

@@ -53,4 +53,14 @@ std::vector<PlannedClass> planUpdate(const fl::ustring& className, const UpdateM
 std::vector<PlannedClass> planActions(const fl::ustring& className, const UpdateMask& mask,
                                       bool includeSuperclasses);
 
+// How an update ends of a class that was just updated.
+struct RepeatedUpdate {
+  std::shared_ptr<ca::AnalysisResult> analysis;
+  // Whether it changes the text again, or can't be made to its end for want of a delimiter.
+  bool changesAgain = false;
+};
+
+// What `planUpdate` would come to for the class alone. Throws what that throws.
+RepeatedUpdate repeatUpdate(const fl::ustring& className, const UpdateMask& mask);
+
 }  // namespace soca

@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 
+#include "model/DotIndex.h"
 #include "model/TextSearch.h"
 #include "platform/text/Conversions.h"
 
@@ -219,6 +220,16 @@ TEST(TextSearch, FindsTheFirstOccurrenceOnly) {
   const fl::ustring name(255, u'x');
   const fl::ustring text = fl::ustring(300, u'y') + u'.' + fl::ustring(254, u'x') + u'.' + name;
   EXPECT_EQ(findBehindDot(text + u"x", name), 811U);
+}
+
+TEST(DotIndex, FindsWhatASearchFinds) {
+  const fl::ustring text = u".A x.Ab2 ...Ab .B.AbcSet\n.Abc .ASet.\u00C9t9";
+  const std::vector<fl::ustring_view> names = {u"Ab",      u"ASet", u"A",  u"AbcSet", u"Abc",
+                                               u"\u00C9t", u"B",    u"Ab", u"No",     u"AbcSetX"};
+  const DotIndex index(text, names);
+  for (const fl::ustring_view name : names) {
+    EXPECT_EQ(index.findBehind(name), findBehindDot(text, name)) << fl::i18n::to_string(name);
+  }
 }
 
 }  // namespace

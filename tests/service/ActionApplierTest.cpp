@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
 #include <stdexcept>
+#include <utility>
+#include <vector>
 
 #include "platform/failure/Exception.h"
 #include "platform/text/Conversions.h"
@@ -106,12 +110,31 @@ TEST(ActionApplier, StaleColumnsOfAGroupPassThrough) {
 TEST(ActionApplier, StopsInFrontOfAMissingDelimiter) {
   SourceFile file(u"abc\nd e\nf");
   ActionApplier applier(&file, u"/a/C.vlm");
-  EXPECT_EQ(applier.applyUnlessDelimiterMissing(*edit({{{0, 0}, {0, 1}}})), std::nullopt);
-  const auto failing = group(edit({{{2, 0}, {2, 1}}, u"F"}), edit({{{1, 0}, {1, 1}}, u"D", 1}),
-                             edit({{{1, 0}, {1, 0}}, u"X"}));
-  EXPECT_EQ(applier.applyUnlessDelimiterMissing(*failing), (SourcePosition{1, 2}));
+  const auto apply = [&](const Extent& extent, std::vector<PlannedEdit> edits) {
+    return applier.applyUnlessDelimiterMissing({.extent = extent, .edits = std::move(edits)});
+  };
+  EXPECT_EQ(apply({{0, 0}, {0, 1}}, {{{{0, 0}, {0, 1}}}}), std::nullopt);
+  const std::vector<PlannedEdit> failing = {
+      {{{2, 0}, {2, 1}}, u"F"}, {{{1, 0}, {1, 1}}, u"D", 1}, {{{1, 0}, {1, 0}}, u"X"}};
+  EXPECT_EQ(apply({{1, 0}, {2, 1}}, failing), (SourcePosition{1, 2}));
   EXPECT_EQ(fl::i18n::to_string(file.getText()), "bc\nd e\nF");
-  EXPECT_THROW(applier.applyUnlessDelimiterMissing(*edit({{{2, 0}, {2, 0}}})), IMsgIDException);
+  EXPECT_THROW(apply({{2, 0}, {2, 0}}, {}), IMsgIDException);
+}
+
+TEST(ClaimedExtents, CollideAsEachOfThemDoes) {
+  std::mt19937 random(1);
+  for (int round = 0; round < 200; ++round) {
+    ClaimedExtents claimed;
+    std::vector<Extent> all;
+    for (int i = 0; i < 20; ++i) {
+      const Extent extent = {{random() % 30, 0}, {random() % 30, 0}};
+      EXPECT_EQ(claimed.collidesWith(extent), std::ranges::any_of(all, [&](const Extent& other) {
+                  return extent.startsWithinLinesOf(other);
+                }));
+      claimed.add(extent);
+      all.push_back(extent);
+    }
+  }
 }
 
 }  // namespace
