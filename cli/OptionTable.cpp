@@ -18,12 +18,16 @@ constexpr auto commands = std::to_array<CommandRow>({
      "soca check src/control/Pid.vlm"},
     {CommandType::explain, "explain", "[ID]", false, "tell what a rule converts or a message means",
      "soca explain LegacyImplReferenced"},
+    {CommandType::undo, "undo", "[RUN]", false, "put back what the last or another run wrote",
+     "soca undo --list"},
 });
 
 constexpr unsigned forUpdate = bitOf(CommandType::update);
 constexpr unsigned forReports = bitOf(CommandType::actions) | bitOf(CommandType::classes);
 constexpr unsigned forClasses = forUpdate | forReports;
-constexpr unsigned forAll = forClasses | bitOf(CommandType::check) | bitOf(CommandType::explain);
+constexpr unsigned forUndo = bitOf(CommandType::undo);
+constexpr unsigned forAll =
+    forClasses | bitOf(CommandType::check) | bitOf(CommandType::explain) | forUndo;
 
 constexpr auto ruleWords = std::to_array<OptionWord>(
     {{"attributes", UpdateMask{2}}, {"mixins", UpdateMask{1}}, {"impl", UpdateMask{4}}});
@@ -48,6 +52,7 @@ constexpr auto options = std::to_array<OptionRow>({
      "walk ignored, hidden and linked folders too"},
     {OptionType::format, "--format", "FORMAT", forUpdate, "text (default), json or sarif",
      formatWords},
+    {OptionType::list, "--list", "", forUndo, "print the runs that can be undone"},
     {OptionType::edits, "--edits", "", forUpdate,
      "with --format json: the single replacements too"},
     {OptionType::stdinPath, "--stdin-path", "PATH", forUpdate,

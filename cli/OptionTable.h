@@ -29,6 +29,7 @@ enum class OptionType {
   check,
   allowDirty,
   noIgnore,
+  list,
   format,
   edits,
   stdinPath,

@@ -96,6 +96,9 @@ void addOption(CLI::App& app, const OptionRow& row, Options& options, RawOptions
     case OptionType::noIgnore:
       app.add_flag(flags, options.noIgnore);
       return;
+    case OptionType::list:
+      app.add_flag(flags, options.list);
+      return;
     case OptionType::format:
       app.add_option(flags, raw.format)->take_last();
       return;
@@ -192,6 +195,10 @@ void checkOptions(const CommandRow& command, const Options& options) {
   }
   if (command.type == CommandType::explain && options.arguments.size() > 1) {
     throw UsageError("'explain' takes one id at a time");
+  }
+  if (command.type == CommandType::undo && options.arguments.size() > (options.list ? 0 : 1)) {
+    throw UsageError(options.list ? "'undo --list' lists all runs, and takes no argument"
+                                  : "'undo' takes one run at a time");
   }
 }
 

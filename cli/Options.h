@@ -10,7 +10,7 @@
 
 namespace soca::cli {
 
-enum class CommandType { update, actions, classes, check, explain, help, version };
+enum class CommandType { update, actions, classes, check, explain, undo, help, version };
 
 enum class FormatType { text, json, sarif };
 
@@ -35,6 +35,7 @@ struct Options {
   bool allowDirty = false;
   // Whether a folder stands for what git ignores, hidden folders and links to folders too.
   bool noIgnore = false;
+  bool list = false;
   FormatType format = FormatType::text;
   bool edits = false;
   // The path of the class whose text comes in on standard input; empty for none.

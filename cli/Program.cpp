@@ -14,6 +14,7 @@
 #include "cli/Signals.h"
 #include "cli/StandardInput.h"
 #include "cli/SyntaxCheck.h"
+#include "cli/Undo.h"
 #include "cli/UpdateRun.h"
 #include "cli/Version.h"
 
@@ -37,6 +38,8 @@ ExitCodeType runCommand(const Options& options, Console& console) {
           options.arguments.empty() ? explainAll() : explain(options.arguments.front()), console);
     case CommandType::check:
       return runSyntaxCheck(options, console);
+    case CommandType::undo:
+      return runUndo(options, console);
     case CommandType::update: {
       const ClassRoots roots = setClassPath(options);
       if (!options.stdinPath.empty()) return updateStandardInput(options, roots, console);

@@ -24,6 +24,7 @@ void catchInterrupts() {
     if (sigaction(signal, nullptr, &old) == 0 && old.sa_handler == SIG_IGN) continue;
     sigaction(signal, &action, nullptr);
   }
+  std::signal(SIGXFSZ, SIG_IGN);
 }
 
 bool wasInterrupted() { return caughtSignal != 0; }

@@ -6,6 +6,7 @@
 namespace soca::cli {
 
 // From now on the first SIGINT or SIGTERM is only noted; a second one ends the process at once.
+// A file that would exceed the limit on its size is an error of the write, and no signal.
 void catchInterrupts();
 
 // Whether one came. What goes on for long asks now and then, and stops.

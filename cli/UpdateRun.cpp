@@ -29,6 +29,7 @@ Failure makeWriteFailure(const std::string& className, const std::string& file,
   failure.className = className;
   failure.id = "soca:WriteFailed";
   failure.message = programMessage(failure.id, {file, reason});
+  if (reason == changedReason) failure.hints = {"run the update again"};
   return failure;
 }
 
@@ -47,6 +48,7 @@ UpdateRun::UpdateRun(const Options* options, const ClassRoots* roots, Console* c
 }
 
 ExitCodeType UpdateRun::run() {
+  if (options_->write) queue_.emplace(console_);
   computeAll();
   if (options_->write && fatalError_.empty() && !wasInterrupted()) {
     try {
@@ -145,22 +147,11 @@ void UpdateRun::takeClass(ClassOutcome& outcome) {
       !outcome.hasNewFile() || files_[outcome.stamp.device].insert(outcome.stamp.inode).second;
   if (!isFirst && options_->format == FormatType::text) outcome.data.clear();
   if (options_->write) {
-    deferred_.push_back(defer(outcome, outcome.hasNewFile() && isFirst));
+    queue_->add(outcome, outcome.hasNewFile() && isFirst);
   } else if (!outcome.data.empty()) {
     report_->printData(outcome.data);
   }
   report_->printNotes(outcome);
-}
-
-UpdateRun::Deferred UpdateRun::defer(const ClassOutcome& outcome, bool hasNewFile) {
-  Deferred deferred;
-  deferred.className = outcome.className;
-  deferred.file = outcome.file;
-  deferred.data = spool_.put(outcome.data);
-  deferred.hasNewFile = hasNewFile;
-  if (hasNewFile) deferred.newBytes = spool_.put(outcome.newBytes);
-  deferred.stamp = outcome.stamp;
-  return deferred;
 }
 
 void UpdateRun::addFailure(const Failure& failure) {
@@ -169,38 +160,31 @@ void UpdateRun::addFailure(const Failure& failure) {
 }
 
 void UpdateRun::writeAll() {
-  // Temporary files lie about until the end of this.
-  ignoreBrokenPipes();
-  FileWriter writer;
-  // What can't be written is no result.
-  std::vector<const Deferred*> staged;
-  std::unordered_set<const Deferred*> failed;
-  const auto fail = [&](const Deferred& deferred, const std::string& reason) {
-    failed.insert(&deferred);
-    --summary_.changed;
-    --summary_.classes;
-    addFailure(makeWriteFailure(deferred.className, deferred.file, reason));
-  };
-  for (const Deferred& deferred : deferred_) {
-    if (!deferred.hasNewFile) continue;
-    if (wasInterrupted()) return;
-    const auto reason =
-        writer.stage({deferred.file, spool_.take(deferred.newBytes), deferred.stamp});
-    if (reason) {
-      fail(deferred, *reason);
-    } else {
-      staged.push_back(&deferred);
+  queue_->write();
+  isWritten_ = !queue_->result().isCutShort;
+  fatalError_ = queue_->result().problem;
+  takeWritten();
+}
+
+// What was not written is no result.
+void UpdateRun::takeWritten() {
+  const auto& entries = queue_->entries();
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    switch (queue_->fateOf(i)) {
+      case WriteQueue::FateType::hasNoNewFile:
+      case WriteQueue::FateType::written:
+        if (entries[i].data.size > 0) report_->printData(queue_->dataOf(entries[i]));
+        break;
+      case WriteQueue::FateType::failed:
+        --summary_.changed;
+        --summary_.classes;
+        addFailure(
+            makeWriteFailure(entries[i].className, entries[i].file, queue_->reasonOfFailure(i)));
+        break;
+      case WriteQueue::FateType::leftOut:
+        ++leftOut_;
+        break;
     }
-  }
-  const auto flushFailure = writer.flush();
-  for (std::size_t i = 0; i < staged.size(); ++i) {
-    const auto reason = flushFailure ? flushFailure : writer.commit(i);
-    if (reason) fail(*staged[i], *reason);
-  }
-  isWritten_ = true;
-  for (const Deferred& deferred : deferred_) {
-    if (deferred.data.size == 0 || failed.contains(&deferred)) continue;
-    report_->printData(spool_.take(deferred.data));
   }
 }
 
@@ -210,6 +194,10 @@ void UpdateRun::finish() {
   if (!fatalError_.empty()) console_->complain(fatalError_);
   console_->tell(summaryText());
   if (!options_->quiet) console_->printError(formatDetails(summary_, console_->width()));
+  const RunNumber run = queue_ ? queue_->result().run : 0;
+  if (run != 0 && !options_->quiet) {
+    console_->tell(fmt::format("this was run {}; 'soca undo' puts the files back", run));
+  }
 }
 
 void UpdateRun::printWarnings() {
@@ -224,9 +212,20 @@ void UpdateRun::printWarnings() {
 }
 
 std::string UpdateRun::summaryText() const {
-  const auto tense = isWritten_ ? TenseType::changed : TenseType::wouldChange;
-  std::string text = formatSummary(summary_, tense);
-  if (options_->write && !isWritten_) text += "; nothing was written";
+  const bool isPartlyWritten = queue_ && queue_->result().writtenCount > 0;
+  const auto tense = isWritten_ || isPartlyWritten ? TenseType::changed : TenseType::wouldChange;
+  Summary summary = summary_;
+  if (isPartlyWritten) {
+    summary.changed -= leftOut_;
+    summary.classes -= leftOut_;
+  }
+  std::string text = formatSummary(summary, tense);
+  if (isPartlyWritten && leftOut_ > 0) {
+    text += fmt::format("; {} more would change and {} not written", leftOut_,
+                        leftOut_ == 1 ? "was" : "were");
+  } else if (options_->write && !isWritten_) {
+    text += "; nothing was written";
+  }
   return wasInterrupted() && !isWritten_ ? "interrupted; " + text : text;
 }
 

@@ -1,9 +1,11 @@
 // The command `update`.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <stop_token>
 #include <string>
 #include <unordered_set>
@@ -18,10 +20,10 @@
 #include "cli/MethodChanges.h"
 #include "cli/Options.h"
 #include "cli/Progress.h"
-#include "cli/Spool.h"
 #include "cli/Summary.h"
 #include "cli/Targets.h"
 #include "cli/UpdateReport.h"
+#include "cli/WriteQueue.h"
 #include "platform/paths/FileView.h"
 
 namespace soca::cli {
@@ -37,16 +39,6 @@ class UpdateRun {
   ExitCodeType run();
 
  private:
-  // What is put aside of a class until the files are written.
-  struct Deferred {
-    std::string className;
-    std::string file;
-    Spool::Place data;
-    bool hasNewFile = false;
-    Spool::Place newBytes;
-    fl::filesystem::FileStamp stamp;
-  };
-
   void computeAll();
   WalkType walkType() const;
   // Tells the progress how many targets there are.
@@ -57,10 +49,10 @@ class UpdateRun {
   // Both run in the order of the targets.
   void take(TargetOutcome& outcome);
   void takeClass(ClassOutcome& outcome);
-  Deferred defer(const ClassOutcome& outcome, bool hasNewFile);
 
   void addFailure(const Failure& failure);
   void writeAll();
+  void takeWritten();
   void finish();
   void printWarnings();
   std::string summaryText() const;
@@ -85,9 +77,11 @@ class UpdateRun {
   std::unordered_set<std::string> shown_;
   // The files that change: their inodes by their devices.
   std::map<std::uint64_t, std::unordered_set<std::uint64_t>> files_;
-  Spool spool_;
-  std::vector<Deferred> deferred_;
+  // Only with `--write`.
+  std::optional<WriteQueue> queue_;
+  // Whether the writing came to its end, and how many files it left out if it did not.
   bool isWritten_ = false;
+  std::size_t leftOut_ = 0;
   // What keeps the run as a whole from going on.
   std::string fatalError_;
 };

@@ -40,11 +40,13 @@ Workspace::Workspace() {
   std::string name = (fs::temp_directory_path() / "soca-cli-XXXXXX").string();
   if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("no folder for the test");
   path_ = fs::canonical(name);
+  ::setenv("XDG_STATE_HOME", statePath().c_str(), 1);
 }
 
 Workspace::~Workspace() {
   std::error_code ignored;
   fs::remove_all(path_, ignored);
+  fs::remove_all(statePath(), ignored);
 }
 
 void Workspace::write(const std::string& name, std::string_view bytes) const {

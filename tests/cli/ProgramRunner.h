@@ -26,6 +26,8 @@ class Workspace {
   Workspace& operator=(const Workspace&) = delete;
 
   const std::filesystem::path& path() const { return path_; }
+  // Beside the folder: where the user's state goes while no newer object is made.
+  std::filesystem::path statePath() const { return path_.string() + ".state"; }
 
   // Writes a file below the folder, and the folders that it needs.
   void write(const std::string& name, std::string_view bytes) const;

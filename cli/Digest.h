@@ -1,0 +1,23 @@
+// Short values that stand for bytes.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace soca::cli {
+
+// Tells texts apart that nobody made to be alike.
+struct Digest {
+  std::uint64_t size = 0;
+  std::uint64_t low = 0;
+  std::uint64_t high = 0;
+
+  friend bool operator==(const Digest&, const Digest&) = default;
+};
+
+Digest digestOf(std::string_view bytes);
+
+// Shows whether bytes came back from the disk as they were written.
+std::uint64_t checksumOf(std::string_view bytes);
+
+}  // namespace soca::cli

@@ -1,0 +1,182 @@
+// The command `undo`, and where the program keeps what it needs for it.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/cli/ProgramRunner.h"
+
+namespace soca::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(Undo, PutsBackAllButWhatHasChangedSince) {
+  const Workspace space;
+  for (const char* name : {"A", "B", "C"}) {
+    space.write("pkg/" + std::string(name) + ".vlm", outdatedClass(name));
+  }
+  const fs::path a = space.path() / "pkg/A.vlm";
+  ::chmod(a.c_str(), 0604);
+  const auto time = fs::last_write_time(a) - std::chrono::hours(1000) + std::chrono::nanoseconds(7);
+  fs::last_write_time(a, time);
+  const auto before = space.readAll();
+  const auto written = space.soca({"update", "--write"});
+  EXPECT_NE(written.err.find("this was run 1; 'soca undo' puts the files back"), std::string::npos);
+  const auto after = space.readAll();
+  EXPECT_EQ(after.size(), before.size());
+  space.write("pkg/B.vlm", "% mine\n");
+  ::chmod((space.path() / "pkg/C.vlm").c_str(), 0600);
+
+  const auto undone = space.soca({"undo"});
+  EXPECT_EQ(undone.exitCode, 2);
+  EXPECT_EQ(undone.out, "");
+  EXPECT_EQ(undone.err,
+            "soca: 'pkg/B.vlm' is left as it is: it changed since the run wrote it\n"
+            "soca: 'pkg/C.vlm' is left as it is: its permissions changed since the run wrote it\n"
+            "soca: run 1: 1 file is as it was before, 2 are left; once nothing is in the way, "
+            "'soca undo 1' goes on\n");
+  EXPECT_EQ(space.read("pkg/B.vlm"), "% mine\n");
+  EXPECT_EQ(space.read("pkg/C.vlm"), after.at("pkg/C.vlm"));
+  EXPECT_EQ(fs::last_write_time(a), time);
+  EXPECT_EQ(fs::status(a).permissions(), fs::perms(0604));
+  EXPECT_NE(space.soca({"undo", "--list"}).out.find("3  undone but for 2"), std::string::npos);
+
+  space.write("pkg/A.vlm", "% no longer the run's business\n");
+  space.write("pkg/B.vlm", after.at("pkg/B.vlm"));
+  ::chmod((space.path() / "pkg/C.vlm").c_str(), 0644);
+  EXPECT_EQ(space.soca({"undo", "1"}).exitCode, 0);
+  EXPECT_EQ(space.read("pkg/B.vlm"), before.at("pkg/B.vlm"));
+  EXPECT_EQ(space.read("pkg/C.vlm"), before.at("pkg/C.vlm"));
+  const auto list = space.soca({"undo", "--list"});
+  EXPECT_EQ(list.out.substr(0, list.out.find('\n')),
+            " RUN  TIME                   FILES  STATE                FOLDER");
+  EXPECT_NE(list.out.find("3  undone               " + (space.path() / "pkg").string() + "\n"),
+            std::string::npos)
+      << list.out;
+}
+
+TEST(Undo, OfRunsThatCannotBeUndone) {
+  const Workspace space;
+  space.write("A.vlm", outdatedClass("A"));
+  EXPECT_EQ(space.soca({"undo"}).err, "soca: there is no run to undo\n");
+  EXPECT_EQ(space.soca({"undo", "--list"}).exitCode, 0);
+  EXPECT_FALSE(fs::exists(space.statePath() / "soca/runs/1"));
+  space.soca({"update", "--write"});
+  space.soca({"update", "--write"});
+  EXPECT_FALSE(fs::exists(space.statePath() / "soca/runs/2")) << "nothing was left to change";
+  EXPECT_EQ(space.soca({"undo"}).exitCode, 0);
+  const std::vector<std::pair<std::vector<std::string>, std::string_view>> cases = {
+      {{"undo"}, "run 1 is undone already"},
+      {{"undo", "1"}, "run 1 is undone already"},
+      {{"undo", "2"}, "there is no run 2"},
+      {{"undo", "0"}, "'0' is no number of a run"},
+      {{"undo", "-1"}, "'-1' is no number of a run"},
+      {{"undo", "1", "2"}, "takes one run at a time"},
+      {{"undo", "--list", "1"}, "takes no argument"},
+  };
+  for (const auto& [arguments, message] : cases) {
+    const auto result = space.soca(arguments);
+    EXPECT_EQ(result.exitCode, 2) << message;
+    EXPECT_NE(result.err.find(message), std::string::npos) << result.err;
+  }
+  EXPECT_EQ(space.read("A.vlm"), outdatedClass("A"));
+}
+
+TEST(Undo, TheStateFolderIsTheUsers) {
+  const Workspace space;
+  space.write("A.vlm", outdatedClass("A"));
+  space.write("file", "");
+  const std::string here = space.path();
+  const std::vector<std::tuple<const char*, std::string, std::string, std::string>> cases = {
+      // what it shows, HOME, XDG_STATE_HOME, the message or the folder
+      {"neither", "", "", "neither XDG_STATE_HOME nor HOME is an absolute path"},
+      {"relative paths", "home", "state", "neither XDG_STATE_HOME nor HOME is an absolute path"},
+      {"a file in the way", here, here + "/file", "/file/soca' for the journal can't be made"},
+      {"home", here + "/home", "state", "home/.local/state/soca"},
+      {"the variable first", here + "/none", here + "/state/deep", "state/deep/soca"},
+  };
+  for (const auto& [what, home, state, expected] : cases) {
+    SCOPED_TRACE(what);
+    const auto result = space.run(
+        {"env", "HOME=" + home, "XDG_STATE_HOME=" + state, SOCA_PROGRAM, "update", "--write", "A"});
+    if (result.exitCode != 0) {
+      EXPECT_NE(result.err.find(expected), std::string::npos) << result.err;
+      EXPECT_EQ(space.read("A.vlm"), outdatedClass("A"));
+      continue;
+    }
+    EXPECT_EQ(fs::status(space.path() / expected).permissions(), fs::perms(0700));
+    EXPECT_NE(space.read("A.vlm"), outdatedClass("A"));
+    space.write("A.vlm", outdatedClass("A"));
+  }
+}
+
+constexpr int mountIsRefused = 99;
+
+// Runs the commands behind others that mount something, which nobody else sees.
+ProgramResult runWithMount(const Workspace& space, const std::string& mount,
+                           const std::string& commands) {
+  auto result = space.run(
+      {"unshare", "-rm", "sh", "-c", "{ " + mount + "; } 2>/dev/null || exit 99; " + commands});
+  // What the shells and `unshare` say where it is not there or not allowed.
+  if (result.exitCode == 127 || result.err.starts_with("unshare:")) {
+    result.exitCode = mountIsRefused;
+  }
+  return result;
+}
+
+TEST(Faults, AFullDiskDamagesNothing) {
+  const Workspace space;
+  for (const char* name : {"A", "B", "C"}) {
+    space.write("tree/" + std::string(name) + ".vlm", outdatedClass(name));
+  }
+  // Room for the three classes and one new file.
+  const auto result = runWithMount(
+      space, "mkdir small && mount -t tmpfs -o size=16k tmpfs small && cp tree/* small",
+      SOCA_PROGRAM
+      " update --write -p small; code=$?; cp -a small/. result; "
+      "exit $code");
+  if (result.exitCode == mountIsRefused) GTEST_SKIP() << "mounting is not allowed";
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_NE(result.err.find("No space left on device"), std::string::npos) << result.err;
+  EXPECT_NE(result.err.find("1 changed, 0 stay as they are, 2 failed"), std::string::npos)
+      << result.err;
+  EXPECT_NE(space.read("result/A.vlm"), outdatedClass("A"));
+  EXPECT_EQ(space.read("result/B.vlm"), outdatedClass("B"));
+  EXPECT_EQ(space.read("result/C.vlm"), outdatedClass("C"));
+  EXPECT_EQ(space.readAll().size(), 6);
+}
+
+TEST(Faults, AReadOnlyFolderFailsItsClassesOnly) {
+  const Workspace space;
+  space.write("fixed/A.vlm", outdatedClass("A"));
+  space.write("B.vlm", outdatedClass("B"));
+  const auto result =
+      runWithMount(space, "mount --bind fixed fixed && mount -o remount,bind,ro fixed",
+                   SOCA_PROGRAM " update --write");
+  if (result.exitCode == mountIsRefused) GTEST_SKIP() << "mounting is not allowed";
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_NE(result.err.find("no new file could be made beside it: Read-only"), std::string::npos)
+      << result.err;
+  EXPECT_EQ(space.read("fixed/A.vlm"), outdatedClass("A"));
+  EXPECT_NE(space.read("B.vlm"), outdatedClass("B"));
+  EXPECT_EQ(space.soca({"undo"}).exitCode, 0);
+  EXPECT_EQ(space.read("B.vlm"), outdatedClass("B"));
+}
+
+TEST(Faults, AJournalThatCannotBeWrittenKeepsEverythingAsItWas) {
+  const Workspace space;
+  space.write("A.vlm", outdatedClass("A"));
+  const auto result =
+      space.run({"sh", "-c", "ulimit -f 1; exec " SOCA_PROGRAM " update --write 2>&1 | cat"});
+  EXPECT_NE(result.out.find("could not be written: File too large"), std::string::npos)
+      << result.out;
+  EXPECT_NE(result.out.find("nothing was written"), std::string::npos) << result.out;
+  EXPECT_EQ(space.readAll().size(), 1);
+  EXPECT_EQ(space.read("A.vlm"), outdatedClass("A"));
+  EXPECT_EQ(space.soca({"undo"}).err, "soca: there is no run to undo\n");
+}
+
+}  // namespace
+}  // namespace soca::testing
