@@ -68,20 +68,26 @@ struct SourceFile::DelimiterSearch {
   bool isMissing = false;
 };
 
-SourceFile::SourceFile(fl::ustring_view text)
+SourceFile::SourceFile(fl::ustring_view text) : lines_(splitTextIntoLines(text)) {}
 
-    : unedited_(text.begin(), text.end()),
-      lines_(splitTextIntoLines({unedited_.data(), unedited_.size()})) {}
+SourceFile::SourceFile(std::unique_ptr<const fl::ustring> text)
+    : ownText_(std::move(text)), lines_(splitTextIntoLines(*ownText_)) {}
 
 fl::ustring SourceFile::getText() const {
   std::size_t length = 0;
   for (const Line& line : lines_) length += line.text.size() + 1;
   fl::ustring text;
   text.reserve(length);
-  for (const Line& line : lines_) {
-    if (has(line, LineDeleted)) continue;
-    text += line.text;
-    if (!has(line, LineNoNewline)) text += u'\n';
+  for (auto line = lines_.begin(); line != lines_.end(); ++line) {
+    if (line->flags == 0) {
+      // Untouched lines still stand one behind the other, each with its line end.
+      const auto first = line;
+      while ((line + 1)->flags == 0) ++line;
+      text.append(first->text.data(), line->text.data() + line->text.size() + 1);
+    } else if (!has(*line, LineDeleted)) {
+      text += line->text;
+      if (!has(*line, LineNoNewline)) text += u'\n';
+    }
   }
   return text;
 }

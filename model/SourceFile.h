@@ -1,9 +1,12 @@
 // The editable image of one source text.
 #pragma once
 
+#include <concepts>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "model/Extent.h"
@@ -39,7 +42,12 @@ class SourceFile {
     std::uint64_t flags = 0;
   };
 
+  // Points into the text, which must outlive the file.
   explicit SourceFile(fl::ustring_view text);
+  // Keeps the text, which nobody else does.
+  template <std::same_as<fl::ustring> Text>
+  explicit SourceFile(Text&& text)
+      : SourceFile(std::make_unique<const fl::ustring>(std::forward<Text>(text))) {}
   SourceFile(SourceFile&&) = default;
   SourceFile& operator=(SourceFile&&) = default;
 
@@ -72,6 +80,8 @@ class SourceFile {
  private:
   struct DelimiterSearch;
 
+  explicit SourceFile(std::unique_ptr<const fl::ustring> text);
+
   DelimiterSearch searchDelimiter(SourcePosition position, fl::ustring_view delimiters) const;
   // The line on which the text goes on behind a continuation on `line`.
   std::uint64_t lineBehindContinuation(std::uint64_t line) const;
@@ -83,8 +93,8 @@ class SourceFile {
   void replaceInLine(std::uint64_t line, std::uint64_t column, std::uint64_t count,
                      const fl::ustring& text);
 
-  // Few lines of a file are ever edited: the others point into this, which moves with its place.
-  std::vector<char16_t> unedited_;
+  // Few lines of a file are ever edited: the others point into the text, which may be this.
+  std::unique_ptr<const fl::ustring> ownText_;
   std::vector<Line> lines_;
   std::unordered_map<std::uint64_t, fl::ustring> editedTexts_;
 };

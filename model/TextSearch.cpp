@@ -1,7 +1,6 @@
 #include "model/TextSearch.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
 
 namespace soca {
@@ -10,23 +9,6 @@ bool areEqualTexts(fl::ustring_view left, fl::ustring_view right) {
   return left.size() == right.size() &&
          (left.empty() ||
           std::memcmp(left.data(), right.data(), left.size() * sizeof(char16_t)) == 0);
-}
-
-std::size_t findLineEnd(fl::ustring_view text, std::size_t from) {
-  // The search for a byte is the widest there is. A byte that is only half of a unit is passed by.
-  constexpr std::size_t lowByte = std::endian::native == std::endian::little ? 0 : 1;
-  const char* const bytes = reinterpret_cast<const char*>(text.data());
-  const char* const end = bytes + text.size() * sizeof(char16_t);
-  const char* next = bytes + from * sizeof(char16_t);
-  while (next < end) {
-    next = static_cast<const char*>(std::memchr(next, '\n', static_cast<std::size_t>(end - next)));
-    if (next == nullptr) break;
-    const auto offset = static_cast<std::size_t>(next - bytes);
-    const std::size_t place = offset / sizeof(char16_t);
-    if (offset % sizeof(char16_t) == lowByte && text[place] == u'\n') return place;
-    ++next;
-  }
-  return fl::ustring_view::npos;
 }
 
 TextFinder::TextFinder(fl::ustring_view pattern) : pattern_(pattern) {

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "platform/text/UString.h"
 
@@ -13,7 +15,22 @@ namespace soca {
 bool areEqualTexts(fl::ustring_view left, fl::ustring_view right);
 
 // The place of the first U+000A at or behind `from`, or npos.
-std::size_t findLineEnd(fl::ustring_view text, std::size_t from);
+inline std::size_t findLineEnd(fl::ustring_view text, std::size_t from) {
+  // The search for a byte is the widest there is. A byte that is only half of a unit is passed by.
+  constexpr std::size_t lowByte = std::endian::native == std::endian::little ? 0 : 1;
+  const char* const bytes = reinterpret_cast<const char*>(text.data());
+  const std::size_t size = text.size() * sizeof(char16_t);
+  std::size_t next = from * sizeof(char16_t);
+  while (next < size) {
+    const void* const found = std::memchr(bytes + next, '\n', size - next);
+    if (found == nullptr) break;
+    next = static_cast<std::size_t>(static_cast<const char*>(found) - bytes);
+    const std::size_t place = next / sizeof(char16_t);
+    if (next % sizeof(char16_t) == lowByte && text[place] == u'\n') return place;
+    ++next;
+  }
+  return fl::ustring_view::npos;
+}
 
 // Looks for one pattern in any number of texts. The pattern must outlive the finder.
 class TextFinder {
