@@ -403,6 +403,7 @@ namespace internal {
 template <class Block, class Tag>
 std::vector<const Block*> blocksOfKind(const Classdef<Tag>& classdef, NodeKind kind) {
   std::vector<const Block*> blocks;
+  blocks.reserve(classdef.members.size());
   for (const Node<Tag>* member : classdef.members) {
     if (member->kind == kind) blocks.push_back(static_cast<const Block*>(member));
   }
@@ -428,7 +429,11 @@ std::vector<const MethodsBlockNode<Tag>*> NodeCustomization<Classdef<Tag>>::getM
 template <class Tag>
 std::vector<const FunctionDeclaration<Tag>*> NodeCustomization<Classdef<Tag>>::getMethods() const {
   std::vector<const FunctionDeclaration<Tag>*> methods;
-  for (const MethodsBlockNode<Tag>* block : getMethodsBlocks()) {
+  const auto blocks = getMethodsBlocks();
+  std::size_t count = 0;
+  for (const MethodsBlockNode<Tag>* block : blocks) count += block->members.size();
+  methods.reserve(count);
+  for (const MethodsBlockNode<Tag>* block : blocks) {
     for (const Node<Tag>* member : block->members) {
       methods.push_back(static_cast<const FunctionDeclaration<Tag>*>(member));
     }

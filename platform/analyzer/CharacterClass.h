@@ -30,7 +30,7 @@ constexpr std::array<std::uint8_t, 128> makeTable() {
   return table;
 }
 
-inline constexpr std::array<std::uint8_t, 128> table = makeTable();
+constexpr std::array<std::uint8_t, 128> table = makeTable();
 
 }  // namespace characters
 

@@ -10,26 +10,29 @@ namespace ca {
 void CharacterMap::read(fl::ustring_view text) {
   size_ = text.size();
   hasNul_ = false;
-  blocks_.resize(size_ / unitsPerBlock + 1);
-  const char16_t* units = text.data();
-  for (std::size_t index = 0; index + 1 < blocks_.size(); ++index, units += unitsPerBlock) {
-    readBlock(units, blocks_[index]);
-  }
-  // The last block is filled up with characters that are none of these.
-  std::array<char16_t, unitsPerBlock> rest;
+  const std::size_t last = size_ / unitsPerWord;
+  for (Bits* bits : {&lineEnds_, &blankEnds_, &nameEnds_}) bits->resize(last + 1);
+  for (std::size_t i = 0; i < last; ++i) readWord(text.data() + i * unitsPerWord, i);
+  // The last word is filled up with characters that are none of these.
+  std::array<char16_t, unitsPerWord> rest;
   rest.fill(u'!');
-  const std::size_t restSize = size_ % unitsPerBlock;
-  std::copy_n(units, restSize, rest.begin());
-  readBlock(rest.data(), blocks_.back());
-  blocks_.back().lineEnds |= std::uint64_t{1} << restSize;
+  std::copy_n(text.data() + last * unitsPerWord, size_ % unitsPerWord, rest.begin());
+  readWord(rest.data(), last);
+  lineEnds_.back() |= std::uint64_t{1} << size_ % unitsPerWord;
 }
 
-void CharacterMap::readBlock(const char16_t* units, Block& block) {
+void CharacterMap::readWord(const char16_t* units, std::size_t index) {
   const Units64 read(units);
-  block.lineEnds = read.equal('\n');
-  block.blanks = read.equal(' ') | (read.within('\t', 5) & ~block.lineEnds);
-  block.nameParts = read.nameParts();
+  const std::uint64_t lineEnds = read.equal('\n');
+  lineEnds_[index] = lineEnds;
+  blankEnds_[index] = ~(read.equal(' ') | (read.within('\t', 5) & ~lineEnds));
+  nameEnds_[index] = ~read.nameParts();
   hasNul_ = hasNul_ || read.equal('\0') != 0;
+}
+
+std::uint32_t CharacterMap::findFar(const Bits& bits, std::uint32_t index) {
+  while (bits[index] == 0) ++index;
+  return index * unitsPerWord + static_cast<std::uint32_t>(std::countr_zero(bits[index]));
 }
 
 }  // namespace ca

@@ -18,17 +18,15 @@ class CharacterMap {
   void read(fl::ustring_view text);
 
   // The first line end at or behind `from`; the size of the text when there is none.
-  std::uint32_t findLineEnd(std::uint32_t from) const {
-    return findBit(from, [](const Block& block) { return block.lineEnds; });
-  }
+  std::uint32_t findLineEnd(std::uint32_t from) const { return find(lineEnds_, from); }
   // The first code unit at or behind `from` that is no blank.
-  std::uint32_t findBlanksEnd(std::uint32_t from) const {
-    return findBit(from, [](const Block& block) { return ~block.blanks; });
-  }
+  std::uint32_t findBlanksEnd(std::uint32_t from) const { return find(blankEnds_, from); }
   // The first code unit at or behind `from` that is no ASCII letter, no digit and no `_`.
-  std::uint32_t findNameEnd(std::uint32_t from) const {
-    return findBit(from, [](const Block& block) { return ~block.nameParts; });
-  }
+  std::uint32_t findNameEnd(std::uint32_t from) const { return find(nameEnds_, from); }
+
+  // The same if it is at hand, and otherwise 0, which is the end of no run.
+  std::uint32_t findNearBlanksEnd(std::uint32_t from) const { return findNear(blankEnds_, from); }
+  std::uint32_t findNearNameEnd(std::uint32_t from) const { return findNear(nameEnds_, from); }
 
   // Whether there is a U+0000 in the text.
   bool hasNul() const { return hasNul_; }
@@ -36,40 +34,37 @@ class CharacterMap {
   // Calls `take` with the position of each line end, in order.
   template <class Take>
   void forEachLineEnd(const Take& take) const {
-    for (std::size_t index = 0; index < blocks_.size(); ++index) {
-      for (std::uint64_t bits = blocks_[index].lineEnds; bits != 0; bits &= bits - 1) {
-        const std::size_t position = index * unitsPerBlock + std::countr_zero(bits);
+    for (std::size_t index = 0; index < lineEnds_.size(); ++index) {
+      for (std::uint64_t bits = lineEnds_[index]; bits != 0; bits &= bits - 1) {
+        const std::size_t position = index * unitsPerWord + std::countr_zero(bits);
         if (position < size_) take(static_cast<std::uint32_t>(position));
       }
     }
   }
 
  private:
-  static constexpr unsigned unitsPerBlock = 64;
+  static constexpr unsigned unitsPerWord = 64;
 
-  // Behind the text there is one line end, and nothing else.
-  struct Block {
-    std::uint64_t lineEnds = 0;
-    std::uint64_t blanks = 0;
-    std::uint64_t nameParts = 0;
-  };
+  // A bit for each code unit with what is looked for, and for one behind the text.
+  using Bits = std::vector<std::uint64_t>;
 
-  template <class Select>
-  std::uint32_t findBit(std::uint32_t from, const Select& select) const {
-    const Block* block = &blocks_[from / unitsPerBlock];
-    if (const std::uint64_t bits = select(*block) >> from % unitsPerBlock; bits != 0) {
-      return from + static_cast<std::uint32_t>(std::countr_zero(bits));
-    }
-    std::uint64_t bits = 0;
-    do bits = select(*++block);
-    while (bits == 0);
-    const auto index = static_cast<std::uint32_t>(block - blocks_.data());
-    return index * unitsPerBlock + static_cast<std::uint32_t>(std::countr_zero(bits));
+  static std::uint32_t findNear(const Bits& bits, std::uint32_t from) {
+    const std::uint64_t word = bits[from / unitsPerWord] >> from % unitsPerWord;
+    return word != 0 ? from + static_cast<std::uint32_t>(std::countr_zero(word)) : 0;
   }
+  static std::uint32_t find(const Bits& bits, std::uint32_t from) {
+    const std::uint64_t word = bits[from / unitsPerWord] >> from % unitsPerWord;
+    if (word != 0) return from + static_cast<std::uint32_t>(std::countr_zero(word));
+    return findFar(bits, from / unitsPerWord + 1);
+  }
+  // In the words from `index` on.
+  static std::uint32_t findFar(const Bits& bits, std::uint32_t index);
 
-  void readBlock(const char16_t* units, Block& block);
+  void readWord(const char16_t* units, std::size_t index);
 
-  std::vector<Block> blocks_;
+  Bits lineEnds_;
+  Bits blankEnds_;
+  Bits nameEnds_;
   std::size_t size_ = 0;
   bool hasNul_ = false;
 };

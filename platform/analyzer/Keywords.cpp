@@ -5,8 +5,6 @@
 namespace ca {
 namespace {
 
-constexpr std::size_t longestKeyword = 10;
-
 // Compares as bytes, for which compilers make few wide instructions when the length is known.
 template <std::size_t size>
 bool isWord(fl::ustring_view name, const char16_t (&keyword)[size]) {
@@ -44,8 +42,7 @@ TokenKind beginningWithE(fl::ustring_view name) {
 
 }  // namespace
 
-TokenKind keywordOrIdentifier(fl::ustring_view name) {
-  if (name.size() < 2 || name.size() > longestKeyword) return TokenKind::Identifier;
+TokenKind compareWithKeywords(fl::ustring_view name) {
   switch (name[0]) {
     case u'b':
       return pick(name, u"break", TokenKind::Break);

@@ -18,68 +18,87 @@ constexpr bool isLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit < 0
 
 // --- the token at a place ---
 
-Token Lexer::scan(std::uint32_t from) {
-  Token token;
-  std::uint32_t position = from;
+// Most tokens are names and single characters with at most one run of blanks in front of them. They
+// are read here, without a call on the way; all others by the general functions.
+void Lexer::scan(std::uint32_t from, Token& token) {
+  token.blankBefore = false;
+  char16_t c = text_[from];
+  if (c == u' ') {
+    token.blankBefore = true;
+    c = text_[++from];
+    if (c == u' ') {
+      const std::uint32_t end = map_->findNearBlanksEnd(from);
+      if (end != 0) from = end;
+      c = text_[from];
+    }
+  }
+  token.begin = from;
+  const TokenStart start = startOf(c);
+  if (start.type == TokenStartType::single) {
+    token.kind = start.kind;
+    token.end = from + 1;
+    return;
+  }
+  if (start.type != TokenStartType::name) return scanFurther(token);
+  const std::uint32_t end = map_->findNearNameEnd(from);
+  if (end == 0 || text_[end] >= 128) return scanName(token);
+  token.end = end;
+  token.kind = TokenKind::Identifier;
+  if (mayBeKeyword(c, end - from)) token.kind = compareWithKeywords(textOf(token));
+}
+
+// From where the token begins, over anything that is none.
+void Lexer::scanFurther(Token& token) {
+  std::uint32_t position = token.begin;
   if (position == 0 && size_ > 0 && text_[0] == byteOrderMark) ++position;
   for (;;) {
-    const char16_t c = text_[position];
-    const TokenStart start = startOf(c);
+    token.begin = position;
+    token.end = position + 1;
+    const TokenStart start = startOf(text_[position]);
     switch (start.type) {
       case TokenStartType::single:
         token.kind = start.kind;
-        token.begin = position;
-        token.end = position + 1;
-        return token;
+        return;
       case TokenStartType::name:
-        token.begin = position;
         return scanName(token);
       case TokenStartType::blank:
         position = skipBlanks(position);
         break;
       case TokenStartType::lineEnd:
         token.kind = TokenKind::LineEnd;
-        token.begin = position;
         token.end = skipLineEnds(position);
-        return token;
+        return;
       case TokenStartType::comment:
         position = skipComment(position);
         break;
       case TokenStartType::operation:
-        if (isContinuationAt(position)) {
-          position = skipLine(position);
-          break;
-        }
-        token.begin = position;
-        token.end = position + 1;
-        return scanOperator(token);
+        if (!isContinuationAt(position)) return scanOperator(token);
+        position = skipLine(position);
+        break;
       case TokenStartType::nul:
-        if (position >= size_) {
-          token.begin = token.end = position;
-          return token;
-        }
+        token.kind = TokenKind::EndOfText;
+        token.end = position;
+        if (position >= size_) return;
         ++position;  // Told of once for the whole text.
         break;
       case TokenStartType::wide:
-        token.begin = position;
         return scanWide(token);
     }
     token.blankBefore = true;
   }
 }
 
-Token Lexer::scanName(Token token) const {
+void Lexer::scanName(Token& token) const {
   token.end = nameEnd(token.begin);
-  token.kind = keywordOrIdentifier(textOf(token));
-  return token;
+  const fl::ustring_view name = textOf(token);
+  token.kind = mayBeKeyword(name[0], token.end - token.begin) ? compareWithKeywords(name)
+                                                              : TokenKind::Identifier;
 }
 
-Token Lexer::scanWide(Token token) const {
+void Lexer::scanWide(Token& token) const {
   if (wideLetterLength(token.begin) != 0) return scanName(token);
   token.kind = TokenKind::Invalid;
-  token.end = token.begin + 1;
   if (isHighSurrogate(text_[token.begin]) && isLowSurrogate(text_[token.end])) ++token.end;
-  return token;
 }
 
 std::uint32_t Lexer::nameEnd(std::uint32_t position) const {
@@ -113,12 +132,11 @@ bool Lexer::isLetterAt(std::uint32_t position) const {
 }
 
 // The operators of more than one character, or of which one may begin another.
-Token Lexer::scanOperator(Token token) const {
+void Lexer::scanOperator(Token& token) const {
   const char16_t next = text_[token.begin + 1];
   const auto pick = [&](char16_t second, TokenKind pair, TokenKind single) {
     token.kind = next == second ? pair : single;
     if (next == second) ++token.end;
-    return token;
   };
   switch (text_[token.begin]) {
     case u'~':
@@ -137,18 +155,16 @@ Token Lexer::scanOperator(Token token) const {
       return scanPoint(token);
     default:
       token.kind = startOf(text_[token.begin]).kind;
-      return token;
   }
 }
 
-Token Lexer::scanPoint(Token token) const {
+void Lexer::scanPoint(Token& token) const {
   const char16_t next = text_[token.begin + 1];
   token.kind = isDigit(next) ? TokenKind::Number : TokenKind::Dot;
   if (next == u'*' || next == u'/' || next == u'\\') token.kind = TokenKind::Multiplicative;
   if (next == u'^') token.kind = TokenKind::Power;
   if (next == u'\'') token.kind = TokenKind::DotQuote;
   if (token.kind != TokenKind::Number && token.kind != TokenKind::Dot) ++token.end;
-  return token;
 }
 
 Token Lexer::scanLiteral(std::uint32_t begin, bool blankBefore) {
@@ -284,8 +300,9 @@ bool Lexer::isCommandBehind(std::uint32_t nameEnd) const {
   }
   if (!isOfClass(c, characters::operation)) return true;
   if (c == u'=' && text_[first + 1] != u'=') return false;
-  const std::uint32_t behind = scanOperator(Token{.begin = first, .end = first + 1}).end;
-  return !isBlank(text_[behind]) && !isContinuationAt(behind);
+  Token operation{.begin = first, .end = first + 1};
+  scanOperator(operation);
+  return !isBlank(text_[operation.end]) && !isContinuationAt(operation.end);
 }
 
 Lexer::Word Lexer::scanCommandWord(std::uint32_t from) const {

@@ -31,7 +31,12 @@ class Lexer {
         errors_(&errors) {}
 
   // The token at `from`, or the next one behind blanks and comments.
-  Token scan(std::uint32_t from);
+  void scan(std::uint32_t from, Token& token);
+  Token scan(std::uint32_t from) {
+    Token token;
+    scan(from, token);
+    return token;
+  }
 
   // The literal that opens at the quote at `begin`; an unclosed one ends with its line.
   Token scanLiteral(std::uint32_t begin, bool blankBefore);
@@ -78,14 +83,16 @@ class Lexer {
 
  private:
   Token extendName(Token first, std::uint32_t parts) const;
-  Token scanName(Token token) const;
-  Token scanWide(Token token) const;
+  // Each sets the kind and the end of a token of which the beginning is known.
+  void scanFurther(Token& token);
+  void scanName(Token& token) const;
+  void scanWide(Token& token) const;
+  void scanOperator(Token& token) const;
+  void scanPoint(Token& token) const;
   // The end of the name that begins at `position`.
   std::uint32_t nameEnd(std::uint32_t position) const;
   // The length in code units of a letter beyond ASCII at `position`, or 0.
   std::uint32_t wideLetterLength(std::uint32_t position) const;
-  Token scanOperator(Token token) const;
-  Token scanPoint(Token token) const;
   // Behind the blanks that begin at `position`.
   std::uint32_t skipBlanks(std::uint32_t position) const;
   // Behind the line end of the line; a text need not end with one.

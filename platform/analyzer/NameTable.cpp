@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "platform/analyzer/NameHash.h"
-
 namespace ca {
 
 using astapi::internal::InternedName;
@@ -26,30 +24,16 @@ void NameTable::Slots::clear() {
   used_ = 0;
 }
 
-const InternedName* NameTable::intern(fl::ustring_view name, Slots& slots) {
-  const std::uint32_t hash = astapi::internal::hashName(name);
-  const std::size_t mask = slots.slots_.size() - 1;
-  std::size_t slot = hash & mask;
-  while (const InternedName* entry = slots.slots_[slot]) {
-    if (entry->hash == hash && entry->length == name.size() &&
-        astapi::internal::isSameName(entry->text, name.data(), name.size())) {
-      return entry;
-    }
-    slot = (slot + 1) & mask;
-  }
-  const InternedName* added = add(name, hash);
-  slots.slots_[slot] = added;
-  if (++slots.used_ * 2 > slots.slots_.size()) grow(slots);
-  return added;
-}
-
-const InternedName* NameTable::add(fl::ustring_view name, std::uint32_t hash) {
+const InternedName* NameTable::add(fl::ustring_view name, std::uint32_t hash, Slots& slots,
+                                   std::size_t slot) {
   auto* added = arena_->make<InternedName>();
   added->text = name.data();
   added->length = static_cast<std::uint32_t>(name.size());
   added->hash = hash;
   added->previous = last_;
   last_ = added;
+  slots.slots_[slot] = added;
+  if (++slots.used_ * 2 > slots.slots_.size()) grow(slots);
   return added;
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/analyzer/Arena.h"
+#include "platform/analyzer/NameHash.h"
 #include "platform/analyzer/SourceText.h"
 #include "platform/text/UString.h"
 
@@ -34,10 +35,23 @@ class NameTable {
 
   // The one entry for `name`, which stands in the text. Lives as long as the arena. `slots` must be
   // the same in all calls, and empty in the first.
-  const astapi::internal::InternedName* intern(fl::ustring_view name, Slots& slots);
+  const astapi::internal::InternedName* intern(fl::ustring_view name, Slots& slots) {
+    const std::uint32_t hash = astapi::internal::hashName(name);
+    const std::size_t mask = slots.slots_.size() - 1;
+    std::size_t slot = hash & mask;
+    while (const astapi::internal::InternedName* entry = slots.slots_[slot]) {
+      if (entry->hash == hash && entry->length == name.size() &&
+          astapi::internal::isSameName(entry->text, name.data(), name.size())) {
+        return entry;
+      }
+      slot = (slot + 1) & mask;
+    }
+    return add(name, hash, slots, slot);
+  }
 
  private:
-  const astapi::internal::InternedName* add(fl::ustring_view name, std::uint32_t hash);
+  const astapi::internal::InternedName* add(fl::ustring_view name, std::uint32_t hash, Slots& slots,
+                                            std::size_t slot);
   void grow(Slots& slots) const;
 
   Arena* arena_;

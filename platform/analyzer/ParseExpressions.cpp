@@ -1,5 +1,7 @@
 // Expressions.
 #include <algorithm>
+#include <array>
+#include <cstdint>
 
 #include "platform/analyzer/ParserScopes.h"
 
@@ -7,35 +9,42 @@ namespace ca {
 
 namespace {
 
-// How tightly a binary operator binds, from 1; 0 for any other token. Prefix operators stand
-// between the last of these and the power.
-int levelOf(TokenKind kind) {
-  switch (kind) {
-    case TokenKind::OrOr:
-      return 1;
-    case TokenKind::AndAnd:
-      return 2;
-    case TokenKind::Or:
-      return 3;
-    case TokenKind::And:
-      return 4;
-    case TokenKind::Less:
-    case TokenKind::LessEqual:
-    case TokenKind::Greater:
-    case TokenKind::GreaterEqual:
-    case TokenKind::Equal:
-    case TokenKind::NotEqual:
-      return 5;
-    case TokenKind::Colon:
-      return 6;
-    case TokenKind::Plus:
-    case TokenKind::Minus:
-      return 7;
-    case TokenKind::Multiplicative:
-      return 8;
-    default:
-      return 0;
+// What a token can be behind an operand.
+struct Continuation {
+  // How tightly a binary operator binds, from 1; 0 for any other token. Prefix operators stand
+  // between the last of these and the power.
+  std::uint8_t level = 0;
+  // Whether it may begin an index, a field or a superclass call, or be a transpose or a power.
+  bool bindsAsPower = false;
+};
+
+constexpr auto makeContinuations() {
+  std::array<Continuation, 256> continuations{};
+  const auto setLevel = [&](TokenKind first, TokenKind last, std::uint8_t level) {
+    for (auto kind = static_cast<unsigned>(first); kind <= static_cast<unsigned>(last); ++kind) {
+      continuations[kind].level = level;
+    }
+  };
+  setLevel(TokenKind::OrOr, TokenKind::OrOr, 1);
+  setLevel(TokenKind::AndAnd, TokenKind::AndAnd, 2);
+  setLevel(TokenKind::Or, TokenKind::Or, 3);
+  setLevel(TokenKind::And, TokenKind::And, 4);
+  setLevel(TokenKind::Less, TokenKind::NotEqual, 5);
+  setLevel(TokenKind::Colon, TokenKind::Colon, 6);
+  setLevel(TokenKind::Plus, TokenKind::Minus, 7);
+  setLevel(TokenKind::Multiplicative, TokenKind::Multiplicative, 8);
+  for (const TokenKind kind :
+       {TokenKind::OpenParenthesis, TokenKind::OpenBrace, TokenKind::Dot, TokenKind::At,
+        TokenKind::Quote, TokenKind::DotQuote, TokenKind::Power}) {
+    continuations[static_cast<unsigned>(kind)].bindsAsPower = true;
   }
+  return continuations;
+}
+
+constexpr auto continuations = makeContinuations();
+
+const Continuation& continuationOf(TokenKind kind) {
+  return continuations[static_cast<unsigned>(kind)];
 }
 
 constexpr int rangeLevel = 6;
@@ -52,8 +61,8 @@ const Parser::Node* Parser::parseExpression() { return parseBinary(1); }
 const Parser::Node* Parser::parseBinary(int minimumLevel) {
   const Node* left = parsePrefix();
   for (;;) {
-    const int level = levelOf(token_.kind);
-    if (failed_ || level < minimumLevel || level == 0 || isElementBoundary()) return left;
+    const int level = continuationOf(token_.kind).level;
+    if (level < minimumLevel || failed_ || isElementBoundary()) return left;
     if (level == rangeLevel) {
       left = parseRange(left);
       continue;
@@ -85,7 +94,10 @@ bool Parser::isElementBoundary() const {
 }
 
 const Parser::Node* Parser::parsePrefix() {
-  if (!isPrefixOperator(token_.kind)) return parsePower();
+  if (!isPrefixOperator(token_.kind)) {
+    const Node* operand = parsePrimary();
+    return continuationOf(token_.kind).bindsAsPower ? parsePower(operand) : operand;
+  }
   auto* operation = makeNode<astapi::UnaryOperation>(NodeKind::UnaryOperation, token_.begin);
   operation->isPrefix = true;
   Level level(*this);
@@ -95,8 +107,8 @@ const Parser::Node* Parser::parsePrefix() {
 }
 
 // Powers and transposes, which bind alike, from the left.
-const Parser::Node* Parser::parsePower() {
-  const Node* left = parseTransposes(parseIndexed(parsePrimary()));
+const Parser::Node* Parser::parsePower(const Node* left) {
+  left = parseTransposes(parseIndexed(left));
   while (!failed_ && is(TokenKind::Power)) {
     advance();
     left = makePair(NodeKind::BinaryOperation, left, parsePowerOperand());

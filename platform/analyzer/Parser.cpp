@@ -63,29 +63,10 @@ Parser::Result Parser::parse() {
 
 // --- tokens ---
 
-void Parser::advance() {
-  lastEnd_ = token_.end;
-  token_ = lexer_.scan(token_.end);
-}
-
-bool Parser::accept(TokenKind kind) {
-  if (failed_ || !is(kind)) return false;
-  advance();
-  return true;
-}
-
 bool Parser::expect(TokenKind kind, const char* what) {
   if (accept(kind)) return true;
   fail(what);
   return false;
-}
-
-bool Parser::isSeparator() const {
-  return is(TokenKind::LineEnd) || is(TokenKind::Semicolon) || is(TokenKind::Comma);
-}
-
-void Parser::skipSeparators() {
-  while (isSeparator()) advance();
 }
 
 // --- nodes ---

@@ -62,13 +62,24 @@ class Parser final : private LexicalErrors {
   class ListBuilder;
 
   // --- Parser.cpp: tokens, nodes, errors ---
-  void advance();
+  void advance() {
+    lastEnd_ = token_.end;
+    lexer_.scan(token_.end, token_);
+  }
   bool is(TokenKind kind) const { return token_.kind == kind; }
-  bool accept(TokenKind kind);
+  bool accept(TokenKind kind) {
+    if (failed_ || !is(kind)) return false;
+    advance();
+    return true;
+  }
   // Takes the token, or tells that `what` was expected.
   bool expect(TokenKind kind, const char* what);
-  bool isSeparator() const;
-  void skipSeparators();
+  bool isSeparator() const {
+    return is(TokenKind::LineEnd) || is(TokenKind::Semicolon) || is(TokenKind::Comma);
+  }
+  void skipSeparators() {
+    while (isSeparator()) advance();
+  }
   std::string describe(const Token& token) const;
   std::string textOf(const Token& token) const;
   unsigned lineOf(std::uint32_t position) const;
@@ -179,7 +190,8 @@ class Parser final : private LexicalErrors {
   const Node* parseRange(const Node* start);
   bool isElementBoundary() const;
   const Node* parsePrefix();
-  const Node* parsePower();
+  // `left` is the first operand.
+  const Node* parsePower(const Node* left);
   const Node* parsePowerOperand();
   const Node* parseTransposes(const Node* operand);
   bool isTranspose() const;

@@ -65,7 +65,7 @@ constexpr std::array<TokenStart, 128> makeTokenStarts() {
   return starts;
 }
 
-inline constexpr std::array<TokenStart, 128> tokenStarts = makeTokenStarts();
+constexpr std::array<TokenStart, 128> tokenStarts = makeTokenStarts();
 
 }  // namespace characters
 

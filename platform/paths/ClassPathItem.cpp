@@ -6,6 +6,7 @@
 
 #include "platform/paths/Overlay.h"
 #include "platform/paths/SourceReader.h"
+#include "platform/paths/ViewMemory.h"
 #include "platform/text/Conversions.h"
 #include "platform/text/Letters.h"
 
@@ -42,15 +43,17 @@ std::string_view findExtension(const std::string& root, const std::string& locat
   return {};
 }
 
-}  // namespace
+using Roots = std::vector<PathDispatcher::Root>;
 
-std::shared_ptr<ClassPathItem> omGetMatchingClassPathItem(const PathDispatcher& dispatcher,
-                                                          const fl::ustring& className) {
+// `nativeName` is the class's name in UTF-8.
+std::shared_ptr<ClassPathItem> findItem(const Roots& roots, const fl::ustring& className,
+                                        const std::string& nativeName) {
   if (!isClassName(className)) return nullptr;
   fl::ustring location = className;
   std::replace(location.begin(), location.end(), u'.', u'/');
-  const std::string nativeLocation = fl::i18n::to_string(location);
-  for (const PathDispatcher::Root& root : dispatcher.roots()) {
+  std::string nativeLocation = nativeName;
+  std::replace(nativeLocation.begin(), nativeLocation.end(), '.', '/');
+  for (const PathDispatcher::Root& root : roots) {
     const std::string_view extension = findExtension(root.path, nativeLocation);
     if (extension.empty()) continue;
     const std::size_t nameStart = location.rfind(u'/') + 1;  // 0 for a class in no package
@@ -59,4 +62,24 @@ std::shared_ptr<ClassPathItem> omGetMatchingClassPathItem(const PathDispatcher& 
                       location.substr(nameStart) + fl::i18n::to_ustring(extension)});
   }
   return nullptr;
+}
+
+}  // namespace
+
+std::shared_ptr<ClassPathItem> omGetMatchingClassPathItem(const PathDispatcher& dispatcher,
+                                                          const fl::ustring& className) {
+  struct Known {
+    const Roots* roots = nullptr;
+    std::shared_ptr<ClassPathItem> item;
+  };
+  // Under a view the same item answers all questions of the thread; nobody changes it.
+  thread_local fl::filesystem::ViewMemory<Known, 256> memory;
+  const Roots& roots = dispatcher.roots();
+  const std::string nativeName = fl::i18n::to_string(className);
+  if (fl::filesystem::hasOverlayOfClass(nativeName)) return findItem(roots, className, nativeName);
+  const Known* known = memory.find(nativeName);
+  if (known != nullptr && known->roots == &roots) return known->item;
+  auto item = findItem(roots, className, nativeName);
+  memory.keep(nativeName, {&roots, item});
+  return item;
 }

@@ -63,6 +63,7 @@ AbsoluteIRI AbsoluteIRI::fromNativePath(std::string_view path) {
 
 CanonicalAbsoluteIRI::CanonicalAbsoluteIRI(const AbsoluteIRI& base, const fl::ustring& relative)
     : path_(1, u'/') {
+  path_.reserve(base.getPath().size() + relative.size() + 2);
   appendSegments(path_, base.getPath());
   if (path_.back() != u'/') path_ += u'/';
   appendSegments(path_, relative);

@@ -1,5 +1,6 @@
 #include "platform/runtime/Hierarchy.h"
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -13,19 +14,19 @@ class NameSet {
  public:
   // Whether the name is a new one. It must outlive the set.
   bool insert(std::string_view name) {
-    if (names_.size() < mostSearched) {
-      if (std::ranges::find(names_, name) != names_.end()) return false;
-      names_.push_back(name);
+    auto* const end = names_.begin() + count_;
+    if (count_ < names_.size()) {
+      if (std::find(names_.begin(), end, name) != end) return false;
+      names_[count_++] = name;
       return true;
     }
-    if (hashed_.empty()) hashed_.insert(names_.begin(), names_.end());
+    if (hashed_.empty()) hashed_.insert(names_.begin(), end);
     return hashed_.insert(name).second;
   }
 
  private:
-  static constexpr std::size_t mostSearched = 24;
-
-  std::vector<std::string_view> names_;
+  std::array<std::string_view, 24> names_;
+  std::size_t count_ = 0;
   std::unordered_set<std::string_view> hashed_;
 };
 
@@ -33,6 +34,8 @@ class NameSet {
 
 Hierarchy::Hierarchy(std::shared_ptr<const ClassDescription> first) {
   if (first == nullptr) return;
+  constexpr std::size_t usualSize = 8;
+  classes_.reserve(usualSize);
   NameSet met;
   met.insert(first->name);
   classes_.push_back(std::move(first));

@@ -1,5 +1,7 @@
 #include "platform/text/FileText.h"
 
+#include <algorithm>
+
 #include "platform/text/Utf8.h"
 
 namespace fl {
@@ -20,9 +22,20 @@ std::optional<std::string> encodeLatin1(ustring_view text) {
   return bytes;
 }
 
+bool isAscii(std::string_view bytes) {
+  const char* next = bytes.data();
+  const char* const end = next + bytes.size();
+  for (; end - next >= 32; next += 32) {
+    if ((utf8::bitsOf32Bytes(next) & utf8::notAsciiBytes) != 0) return false;
+  }
+  return std::all_of(next, end, [](unsigned char byte) { return byte < 0x80; });
+}
+
 }  // namespace
 
 DecodedText decodeFileText(std::string_view bytes) {
+  // The usual text, made without filling its memory with zeros before.
+  if (isAscii(bytes)) return {ustring(bytes.begin(), bytes.end()), EncodingType::utf8};
   DecodedText decoded;
   decoded.text.resize(bytes.size());
   char16_t* const text = decoded.text.data();

@@ -1,5 +1,7 @@
 #include "platform/text/Utf8.h"
 
+#include <algorithm>
+
 namespace fl::utf8 {
 namespace {
 
@@ -31,6 +33,15 @@ std::size_t boundOfBytes(ustring_view text) {
     if ((bitsOf32Bytes(next) & notAsciiUnits) != 0) bound += 32;
   }
   return bound + 2 * static_cast<std::size_t>(end - next);
+}
+
+bool isAscii(ustring_view text) {
+  const char16_t* next = text.data();
+  const char16_t* const end = next + text.size();
+  for (; end - next >= 16; next += 16) {
+    if ((bitsOf32Bytes(next) & notAsciiUnits) != 0) return false;
+  }
+  return std::all_of(next, end, [](char16_t unit) { return unit < 0x80; });
 }
 
 // Reads the character at `next`, a pair as one, and moves on behind it.
@@ -76,6 +87,7 @@ std::optional<std::size_t> decodeText(std::string_view bytes, FaultType fault, c
 }
 
 std::optional<std::string> encodeText(ustring_view text, FaultType fault) {
+  if (isAscii(text)) return std::string(text.begin(), text.end());
   std::string bytes(boundOfBytes(text), '\0');
   char* out = bytes.data();
   const char16_t* next = text.data();
