@@ -108,6 +108,7 @@ void checkProgram(std::uint64_t firstSeed, std::uint64_t count) {
   require(one.out == four.out && one.err == four.err && one.exitCode == four.exitCode,
           "another number of jobs prints something else");
   checkAnyOrder(space, files, one);
+  require(space.readAll() == files, "a dry run writes");
   checkWriting(space, files, one);
 }
 
