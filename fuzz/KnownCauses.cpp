@@ -82,6 +82,16 @@ bool hasValidatorsWithoutDefault(const ClassModel& model) {
   return hasValidationWithoutDefault(model, &Property::hasValidators);
 }
 
+// What is put in place of text on three lines or more.
+bool replacesThreeLines(const ClassModel& model) {
+  return std::ranges::any_of(model.planned.actions, [](const PlannedAction& action) {
+    return action.family == RuleFamilyType::attributes &&
+           std::ranges::any_of(action.edits, [](const PlannedEdit& edit) {
+             return !edit.text.empty() && edit.extent.end.line > edit.extent.start.line + 1;
+           });
+  });
+}
+
 // --- what only the tree tells ---
 
 template <class Predicate>
@@ -123,13 +133,14 @@ struct Cause {
   bool (*applies)(const ClassModel&);
 };
 
-constexpr std::array<Cause, 6> causes = {{
+constexpr std::array<Cause, 7> causes = {{
     {"a value with a quote", hasValueWithQuote},
     {"a set without members", hasSetWithoutMembers},
     {"the parentheses of a joined block", joinsBlockWithParentheses},
     {"braces without validators", hasEmptyBraces},
     {"a class without a default value", hasClassWithoutDefault},
     {"validators without a default value", hasValidatorsWithoutDefault},
+    {"a size over three lines", replacesThreeLines},
 }};
 
 }  // namespace
