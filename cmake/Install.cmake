@@ -76,6 +76,23 @@ if(TARGET soca)
   set_target_properties(soca PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_program}")
   install(TARGETS soca)
 endif()
+if(TARGET soca_manual_files)
+  set(manual ${PROJECT_BINARY_DIR}/cli/manual)
+  install(FILES ${manual}/soca.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES ${manual}/soca.bash RENAME soca
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+  install(FILES ${manual}/soca.fish
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+  # Debian's zsh does not look in its own folder of that name.
+  install(
+    CODE "set(folder site-functions)
+          if(CMAKE_INSTALL_PREFIX MATCHES \"/usr$\" AND EXISTS /etc/debian_version)
+            set(folder vendor-completions)
+          endif()
+          file(INSTALL \"${manual}/_soca\"
+               DESTINATION
+                 \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATADIR}/zsh/\${folder}\")")
+endif()
 install(
   TARGETS soca_platform soca_core
   EXPORT socaTargets

@@ -1,0 +1,13 @@
+// What completes command lines of the program, as scripts for shells.
+#pragma once
+
+#include <string>
+
+namespace soca::cli {
+
+// Scripts that complete commands, options, their words, files, folders, ids and names of classes.
+std::string bashCompletion();
+std::string zshCompletion();
+std::string fishCompletion();
+
+}  // namespace soca::cli

@@ -1,0 +1,121 @@
+#include "cli/manual/ManualTexts.h"
+
+#include <algorithm>
+#include <array>
+
+namespace soca::cli {
+namespace {
+
+template <class Type>
+struct Details {
+  Type type;
+  std::string_view text;
+};
+
+constexpr auto commandDetails = std::to_array<Details<CommandType>>({
+    {CommandType::update,
+     "An argument is the name of a class, a class file on the class path, or a folder on it, which "
+     "stands for every class file below it. An existing file or folder, and whatever has a slash, "
+     "is a path. No argument stands for every root. Without --write the changes are printed as a "
+     "unified diff on standard output, which git apply and patch take; findings and a summary go "
+     "to standard error. All classes are computed and checked before the first file is written, "
+     "and a class that fails never keeps the others from being done. Of the classes below a "
+     "folder, those that are no System objects are counted and passed over."},
+    {CommandType::actions,
+     "The report is that of the update service: for each edit the zero-based lines and columns of "
+     "what it replaces, and the text that takes its place."},
+    {CommandType::classes,
+     "The report is that of the update service: superclasses, properties and methods."},
+    {CommandType::check,
+     "Each error is printed on standard output with file, line and column, which count from one, "
+     "and with the line that it is in. The files need not be on a class path."},
+    {CommandType::explain,
+     "ID is the name of a rule, or the id of a message as it stands behind a finding or in front "
+     "of an error. Without one, all of them are listed."},
+});
+
+constexpr auto optionDetails = std::to_array<Details<OptionType>>({
+    {OptionType::path,
+     "Class a.b.C is the file a/b/C.vlm or a/b/C.p below a root. The roots are asked in the order "
+     "in which they are given, and the first one that has either file wins."},
+    {OptionType::superclasses,
+     "Each class that a named one derives from is updated too, if it is a System object with a "
+     "file of its own."},
+    {OptionType::write,
+     "A file that changed since it was read, that is no regular file, or that can't hold the new "
+     "text in its encoding is left as it was."},
+    {OptionType::check, "Nothing is written. The names are those of classes, each on a line."},
+    {OptionType::allowDirty,
+     "Otherwise a file is refused if git could not bring back what is in it: if it has "
+     "uncommitted changes, or if git does not know it."},
+    {OptionType::noIgnore,
+     "Otherwise what git ignores, folders whose names begin with a point, and links to folders "
+     "are left out of a walk, unless they are named themselves."},
+    {OptionType::format,
+     "json prints one document with results, errors and skipped classes on standard output, for "
+     "other programs to read; sarif prints a log in the form SARIF 2.1.0, for viewers of "
+     "findings."},
+    {OptionType::edits,
+     "Each has its offset and length in bytes of the file and its text; beside them stands the "
+     "SHA-256 of the file for which they were made."},
+    {OptionType::stdinPath,
+     "For editors: the argument is -, the text counts as that of the file PATH, and the updated "
+     "text goes to standard output, which stays empty on a failure."},
+    {OptionType::classTable,
+     "It adds classes, or answers for what source says of one, class by class: superclasses, "
+     "strict defaults, methods, and properties."},
+    {OptionType::jobs, "The output is the same for any number."},
+    {OptionType::color,
+     "On standard output and on standard error alike. See also the environment variables below."},
+});
+
+constexpr auto descriptionTexts = std::to_array<std::string_view>({
+    "soca brings the class files of System objects up to date. A System object is a class written "
+    "in Velum's class-definition language that derives from the environment's System base "
+    "classes. The environment has deprecated several old ways of writing such classes; soca "
+    "rewrites them in the current form and leaves everything else in the file as it was, to the "
+    "character. What it can't convert it reports.",
+    "Nothing is written without --write.",
+});
+
+constexpr auto environmentTexts = std::to_array<ManualEntry>({
+    {"NO_COLOR", "If it is set and not empty, there are no colours, unless --color asks for them."},
+    {"FORCE_COLOR",
+     "If it is set to something else than 0 and not empty, there are colours also where there is "
+     "no terminal, unless NO_COLOR or --color forbids them."},
+    {"TERM", "If it is dumb or not set, a terminal gets no colours of itself."},
+    {"TMPDIR", "The folder for what is put aside during a run; otherwise /tmp."},
+});
+
+constexpr auto fileTexts = std::to_array<ManualEntry>({
+    {"*.vlm", "The source of a class, in UTF-8 or ISO-8859-1. Line ends and encoding are kept."},
+    {"*.p",
+     "The compiled form of a class. It stands in front of the source beside it and can't be "
+     "updated."},
+});
+
+constexpr auto exampleTexts = std::to_array<ManualEntry>({
+    {"soca update -p src src/control | git apply",
+     "Changes the classes of one package through a diff."},
+    {"soca update -p src --check -q", "Tells by its exit code whether there is anything to do."},
+    {"soca update -p src --write -r mixins,impl", "Changes all classes below src by two rules."},
+    {"soca update -p src --format json | jq .errors", "Lists what failed."},
+});
+
+template <class Table, class Type>
+std::string_view find(const Table& table, Type type) {
+  const auto row = std::ranges::find(table, type, [](const auto& entry) { return entry.type; });
+  return row == table.end() ? std::string_view() : row->text;
+}
+
+}  // namespace
+
+std::string_view detailsOf(const CommandRow& row) { return find(commandDetails, row.type); }
+std::string_view detailsOf(const OptionRow& row) { return find(optionDetails, row.type); }
+
+std::span<const std::string_view> description() { return descriptionTexts; }
+std::span<const ManualEntry> environmentVariables() { return environmentTexts; }
+std::span<const ManualEntry> files() { return fileTexts; }
+std::span<const ManualEntry> examples() { return exampleTexts; }
+
+}  // namespace soca::cli
