@@ -146,12 +146,14 @@ std::string nearestClass(std::string_view className, const ClassRoots& roots) {
   std::optional<Correction> best;
   for (const std::string& root : roots.all()) {
     auto correction = correct(root, parts, nameOfClass);
-    if (correction && (!best || correction->distance < best->distance)) best = correction;
+    // A file that is there and still not the class's is a link that leads nowhere.
+    if (!correction || correction->distance == 0) continue;
+    if (!best || correction->distance < best->distance) best = correction;
   }
   if (best) return join(best->parts, '.');
   for (const std::string& root : roots.all()) {
     std::string found = findInPackages(root, parts.back());
-    if (!found.empty()) return found;
+    if (!found.empty() && found != className) return found;
   }
   return {};
 }

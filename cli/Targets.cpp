@@ -125,8 +125,9 @@ Targets::Argument Targets::makeArgument(const std::string& argument) const {
     throw UsageError(fmt::format("'{}' is a folder; name a class or its file", argument));
   }
   if (!roots_->packageOf(path)) {
-    throw UsageError(fmt::format("the folder '{}' is on no root of the class path: {}", argument,
-                                 roots_->listing()));
+    throw UsageError(
+        fmt::format("the folder '{}' is on no root of the class path: {}; add its root with --path",
+                    argument, roots_->listing()));
   }
   return FolderWalk(roots_, git_, walk_, path);
 }

@@ -130,6 +130,14 @@ ClassTableEntry readEntry(const Json& object, const Place& place) {
   return entry;
 }
 
+// "line 2, column 5", both one-based, of a byte counted from one. Columns count bytes.
+std::string placeOf(std::size_t byte, std::string_view text) {
+  const std::string_view before = text.substr(0, byte == 0 ? 0 : byte - 1);
+  const auto lineFeeds = std::ranges::count(before, '\n');
+  const std::size_t lineStart = before.rfind('\n') + 1;
+  return fmt::format("line {}, column {}", lineFeeds + 1, before.size() - lineStart + 1);
+}
+
 // Read at every question about a class, without a lock: so what was set once is kept for ever.
 std::atomic<const ClassTable*> currentTable = nullptr;
 
@@ -140,7 +148,7 @@ ClassTable parseClassTable(std::string_view json) {
   try {
     document = Json::parse(json);
   } catch (const Json::parse_error& error) {
-    fail("", fmt::format("no valid JSON at byte {}", error.byte));
+    fail("", fmt::format("no valid JSON at {}", placeOf(error.byte, json)));
   } catch (const Json::exception&) {
     fail("", "a number is too large");
   }

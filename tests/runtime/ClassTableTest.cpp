@@ -35,8 +35,8 @@ TEST(ClassTable, ErrorsNameThePlace) {
     const char* message;
   };
   constexpr Case cases[] = {
-      {"", "no valid JSON at byte 1"},
-      {"{\"classes\": {},}", "no valid JSON at byte 16"},
+      {"", "no valid JSON at line 1, column 1"},
+      {"{\"classes\":\n {},}", "no valid JSON at line 2, column 5"},
       {R"({"classes": 1e999})", "a number is too large"},
       {"[]", "expected an object"},
       {R"({"class": {}})", "unknown key \"class\""},
