@@ -32,6 +32,9 @@ constexpr auto commandDetails = std::to_array<Details<CommandType>>({
     {CommandType::explain,
      "ID is the name of a rule, or the id of a message as it stands behind a finding or in front "
      "of an error. Without one, all of them are listed."},
+    {CommandType::undo,
+     "RUN is a run as --list shows it; without one it is the last. The files get back their bytes, "
+     "permissions and times."},
 });
 
 constexpr auto optionDetails = std::to_array<Details<OptionType>>({
@@ -43,7 +46,7 @@ constexpr auto optionDetails = std::to_array<Details<OptionType>>({
      "file of its own."},
     {OptionType::write,
      "A file that changed since it was read, that is no regular file, or that can't hold the new "
-     "text in its encoding is left as it was."},
+     "text in its encoding is left as it was. soca undo takes the run back."},
     {OptionType::check, "Nothing is written. The names are those of classes, each on a line."},
     {OptionType::allowDirty,
      "Otherwise a file is refused if git could not bring back what is in it: if it has "
@@ -84,6 +87,8 @@ constexpr auto environmentTexts = std::to_array<ManualEntry>({
      "If it is set to something else than 0 and not empty, there are colours also where there is "
      "no terminal, unless NO_COLOR or --color forbids them."},
     {"TERM", "If it is dumb or not set, a terminal gets no colours of itself."},
+    {"XDG_STATE_HOME",
+     "The folder below which runs that wrote files are kept; otherwise ~/.local/state."},
     {"TMPDIR", "The folder for what is put aside during a run; otherwise /tmp."},
 });
 
@@ -92,6 +97,7 @@ constexpr auto fileTexts = std::to_array<ManualEntry>({
     {"*.p",
      "The compiled form of a class. It stands in front of the source beside it and can't be "
      "updated."},
+    {"$XDG_STATE_HOME/soca", "What undo needs of the runs that wrote files."},
 });
 
 constexpr auto exampleTexts = std::to_array<ManualEntry>({

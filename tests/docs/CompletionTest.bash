@@ -4,7 +4,7 @@
 #   bash CompletionTest.bash SCRIPT
 set -u
 # shellcheck source=/dev/null
-source "$1"
+source "$1" || exit 1
 
 folder=$(mktemp -d)
 trap 'rm -rf -- "$folder"' EXIT
