@@ -37,7 +37,7 @@ bool isAsciiAlphanumeric(char16_t unit) {
 
 // Whether the function is the get accessor of the property.
 bool isGetAccessor(const ca::astapi::FunctionDeclaration& function, fl::ustring_view propertyName) {
-  const fl::ustring_view name = function.name->id.getString();
+  const fl::ustring_view name = function.name->text.view();
   return name.size() == getAccessorPrefix.size() + propertyName.size() &&
          name.starts_with(getAccessorPrefix) && name.ends_with(propertyName);
 }

@@ -158,7 +158,7 @@ void SourceFile::replace(const fl::ustring& text, std::uint64_t options, Extent 
   }
   const std::uint64_t count =
       std::min(endColumn - extent.start.column, length - extent.start.column);
-  replaceInLine(extent.start.line, extent.start.column, count, text);
+  replaceInLine(first, extent.start.column, count, text);
   first.flags |= LineModified;
   if (has(first, LineDeleted)) closeGapBehind(extent);
 }
@@ -175,17 +175,16 @@ void SourceFile::cutFollowingLines(const Extent& extent) {
   last.flags |= LineModified;
 }
 
-void SourceFile::replaceInLine(std::uint64_t line, std::uint64_t column, std::uint64_t count,
+void SourceFile::replaceInLine(Line& line, std::uint64_t column, std::uint64_t count,
                                const fl::ustring& text) {
-  fl::ustring_view& current = lines_[line].text;
-  const fl::ustring_view rest = current.substr(column);
+  const fl::ustring_view rest = line.text.substr(column);
   fl::ustring edited;
-  edited.reserve(current.size() + text.size());
-  edited.append(current.substr(0, column)).append(text);
+  edited.reserve(line.text.size() + text.size());
+  edited.append(line.text.substr(0, column)).append(text);
   edited.append(rest.substr(std::min<std::uint64_t>(count, rest.size())));
-  fl::ustring& kept = editedTexts_[line];
-  kept = std::move(edited);
-  current = kept;
+  if (line.edited == nullptr) line.edited = &editedTexts_.emplace_back();
+  *line.edited = std::move(edited);
+  line.text = *line.edited;
 }
 
 // Where the edited lines had gone before, the blank lines on both sides of them meet: one is

@@ -3,9 +3,9 @@
 
 #include <concepts>
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <optional>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -40,6 +40,8 @@ class SourceFile {
     // Without its U+000A; a U+000D stays. Belongs to the file, and is valid until the next edit.
     fl::ustring_view text;
     std::uint64_t flags = 0;
+    // Where the text is kept once it is edited; null before.
+    fl::ustring* edited = nullptr;
   };
 
   // Points into the text, which must outlive the file.
@@ -90,13 +92,13 @@ class SourceFile {
   void cutFollowingLines(const Extent& extent);
   void closeGapBehind(const Extent& extent);
   // Replaces `count` code units of one line. Throws std::out_of_range for a column behind its end.
-  void replaceInLine(std::uint64_t line, std::uint64_t column, std::uint64_t count,
+  void replaceInLine(Line& line, std::uint64_t column, std::uint64_t count,
                      const fl::ustring& text);
 
   // Few lines of a file are ever edited: the others point into the text, which may be this.
   std::unique_ptr<const fl::ustring> ownText_;
   std::vector<Line> lines_;
-  std::unordered_map<std::uint64_t, fl::ustring> editedTexts_;
+  std::deque<fl::ustring> editedTexts_;
 };
 
 }  // namespace soca

@@ -1,15 +1,8 @@
 #include "model/TextSearch.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace soca {
-
-bool areEqualTexts(fl::ustring_view left, fl::ustring_view right) {
-  return left.size() == right.size() &&
-         (left.empty() ||
-          std::memcmp(left.data(), right.data(), left.size() * sizeof(char16_t)) == 0);
-}
 
 TextFinder::TextFinder(fl::ustring_view pattern) : pattern_(pattern) {
   const auto limited = [](std::size_t skip) {

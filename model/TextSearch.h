@@ -12,7 +12,11 @@
 
 namespace soca {
 
-bool areEqualTexts(fl::ustring_view left, fl::ustring_view right);
+inline bool areEqualTexts(fl::ustring_view left, fl::ustring_view right) {
+  return left.size() == right.size() &&
+         (left.empty() ||
+          std::memcmp(left.data(), right.data(), left.size() * sizeof(char16_t)) == 0);
+}
 
 // The place of the first U+000A at or behind `from`, or npos.
 inline std::size_t findLineEnd(fl::ustring_view text, std::size_t from) {
