@@ -75,7 +75,7 @@ void FindingPlaces::addRelated(std::vector<Finding>& findings) const {
   }
   if (!withReferences.empty()) addReferences(withReferences);
   for (Finding& finding : findings) {
-    std::ranges::stable_sort(finding.related, {}, [](const RelatedPlace& place) {
+    std::ranges::sort(finding.related, {}, [](const RelatedPlace& place) {
       return std::pair(place.line, place.column);
     });
   }

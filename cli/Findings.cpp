@@ -31,6 +31,7 @@ std::vector<Finding> FindingsListener::findingsOf(const PlannedClass& planned,
     const auto heard = messages_.find(text);
     if (heard == messages_.end()) continue;
     finding.id = heard->second.id;
+    if (places == FindingPlacesType::none) continue;
     std::ranges::transform(heard->second.arguments, std::back_inserter(finding.arguments), textOf);
   }
   if (findings.empty() || places == FindingPlacesType::none) return findings;
