@@ -54,7 +54,13 @@ TargetOutcome outcomeOfHidden(const Target& target) {
 TargetOutcome outcomeOfUnreadable(const Target& target) {
   TargetOutcome outcome;
   outcome.failures.push_back(
-      makeFailure(target, "soca:FolderUnreadable", {target.path, target.reason}));
+      makeFailure(target, "soca:FolderUnreadable", {target.className, target.reason}));
+  return outcome;
+}
+
+TargetOutcome outcomeOfMisnamed(const Target& target) {
+  TargetOutcome outcome;
+  outcome.failures.push_back(makeFailure(target, "soca:NameNotUtf8", {target.className}));
   return outcome;
 }
 
@@ -154,6 +160,8 @@ TargetOutcome ClassUpdater::update(const Target& target) const {
       return outcomeOfHidden(target);
     case Target::Type::unreadable:
       return outcomeOfUnreadable(target);
+    case Target::Type::misnamed:
+      return outcomeOfMisnamed(target);
     case Target::Type::noClass: {
       TargetOutcome outcome;
       outcome.hasNoClass = true;

@@ -10,6 +10,8 @@
 #include <tuple>
 #include <utility>
 
+#include "platform/text/FileText.h"
+
 namespace soca::cli {
 namespace {
 
@@ -19,6 +21,10 @@ struct CloseFolder {
 
 std::string pathIn(const std::string& folder, const std::string& name) {
   return folder.ends_with('/') ? folder + name : folder + '/' + name;
+}
+
+bool isUtf8(const std::string& path) {
+  return fl::decodeFileText(path).encoding == fl::EncodingType::utf8;
 }
 
 // The place of an entry of the folder that stands at `folder`.
@@ -98,6 +104,7 @@ void FolderWalk::enter(std::string folder, GitPlace git) {
   Level level;
   level.folder = std::move(folder);
   level.package = roots_->packageOf(level.folder);
+  level.isMisnamed = !isUtf8(level.folder);
   level.git = std::move(git);
   level.entries = readEntries(level);
   levels_.push_back(std::move(level));
@@ -178,7 +185,8 @@ void FolderWalk::addEntry(const Level& level, const std::string& name, unsigned 
 }
 
 bool FolderWalk::isWorthEntering(const Level& level, const std::string& name) const {
-  if (level.package && isIdentifierName(name)) return true;
+  const bool hasClasses = level.package || level.isMisnamed;
+  if (hasClasses && (isIdentifierName(name) || !isUtf8(name))) return true;
   return roots_->hasRootAtOrBelow(pathIn(level.folder, name));
 }
 
@@ -190,7 +198,8 @@ FoundFile FolderWalk::describe(const Level& level, const Entry& entry) {
   FoundFile file;
   file.path = pathIn(level.folder, fileName(entry));
   if (!entry.isRegular || !level.package || !isIdentifierName(entry.name)) {
-    file.type = FoundFile::Type::noClass;
+    const bool hasName = (!level.package && !level.isMisnamed) || isUtf8(file.path);
+    file.type = hasName ? FoundFile::Type::noClass : FoundFile::Type::misnamed;
     return file;
   }
   file.className = level.package->prefix + entry.name;

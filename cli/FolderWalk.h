@@ -18,6 +18,8 @@ struct FoundFile {
     classFile,
     // A `.vlm` or `.p` that the class path has no name for, or that is no regular file.
     noClass,
+    // A `.vlm` or `.p` in a place where there are classes, whose path is no text.
+    misnamed,
     // A folder; `reason` says why it could not be read.
     unreadable,
   };
@@ -72,6 +74,8 @@ class FolderWalk {
   struct Level {
     std::string folder;
     std::optional<ClassRoots::Package> package;
+    // Whether it has no package only because its path is no UTF-8.
+    bool isMisnamed = false;
     std::vector<Entry> entries;
     // Whose rules hold in the folder, and its place there.
     GitPlace git;

@@ -10,6 +10,8 @@
 #include "cli/NearestName.h"
 #include "cli/Options.h"
 #include "platform/paths/NativePath.h"
+#include "platform/text/Conversions.h"
+#include "platform/text/FileText.h"
 
 namespace soca::cli {
 namespace {
@@ -38,6 +40,11 @@ Target makeClassTarget(const std::string& className) {
   target.className = className;
   target.isNamed = true;
   return target;
+}
+
+// A path as text, whatever its bytes are.
+std::string shownName(const std::string& path) {
+  return fl::i18n::to_string(fl::decodeFileText(path).text);
 }
 
 // What no two targets have in common.
@@ -108,7 +115,12 @@ std::vector<std::string> Targets::warnings() const {
 Targets::Argument Targets::makeArgument(const std::string& argument) const {
   if (argument.empty()) throw UsageError("an argument is empty");
   if (!isPath(argument)) return makeClassTarget(argument);
-  const std::string path = roots_->underRoot(fl::filesystem::makeAbsoluteLexically(argument));
+  const std::string absolute = fl::filesystem::makeAbsoluteLexically(argument);
+  // The argument is text, but the current folder may have any name.
+  if (fl::decodeFileText(absolute).encoding != fl::EncodingType::utf8) {
+    throw UsageError(fmt::format("the path '{}' is not UTF-8", shownName(absolute)));
+  }
+  const std::string path = roots_->underRoot(absolute);
   // A folder with the name of a class file stands where a class should.
   if (const auto stem = stemOfClassFile(fileNameOf(path))) {
     return makeFileTarget(argument, path, *stem);
@@ -189,9 +201,13 @@ Target Targets::makeTarget(FoundFile file) const {
     case FoundFile::Type::noClass:
       target.type = Target::Type::noClass;
       return target;
+    case FoundFile::Type::misnamed:
+      target.type = Target::Type::misnamed;
+      target.className = shownName(target.path);
+      return target;
     case FoundFile::Type::unreadable:
       target.type = Target::Type::unreadable;
-      target.className = target.path;
+      target.className = shownName(target.path);
       target.reason = std::move(file.reason);
       return target;
     case FoundFile::Type::classFile:

@@ -21,12 +21,14 @@ struct Target {
     hidden,
     // A file that holds no class by its name or place.
     noClass,
+    // A class file whose path is no UTF-8.
+    misnamed,
     // A folder that could not be read.
     unreadable,
   };
 
   Type type = Type::aClass;
-  // Dotted, in UTF-8; for a folder the path.
+  // Dotted, in UTF-8; without a class the path, as far as it can be shown.
   std::string className;
   // Whether an argument names the class or the file, rather than a folder that it lies in.
   bool isNamed = false;

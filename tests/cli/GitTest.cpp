@@ -219,5 +219,32 @@ TEST(Walk, FollowsLinksOutOfItselfOnceAndOnlyWhenAsked) {
             "f.C\nf.in.D\np.A\nq.B\n");
 }
 
+TEST(Walk, RefusesPathsThatAreNoText) {
+  const Workspace space;
+  space.write("t/A.vlm", outdatedClass("A"));
+  space.write("t/caf\xe9.vlm", outdatedClass("B"));
+  space.write("t/p/d\xe9/in/C.vlm", outdatedClass("C"));
+  space.write("t/p/e\xe9/none", "");
+  space.write("t/no-class/\xe9.vlm", "");
+  const auto walked =
+      runScript(space, "cd t; soca update --check; soca update --check . > /dev/null");
+  EXPECT_EQ(walked.exitCode, 2);
+  EXPECT_EQ(walked.out, "A\n");
+  const std::string root = space.path().string() + "/t/";
+  EXPECT_NE(walked.err.find("soca:NameNotUtf8: The path '" + root + "caf\u00e9.vlm' is not UTF-8"),
+            std::string::npos)
+      << walked.err;
+  EXPECT_NE(walked.err.find(root + "p/d\u00e9/in/C.vlm'"), std::string::npos) << walked.err;
+  EXPECT_NE(walked.err.find("looked at 3 classes: 1 would change, 0 stay as they are, 2 failed\n"),
+            std::string::npos)
+      << walked.err;
+  for (const char* arguments : {"-p .. A.vlm", "-p ../.. .", "", "-p . A"}) {
+    const auto here =
+        runScript(space, std::string("cd t/p/d*/in; soca update --check ") + arguments);
+    EXPECT_EQ(here.exitCode, 2) << arguments;
+    EXPECT_NE(here.err.find("p/d\u00e9"), std::string::npos) << here.err;
+  }
+}
+
 }  // namespace
 }  // namespace soca::testing

@@ -56,7 +56,7 @@ bool showsItsFault(const MessageExplanation& entry) {
                                           "CodeAnalyzerError",     "soca:HiddenFile",
                                           "soca:FolderUnreadable", "soca:FileChanged",
                                           "soca:TextNotEncodable", "soca:FileNotReplaceable",
-                                          "soca:WriteFailed"};
+                                          "soca:WriteFailed",      "soca:NameNotUtf8"};
   return !others.contains(entry.id);
 }
 
