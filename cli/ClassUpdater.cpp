@@ -20,12 +20,15 @@
 #include "platform/analyzer/Analyzer.h"
 #include "platform/paths/Overlay.h"
 #include "platform/text/Conversions.h"
+#include "platform/timing/Phase.h"
 
 namespace soca::cli {
 namespace {
 
 using fl::i18n::to_string;
 using fl::i18n::to_ustring;
+using fl::timing::Phase;
+using fl::timing::PhaseType;
 
 // A failure with a text of the program's own.
 Failure makeFailure(const Target& target, std::string_view id,
@@ -177,6 +180,7 @@ TargetOutcome ClassUpdater::updateClass(const Target& target) const {
   const CurrentClass current(target.className);
   TargetOutcome outcome;
   try {
+    const Phase phase(PhaseType::rules);
     const FindingsListener listener;
     for (const PlannedClass& planned :
          planUpdate(to_ustring(target.className), wishes_.rules, wishes_.includeSuperclasses)) {
@@ -220,6 +224,7 @@ ClassOutcome ClassUpdater::makeOutcome(const PlannedClass& planned,
 }
 
 void ClassUpdater::checkNewText(const PlannedClass& planned, ClassOutcome& outcome) const {
+  const Phase phase(PhaseType::checks);
   const RepeatedUpdate second = updateAgain(planned, wishes_.rules);
   if (auto reason = findReasonToRefuse(planned, *second.analysis)) {
     outcome.refusal = std::move(*reason);
@@ -235,6 +240,7 @@ OldFile ClassUpdater::oldFileOf(const PlannedClass& planned, const std::string& 
 }
 
 void ClassUpdater::addFile(const PlannedClass& planned, ClassOutcome& outcome) const {
+  const Phase phase(PhaseType::diff);
   const OldFile old = oldFileOf(planned, outcome.file);
   outcome.stamp = old.stamp;
   const auto bytesOf = [&](fl::ustring_view text) {

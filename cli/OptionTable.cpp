@@ -62,6 +62,7 @@ constexpr auto options = std::to_array<OptionRow>({
     {OptionType::jobs, "-j,--jobs", "N", forAll, "threads (default: one for each processor)"},
     {OptionType::quiet, "-q,--quiet", "", forAll, "no diff and no findings"},
     {OptionType::verbose, "-v,--verbose", "", forAll, "say more of each class"},
+    {OptionType::stats, "--stats", "", forUpdate, "tell the time of each phase, and the memory"},
     {OptionType::color, "--color", "WHEN", forAll, "auto (default), always or never", colorWords},
     {OptionType::help, "-h,--help", "", forAll, "print this and end"},
 });

@@ -30,6 +30,7 @@ enum class OptionType {
   allowDirty,
   noIgnore,
   list,
+  stats,
   format,
   edits,
   stdinPath,

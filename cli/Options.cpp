@@ -93,6 +93,9 @@ void addOption(CLI::App& app, const OptionRow& row, Options& options, RawOptions
     case OptionType::allowDirty:
       app.add_flag(flags, options.allowDirty);
       return;
+    case OptionType::stats:
+      app.add_flag(flags, options.stats);
+      return;
     case OptionType::noIgnore:
       app.add_flag(flags, options.noIgnore);
       return;

@@ -36,6 +36,8 @@ struct Options {
   // Whether a folder stands for what git ignores, hidden folders and links to folders too.
   bool noIgnore = false;
   bool list = false;
+  // Whether to tell what the run took.
+  bool stats = false;
   FormatType format = FormatType::text;
   bool edits = false;
   // The path of the class whose text comes in on standard input; empty for none.

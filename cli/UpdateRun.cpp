@@ -11,9 +11,13 @@
 #include "cli/OrderedWorkers.h"
 #include "cli/ProgramMessages.h"
 #include "cli/Signals.h"
+#include "platform/timing/Phase.h"
 
 namespace soca::cli {
 namespace {
+
+using fl::timing::Phase;
+using fl::timing::PhaseType;
 
 UpdateWishes wishesOf(const Options& options) {
   UpdateWishes wishes = makeWishes(options);
@@ -49,6 +53,7 @@ UpdateRun::UpdateRun(const Options* options, const ClassRoots* roots, Console* c
 
 ExitCodeType UpdateRun::run() {
   if (options_->write) queue_.emplace(console_);
+  if (options_->stats) stats_.emplace();
   computeAll();
   if (options_->write && fatalError_.empty() && !wasInterrupted()) {
     try {
@@ -85,9 +90,11 @@ void UpdateRun::computeAll() {
   }
   const auto next = [this]() -> std::optional<Target> {
     if (wasInterrupted()) return std::nullopt;
+    const Phase phase(PhaseType::walk);
     return targets_.next();
   };
   const auto consume = [&](TargetOutcome& outcome) {
+    const Phase phase(PhaseType::print);
     try {
       take(outcome);
       if (progress) progress->advance();
@@ -117,6 +124,7 @@ TargetOutcome UpdateRun::work(const Target& target) {
 }
 
 void UpdateRun::checkUncommitted(ClassOutcome& outcome) {
+  const Phase phase(PhaseType::git);
   auto reason = git_.findUncommitted(outcome.file);
   if (!reason) return;
   if (options_->write) {
@@ -160,7 +168,10 @@ void UpdateRun::addFailure(const Failure& failure) {
 }
 
 void UpdateRun::writeAll() {
-  queue_->write();
+  {
+    const Phase phase(PhaseType::write);
+    queue_->write();
+  }
   isWritten_ = !queue_->result().isCutShort;
   fatalError_ = queue_->result().problem;
   takeWritten();
@@ -198,6 +209,7 @@ void UpdateRun::finish() {
   if (run != 0 && !options_->quiet) {
     console_->tell(fmt::format("this was run {}; 'soca undo' puts the files back", run));
   }
+  if (stats_) console_->printError(stats_->text());
 }
 
 void UpdateRun::printWarnings() {

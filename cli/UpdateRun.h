@@ -20,6 +20,7 @@
 #include "cli/MethodChanges.h"
 #include "cli/Options.h"
 #include "cli/Progress.h"
+#include "cli/Stats.h"
 #include "cli/Summary.h"
 #include "cli/Targets.h"
 #include "cli/UpdateReport.h"
@@ -69,6 +70,8 @@ class UpdateRun {
   ClassUpdater updater_;
   std::unique_ptr<UpdateReport> report_;
 
+  // Only with `--stats`.
+  std::optional<Stats> stats_;
   // Whether it matters what is committed to git.
   bool asksGit_ = false;
   Summary summary_;

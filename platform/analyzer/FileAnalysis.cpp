@@ -5,10 +5,14 @@
 #include "platform/analyzer/Analyzer.h"
 #include "platform/paths/Overlay.h"
 #include "platform/paths/SourceReader.h"
+#include "platform/timing/Phase.h"
 
 namespace ca {
 
 namespace {
+
+using fl::timing::Phase;
+using fl::timing::PhaseType;
 
 // An analysis and what it was made of: the file as it was then, or an overlay text.
 struct Remembered {
@@ -27,6 +31,7 @@ FileAnalysis analyzeOverlay(const std::string& path, std::shared_ptr<const fl::u
   Remembered& last = lastOfThread();
   if (last.overlay == overlay && last.path == path) return last.file;
   last = {};
+  const Phase phase(PhaseType::analyse);
   FileAnalysis file{std::make_shared<SourceAnalysis>(*overlay), {}};
   last = {path, std::move(overlay), file};
   return file;
@@ -44,6 +49,7 @@ FileAnalysis analyzeFile(const std::string& path) {
   last = {};
   try {
     auto source = fl::filesystem::readSourceFile(path, maximumFileSize);
+    const Phase phase(PhaseType::analyse);
     FileAnalysis file{std::make_shared<SourceAnalysis>(std::move(source.text)), {}};
     if (source.recentlyChanged) return file;
     file.stamp = source.stamp;

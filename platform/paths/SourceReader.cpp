@@ -11,6 +11,7 @@
 #include <system_error>
 
 #include "platform/paths/ViewMemory.h"
+#include "platform/timing/Phase.h"
 
 namespace fl::filesystem {
 namespace {
@@ -129,6 +130,7 @@ std::optional<FileStamp> stampInView(const std::string& path) {
 }
 
 SourceFileText readSourceFile(const std::string& path, std::uint64_t maximumSize) {
+  const timing::Phase phase(timing::PhaseType::read);
   const std::int64_t start = now();
   const OpenFile file(path);
   const struct stat status = file.getStatus();

@@ -153,6 +153,17 @@ TEST(Update, SaysWhatIsLeftToAPerson) {
             "again in a second update\n");
 }
 
+TEST(Update, TellsWhereTheTimeWentWhenAsked) {
+  const Workspace space;
+  space.write("A.vlm", outdatedClass("A"));
+  const std::string err = space.soca({"update", "-q", "--stats"}).err;
+  for (const char* part : {"  took ", " MiB of memory\n", "\n  walk ", "\n  read ", "\n  analyse ",
+                           "\n  rules ", "\n  checks ", "\n  diff "}) {
+    EXPECT_NE(err.find(part), std::string::npos) << part << "\n" << err;
+  }
+  EXPECT_EQ(err.find("\n  write "), std::string::npos) << err;
+}
+
 TEST(Update, AnyNumberOfJobsGivesTheSameBytes) {
   const Workspace space;
   std::filesystem::copy(SOCA_SOURCE_DIR "/examples", space.path() / "examples",
