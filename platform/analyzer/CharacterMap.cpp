@@ -9,7 +9,7 @@ namespace ca {
 
 void CharacterMap::read(fl::ustring_view text) {
   size_ = text.size();
-  hasNul_ = false;
+  mayHoldNul_ = false;
   const std::size_t last = size_ / unitsPerWord;
   for (Bits* bits : {&lineEnds_, &blankEnds_, &nameEnds_}) bits->resize(last + 1);
   for (std::size_t i = 0; i < last; ++i) readWord(text.data() + i * unitsPerWord, i);
@@ -23,11 +23,11 @@ void CharacterMap::read(fl::ustring_view text) {
 
 void CharacterMap::readWord(const char16_t* units, std::size_t index) {
   const Units64 read(units);
-  const std::uint64_t lineEnds = read.equal('\n');
+  const std::uint64_t lineEnds = read.lineEnds();
   lineEnds_[index] = lineEnds;
-  blankEnds_[index] = ~(read.equal(' ') | (read.within('\t', 5) & ~lineEnds));
+  blankEnds_[index] = ~read.whiteSpace() | lineEnds;
   nameEnds_[index] = ~read.nameParts();
-  hasNul_ = hasNul_ || read.equal('\0') != 0;
+  mayHoldNul_ = mayHoldNul_ || read.mayHoldNul();
 }
 
 std::uint32_t CharacterMap::findFar(const Bits& bits, std::uint32_t index) {

@@ -28,8 +28,8 @@ class CharacterMap {
   std::uint32_t findNearBlanksEnd(std::uint32_t from) const { return findNear(blankEnds_, from); }
   std::uint32_t findNearNameEnd(std::uint32_t from) const { return findNear(nameEnds_, from); }
 
-  // Whether there is a U+0000 in the text.
-  bool hasNul() const { return hasNul_; }
+  // Whether there may be a U+0000 in the text.
+  bool mayHoldNul() const { return mayHoldNul_; }
 
   // Calls `take` with the position of each line end, in order.
   template <class Take>
@@ -66,7 +66,7 @@ class CharacterMap {
   Bits blankEnds_;
   Bits nameEnds_;
   std::size_t size_ = 0;
-  bool hasNul_ = false;
+  bool mayHoldNul_ = false;
 };
 
 }  // namespace ca

@@ -170,7 +170,7 @@ void Parser::reportLexicalError(std::uint32_t position, const char* message) {
 }
 
 void Parser::reportNulCharacters() {
-  if (!memory_.map().hasNul()) return;
+  if (!memory_.map().mayHoldNul()) return;
   for (std::uint32_t at = 0; at < lexer_.size(); ++at) {
     if (lexer_.at(at) == 0) report(at, "expected text, found the character U+0000");
   }

@@ -7,11 +7,12 @@
 #include <emmintrin.h>
 #else
 #include <algorithm>
+#include <iterator>
 #endif
 
 namespace ca {
 
-// What the units are compared with is an ASCII character; the first unit has the lowest bit. Every
+// The first unit has the lowest bit. A unit beyond ASCII is none of what is asked for. Every
 // processor of the x86-64 family has the instructions that the first variant needs. The second one
 // says the same without them.
 #if defined(__SSE2__)
@@ -20,19 +21,20 @@ class Units64 {
  public:
   explicit Units64(const char16_t* units) {
     for (__m128i& bytes : bytes_) {
-      bytes = _mm_packus_epi16(loadLatin(units), loadLatin(units + 8));
+      bytes = _mm_packus_epi16(load(units), load(units + 8));
       units += 16;
     }
   }
 
-  std::uint64_t equal(char c) const {
-    const __m128i wanted = _mm_set1_epi8(c);
-    return gather([&](__m128i bytes) { return _mm_cmpeq_epi8(bytes, wanted); });
+  std::uint64_t lineEnds() const {
+    return gather([](__m128i bytes) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\n')); });
   }
 
-  // Which of them lie in a range of `count` characters from `first` on.
-  std::uint64_t within(char first, unsigned count) const {
-    return gather([&](__m128i bytes) { return isWithin(bytes, first, count); });
+  // Tabs, both kinds of feeds, line ends, returns and blanks.
+  std::uint64_t whiteSpace() const {
+    return gather([](__m128i bytes) {
+      return _mm_or_si128(isWithin(bytes, '\t', 5), _mm_cmpeq_epi8(bytes, _mm_set1_epi8(' ')));
+    });
   }
 
   // ASCII letters, digits and `_`.
@@ -45,11 +47,16 @@ class Units64 {
     });
   }
 
+  // Whether one of them is U+0000; units from U+8000 on may count as such.
+  bool mayHoldNul() const {
+    const __m128i least =
+        _mm_min_epu8(_mm_min_epu8(bytes_[0], bytes_[1]), _mm_min_epu8(bytes_[2], bytes_[3]));
+    return _mm_movemask_epi8(_mm_cmpeq_epi8(least, _mm_setzero_si128())) != 0;
+  }
+
  private:
-  // Eight units; what is above U+00FF becomes U+00FF.
-  static __m128i loadLatin(const char16_t* units) {
-    const __m128i loaded = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
-    return _mm_sub_epi16(loaded, _mm_subs_epu16(loaded, _mm_set1_epi16(0xFF)));
+  static __m128i load(const char16_t* units) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
   }
 
   // Differences wrap, so one comparison does.
@@ -82,12 +89,12 @@ class Units64 {
     }
   }
 
-  std::uint64_t equal(char c) const {
-    return gather([&](std::uint8_t byte) { return byte == static_cast<std::uint8_t>(c); });
+  std::uint64_t lineEnds() const {
+    return gather([](std::uint8_t byte) { return byte == '\n'; });
   }
 
-  std::uint64_t within(char first, unsigned count) const {
-    return gather([&](std::uint8_t byte) { return isWithin(byte, first, count); });
+  std::uint64_t whiteSpace() const {
+    return gather([](std::uint8_t byte) { return isWithin(byte, '\t', 5) || byte == ' '; });
   }
 
   std::uint64_t nameParts() const {
@@ -96,6 +103,8 @@ class Units64 {
       return isWithin(lower, 'a', 26) || isWithin(byte, '0', 10) || byte == '_';
     });
   }
+
+  bool mayHoldNul() const { return std::ranges::find(bytes_, 0) != std::end(bytes_); }
 
  private:
   static bool isWithin(std::uint8_t byte, char first, unsigned count) {
