@@ -6,6 +6,7 @@
 
 #include "metadata/VELUMMetaDataInterface.h"
 #include "model/ClassDefinition.h"
+#include "model/SourceFile.h"
 #include "platform/analyzer/Ast.h"
 
 namespace soca::fuzz {
@@ -92,6 +93,19 @@ bool replacesThreeLines(const ClassModel& model) {
   });
 }
 
+// What is put in place of text on several lines, with a continuation right behind it.
+bool replacesInFrontOfContinuation(const ClassModel& model) {
+  const SourceFile file(model.planned.analysis->sourceTextView());
+  return std::ranges::any_of(model.planned.actions, [&](const PlannedAction& action) {
+    return std::ranges::any_of(action.edits, [&](const PlannedEdit& edit) {
+      if (edit.text.empty() || edit.extent.end.line == edit.extent.start.line) return false;
+      const fl::ustring_view line = file.getLines()[edit.extent.end.line].text;
+      const std::size_t next = line.find_first_not_of(u" \t\v\f\r", edit.extent.end.column);
+      return next != fl::ustring_view::npos && line.substr(next).starts_with(u"...");
+    });
+  });
+}
+
 // --- what only the tree tells ---
 
 template <class Predicate>
@@ -133,7 +147,7 @@ struct Cause {
   bool (*applies)(const ClassModel&);
 };
 
-constexpr std::array<Cause, 7> causes = {{
+constexpr std::array<Cause, 8> causes = {{
     {"a value with a quote", hasValueWithQuote},
     {"a set without members", hasSetWithoutMembers},
     {"the parentheses of a joined block", joinsBlockWithParentheses},
@@ -141,6 +155,7 @@ constexpr std::array<Cause, 7> causes = {{
     {"a class without a default value", hasClassWithoutDefault},
     {"validators without a default value", hasValidatorsWithoutDefault},
     {"a size over three lines", replacesThreeLines},
+    {"a size in front of a continuation", replacesInFrontOfContinuation},
 }};
 
 }  // namespace
