@@ -64,7 +64,9 @@ class TreeCheck {
 
  private:
   void check(const Node& node) {
-    require(seen_.insert(&node).second, "{} stands in the tree twice", describe(node));
+    // Where an expression is missing, two nodes may share what stands for it.
+    const bool isNew = seen_.insert(&node).second || node.kind == NodeKind::MissingExpression;
+    require(isNew, "{} stands in the tree twice", describe(node));
     require(node.position <= endOf(node) && endOf(node) <= size_, "{} lies outside of the text",
             describe(node));
     if (node.kind == NodeKind::Identifier) checkIdentifier(node);
