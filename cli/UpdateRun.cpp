@@ -180,6 +180,7 @@ void UpdateRun::writeAll() {
 // What was not written is no result.
 void UpdateRun::takeWritten() {
   const auto& entries = queue_->entries();
+  const bool isPartlyWritten = queue_->result().writtenCount > 0;
   for (std::size_t i = 0; i < entries.size(); ++i) {
     switch (queue_->fateOf(i)) {
       case WriteQueue::FateType::hasNoNewFile:
@@ -189,13 +190,21 @@ void UpdateRun::takeWritten() {
       case WriteQueue::FateType::failed:
         --summary_.changed;
         --summary_.classes;
+        dropConversions(entries[i]);
         addFailure(
             makeWriteFailure(entries[i].className, entries[i].file, queue_->reasonOfFailure(i)));
         break;
       case WriteQueue::FateType::leftOut:
         ++leftOut_;
+        if (isPartlyWritten) dropConversions(entries[i]);
         break;
     }
+  }
+}
+
+void UpdateRun::dropConversions(const WriteQueue::Entry& entry) {
+  for (std::size_t i = 0; i < entry.editCounts.size(); ++i) {
+    summary_.conversions[i] -= entry.editCounts[i];
   }
 }
 

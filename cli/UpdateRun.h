@@ -54,6 +54,8 @@ class UpdateRun {
   void addFailure(const Failure& failure);
   void writeAll();
   void takeWritten();
+  // Takes the edits of a class that was not written out of the summary.
+  void dropConversions(const WriteQueue::Entry& entry);
   void finish();
   void printWarnings();
   std::string summaryText() const;

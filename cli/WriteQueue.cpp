@@ -1,5 +1,8 @@
 #include "cli/WriteQueue.h"
 
+#include <algorithm>
+#include <cstddef>
+
 #include "cli/Repair.h"
 #include "cli/Signals.h"
 
@@ -29,6 +32,8 @@ void WriteQueue::add(const ClassOutcome& outcome, bool hasNewFile) {
     entry.newDigest = digestOf(outcome.newBytes);
   }
   entry.stamp = outcome.stamp;
+  std::ranges::transform(outcome.editCounts, entry.editCounts.begin(),
+                         [](std::size_t count) { return static_cast<std::uint32_t>(count); });
   entries_.push_back(std::move(entry));
 }
 

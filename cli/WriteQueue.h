@@ -1,7 +1,9 @@
 // What a run with `--write` puts aside until its last class is done, and then writes.
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -25,6 +27,8 @@ class WriteQueue {
     Spool::Place newBytes;
     fl::filesystem::FileStamp stamp;
     Digest newDigest;
+    // How many edits each rule family made.
+    std::array<std::uint32_t, 3> editCounts{};
   };
 
   // What became of an entry.

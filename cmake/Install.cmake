@@ -128,4 +128,6 @@ set(CPACK_DEBIAN_PACKAGE_SECTION devel)
 # The dependencies come from the libraries that are linked; that of the package's own is no stranger.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+# Loaded at run time, where a git repository is met.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "libgit2-1.5")
 include(CPack)

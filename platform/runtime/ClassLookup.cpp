@@ -177,7 +177,7 @@ Description describeInView(std::string_view name) {
     const std::vector<PathDispatcher::Root>* roots = nullptr;
     Description description;
   };
-  thread_local fl::filesystem::ViewMemory<Known, 4096> memory;
+  thread_local fl::filesystem::ViewMemory<Known, 1024> memory;
   if (fl::filesystem::hasOverlayOfClass(name)) return describeOnPath(std::string(name));
   const auto* roots = &PathDispatcher::getDispatcher().roots();
   const Known* known = memory.find(name);
