@@ -19,7 +19,8 @@ class AnalysisResult {
  public:
   virtual bool hasSyntaxError() const = 0;
   // One-based line in the low half, one-based column in the high half; the column counts UTF-16
-  // code units. The position just behind the text is allowed.
+  // code units. Allowed are the position just behind the text, and the one before its first
+  // character, at which an empty subtree ends there: line 1, column 0.
   virtual std::uint64_t getLineAndColumn(std::uint32_t position) const = 0;
   // The file's text, exactly, whatever the flag.
   virtual fl::ustring getSourceText(bool canonical) const = 0;

@@ -4,7 +4,8 @@
 
 namespace ca {
 
-LineTable::LineTable(const CharacterMap& map, std::size_t size) : marks_(size / unitsPerMark + 1) {
+LineTable::LineTable(const CharacterMap& map, std::size_t size)
+    : marks_(size / unitsPerMark + 1), size_(size) {
   constexpr std::size_t usualLineLength = 32;
   starts_.reserve(size / usualLineLength + 2);
   starts_.push_back(0);
@@ -20,6 +21,7 @@ LineTable::LineTable(const CharacterMap& map, std::size_t size) : marks_(size / 
 }
 
 std::uint32_t LineTable::lineOf(std::uint32_t position) const {
+  if (position > size_) return 0;
   std::uint32_t line = marks_[position / unitsPerMark];
   while (starts_[line + 1] <= position) ++line;
   return line;

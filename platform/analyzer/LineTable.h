@@ -13,7 +13,8 @@ class LineTable {
   // `size` is that of the text that `map` was made of.
   LineTable(const CharacterMap& map, std::size_t size);
 
-  // The zero-based line of the code unit at `position`, which may be just behind the text.
+  // The zero-based line of the code unit at `position`, which may be just behind the text. All that
+  // lies further, such as the place before the first unit, counts for the first line.
   std::uint32_t lineOf(std::uint32_t position) const;
   // The position of the first code unit of a line.
   std::uint32_t startOf(std::uint32_t line) const { return starts_[line]; }
@@ -25,6 +26,7 @@ class LineTable {
   std::vector<std::uint32_t> starts_;
   // The line of every 64th code unit, from which it is not far to the line of any other.
   std::vector<std::uint32_t> marks_;
+  std::size_t size_;
 };
 
 }  // namespace ca

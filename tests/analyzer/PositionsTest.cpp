@@ -34,6 +34,9 @@ TEST(Positions, LinesEndAtLineFeedsAndColumnsCountCodeUnits) {
   EXPECT_EQ(placeOf(*analysis, 9), Place(2, 1));
   const auto end = static_cast<std::uint32_t>(analysis->sourceTextView().size());
   EXPECT_EQ(placeOf(*analysis, end), Place(9, 4));
+  EXPECT_EQ(placeOf(*analysis, 0U - 1), Place(1, 0));
+  const auto nothing = analyzeText(u"");
+  EXPECT_EQ(placeOf(*nothing, nothing->getRootNode()->lastPosition), Place(1, 0));
 }
 
 TEST(Positions, TheWholeFileIsTheTextOfTheRoot) {
