@@ -94,27 +94,28 @@ void Console::showStatus(std::string_view line) {
   err_.write(line);
   err_.write(clearToLineEnd);
   err_.flush();
-  isStatusShown_ = true;
+  status_ = line;
 }
 
 void Console::clearStatus() {
-  if (!isStatusShown_) return;
-  err_.write("\r");
-  err_.write(clearToLineEnd);
-  err_.flush();
-  isStatusShown_ = false;
+  if (!status_.empty()) showStatus({});
 }
 
 void Console::print(std::string_view text) {
-  if (isStatusShown_ && out_.isTerminal()) clearStatus();
+  if (status_.empty() || !out_.isTerminal()) return out_.write(text);
+  const std::string status = status_;
+  clearStatus();
   out_.write(text);
+  showStatus(status);
 }
 
 void Console::printError(std::string_view text) {
+  const std::string status = status_;
   clearStatus();
   out_.flush();
   err_.write(text);
   err_.flush();
+  if (!status.empty()) showStatus(status);
 }
 
 void Console::printMessages(std::string_view lines) {

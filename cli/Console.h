@@ -35,7 +35,7 @@ class Output {
 enum class ColorType { automatic, always, never };
 
 // The two streams of a process. On a terminal what comes later is shown later, whichever stream it
-// went to, and below it there can be a status line that goes away before anything else is shown.
+// went to, and below it there can be a status line, which stays below.
 class Console {
  public:
   Console(int outDescriptor, int errDescriptor) : out_(outDescriptor), err_(errDescriptor) {}
@@ -73,7 +73,8 @@ class Console {
   Output err_;
   bool colorsOut_ = false;
   bool colorsErr_ = false;
-  bool isStatusShown_ = false;
+  // The status line, while it is shown.
+  std::string status_;
 };
 
 }  // namespace soca::cli

@@ -17,6 +17,7 @@
 #include "platform/analyzer/Analyzer.h"
 #include "platform/paths/NativePath.h"
 #include "platform/text/Conversions.h"
+#include "platform/text/FileText.h"
 
 namespace soca::cli {
 namespace {
@@ -29,9 +30,14 @@ struct CheckedFile {
 };
 
 CheckedFile checkFile(const std::string& file) {
-  const auto path = fl::i18n::to_ustring(fl::filesystem::makeAbsoluteLexically(file));
+  const std::string path = fl::filesystem::makeAbsoluteLexically(file);
+  // The argument is text, but the current folder may have any name.
+  const fl::DecodedText decoded = fl::decodeFileText(path);
+  if (decoded.encoding != fl::EncodingType::utf8) {
+    return {{}, fmt::format("the path '{}' is not UTF-8", fl::i18n::to_string(decoded.text))};
+  }
   try {
-    const auto analysis = ca::createSingleFileAnalyzer()->analyze(path, {}, {});
+    const auto analysis = ca::createSingleFileAnalyzer()->analyze(decoded.text, {}, {});
     return {formatSyntaxErrors(file, *analysis, std::numeric_limits<std::size_t>::max()), {}};
   } catch (const std::exception& error) {
     return {{}, error.what() + didYouMean(nearestPath(file))};

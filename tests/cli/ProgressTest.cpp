@@ -58,7 +58,7 @@ std::string sentToTerminal(const char* type, const std::function<void(Console&)>
   return text;
 }
 
-TEST(Progress, IsGoneBeforeAnythingElseIsShown) {
+TEST(Progress, StaysBelowWhatElseIsShown) {
   const auto run = [](Console& console) {
     const Progress::Clock::time_point start;
     Progress progress(&console, "files", start);
@@ -75,8 +75,10 @@ TEST(Progress, IsGoneBeforeAnythingElseIsShown) {
             "a\r\n"
             "\r3 files  7/s\x1b[K\r6 files  11/s\x1b[K\r\x1b[K"
             "soca: b\r\n"
+            "\r6 files  11/s\x1b[K"
             "\r7 of 8 files  87% [#################...]  7/s  0:01 left\x1b[K\r\x1b[K"
             "c\r\n"
+            "\r7 of 8 files  87% [#################...]  7/s  0:01 left\x1b[K"
             "\r8 of 8 files 100% [####################]  4/s  0:00 left\x1b[K\r\x1b[K");
   EXPECT_EQ(sentToTerminal("dumb", run), "a\r\nsoca: b\r\nc\r\n");
 }
