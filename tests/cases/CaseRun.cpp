@@ -17,6 +17,7 @@
 #include "platform/text/Conversions.h"
 #include "service/UpdatePlan.h"
 #include "service/UpdaterImpl.h"
+#include "tests/platform/TemporaryFolder.h"
 
 namespace soca::testing {
 namespace {
@@ -29,16 +30,8 @@ constexpr const char* rootPlaceholder = "{root}";
 // A class path of its own, gone with its files when the case is done.
 class CaseFolder {
  public:
-  CaseFolder() {
-    std::string name = (fs::temp_directory_path() / "soca-case-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no folder for the case");
-    root_ = fs::canonical(name);
-    PathDispatcher::getDispatcher().setClassPath({root_.string()});
-  }
-  ~CaseFolder() {
-    sotarn::setClassTable(nullptr);
-    fs::remove_all(root_);
-  }
+  CaseFolder() { PathDispatcher::getDispatcher().setClassPath({root_.string()}); }
+  ~CaseFolder() { sotarn::setClassTable(nullptr); }
   CaseFolder(const CaseFolder&) = delete;
   CaseFolder& operator=(const CaseFolder&) = delete;
 
@@ -62,7 +55,8 @@ class CaseFolder {
   }
 
  private:
-  fs::path root_;
+  TemporaryFolder folder_;
+  fs::path root_ = fs::canonical(folder_.path());
 };
 
 struct Options {

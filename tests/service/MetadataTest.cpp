@@ -11,6 +11,7 @@
 #include "service/ClassLoader.h"
 #include "service/UpdatePlan.h"
 #include "service/UpdaterImpl.h"
+#include "tests/platform/TemporaryFolder.h"
 
 namespace soca {
 namespace {
@@ -20,13 +21,9 @@ namespace fs = std::filesystem;
 class Metadata : public ::testing::Test {
  protected:
   Metadata() {
-    std::string name = (fs::temp_directory_path() / "soca-metadata-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no folder");
-    root_ = name + "/50%23 off #1";
     fs::create_directories(root_);
     PathDispatcher::getDispatcher().setClassPath({root_.string()});
   }
-  ~Metadata() override { fs::remove_all(root_.parent_path()); }
 
   void write(const std::string& path, const std::string& text) const {
     fs::create_directories((root_ / path).parent_path());
@@ -48,7 +45,8 @@ class Metadata : public ::testing::Test {
     }
   }
 
-  fs::path root_;
+  TemporaryFolder folder_;
+  fs::path root_ = folder_.path() + "/50%23 off #1";
 };
 
 TEST_F(Metadata, SystemObjects) {
