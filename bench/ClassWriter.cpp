@@ -1,8 +1,8 @@
 #include "bench/ClassWriter.h"
 
-#include <fmt/format.h>
+#include <array>
 
-#include <iterator>
+#include "bench/LineWriter.h"
 
 namespace bench {
 namespace {
@@ -17,7 +17,7 @@ constexpr std::array<std::string_view, 6> kSwitches = {"Enabled", "Verbose",   "
 constexpr std::array<std::string_view, 6> kValues = {"none",  "linear",   "cubic",
                                                      "exact", "adaptive", "fixed point"};
 
-class ClassWriter {
+class ClassWriter : private LineWriter {
  public:
   explicit ClassWriter(const ClassShape& shape) : shape_(shape), dice_(shape.seed) {}
 
@@ -28,22 +28,10 @@ class ClassWriter {
     writeProtectedMethods();
     writeHelpers();
     line(0, "end");
-    return std::move(text_);
+    return take();
   }
 
  private:
-  template <class... Args>
-  void line(std::size_t level, fmt::format_string<Args...> format, Args&&... args) {
-    text_.append(4 * level, ' ');
-    fmt::format_to(std::back_inserter(text_), format, std::forward<Args>(args)...);
-    text_ += '\n';
-  }
-
-  // A line that holds braces of its own.
-  void verbatim(std::size_t level, std::string_view code) { line(level, "{}", code); }
-
-  void blank() { text_ += '\n'; }
-
   bool outdated() const { return shape_.form == FormType::outdated; }
 
   void writeHead() {
@@ -197,7 +185,7 @@ class ClassWriter {
     std::size_t number = 0;
     do {
       writeHelper(++number);
-    } while (text_.size() < shape_.minimumBytes);
+    } while (size() < shape_.minimumBytes);
     line(1, "end");
   }
 
@@ -224,7 +212,6 @@ class ClassWriter {
 
   const ClassShape& shape_;
   Dice dice_;
-  std::string text_;
   // Words that the text comes back to.
   std::string_view mode_;
   std::string_view switch_;

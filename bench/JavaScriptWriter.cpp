@@ -1,11 +1,10 @@
 #include "bench/JavaScriptWriter.h"
 
-#include <fmt/format.h>
-
 #include <array>
 #include <cstddef>
-#include <iterator>
 #include <string_view>
+
+#include "bench/LineWriter.h"
 
 namespace bench {
 namespace {
@@ -14,7 +13,7 @@ constexpr std::array<std::string_view, 8> kNouns = {"gain",  "offset", "window",
                                                     "limit", "level",  "order",  "delay"};
 constexpr std::array<std::string_view, 5> kValues = {"none", "linear", "cubic", "exact", "fixed"};
 
-class JavaScriptWriter {
+class JavaScriptWriter : private LineWriter {
  public:
   explicit JavaScriptWriter(const ClassShape& shape) : shape_(shape), dice_(shape.seed) {}
 
@@ -26,19 +25,12 @@ class JavaScriptWriter {
     std::size_t number = 0;
     do {
       writeHelper(++number);
-    } while (text_.size() < shape_.minimumBytes);
-    line(0, "{}", "}");
-    return std::move(text_);
+    } while (size() < shape_.minimumBytes);
+    verbatim(0, "}");
+    return take();
   }
 
  private:
-  template <class... Args>
-  void line(std::size_t level, fmt::format_string<Args...> format, Args&&... args) {
-    text_.append(4 * level, ' ');
-    fmt::format_to(std::back_inserter(text_), format, std::forward<Args>(args)...);
-    text_ += '\n';
-  }
-
   bool outdated() const { return shape_.form == FormType::outdated; }
 
   void writeHead() {
@@ -77,8 +69,9 @@ class JavaScriptWriter {
     line(3, "default:");
     line(4, "return {}x.filter((value) => value > {}){};", outdated() ? "[...[" : "",
          dice_.roll(100), outdated() ? "]]" : "");
-    line(2, "{}", "}");
-    line(1, "{}\n", "}");
+    verbatim(2, "}");
+    verbatim(1, "}");
+    blank();
   }
 
   void writeQueries() {
@@ -86,7 +79,8 @@ class JavaScriptWriter {
       line(1, "{}() {{", name);
       line(2, "return {}this.count > {};", outdated() ? "/[\\-]/.test(this.mode) || " : "",
            dice_.roll(9));
-      line(1, "{}\n", "}");
+      verbatim(1, "}");
+      blank();
     }
   }
 
@@ -103,17 +97,17 @@ class JavaScriptWriter {
     line(4, "count += 1;");
     line(3, "}} else if (this.mode === '{}') {{", dice_.pick(kValues));
     line(4, "continue;");
-    line(3, "{}", "}");
-    line(2, "{}", "}");
+    verbatim(3, "}");
+    verbatim(2, "}");
     line(2, "const names = ['left', 'right', ...rest].map((c) => String(c).toUpperCase());");
     line(2, "if (count > 1) console.log(`${{names[names.length - 1]}}: ${{count}}`);");
     line(2, "return [y, count];");
-    line(1, "{}\n", "}");
+    verbatim(1, "}");
+    blank();
   }
 
   const ClassShape& shape_;
   Dice dice_;
-  std::string text_;
 };
 
 }  // namespace

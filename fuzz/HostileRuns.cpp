@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "fuzz/HostileInputs.h"
+#include "tests/platform/TemporaryFolder.h"
 
 namespace soca::fuzz {
 namespace {
@@ -31,27 +32,16 @@ struct Options {
   double mebibytes = 1024;
 };
 
-// A folder of its own, gone with the object.
-class Folder {
+// What one run reads and prints, gone with the object.
+class RunFolder {
  public:
-  Folder() {
-    std::string name = (fs::temp_directory_path() / "soca-hostile-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no folder for the input");
-    path_ = name;
-    fs::create_directory(path_ / "in");
-  }
-  ~Folder() {
-    std::error_code ignored;
-    fs::remove_all(path_, ignored);
-  }
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
+  RunFolder() { fs::create_directory(input()); }
 
-  fs::path input() const { return path_ / "in"; }
-  fs::path output() const { return path_ / "out"; }
+  fs::path input() const { return folder_.path() + "/in"; }
+  fs::path output() const { return folder_.path() + "/out"; }
 
  private:
-  fs::path path_;
+  TemporaryFolder folder_;
 };
 
 struct Measured {
@@ -65,7 +55,7 @@ struct Measured {
 // The program's process: in the folder, with both outputs in one file, killed when it takes
 // `seconds` of processor time.
 [[noreturn]] void becomeProgram(const Options& options, const HostileInput& input,
-                                const Folder& folder) {
+                                const RunFolder& folder) {
   const int out = open(folder.output().c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
   const auto limit = static_cast<rlim_t>(6 * options.seconds);
   const rlimit time = {limit, limit};
@@ -80,7 +70,7 @@ struct Measured {
   _exit(127);
 }
 
-Measured measure(const Options& options, const HostileInput& input, const Folder& folder) {
+Measured measure(const Options& options, const HostileInput& input, const RunFolder& folder) {
   const auto start = std::chrono::steady_clock::now();
   const pid_t child = fork();
   if (child < 0) throw std::runtime_error("no process for the program");
@@ -111,7 +101,7 @@ std::string faultOf(const Options& options, const Measured& measured) {
 }
 
 bool run(const Options& options, const HostileInput& input) {
-  const Folder folder;
+  const RunFolder folder;
   input.make(folder.input(), std::min(options.bytes, input.promisedBytes));
   const Measured measured = measure(options, input, folder);
   const std::string fault = faultOf(options, measured);

@@ -68,15 +68,11 @@ class ClassMaker {
   }
 
   void writeSuperClasses() {
-    out_.gap();
-    out_.put(u"<");
-    out_.gap();
+    out_.putBetweenGaps(u"<");
     const std::size_t count = 1 + out_.dice().roll(out_.once(4) ? 5 : 2);
     for (std::size_t number = 0; number < count; ++number) {
       if (number > 0) {
-        out_.gap();
-        out_.put(u"&");
-        out_.gap();
+        out_.putBetweenGaps(u"&");
       }
       writeSuperClass();
     }
@@ -120,12 +116,7 @@ class ClassMaker {
     out_.lineEnd();
     // A block that the attribute rules take needs default values throughout.
     hasDefaults_ = !out_.once(3);
-    const std::size_t count = out_.dice().roll(5);
-    for (std::size_t number = 0; number < count; ++number) {
-      out_.indent();
-      writeProperty();
-      out_.separator();
-    }
+    out_.separated(4, [this] { writeProperty(); });
   }
 
   void writeProperty() {
@@ -140,9 +131,7 @@ class ClassMaker {
     }
     if (out_.once(6)) code_.validators(name);
     if (!isCompanion && !hasDefaults_ && out_.once(2)) return;
-    out_.gap();
-    out_.put(u"=");
-    out_.gap();
+    out_.putBetweenGaps(u"=");
     if (isCompanion && !out_.once(10)) return writeSet();
     out_.once(2) ? out_.put(out_.pick({u"1", u"'a'", u"\"b\""})) : code_.expression(1);
   }
@@ -181,12 +170,7 @@ class ClassMaker {
       }
     }
     out_.lineEnd();
-    const std::size_t count = out_.dice().roll(4);
-    for (std::size_t number = 0; number < count; ++number) {
-      out_.indent();
-      writeMethod();
-      out_.separator();
-    }
+    out_.separated(3, [this] { writeMethod(); });
   }
 
   void writeMethod() {
@@ -220,9 +204,7 @@ class ClassMaker {
     if (head.outputs.size() == 1 && !out_.once(4)) {
       out_.identifier(head.outputs.front());
       if (head.outputs.front() == u"varargout") out_.put(u"{1}");
-      out_.gap();
-      out_.put(u"=");
-      out_.gap();
+      out_.putBetweenGaps(u"=");
       out_.identifier(out_.pick({u"true", u"false", u"false", u"x"}));
       out_.separator();
     }
@@ -237,17 +219,14 @@ class ClassMaker {
       code_.attributes({u"Hidden"});
     }
     out_.lineEnd();
-    const std::size_t count = out_.dice().roll(3);
-    for (std::size_t number = 0; number < count; ++number) {
-      out_.indent();
+    out_.separated(2, [this, isEvents] {
       out_.identifier(out_.pick({u"Moved", u"events", u"Mode"}));
       if (!isEvents && out_.once(2)) {
         out_.put(u"(");
         code_.arguments(2);
         out_.put(u")");
       }
-      out_.separator();
-    }
+    });
   }
 
   void writeFunctions() {

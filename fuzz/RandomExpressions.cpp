@@ -136,9 +136,7 @@ void RandomCode::arguments(int depth) {
   SourceWriter& out = *writer_;
   const SourceWriter::ListScope scope(writer_, false);
   const std::size_t count = out.dice().roll(4);
-  for (std::size_t number = 0; number < count; ++number) {
-    if (number > 0) out.put(u",");
-    out.gap();
+  out.commaSeparated(count, [&](std::size_t) {
     const std::size_t choice = out.dice().roll(12);
     if (choice == 0) {
       out.put(u":");
@@ -152,7 +150,7 @@ void RandomCode::arguments(int depth) {
       expression(depth + 1);
     }
     out.gap();
-  }
+  });
 }
 
 void RandomCode::anonymousFunction(int depth) {
@@ -160,16 +158,9 @@ void RandomCode::anonymousFunction(int depth) {
   const SourceWriter::ListScope scope(writer_, false);
   // In parentheses, since its body goes on as far as it can.
   out.put(u"(@(");
-  const std::size_t inputs = out.dice().roll(3);
-  for (std::size_t number = 0; number < inputs; ++number) {
-    if (number > 0) out.put(u",");
-    out.gap();
-    if (out.once(4)) {
-      out.put(u"~");
-    } else {
-      out.identifier(out.pick({u"a", u"b", u"ModeSet"}));
-    }
-  }
+  out.commaSeparated(out.dice().roll(3), [&out](std::size_t) {
+    out.once(4) ? out.put(u"~") : out.identifier(out.pick({u"a", u"b", u"ModeSet"}));
+  });
   out.put(u")");
   out.gap();
   expression(depth + 1);

@@ -3,13 +3,7 @@
 namespace soca::fuzz {
 
 void RandomCode::statements(std::size_t most, int depth) {
-  SourceWriter& out = *writer_;
-  const std::size_t count = out.dice().roll(most + 1);
-  for (std::size_t number = 0; number < count; ++number) {
-    out.indent();
-    statement(depth);
-    out.separator();
-  }
+  writer_->separated(most, [this, depth] { statement(depth); });
 }
 
 void RandomCode::statement(int depth) {
@@ -40,9 +34,7 @@ void RandomCode::assignment(int depth) {
   SourceWriter& out = *writer_;
   out.identifier(out.pick({u"flag", u"x", u"y", u"varargout"}));
   if (out.once(4)) chainLink(depth + 1);
-  out.gap();
-  out.put(u"=");
-  out.gap();
+  out.putBetweenGaps(u"=");
   if (out.once(3)) return out.identifier(out.pick({u"true", u"false"}));
   expression(depth);
 }
@@ -61,9 +53,7 @@ void RandomCode::multipleAssignment(int depth) {
     if (out.once(3)) chainLink(depth + 1);
   }
   out.put(u"]");
-  out.gap();
-  out.put(u"=");
-  out.gap();
+  out.putBetweenGaps(u"=");
   expression(depth);
 }
 
@@ -135,9 +125,7 @@ void RandomCode::loop(int depth) {
     out.put(u".");
     out.identifier(u"x");
   }
-  out.gap();
-  out.put(u"=");
-  out.gap();
+  out.putBetweenGaps(u"=");
   expression(depth);
   if (isParallel && isWrapped && out.once(2)) {
     out.put(u", ");
@@ -212,24 +200,17 @@ void RandomCode::head(const Head& head) {
     out.identifier(head.outputs.front());
   }
   if (isList || !head.outputs.empty()) {
-    out.gap();
-    out.put(u"=");
-    out.gap();
+    out.putBetweenGaps(u"=");
   }
   out.identifier(head.name);
   if (head.inputs.empty() && out.once(2)) return;
   out.gap();
   out.put(u"(");
-  for (std::size_t number = 0; number < head.inputs.size(); ++number) {
-    if (number > 0) out.put(u",");
+  out.commaSeparated(head.inputs.size(), [&](std::size_t number) {
+    const fl::ustring_view input = head.inputs[number];
+    input == u"~" ? out.put(input) : out.identifier(input);
     out.gap();
-    if (head.inputs[number] == u"~") {
-      out.put(u"~");
-    } else {
-      out.identifier(head.inputs[number]);
-    }
-    out.gap();
-  }
+  });
   out.put(u")");
 }
 
@@ -252,9 +233,7 @@ void RandomCode::argumentBlock() {
     attributes({u"Input", u"Repeating"});
   }
   out.lineEnd();
-  const std::size_t count = out.dice().roll(3);
-  for (std::size_t number = 0; number < count; ++number) {
-    out.indent();
+  out.separated(2, [this, &out] {
     out.dottedIdentifiers(out.pick({u"obj", u"opts.Gain", u"y"}));
     if (out.once(2)) size();
     if (out.once(2)) {
@@ -266,8 +245,7 @@ void RandomCode::argumentBlock() {
       out.put(u" = ");
       expression(3);
     }
-    out.separator();
-  }
+  });
   out.put(u"end");
   out.lineEnd();
 }
@@ -287,9 +265,7 @@ void RandomCode::validators(fl::ustring_view property) {
   out.gap();
   out.put(u"{");
   const std::size_t count = out.once(8) ? 0 : 1 + out.dice().roll(3);
-  for (std::size_t number = 0; number < count; ++number) {
-    if (number > 0) out.put(u",");
-    out.gap();
+  out.commaSeparated(count, [&](std::size_t) {
     out.dottedIdentifiers(
         out.pick({u"mustBePositive", u"mustBeInteger", u"check", u"pkg.check", u"mustBeMember"}));
     if (out.once(3)) {
@@ -300,7 +276,7 @@ void RandomCode::validators(fl::ustring_view property) {
       out.put(u")");
     }
     out.gap();
-  }
+  });
   out.put(u"}");
 }
 
@@ -308,18 +284,14 @@ void RandomCode::attributes(std::initializer_list<fl::ustring_view> names) {
   SourceWriter& out = *writer_;
   out.put(u"(");
   const std::size_t count = out.once(10) ? 0 : 1 + out.dice().roll(3);
-  for (std::size_t number = 0; number < count; ++number) {
-    if (number > 0) out.put(u",");
-    out.gap();
+  out.commaSeparated(count, [&](std::size_t) {
     const bool isNegated = out.once(6);
     if (isNegated) out.put(u"~");
     const fl::ustring_view name = out.pick(names);
     out.identifier(name);
     const bool isAccess = name.ends_with(u"Access");
-    if (isNegated || (!isAccess && !out.once(3))) continue;
-    out.gap();
-    out.put(u"=");
-    out.gap();
+    if (isNegated || (!isAccess && !out.once(3))) return;
+    out.putBetweenGaps(u"=");
     if (out.once(12)) {
       expression(3);
     } else if (isAccess) {
@@ -330,7 +302,7 @@ void RandomCode::attributes(std::initializer_list<fl::ustring_view> names) {
       out.identifier(out.pick({u"true", u"false", u"true", u"x"}));
     }
     out.gap();
-  }
+  });
   out.put(u")");
 }
 

@@ -28,6 +28,12 @@ void SourceWriter::gap() {
   if (!once(3)) put(u" ");
 }
 
+void SourceWriter::putBetweenGaps(fl::ustring_view mark) {
+  gap();
+  put(mark);
+  gap();
+}
+
 void SourceWriter::space() {
   if (once(4 * oddness_)) return continuation();
   put(once(oddness_) ? pick({u"  ", u"\t", u" \v ", u"\f", u"\r"}) : u" ");

@@ -27,6 +27,27 @@ class SourceWriter {
   void gap();
   // Where a blank has to stand.
   void space();
+  // An operator or a delimiter, with gaps around it.
+  void putBetweenGaps(fl::ustring_view mark);
+  // `count` times what `writeOne` writes, with a comma in front of each but the first and gaps.
+  template <class WriteOne>
+  void commaSeparated(std::size_t count, const WriteOne& writeOne) {
+    for (std::size_t number = 0; number < count; ++number) {
+      if (number > 0) put(u",");
+      gap();
+      writeOne(number);
+    }
+  }
+  // Up to `most` statements or members, each with its separator.
+  template <class WriteOne>
+  void separated(std::size_t most, const WriteOne& writeOne) {
+    const std::size_t count = dice_->roll(most + 1);
+    for (std::size_t number = 0; number < count; ++number) {
+      indent();
+      writeOne();
+      separator();
+    }
+  }
   // A line end, with what may stand in front of it and behind: comments, blank lines.
   void lineEnd();
   // Between two statements or members.

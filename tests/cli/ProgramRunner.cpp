@@ -36,22 +36,15 @@ std::vector<std::string> programCommand(std::vector<std::string> arguments) {
 
 }  // namespace
 
-Workspace::Workspace() {
-  std::string name = (fs::temp_directory_path() / "soca-cli-XXXXXX").string();
-  if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("no folder for the test");
-  path_ = fs::canonical(name);
-  ::setenv("XDG_STATE_HOME", statePath().c_str(), 1);
-}
+Workspace::Workspace() { ::setenv("XDG_STATE_HOME", statePath().c_str(), 1); }
 
 Workspace::~Workspace() {
   std::error_code ignored;
-  fs::remove_all(path_, ignored);
   fs::remove_all(statePath(), ignored);
 }
 
 void Workspace::write(const std::string& name, std::string_view bytes) const {
-  fs::create_directories((path_ / name).parent_path());
-  std::ofstream(path_ / name, std::ios::binary) << bytes;
+  folder_.write(name, bytes);
 }
 
 std::string Workspace::read(const std::string& name) const { return readFile(path_ / name); }

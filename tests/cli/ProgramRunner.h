@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/platform/TemporaryFolder.h"
+
 namespace soca::testing {
 
 struct ProgramResult {
@@ -45,7 +47,8 @@ class Workspace {
   pid_t spawn(std::vector<std::string>& command, const std::string& out,
               const std::string& err) const;
 
-  std::filesystem::path path_;
+  TemporaryFolder folder_;
+  std::filesystem::path path_ = std::filesystem::canonical(folder_.path());
 };
 
 // A class that every rule family has something to do with.
