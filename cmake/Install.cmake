@@ -67,13 +67,16 @@ set_target_properties(soca_core PROPERTIES EXPORT_NAME core)
 add_library(soca::platform ALIAS soca_platform)
 add_library(soca::core ALIAS soca_core)
 
-# The program and the bundle find the library beside them, wherever they are. What else was linked
-# from an unusual place, such as the component runtime, stays there.
+# The bundle, and a program that holds no copy, find the library beside them, wherever they are. What else
+# was linked from an unusual place, such as the component runtime, stays there.
 file(RELATIVE_PATH libraries_from_program ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
 set_target_properties(com_orrery_systemobject_analyzer PROPERTIES INSTALL_RPATH "$ORIGIN/.."
                                                                   INSTALL_RPATH_USE_LINK_PATH ON)
 if(TARGET soca)
-  set_target_properties(soca PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_program}")
+  get_target_property(self_contained soca SOCA_SELF_CONTAINED)
+  if(NOT self_contained)
+    set_target_properties(soca PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_program}")
+  endif()
   install(TARGETS soca)
 endif()
 if(TARGET soca_manual_files)
@@ -113,7 +116,8 @@ write_basic_package_version_file(
 install(FILES ${PROJECT_BINARY_DIR}/socaConfig.cmake ${PROJECT_BINARY_DIR}/socaConfigVersion.cmake
         DESTINATION ${SOCA_PACKAGE_DIR})
 install(EXPORT socaTargets NAMESPACE soca:: DESTINATION ${SOCA_PACKAGE_DIR})
-install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/NOTICE
+        DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 # --- the Debian package -------------------------------------------------------------------------
 
