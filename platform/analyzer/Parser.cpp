@@ -39,7 +39,7 @@ bool beginsStatement(TokenKind kind) { return isKeyword(kind) && kind != TokenKi
 
 }  // namespace
 
-Parser::Parser(fl::ustring_view text, ParserMemory& memory, Arena& arena, NameTable& names,
+Parser::Parser(fl::ustring_view text, ParserMemory& memory, Arena& arena, const TextNames& names,
                FunctionStyleType style)
     : lexer_(text, memory.map(), *this),
       memory_(memory),
@@ -76,7 +76,7 @@ Parser::Identifier* Parser::makeIdentifier(const Token& token) {
   identifier->lastPosition = token.end - 1;
   const fl::ustring_view text = lexer_.textOf(token);
   identifier->text = astapi::SourceText(text);
-  identifier->id = astapi::StringId(names_.intern(text, memory_.slots()));
+  identifier->id = astapi::StringId(text, &names_);
   return identifier;
 }
 

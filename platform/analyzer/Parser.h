@@ -13,8 +13,8 @@
 #include "platform/analyzer/Arena.h"
 #include "platform/analyzer/Ast.h"
 #include "platform/analyzer/Lexer.h"
-#include "platform/analyzer/NameTable.h"
 #include "platform/analyzer/ParserMemory.h"
+#include "platform/analyzer/TextNames.h"
 
 namespace ca {
 
@@ -41,7 +41,7 @@ class Parser final : private LexicalErrors {
   enum class FunctionStyleType { closed, open };
 
   // All arguments must outlive the parser. `memory` must have read the text.
-  Parser(fl::ustring_view text, ParserMemory& memory, Arena& arena, NameTable& names,
+  Parser(fl::ustring_view text, ParserMemory& memory, Arena& arena, const TextNames& names,
          FunctionStyleType style);
 
   Result parse();
@@ -220,7 +220,7 @@ class Parser final : private LexicalErrors {
   Lexer lexer_;
   ParserMemory& memory_;
   Arena& arena_;
-  NameTable& names_;
+  const TextNames& names_;
   FunctionStyleType style_;
   Token token_;
   // Just behind the last token taken.

@@ -15,7 +15,6 @@ ParserMemory& ParserMemory::ofThread() {
 const CharacterMap& ParserMemory::read(fl::ustring_view text) {
   textSize_ = text.size();
   map_.read(text);
-  slots_.clear();
   elements_.clear();
   return map_;
 }

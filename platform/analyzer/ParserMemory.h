@@ -6,7 +6,6 @@
 
 #include "platform/analyzer/Ast.h"
 #include "platform/analyzer/CharacterMap.h"
-#include "platform/analyzer/NameTable.h"
 
 namespace ca {
 
@@ -20,13 +19,11 @@ class ParserMemory {
   void shrink();
 
   const CharacterMap& map() const { return map_; }
-  NameTable::Slots& slots() { return slots_; }
   // The elements of the lists under way; empty between two parses.
   std::vector<const astapi::Node*>& elements() { return elements_; }
 
  private:
   CharacterMap map_;
-  NameTable::Slots slots_;
   std::vector<const astapi::Node*> elements_;
   std::size_t textSize_ = 0;
 };

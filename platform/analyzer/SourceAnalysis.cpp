@@ -24,7 +24,7 @@ SourceAnalysis::SourceAnalysis(fl::ustring text)
     : SourceAnalysis(std::move(text), ParserMemory::ofThread()) {}
 
 SourceAnalysis::SourceAnalysis(fl::ustring text, ParserMemory& memory)
-    : text_(std::move(text)), lines_(memory.read(text_), text_.size()), names_(&arena_) {
+    : text_(std::move(text)), lines_(memory.read(text_), text_.size()) {
   using Style = Parser::FunctionStyleType;
   Parser::Result result = Parser(text_, memory, arena_, names_, Style::closed).parse();
   // In a file without a class all functions may do without their `end`.

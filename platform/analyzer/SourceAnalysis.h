@@ -7,8 +7,8 @@
 #include "platform/analyzer/AnalysisResult.h"
 #include "platform/analyzer/Arena.h"
 #include "platform/analyzer/LineTable.h"
-#include "platform/analyzer/NameTable.h"
 #include "platform/analyzer/Parser.h"
+#include "platform/analyzer/TextNames.h"
 
 namespace ca {
 
@@ -39,7 +39,7 @@ class SourceAnalysis final : public AnalysisResult {
   fl::ustring text_;
   LineTable lines_;
   Arena arena_;
-  NameTable names_;
+  TextNames names_;
   const astapi::Node* root_ = nullptr;
   ClassdefHandle classdef_ = nullptr;
   std::vector<Diagnostic> diagnostics_;

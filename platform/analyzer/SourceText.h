@@ -1,10 +1,9 @@
-// Small values that syntax nodes hold: the written form of a token, an interned name, and where a
+// Small values that syntax nodes hold: the written form of a token, the id of a name, and where a
 // block ends.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
-#include <utility>
+#include <memory>
 
 #include "platform/text/UString.h"
 
@@ -28,62 +27,43 @@ class SourceText {
 
 namespace internal {
 
-// One name of a name table. `owners` counts the StringIds that share a name of no table; a name in
-// a table belongs to the table, and its text is that of the analysis.
-struct InternedName {
-  static constexpr std::uint32_t ownedByTable = 0xFFFFFFFF;
+// Keeps the strings of names.
+class NameStrings {
+ public:
+  NameStrings() = default;
+  NameStrings(const NameStrings&) = delete;
+  NameStrings& operator=(const NameStrings&) = delete;
+  virtual ~NameStrings() = default;
 
-  const char16_t* text = nullptr;
-  std::uint32_t length = 0;
-  std::uint32_t hash = 0;
-  mutable std::atomic<std::uint32_t> owners = ownedByTable;
-  // The name as a string, made when somebody first asks for one.
-  mutable std::atomic<const fl::ustring*> string = nullptr;
-  // The name that its table took up before it.
-  const InternedName* previous = nullptr;
-
-  fl::ustring_view view() const { return {text, length}; }
+  // Valid as long as this object. May be called by several threads at once.
+  virtual const fl::ustring& stringOf(fl::ustring_view name) const = 0;
 };
 
 }  // namespace internal
 
-// An interned name. Ids of one analysis compare by address, ids made elsewhere by hash and text. An
-// id taken from a syntax node must not outlive the analysis result.
+// A name that is told from others. An id taken from a syntax node must not outlive the analysis
+// result.
 class StringId {
  public:
   StringId() = default;
   explicit StringId(const char16_t* name) : StringId(fl::ustring(name)) {}
   explicit StringId(const fl::ustring& name);
-  explicit StringId(const internal::InternedName* name) : name_(name) {}
-  StringId(const StringId& other) : name_(other.name_) { share(); }
-  StringId(StringId&& other) noexcept : name_(other.name_) { other.name_ = nullptr; }
-  StringId& operator=(StringId other) noexcept {
-    std::swap(name_, other.name_);
-    return *this;
-  }
-  ~StringId() { release(); }
+  // Of a name in a text: few are ever asked for as strings, so `strings` makes each when it is.
+  // Both must outlive the id.
+  StringId(fl::ustring_view name, const internal::NameStrings* strings)
+      : text_(name), strings_(std::shared_ptr<const internal::NameStrings>(), strings) {}
 
   // The name; the empty string for a default-constructed id.
   const fl::ustring& getString() const;
 
   friend bool operator==(const StringId& left, const StringId& right) {
-    if (left.name_ == right.name_) return true;
-    if (left.name_ == nullptr || right.name_ == nullptr) return left.isEmpty() && right.isEmpty();
-    return left.name_->hash == right.name_->hash && left.name_->view() == right.name_->view();
+    return left.text_.view() == right.text_.view();
   }
 
  private:
-  bool isEmpty() const { return name_ == nullptr || name_->length == 0; }
-  void share() const {
-    if (name_ != nullptr && name_->owners != internal::InternedName::ownedByTable) addOwner();
-  }
-  void release() const {
-    if (name_ != nullptr && name_->owners != internal::InternedName::ownedByTable) removeOwner();
-  }
-  void addOwner() const;
-  void removeOwner() const;
-
-  const internal::InternedName* name_ = nullptr;
+  SourceText text_;
+  // Owns the string of a name that stands in no text.
+  std::shared_ptr<const internal::NameStrings> strings_;
 };
 
 // Where the `end` of a block stands.
