@@ -175,7 +175,7 @@ std::optional<std::string> findReasonToRefuse(const PlannedClass& planned,
   if (auto reason = checkSyntax(updated)) return reason;
   if (auto reason = PropertyCheck(planned).run(updated)) return reason;
   if (auto reason = checkMethods(planned, updated)) return reason;
-  return findLostText(planned.analysis->sourceTextView(), planned.result.text, planned.actions);
+  return findLostText(planned.analysis->sourceTextView(), planned.text(), planned.actions);
 }
 
 }  // namespace soca::cli

@@ -131,13 +131,12 @@ void listChangedMethods(const PlannedClass& planned, const ca::AnalysisResult& u
 
 // A second update, of the new text.
 RepeatedUpdate updateAgain(const PlannedClass& planned, UpdateMask rules) {
-  const fl::filesystem::OverlayScope overlay(to_string(planned.result.fileName),
-                                             planned.result.text);
+  const fl::filesystem::OverlayScope overlay(to_string(planned.result.fileName), planned.newText);
   try {
     return repeatUpdate(planned.result.className, rules);
   } catch (const std::exception&) {
     // Whatever keeps the second update from ending well: it does not leave the text as it is.
-    return {ca::analyzeText(planned.result.text), true};
+    return {ca::analyzeText(fl::ustring(planned.text())), true};
   }
 }
 
@@ -212,9 +211,9 @@ ClassOutcome ClassUpdater::makeOutcome(const PlannedClass& planned,
   outcome.className = to_string(planned.result.className);
   outcome.file = to_string(planned.result.fileName);
   outcome.updated = planned.result.updated;
-  outcome.changed = planned.result.updated &&
-                    !areEqualTexts(planned.result.text, planned.analysis->sourceTextView());
-  if (wishes_.text) outcome.text = to_string(planned.result.text);
+  outcome.changed =
+      planned.result.updated && !areEqualTexts(planned.text(), planned.analysis->sourceTextView());
+  if (wishes_.text) outcome.text = to_string(planned.text());
   outcome.findings = listener.findingsOf(planned, wishes_.places);
   if (wishes_.hints) outcome.hints = hintsOnMissingSuperClasses(outcome.className, *roots_);
   countEdits(planned, outcome);
@@ -254,9 +253,9 @@ void ClassUpdater::addFile(const PlannedClass& planned, ClassOutcome& outcome) c
   }
   if (!outcome.hasNewFile()) return;
   if (wishes_.diff || wishes_.newBytes) {
-    outcome.newBytes = bytesOf(planned.result.text);
+    outcome.newBytes = bytesOf(planned.text());
   } else {
-    checkIsEncodable(outcome.file, planned.result.text, old.encoding);
+    checkIsEncodable(outcome.file, planned.text(), old.encoding);
   }
   if (wishes_.input == nullptr) checkIsReplaceable(outcome.file);
   if (wishes_.diff) {

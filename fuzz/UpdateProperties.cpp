@@ -34,10 +34,10 @@ std::string failureOf(const std::function<void()>& work) {
   return "";
 }
 
-bool isSame(const UpdateResult& left, const UpdateResult& right) {
-  return left.className == right.className && left.fileName == right.fileName &&
-         left.text == right.text && left.messages == right.messages &&
-         left.updated == right.updated;
+bool isSame(const PlannedClass& planned, const UpdateResult& result) {
+  return planned.result.className == result.className &&
+         planned.result.fileName == result.fileName && planned.text() == result.text &&
+         planned.result.messages == result.messages && planned.result.updated == result.updated;
 }
 
 // One call, in the form of its plan.
@@ -56,9 +56,7 @@ class Call {
         failureOf([&] { results = UpdaterImpl().update(className_, mask_, includeSuperclasses_); });
     require(failure == failure_, "the plan fails with '{}' and the update with '{}'", failure_,
             failure);
-    const bool areSame = std::ranges::equal(
-        planned_, results, isSame, [](const PlannedClass& each) -> auto& { return each.result; });
-    require(areSame, "the plan and the update differ");
+    require(std::ranges::equal(planned_, results, isSame), "the plan and the update differ");
   }
 
   const std::vector<PlannedClass>& planned() const { return planned_; }
@@ -90,9 +88,9 @@ UpdateVerdict judge(const PlannedClass& planned) {
   if (planned.missingDelimiter) return {UpdateVerdict::Type::failed, "soca:DelimiterNotFound"};
   const fl::ustring_view oldText = planned.analysis->sourceTextView();
   require(planned.result.updated == !planned.actions.empty(), "`updated` is wrong");
-  require(planned.result.updated || planned.result.text == oldText, "the text changes by itself");
-  if (planned.result.text == oldText) return {};
-  const auto analysis = analyzeChecked(planned.result.text);
+  require(planned.result.updated || planned.text() == oldText, "the text changes by itself");
+  if (planned.text() == oldText) return {};
+  const auto analysis = analyzeChecked(fl::ustring(planned.text()));
   require(analysis != nullptr, "the new text can't be analysed");
   if (const auto reason = cli::findReasonToRefuse(planned, *analysis)) {
     return spoiled(planned, *reason);
@@ -133,7 +131,7 @@ constexpr unsigned mostUpdates = 20;
 unsigned updateUntilRest(const fl::ustring& className, PlannedClass planned,
                          ClassFilesScope& files) {
   for (unsigned count = 0; count < mostUpdates; ++count) {
-    files.replace(to_string(className), planned.result.text);
+    files.replace(to_string(className), fl::ustring(planned.text()));
     std::vector<PlannedClass> next;
     const std::string failure =
         failureOf([&] { next = planUpdate(className, allFamilies, false); });

@@ -1,6 +1,7 @@
 #include "service/UpdatePlan.h"
 
 #include <cstddef>
+#include <memory>
 #include <utility>
 
 #include "model/SourceFile.h"
@@ -70,14 +71,7 @@ PlannedClass planClass(const CountedActions& counted, const std::vector<RuleFami
   std::optional<fl::ustring> text;
   if (!planned.actions.empty()) text = applyActions(planned, planned.missingDelimiter);
   planned.result.updated = text.has_value();
-  planned.result.text = text ? std::move(*text) : counted.entry.analyzedClass->getSourceText();
-  return planned;
-}
-
-PlannedClass planWithoutApplying(const CountedActions& counted,
-                                 const std::vector<RuleFamilyType>& families) {
-  PlannedClass planned = planWithoutText(counted, families);
-  planned.result.text = counted.entry.analyzedClass->getSourceText();
+  if (text) planned.newText = std::make_shared<const fl::ustring>(std::move(*text));
   return planned;
 }
 
@@ -123,7 +117,7 @@ std::vector<PlannedClass> planUpdate(const fl::ustring& className, const UpdateM
 
 std::vector<PlannedClass> planActions(const fl::ustring& className, const UpdateMask& mask,
                                       bool includeSuperclasses) {
-  return planEach(className, mask, includeSuperclasses, planWithoutApplying);
+  return planEach(className, mask, includeSuperclasses, planWithoutText);
 }
 
 RepeatedUpdate repeatUpdate(const fl::ustring& className, const UpdateMask& mask) {

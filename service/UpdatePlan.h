@@ -32,16 +32,21 @@ struct PlannedAction {
 };
 
 struct PlannedClass {
-  // As `Updater::update` returns it.
+  // As `Updater::update` returns it, but without its text.
   UpdateResult result;
   // The class's file as it was analysed, with the text before the update.
   std::shared_ptr<ca::AnalysisResult> analysis;
+  // The text after the update; null if no action was applied.
+  std::shared_ptr<const fl::ustring> newText;
   // In the order in which they are applied.
   std::vector<PlannedAction> actions;
   // Where the edit engine would look for a delimiter and find something else, which would end the
-  // process. The update of such a class stops in front of that edit: its `result` has the old text,
-  // and `updated` is false.
+  // process. The update of such a class stops in front of that edit: it has no new text, and
+  // `updated` is false.
   std::optional<SourcePosition> missingDelimiter;
+
+  // The text of the result: the new one if there is one, else that before the update.
+  fl::ustring_view text() const { return newText ? *newText : analysis->sourceTextView(); }
 };
 
 // The classes of the same call of `Updater::update`, with the same results, and what it throws.
@@ -49,7 +54,7 @@ std::vector<PlannedClass> planUpdate(const fl::ustring& className, const UpdateM
                                      bool includeSuperclasses);
 
 // The same classes and actions with none of them applied, so that nothing is raised where two meet:
-// each `result` has the text before the update.
+// none has a new text.
 std::vector<PlannedClass> planActions(const fl::ustring& className, const UpdateMask& mask,
                                       bool includeSuperclasses);
 

@@ -32,7 +32,7 @@ FileAnalysis analyzeOverlay(const std::string& path, std::shared_ptr<const fl::u
   if (last.overlay == overlay && last.path == path) return last.file;
   last = {};
   const Phase phase(PhaseType::analyse);
-  FileAnalysis file{std::make_shared<SourceAnalysis>(*overlay), {}};
+  FileAnalysis file{std::make_shared<SourceAnalysis>(overlay), {}};
   last = {path, std::move(overlay), file};
   return file;
 }

@@ -21,16 +21,19 @@ bool isLessFaulty(const Parser::Result& left, const Parser::Result& right) {
 }  // namespace
 
 SourceAnalysis::SourceAnalysis(fl::ustring text)
+    : SourceAnalysis(std::make_shared<const fl::ustring>(std::move(text))) {}
+
+SourceAnalysis::SourceAnalysis(std::shared_ptr<const fl::ustring> text)
     : SourceAnalysis(std::move(text), ParserMemory::ofThread()) {}
 
-SourceAnalysis::SourceAnalysis(fl::ustring text, ParserMemory& memory)
-    : text_(std::move(text)), lines_(memory.read(text_), text_.size()) {
+SourceAnalysis::SourceAnalysis(std::shared_ptr<const fl::ustring> text, ParserMemory& memory)
+    : text_(std::move(text)), lines_(memory.read(*text_), text_->size()) {
   using Style = Parser::FunctionStyleType;
-  Parser::Result result = Parser(text_, memory, arena_, names_, Style::closed).parse();
+  Parser::Result result = Parser(*text_, memory, arena_, names_, Style::closed).parse();
   // In a file without a class all functions may do without their `end`.
   const bool isFaulty = !result.errors.empty() || result.isTooDeep;
   if (result.classdef == nullptr && isFaulty && hasFunction(*result.root)) {
-    Parser::Result open = Parser(text_, memory, arena_, names_, Style::open).parse();
+    Parser::Result open = Parser(*text_, memory, arena_, names_, Style::open).parse();
     if (open.classdef == nullptr && isLessFaulty(open, result)) result = std::move(open);
   }
   take(std::move(result));
@@ -55,7 +58,7 @@ std::uint64_t SourceAnalysis::getLineAndColumn(std::uint32_t position) const {
   return (column + 1) << 32U | (line + 1);
 }
 
-fl::ustring SourceAnalysis::getSourceText(bool /*canonical*/) const { return text_; }
+fl::ustring SourceAnalysis::getSourceText(bool /*canonical*/) const { return *text_; }
 
 fl::ustring SourceAnalysis::getNodeText(const astapi::Node& node, bool /*canonical*/) const {
   return fl::ustring(nodeTextView(node));
@@ -68,7 +71,7 @@ fl::ustring SourceAnalysis::getSubtreeText(const astapi::Node& node) const {
 fl::ustring_view SourceAnalysis::nodeTextView(const astapi::Node& node) const {
   // An empty subtree ends in front of where it begins, which wraps at the start of the text.
   const std::uint32_t length = node.lastPosition + 1 - node.position;
-  return fl::ustring_view(text_).substr(node.position, length);
+  return fl::ustring_view(*text_).substr(node.position, length);
 }
 
 }  // namespace ca

@@ -15,6 +15,8 @@ namespace ca {
 class SourceAnalysis final : public AnalysisResult {
  public:
   explicit SourceAnalysis(fl::ustring text);
+  // Of a text that others read too; never null.
+  explicit SourceAnalysis(std::shared_ptr<const fl::ustring> text);
 
   bool hasSyntaxError() const override { return !diagnostics_.empty(); }
   std::uint64_t getLineAndColumn(std::uint32_t position) const override;
@@ -23,7 +25,7 @@ class SourceAnalysis final : public AnalysisResult {
   fl::ustring getSubtreeText(const astapi::Node& node) const override;
   const astapi::Node* getRootNode() const override { return root_; }
   ClassdefHandle getClassdef() const override { return classdef_; }
-  fl::ustring_view sourceTextView() const override { return text_; }
+  fl::ustring_view sourceTextView() const override { return *text_; }
   fl::ustring_view nodeTextView(const astapi::Node& node) const override;
   const std::vector<Diagnostic>& diagnostics() const override { return diagnostics_; }
 
@@ -34,9 +36,9 @@ class SourceAnalysis final : public AnalysisResult {
  private:
   void take(Parser::Result result);
 
-  SourceAnalysis(fl::ustring text, ParserMemory& memory);
+  SourceAnalysis(std::shared_ptr<const fl::ustring> text, ParserMemory& memory);
 
-  fl::ustring text_;
+  std::shared_ptr<const fl::ustring> text_;
   LineTable lines_;
   Arena arena_;
   TextNames names_;

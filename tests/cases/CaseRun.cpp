@@ -111,7 +111,7 @@ void expectSameResults(const std::vector<PlannedClass>& planned,
     const UpdateResult& plannedResult = planned[i].result;
     EXPECT_EQ(plannedResult.className, results[i].className);
     EXPECT_EQ(plannedResult.fileName, results[i].fileName);
-    EXPECT_EQ(plannedResult.text, results[i].text);
+    EXPECT_EQ(planned[i].text(), results[i].text);
     EXPECT_EQ(plannedResult.messages, results[i].messages);
     EXPECT_EQ(plannedResult.updated, results[i].updated);
     EXPECT_EQ(planned[i].actions.empty(), !results[i].updated);
@@ -123,7 +123,7 @@ std::string describeMissing(const std::vector<PlannedClass>& planned) {
   for (const PlannedClass& entry : planned) {
     if (!entry.missingDelimiter) continue;
     EXPECT_FALSE(entry.result.updated);
-    EXPECT_EQ(entry.result.text, entry.analysis->sourceTextView());
+    EXPECT_EQ(entry.text(), entry.analysis->sourceTextView());
     text << to_string(entry.result.className) << ": (" << entry.missingDelimiter->line << ','
          << entry.missingDelimiter->column << ")\n";
   }
@@ -179,7 +179,7 @@ void updateAgain(const Options& options, const CaseFolder& folder, CaseOutcome& 
   outcome.again = failureOf([&] {
                     for (const PlannedClass& planned :
                          planUpdate(options.className, options.mask, options.includeSuperclasses)) {
-                      if (!planned.actions.empty()) outcome.again += to_string(planned.result.text);
+                      if (!planned.actions.empty()) outcome.again += to_string(planned.text());
                     }
                   }) +
                   outcome.again;

@@ -42,7 +42,7 @@ std::string withoutBlanks(std::string text) {
 std::string settle(const PlannedClass& whole, fl::ustring text) {
   for (int i = 0; i < 3; ++i) {
     const fl::filesystem::OverlayScope overlay(to_string(whole.result.fileName), text);
-    text = planUpdate(whole.result.className, 7, false).front().result.text;
+    text = planUpdate(whole.result.className, 7, false).front().text();
   }
   return withoutBlanks(to_string(text));
 }
@@ -60,7 +60,7 @@ void expectIndependence(const std::string& className) {
   if (whole.missingDelimiter) return;
   const auto edits = findFileEdits(whole, fl::EncodingType::utf8);
   const auto conversions = findConversions(whole, edits);
-  const auto settled = settle(whole, whole.result.text);
+  const auto settled = settle(whole, fl::ustring(whole.text()));
   std::size_t count = 0;
   for (const Conversion& conversion : conversions) {
     count += conversion.edits.size();

@@ -40,7 +40,7 @@ Outcome updateMixer(std::string_view source) {
       });
   try {
     const std::vector<PlannedClass> plan = planUpdate(u"Mixer", 7, false);
-    outcome.text = fl::i18n::to_string(plan.front().result.text);
+    outcome.text = fl::i18n::to_string(plan.front().text());
     if (plan.front().missingDelimiter) outcome.ids.emplace_back("soca:DelimiterNotFound");
   } catch (const foundation::core::except::IMsgIDException& failure) {
     outcome.ids.push_back(failure.GetBaseMsgIDObj().id);

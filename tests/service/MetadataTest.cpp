@@ -132,7 +132,7 @@ TEST(UpdatePlan, SameResultsAsTheService) {
       const auto results = UpdaterImpl().update(className, mask, false);
       ASSERT_EQ(planned.size(), 1U);
       ASSERT_EQ(results.size(), 1U);
-      EXPECT_EQ(planned[0].result.text, results[0].text);
+      EXPECT_EQ(planned[0].text(), results[0].text);
       EXPECT_EQ(planned[0].result.messages, results[0].messages);
       EXPECT_EQ(planned[0].result.updated, results[0].updated);
       EXPECT_EQ(planned[0].result.fileName, results[0].fileName);

@@ -13,6 +13,6 @@ int main(int, char* argv[]) {
   soca::UpdaterImpl updater;
   const auto results = updater.update(name, 7, false);
   std::cout << fl::i18n::to_string(results.at(0).text);
-  const bool agree = soca::planUpdate(name, 7, false).at(0).result.text == results.at(0).text;
+  const bool agree = soca::planUpdate(name, 7, false).at(0).text() == results.at(0).text;
   return agree && std::ifstream(SOCA_BUNDLE).good() ? 0 : 1;
 }
