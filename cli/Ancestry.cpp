@@ -1,12 +1,27 @@
 #include "cli/Ancestry.h"
 
+#include <utility>
+
 #include "platform/runtime/ClassDescription.h"
+#include "platform/runtime/LongAncestry.h"
 
 namespace soca::cli {
 
 using sotarn::ClassOriginType;
 
 Ancestry::Ancestry(std::string_view className) {
+  const auto known = sotarn::findLongAncestry(className);
+  if (!known) {
+    walk(className);
+    return;
+  }
+  isCyclic_ = known->isCyclic;
+  for (const auto& [name, namedBy, isPFile] : known->missing) {
+    missing_.push_back({std::string(name), std::string(namedBy), isPFile});
+  }
+}
+
+void Ancestry::walk(std::string_view className) {
   add(std::string(className), {});
   for (std::size_t i = 0; i < classes_.size(); ++i) look(i);
 }
@@ -30,9 +45,13 @@ void Ancestry::look(std::size_t index) {
   for (const std::string& super : description->superClasses) add(super, current.name);
 }
 
-std::vector<std::string> Ancestry::superClasses() const {
+std::vector<std::string> Ancestry::superClassesOf(std::string_view className) {
+  Ancestry ancestry;
+  ancestry.walk(className);
   std::vector<std::string> names;
-  for (std::size_t i = 1; i < classes_.size(); ++i) names.push_back(classes_[i].name);
+  for (std::size_t i = 1; i < ancestry.classes_.size(); ++i) {
+    names.push_back(std::move(ancestry.classes_[i].name));
+  }
   return names;
 }
 

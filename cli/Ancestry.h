@@ -8,7 +8,8 @@
 
 namespace soca::cli {
 
-// Asks the class runtime for each class once, nearest first. Names are in UTF-8.
+// Asks the class runtime for each class once, nearest first, or for all at once where it remembers
+// them. Names are in UTF-8.
 class Ancestry {
  public:
   explicit Ancestry(std::string_view className);
@@ -24,10 +25,9 @@ class Ancestry {
   const std::vector<Missing>& missing() const { return missing_; }
   // Whether the class derives from itself over others.
   bool isCyclic() const { return isCyclic_; }
-  // Whether the class names any superclass at all.
-  bool hasSuperClasses() const { return classes_.size() > 1; }
+
   // All that the class derives from, nearest first.
-  std::vector<std::string> superClasses() const;
+  static std::vector<std::string> superClassesOf(std::string_view className);
 
  private:
   struct Class {
@@ -35,6 +35,8 @@ class Ancestry {
     std::string namedBy;
   };
 
+  Ancestry() = default;
+  void walk(std::string_view className);
   void add(const std::string& name, const std::string& namedBy);
   void look(std::size_t index);
 

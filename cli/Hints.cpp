@@ -81,7 +81,7 @@ OtherClassHints hintsOnOtherClass(std::string_view className, const ClassRoots& 
   auto hints = hintsOnAncestry(ancestry, roots);
   if (ancestry.isCyclic()) hints.emplace_back("the class is among its own superclasses");
   if (!hints.empty()) return {std::move(hints)};
-  if (!ancestry.hasSuperClasses()) return {{"the class names no superclass"}};
+  if (description->superClasses.empty()) return {{"the class names no superclass"}};
   return {{"none of the classes that it derives from is a System object"}};
 }
 

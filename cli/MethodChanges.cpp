@@ -35,7 +35,7 @@ std::vector<std::string> MethodChanges::warnings() {
     while (!rest.empty()) {
       const std::string className(rest.substr(0, rest.find('\n')));
       rest.remove_prefix(className.size() + 1);
-      for (const std::string& super : Ancestry(className).superClasses()) {
+      for (const std::string& super : Ancestry::superClassesOf(className)) {
         if (!std::ranges::binary_search(gained_, keyOf(super, method))) continue;
         warnings.push_back(fmt::format(
             "warning: method '{}' of class '{}' is deleted as redundant, and its superclass '{}' "

@@ -193,13 +193,15 @@ std::string derivedClass(std::size_t number, const std::string& base) {
 
 std::string numberedClass(std::size_t number) { return fmt::format("D{}", number); }
 
-// A chain of 10,000 classes at full size; `last` is what the last one derives from.
-void makeChain(const fs::path& folder, std::size_t bytes, const std::string& last) {
+// A chain of 10,000 classes at full size; `last` is what the last one derives from, `others` what
+// the others have behind the next one.
+void makeChain(const fs::path& folder, std::size_t bytes, const std::string& last,
+               const std::string& others = "") {
   const std::size_t length = bytes / 1000;
   for (std::size_t number = 0; number < length; ++number) {
     const bool isLast = number + 1 == length;
     write(folder / (numberedClass(number) + ".vlm"),
-          derivedClass(number, isLast ? last : numberedClass(number + 1)));
+          derivedClass(number, isLast ? last : numberedClass(number + 1) + others));
   }
 }
 
@@ -258,6 +260,19 @@ std::vector<HostileInput> pathInputs() {
       {"a cycle of superclasses, each class",
        {"update"},
        [](const fs::path& folder, std::size_t bytes) { makeChain(folder, bytes, "D0"); }},
+      {"a cycle of System objects, each class",
+       {"update"},
+       [](const fs::path& folder, std::size_t bytes) {
+         makeChain(folder, bytes, "D0 & velum.System");
+       }},
+      {"a chain of mixins, each class",
+       {"update"},
+       [](const fs::path& folder, std::size_t bytes) {
+         makeChain(folder, bytes, "velum.System", " & velum.system.mixin.CustomIcon");
+       }},
+      {"a chain that ends nowhere, each class",
+       {"update"},
+       [](const fs::path& folder, std::size_t bytes) { makeChain(folder, bytes, "nowhere.D"); }},
       {"a class report of a chain",
        {"classes", "D0"},
        [](const fs::path& folder, std::size_t bytes) { makeChain(folder, bytes, "velum.System"); }},

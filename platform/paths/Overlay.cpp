@@ -56,6 +56,8 @@ std::shared_ptr<const ustring> findOverlay(const ustring& path) {
 
 bool hasOverlays() { return !overlays.empty(); }
 
+std::size_t overlayCount() { return overlays.size(); }
+
 bool hasOverlayOfClass(std::string_view className) {
   return std::ranges::any_of(
       overlays, [&](const auto& overlay) { return isPathOfClass(overlay.first, className); });

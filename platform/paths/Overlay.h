@@ -2,6 +2,7 @@
 // that was not written yet.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -34,6 +35,9 @@ std::shared_ptr<const ustring> findOverlay(const ustring& path);
 
 // Whether any text lies over any path on this thread.
 bool hasOverlays();
+
+// Over how many paths texts lie on this thread.
+std::size_t overlayCount();
 
 // Whether a text lies over a path on this thread that may be the file of the class under some root:
 // one with the class's name in its last segments, in front of an extension. `className` is dotted

@@ -11,10 +11,7 @@ ClassObject::ClassObject(std::shared_ptr<const sotarn::ClassDescription> descrip
       hierarchy_(std::make_shared<const sotarn::Hierarchy>(description_)) {}
 
 bool ClassObject::isDerivedFrom(const InternedId& base) const {
-  const auto isBase = [&](const sotarn::ClassDescription& ancestor) {
-    return ancestor.name == base.name;
-  };
-  return hierarchy_->find(isBase) != nullptr;
+  return hierarchy_->contains(base.name);
 }
 
 InternedId ClassObject::getID() const { return internal::makeInterned(description_->name); }

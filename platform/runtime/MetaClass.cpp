@@ -14,8 +14,8 @@ const PropertyDescription* findProperty(const ClassDescription& description,
   return found == description.properties.end() ? nullptr : &found->second;
 }
 
-bool isSystemBase(const ClassDescription& ancestor) {
-  return ancestor.name == "velum.system.coder.System" || ancestor.name == "velum.system.SystemImpl";
+bool reachesSystemBase(const Hierarchy& hierarchy) {
+  return hierarchy.contains(coderSystemName) || hierarchy.contains(systemImplName);
 }
 
 }  // namespace
@@ -35,7 +35,7 @@ bool MetaProperty::isAbstractInAnyClass() const {
     const PropertyDescription* property = findProperty(description, name_);
     return property != nullptr && property->isAbstract.value_or(false);
   };
-  return hierarchy_->find(saysAbstract) != nullptr;
+  return hierarchy_->mayDeclareAbstract() && hierarchy_->find(saysAbstract) != nullptr;
 }
 
 bool MetaProperty::isDependent() const {
@@ -43,7 +43,7 @@ bool MetaProperty::isDependent() const {
     const PropertyDescription* property = findProperty(description, name_);
     return property != nullptr && property->isDependent;
   };
-  const ClassDescription* nearest = hierarchy_->find(declaresIt);
+  const auto nearest = hierarchy_->find(declaresIt);
   return nearest != nullptr && *findProperty(*nearest, name_)->isDependent;
 }
 
@@ -65,7 +65,7 @@ std::string MetaClass::getName() const { return name_; }
 
 std::vector<MetaClass> MetaClass::getSuperClasses() const {
   std::vector<MetaClass> superClasses;
-  if (hierarchy()->find(isSystemBase) == nullptr) return superClasses;
+  if (!reachesSystemBase(*hierarchy())) return superClasses;
   for (const std::string& name : description_->superClasses) {
     if (!isEnvironmentClass(name)) superClasses.push_back(MetaClass(name));
   }
@@ -76,12 +76,7 @@ MetaProperty MetaClass::getProperty(const std::string& name) const {
   return MetaProperty(description_, hierarchy(), name);
 }
 
-bool MetaClass::isStrictDefaultsClass() const {
-  const auto isStrict = [](const ClassDescription& description) {
-    return description.strictDefaults;
-  };
-  return hierarchy()->find(isStrict) != nullptr;
-}
+bool MetaClass::isStrictDefaultsClass() const { return hierarchy()->hasStrictDefaults(); }
 
 bool MetaClass::isMethodDefinedInSuperClass(const std::string& name) const {
   const auto definesIt = [&](const ClassDescription& description) {
