@@ -1,10 +1,10 @@
 // Work on a sequence of items by several threads, with the results in the order of the items.
 #pragma once
 
+#include <algorithm>
 #include <condition_variable>
 #include <cstddef>
 #include <functional>
-#include <map>
 #include <mutex>
 #include <optional>
 #include <thread>
@@ -15,8 +15,9 @@ namespace soca::cli {
 
 // Takes items from `next` until it gives nothing, makes a result of each with `work`, and hands the
 // results to `consume` in the order of the items. `next` and `consume` return false or nothing to
-// stop; they need no lock of their own, `consume` runs on the calling thread, and `work` runs on
-// `jobs` threads at once. With one job all happens on the calling thread.
+// stop; they need no lock of their own. `work` runs on `jobs` threads at once. The calling thread
+// is one of them, and `consume` runs on it alone: a thread for that would have to be woken for each
+// result.
 //
 // No more than a few items for each job are under way, so memory does not grow with the sequence.
 // None of the three may throw.
@@ -29,69 +30,88 @@ class OrderedWorkers {
   using Consume = std::function<bool(Result&)>;
 
   OrderedWorkers(unsigned jobs, Next next, Work work, Consume consume)
-      : jobs_(jobs), next_(std::move(next)), work_(std::move(work)), consume_(std::move(consume)) {}
+      : next_(std::move(next)),
+        work_(std::move(work)),
+        consume_(std::move(consume)),
+        finished_(std::size_t{std::max(jobs, 1U)} * itemsForEachJob),
+        helpers_(std::max(jobs, 1U) - 1) {}
 
   void run() {
-    if (jobs_ <= 1) return runAlone();
     std::vector<std::jthread> threads;
-    threads.reserve(jobs_);
-    for (unsigned i = 0; i < jobs_; ++i) threads.emplace_back([this] { workUntilDone(); });
-    consumeInOrder();
+    threads.reserve(helpers_);
+    for (unsigned i = 0; i < helpers_; ++i) threads.emplace_back([this] { workUntilDone(); });
+    workAndConsume();
   }
 
  private:
+  using Lock = std::unique_lock<std::mutex>;
+
   static constexpr std::size_t itemsForEachJob = 8;
 
-  void runAlone() {
-    while (auto item = next_()) {
-      Result result = work_(*item);
-      if (!consume_(result)) return;
-    }
-  }
-
   void workUntilDone() {
-    while (auto numbered = takeItem()) {
-      Result result = work_(numbered->second);
-      const std::lock_guard lock(mutex_);
-      finished_.emplace(numbered->first, std::move(result));
-      if (numbered->first == consumed_) resultIsThere_.notify_one();
+    Lock lock(mutex_);
+    while (!stopped_) {
+      if (hasRoom()) {
+        workOnNext(lock);
+      } else {
+        roomIsThere_.wait(lock);
+      }
     }
   }
 
-  std::optional<std::pair<std::size_t, Item>> takeItem() {
-    std::unique_lock lock(mutex_);
-    roomIsThere_.wait(lock,
-                      [this] { return stopped_ || taken_ < consumed_ + jobs_ * itemsForEachJob; });
-    if (stopped_) return std::nullopt;
-    auto item = next_();
-    if (!item) {
-      stopped_ = true;
-      roomIsThere_.notify_all();
-      resultIsThere_.notify_one();
-      return std::nullopt;
-    }
-    return std::pair(taken_++, std::move(*item));
-  }
-
-  void consumeInOrder() {
-    std::unique_lock lock(mutex_);
+  void workAndConsume() {
+    Lock lock(mutex_);
     while (true) {
-      resultIsThere_.wait(lock, [this] {
-        return finished_.contains(consumed_) || (stopped_ && consumed_ == taken_);
-      });
-      auto entry = finished_.extract(consumed_);
-      if (entry.empty()) return;
-      lock.unlock();
-      const bool goesOn = consume_(entry.mapped());
-      lock.lock();
-      ++consumed_;
-      if (!goesOn) stopped_ = true;
-      roomIsThere_.notify_all();
-      if (!goesOn) return;
+      if (finishedAt(consumed_)) {
+        if (!consumeNext(lock)) return;
+      } else if (!stopped_ && hasRoom()) {
+        workOnNext(lock);
+      } else if (stopped_ && consumed_ == taken_) {
+        return;
+      } else {
+        resultIsThere_.wait(lock);
+      }
     }
   }
 
-  unsigned jobs_;
+  bool hasRoom() const { return taken_ < consumed_ + finished_.size(); }
+
+  std::optional<Result>& finishedAt(std::size_t number) {
+    return finished_[number % finished_.size()];
+  }
+
+  void stop() {
+    stopped_ = true;
+    roomIsThere_.notify_all();
+    resultIsThere_.notify_one();
+  }
+
+  // The lock is given up while the work is done.
+  void workOnNext(Lock& lock) {
+    const std::optional<Item> item = next_();
+    if (!item) return stop();
+    const std::size_t number = taken_++;
+    lock.unlock();
+    Result result = work_(*item);
+    lock.lock();
+    finishedAt(number) = std::move(result);
+    if (number == consumed_) resultIsThere_.notify_one();
+  }
+
+  // The lock is given up meanwhile; nobody else touches a finished result. Returns whether to go
+  // on.
+  bool consumeNext(Lock& lock) {
+    std::optional<Result>& result = finishedAt(consumed_);
+    lock.unlock();
+    const bool goesOn = consume_(*result);
+    result.reset();
+    lock.lock();
+    ++consumed_;
+    roomIsThere_.notify_one();
+    if (!goesOn) stop();
+    return goesOn;
+  }
+
   Next next_;
   Work work_;
   Consume consume_;
@@ -103,7 +123,10 @@ class OrderedWorkers {
   std::size_t taken_ = 0;
   std::size_t consumed_ = 0;
   bool stopped_ = false;
-  std::map<std::size_t, Result> finished_;
+  // The results that wait, each at the place of its number, which begin anew at the end.
+  std::vector<std::optional<Result>> finished_;
+  // Threads besides the calling one.
+  unsigned helpers_;
 };
 
 }  // namespace soca::cli
