@@ -39,6 +39,6 @@ constexpr bool isOfClass(char16_t c, std::uint8_t classes) {
 }
 
 constexpr bool isBlank(char16_t c) { return isOfClass(c, characters::blank); }
-constexpr bool isDigit(char16_t c) { return isOfClass(c, characters::digit); }
+constexpr bool isDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
 
 }  // namespace ca

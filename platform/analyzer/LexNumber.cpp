@@ -1,5 +1,6 @@
 // Numbers: `12`, `1.5e-3`, `2i`, `0x1Fu8`, `0b101`.
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <limits>
 #include <optional>
@@ -66,6 +67,12 @@ bool isBelowOne(const std::string& digits) {
   return scale + exponent < 0;
 }
 
+// So many digits are a double without loss, as are the powers of ten up to that of as many zeros.
+// The quotient of the two is then the double that is nearest to the number.
+constexpr std::uint32_t mostExactDigits = 15;
+constexpr std::array<double, mostExactDigits + 1> powersOfTen{
+    1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+
 // Nothing for a number that is too large for a double; one that is too small is zero.
 std::optional<double> toDouble(fl::ustring_view digits) {
   std::string ascii;
@@ -90,10 +97,12 @@ Lexer::Number Lexer::scanNumber(std::uint32_t begin) const {
     return scanBasedNumber(begin, 1);
   }
   std::uint32_t position = begin;
-  std::uint64_t whole = 0;
-  for (; isDigit(text_[position]); ++position) whole = whole * 10 + (text_[position] - u'0');
-  // Fifteen digits and less are exact.
-  bool isSmallWhole = position - begin <= 15;
+  std::uint64_t digits = 0;
+  const auto takeDigits = [&] {
+    const std::uint32_t first = position;
+    for (; isDigit(text_[position]); ++position) digits = digits * 10 + (text_[position] - u'0');
+    return position - first;
+  };
   const auto isPointAt = [&](std::uint32_t at) {
     if (text_[at] != u'.') return false;
     const char16_t next = text_[at + 1];
@@ -101,23 +110,26 @@ Lexer::Number Lexer::scanNumber(std::uint32_t begin) const {
       return false;
     return !isContinuationAt(at) || text_[at + 3] == u'.';
   };
+  const std::uint32_t wholeCount = takeDigits();
+  std::uint32_t decimalCount = 0;
   if (isPointAt(position)) {
-    isSmallWhole = false;
-    do ++position;
-    while (isDigit(text_[position]));
+    ++position;
+    decimalCount = takeDigits();
   }
+  bool isExact = wholeCount + decimalCount <= mostExactDigits;
   const char16_t exponent = text_[position];
   if (exponent == u'e' || exponent == u'E' || exponent == u'd' || exponent == u'D') {
     const char16_t sign = text_[position + 1];
-    const std::uint32_t digits = position + (sign == u'+' || sign == u'-' ? 2 : 1);
-    if (isDigit(text_[digits])) {
-      isSmallWhole = false;
-      position = digits;
-      while (isDigit(text_[position])) ++position;
+    const std::uint32_t first = position + (sign == u'+' || sign == u'-' ? 2 : 1);
+    if (isDigit(text_[first])) {
+      isExact = false;
+      position = first;
+      takeDigits();
     }
   }
-  const std::optional<double> value =
-      isSmallWhole ? static_cast<double>(whole) : toDouble({text_ + begin, position - begin});
+  const std::optional<double> value = isExact
+                                          ? static_cast<double>(digits) / powersOfTen[decimalCount]
+                                          : toDouble({text_ + begin, position - begin});
   const bool fits = value.has_value();
   if (text_[position] == u'i' || text_[position] == u'j') {
     return {.value = lf::astapi::Imaginary{value.value_or(0)}, .end = position + 1, .fits = fits};
