@@ -33,7 +33,7 @@ class Units64 {
   // Tabs, both kinds of feeds, line ends, returns and blanks.
   std::uint64_t whiteSpace() const {
     return gather([](__m128i bytes) {
-      return _mm_or_si128(isWithin(bytes, '\t', 5), _mm_cmpeq_epi8(bytes, _mm_set1_epi8(' ')));
+      return _mm_or_si128(isWithin(bytes, '\t', '\r'), _mm_cmpeq_epi8(bytes, _mm_set1_epi8(' ')));
     });
   }
 
@@ -42,8 +42,8 @@ class Units64 {
     return gather([&](__m128i bytes) {
       const __m128i lower = _mm_or_si128(bytes, _mm_set1_epi8(0x20));
       const __m128i others =
-          _mm_or_si128(isWithin(bytes, '0', 10), _mm_cmpeq_epi8(bytes, _mm_set1_epi8('_')));
-      return _mm_or_si128(isWithin(lower, 'a', 26), others);
+          _mm_or_si128(isWithin(bytes, '0', '9'), _mm_cmpeq_epi8(bytes, _mm_set1_epi8('_')));
+      return _mm_or_si128(isWithin(lower, 'a', 'z'), others);
     });
   }
 
@@ -59,11 +59,12 @@ class Units64 {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
   }
 
-  // Differences wrap, so one comparison does.
-  static __m128i isWithin(__m128i bytes, char first, unsigned count) {
-    const __m128i offset = _mm_sub_epi8(bytes, _mm_set1_epi8(first));
-    const __m128i beyond = _mm_subs_epu8(offset, _mm_set1_epi8(static_cast<char>(count - 1)));
-    return _mm_cmpeq_epi8(beyond, _mm_setzero_si128());
+  // Sums wrap: with `last` moved to the largest number that there is, only those above what `first`
+  // then is are within, and one comparison does.
+  static __m128i isWithin(__m128i bytes, char first, char last) {
+    constexpr int largest = 0x7F;
+    const __m128i moved = _mm_add_epi8(bytes, _mm_set1_epi8(static_cast<char>(largest - last)));
+    return _mm_cmpgt_epi8(moved, _mm_set1_epi8(static_cast<char>(largest - last + first - 1)));
   }
 
   template <class Compare>
