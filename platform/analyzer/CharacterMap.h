@@ -31,23 +31,15 @@ class CharacterMap {
   // Whether there may be a U+0000 in the text.
   bool mayHoldNul() const { return mayHoldNul_; }
 
-  // Calls `take` with the position of each line end, in order.
-  template <class Take>
-  void forEachLineEnd(const Take& take) const {
-    for (std::size_t index = 0; index < lineEnds_.size(); ++index) {
-      for (std::uint64_t bits = lineEnds_[index]; bits != 0; bits &= bits - 1) {
-        const std::size_t position = index * unitsPerWord + std::countr_zero(bits);
-        if (position < size_) take(static_cast<std::uint32_t>(position));
-      }
-    }
-  }
-
- private:
   static constexpr unsigned unitsPerWord = 64;
 
-  // A bit for each code unit with what is looked for, and for one behind the text.
+  // A bit for each code unit with what is looked for, from the lowest one of the first word on.
   using Bits = std::vector<std::uint64_t>;
 
+  // The line ends, and one just behind the text.
+  const Bits& lineEnds() const { return lineEnds_; }
+
+ private:
   static std::uint32_t findNear(const Bits& bits, std::uint32_t from) {
     const std::uint64_t word = bits[from / unitsPerWord] >> from % unitsPerWord;
     return word != 0 ? from + static_cast<std::uint32_t>(std::countr_zero(word)) : 0;

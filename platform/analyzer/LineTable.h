@@ -20,11 +20,10 @@ class LineTable {
   std::uint32_t startOf(std::uint32_t line) const { return starts_[line]; }
 
  private:
-  static constexpr std::uint32_t unitsPerMark = 64;
-
   // With one more behind the last line, which no position reaches.
   std::vector<std::uint32_t> starts_;
-  // The line of every 64th code unit, from which it is not far to the line of any other.
+  // The line of the first code unit of each word of a map, from which it is not far to the line of
+  // any other.
   std::vector<std::uint32_t> marks_;
   std::size_t size_;
 };
