@@ -21,11 +21,8 @@ std::string folderAbove(const std::string& path) {
 
 }  // namespace
 
-GitPlace Git::placeOfFolder(const std::string& path) { return placeOf(path, path); }
-
-GitPlace Git::placeOfFile(const std::string& path) { return placeOf(path, folderAbove(path)); }
-
-GitPlace Git::placeOf(const std::string& path, std::string folder) {
+GitPlace Git::placeOfFolder(const std::string& path) {
+  std::string folder = path;
   while (true) {
     if (hasRepository(folder)) {
       const Opened& opened = open(folder);
@@ -43,6 +40,33 @@ GitPlace Git::placeOf(const std::string& path, std::string folder) {
   }
 }
 
+std::optional<GitPlace> Git::placeOfFile(const std::string& file) {
+  struct stat status = {};
+  if (::lstat(file.c_str(), &status) != 0) return std::nullopt;
+  if (S_ISLNK(status.st_mode)) {
+    const auto path = resolveLinks(file);
+    return path ? placeOfFile(*path) : std::nullopt;
+  }
+  auto place = placeBehindLinks(folderAbove(file));
+  if (!place || place->repository == nullptr) return place;
+  if (!place->path.empty()) place->path += '/';
+  place->path += file.substr(file.rfind('/') + 1);
+  return place;
+}
+
+std::optional<GitPlace> Git::placeBehindLinks(const std::string& folder) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (lastFolder_ == folder) return lastPlace_;
+  }
+  const auto path = resolveLinks(folder);
+  const auto place = path ? std::optional(placeOfFolder(*path)) : std::nullopt;
+  const std::lock_guard lock(mutex_);
+  lastFolder_ = folder;
+  lastPlace_ = place;
+  return place;
+}
+
 const Git::Opened& Git::open(const std::string& folder) {
   const std::lock_guard lock(mutex_);
   const auto [entry, isNew] = opened_.try_emplace(folder);
@@ -57,13 +81,12 @@ const Git::Opened& Git::open(const std::string& folder) {
 }
 
 std::optional<std::string> Git::findUncommitted(const std::string& file) {
-  const auto path = resolveLinks(file);
-  if (!path) return std::nullopt;
-  const GitPlace place = placeOfFile(*path);
-  std::string problem = place.problem;
-  if (place.repository != nullptr) {
+  const auto place = placeOfFile(file);
+  if (!place) return std::nullopt;
+  std::string problem = place->problem;
+  if (place->repository != nullptr) {
     try {
-      switch (place.repository->stateOf(place.path)) {
+      switch (place->repository->stateOf(place->path)) {
         case GitStateType::committed:
           return std::nullopt;
         case GitStateType::changed:

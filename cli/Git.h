@@ -27,10 +27,10 @@ class Git {
  public:
   // `path` is absolute and without links. Nothing is loaded where no `.git` stands above.
   GitPlace placeOfFolder(const std::string& path);
-  GitPlace placeOfFile(const std::string& path);
 
   // Why git could not bring back what the file holds now, with what to do; nothing if it could, or
-  // if the file is in no work tree. Links are followed.
+  // if the file is in no work tree. Links are followed. Files come folder by folder, so the place
+  // of the last folder is kept.
   std::optional<std::string> findUncommitted(const std::string& file);
 
  private:
@@ -40,12 +40,17 @@ class Git {
     std::string problem;
   };
 
-  GitPlace placeOf(const std::string& path, std::string folder);
+  // Nothing for a file that is not there.
+  std::optional<GitPlace> placeOfFile(const std::string& file);
+  // The same, of a folder that may stand behind links.
+  std::optional<GitPlace> placeBehindLinks(const std::string& folder);
   const Opened& open(const std::string& folder);
 
   std::mutex mutex_;
   // By the folder in which `.git` stands.
   std::unordered_map<std::string, Opened> opened_;
+  std::string lastFolder_;
+  std::optional<GitPlace> lastPlace_;
 };
 
 }  // namespace soca::cli
