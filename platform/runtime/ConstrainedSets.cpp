@@ -13,7 +13,7 @@ namespace {
 using ca::astapi::Node;
 using lf::astapi::NodeKind;
 
-constexpr std::string_view companionSuffix = "Set";
+constexpr fl::ustring_view companionSuffix = u"Set";
 
 // The set classes, each at the place of its kind less one.
 constexpr std::array<fl::ustring_view, 6> setClasses{u"StringSet",         u"StringSetGF",
@@ -96,14 +96,14 @@ ConstrainedSetInfo readSet(const ca::astapi::PropertyNode& companion) {
 }  // namespace
 
 void describeConstrainedSets(const ca::astapi::Classdef& classdef, ClassDescription& description) {
-  std::unordered_set<std::string> seen;
+  std::unordered_set<fl::ustring_view> seen;
   for (const auto* block : classdef.getPropertiesBlocks()) {
     for (const Node* member : block->members) {
       const auto& companion = static_cast<const ca::astapi::PropertyNode&>(*member);
-      const std::string name = fl::i18n::to_string(companion.name->text.view());
+      fl::ustring_view name = companion.name->text.view();
       if (!name.ends_with(companionSuffix) || !seen.insert(name).second) continue;
-      const auto target =
-          description.properties.find(name.substr(0, name.size() - companionSuffix.size()));
+      name.remove_suffix(companionSuffix.size());
+      const auto target = description.properties.find(fl::i18n::to_string(name));
       if (target == description.properties.end()) continue;
       ConstrainedSetInfo info = readSet(companion);
       if (info.kind != 0) target->second.constrainedSet = std::move(info);

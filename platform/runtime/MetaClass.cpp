@@ -22,12 +22,19 @@ bool reachesSystemBase(const Hierarchy& hierarchy) {
 
 // --- properties ---
 
-bool MetaProperty::isConstrainedSetTarget() const { return getConstrainedSetInfo().kind != 0; }
+const ConstrainedSetInfo* MetaProperty::constrainedSet() const {
+  const PropertyDescription* property = owner_ != nullptr ? findProperty(*owner_, name_) : nullptr;
+  return property != nullptr && property->constrainedSet ? &*property->constrainedSet : nullptr;
+}
+
+bool MetaProperty::isConstrainedSetTarget() const {
+  const ConstrainedSetInfo* set = constrainedSet();
+  return set != nullptr && set->kind != 0;
+}
 
 ConstrainedSetInfo MetaProperty::getConstrainedSetInfo() const {
-  const PropertyDescription* property = owner_ != nullptr ? findProperty(*owner_, name_) : nullptr;
-  if (property == nullptr || !property->constrainedSet) return {};
-  return *property->constrainedSet;
+  const ConstrainedSetInfo* set = constrainedSet();
+  return set != nullptr ? *set : ConstrainedSetInfo();
 }
 
 bool MetaProperty::isAbstractInAnyClass() const {

@@ -29,6 +29,9 @@ class MetaProperty {
                std::shared_ptr<const Hierarchy> hierarchy, std::string name)
       : owner_(std::move(owner)), hierarchy_(std::move(hierarchy)), name_(std::move(name)) {}
 
+  // Null for a property that is no target.
+  const ConstrainedSetInfo* constrainedSet() const;
+
   std::shared_ptr<const ClassDescription> owner_;
   std::shared_ptr<const Hierarchy> hierarchy_;
   std::string name_;
