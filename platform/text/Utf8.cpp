@@ -35,15 +35,6 @@ std::size_t boundOfBytes(ustring_view text) {
   return bound + 2 * static_cast<std::size_t>(end - next);
 }
 
-bool isAscii(ustring_view text) {
-  const char16_t* next = text.data();
-  const char16_t* const end = next + text.size();
-  for (; end - next >= 16; next += 16) {
-    if ((bitsOf32Bytes(next) & notAsciiUnits) != 0) return false;
-  }
-  return std::all_of(next, end, [](char16_t unit) { return unit < 0x80; });
-}
-
 // Reads the character at `next`, a pair as one, and moves on behind it.
 char32_t takeCharacter(const char16_t*& next, const char16_t* end) {
   const char16_t unit = *next++;
@@ -87,13 +78,14 @@ std::optional<std::size_t> decodeText(std::string_view bytes, FaultType fault, c
 }
 
 std::optional<std::string> encodeText(ustring_view text, FaultType fault) {
-  if (isAscii(text)) return std::string(text.begin(), text.end());
-  std::string bytes(boundOfBytes(text), '\0');
-  char* out = bytes.data();
   const char16_t* next = text.data();
   const char16_t* const end = next + text.size();
+  std::string bytes(text.size(), '\0');
+  std::size_t run = narrowRun<0x7F>(next, end, bytes.data());
+  if (run == text.size()) return bytes;
+  bytes.resize(boundOfBytes(text));
+  char* out = bytes.data();
   while (true) {
-    const std::size_t run = narrowRun<0x7F>(next, end, out);
     next += run;
     out += run;
     if (next == end) break;
@@ -101,6 +93,7 @@ std::optional<std::string> encodeText(ustring_view text, FaultType fault) {
     const bool isFault = isSurrogate(character);
     if (isFault && fault == FaultType::refuse) return std::nullopt;
     out = encode(isFault ? replacementCharacter : character, out);
+    run = narrowRun<0x7F>(next, end, out);
   }
   bytes.resize(static_cast<std::size_t>(out - bytes.data()));
   return bytes;

@@ -126,6 +126,7 @@ inline std::size_t narrowRun(const char16_t* from, const char16_t* end, char* to
   for (; end - from >= 16 && (bitsOf32Bytes(from) & mask) == 0; from += 16, to += 16) {
     narrow<16>(from, to);
   }
+  for (; end - from >= 4 && (loadWord(from) & mask) == 0; from += 4, to += 4) narrow<4>(from, to);
   for (; from != end && *from <= last; ++from, ++to) *to = static_cast<char>(*from);
   return static_cast<std::size_t>(from - start);
 }
