@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <utility>
 
 #include "model/SourceFile.h"
 #include "model/TextSearch.h"
@@ -37,12 +39,20 @@ bool isDropped(fl::ustring_view line) {
 
 // One edit as it lies in the old text.
 struct PlacedEdit {
-  SourcePosition start;
+  const PlannedEdit* edit = nullptr;
+  // Behind what the edit takes along.
   SourcePosition end;
-  fl::ustring_view text;
   // Of two insertions at one place the one that is made later comes to stand in front.
   std::size_t number = 0;
+
+  const SourcePosition& start() const { return edit->extent.start; }
 };
+
+std::size_t countEdits(const std::vector<PlannedAction>& actions) {
+  std::size_t count = 0;
+  for (const PlannedAction& action : actions) count += action.edits.size();
+  return count;
+}
 
 class Placer {
  public:
@@ -50,11 +60,12 @@ class Placer {
 
   std::vector<PlacedEdit> place(const std::vector<PlannedAction>& actions) const {
     std::vector<PlacedEdit> edits;
+    edits.reserve(countEdits(actions));
     for (const PlannedAction& action : actions) {
       for (const PlannedEdit& edit : action.edits) edits.push_back(place(edit, edits.size()));
     }
     std::ranges::sort(edits, [](const PlacedEdit& left, const PlacedEdit& right) {
-      if (left.start != right.start) return left.start < right.start;
+      if (left.start() != right.start()) return left.start() < right.start();
       return left.number > right.number;
     });
     return edits;
@@ -67,7 +78,7 @@ class Placer {
       end = behindDelimiter(end, u";,");
     }
     if ((edit.delimiterFlags & SourceFile::ConsumeAmpersand) != 0) end = behindDelimiter(end, u"&");
-    return {edit.extent.start, end, edit.text, number};
+    return {&edit, end, number};
   }
 
   // Where a search for a delimiter ends: behind it, in front of a comment, or at a line's end.
@@ -97,11 +108,12 @@ std::optional<std::string> findMisplacedEdit(const std::vector<PlacedEdit>& edit
                                              const std::vector<fl::ustring_view>& lines) {
   for (std::size_t i = 0; i < edits.size(); ++i) {
     const PlacedEdit& edit = edits[i];
-    if (!isInside(edit.start, lines) || !isInside(edit.end, lines) || edit.end < edit.start) {
-      return fmt::format("an edit of line {} lies outside the text", edit.start.line + 1);
+    const SourcePosition& start = edit.start();
+    if (!isInside(start, lines) || !isInside(edit.end, lines) || edit.end < start) {
+      return fmt::format("an edit of line {} lies outside the text", start.line + 1);
     }
-    if (i > 0 && edit.start < edits[i - 1].end) {
-      return fmt::format("two edits overlap on line {}", edit.start.line + 1);
+    if (i > 0 && start < edits[i - 1].end) {
+      return fmt::format("two edits overlap on line {}", start.line + 1);
     }
   }
   return std::nullopt;
@@ -142,59 +154,6 @@ class Stretch {
   fl::ustring built_;
 };
 
-// Builds the new text from the old one and its edits: edited lines one by one, and what stands
-// between them in one piece.
-class Rebuilder {
- public:
-  Rebuilder(const std::vector<fl::ustring_view>& lines, const std::vector<PlacedEdit>& edits)
-      : lines_(lines), edits_(edits) {}
-
-  std::vector<Stretch> rebuild() {
-    for (const PlacedEdit& edit : edits_) apply(edit);
-    copyUntil({lines_.size() - 1, lines_.back().size()});
-    result_.back().touch({});
-    return std::move(result_);
-  }
-
- private:
-  void apply(const PlacedEdit& edit) {
-    copyUntil(edit.start);
-    result_.back().touch(edit.text);
-    position_ = edit.end;
-    if (edit.end.line == edit.start.line) return;
-    result_.back().mayJoinNext = true;
-    result_.emplace_back().touch({});
-  }
-
-  // Copies the old text from where the last edit ended.
-  void copyUntil(const SourcePosition& end) {
-    if (position_.line < end.line && result_.back().isTouched()) endLine();
-    if (position_.line < end.line) copyLines(end.line);
-    result_.back().keep(lines_[end.line].substr(position_.column, end.column - position_.column));
-    position_ = end;
-  }
-
-  void endLine() {
-    result_.back().keep(lines_[position_.line].substr(position_.column));
-    result_.emplace_back();
-    position_ = {position_.line + 1, 0};
-  }
-
-  // The lines from the current one on, less the one that they are followed by.
-  void copyLines(std::uint64_t behind) {
-    const char16_t* const start = lines_[position_.line].data();
-    const fl::ustring_view& last = lines_[behind - 1];
-    result_.back().keep({start, last.data() + last.size()}, behind - position_.line);
-    result_.emplace_back();
-    position_ = {behind, 0};
-  }
-
-  const std::vector<fl::ustring_view>& lines_;
-  const std::vector<PlacedEdit>& edits_;
-  SourcePosition position_;
-  std::vector<Stretch> result_{Stretch()};
-};
-
 // Takes piece after piece off the front of the new text. False if it is another text.
 class Matcher {
  public:
@@ -216,25 +175,111 @@ class Matcher {
   fl::ustring_view rest_;
 };
 
-// The number of the first line, counted from 1, that the new text does not have as it should.
-std::optional<std::size_t> findMismatch(const std::vector<Stretch>& stretches,
-                                        fl::ustring_view newText) {
-  Matcher matcher(newText);
-  std::size_t line = 0;
-  for (std::size_t i = 0; i < stretches.size(); ++i) {
-    const Stretch& stretch = stretches[i];
-    const std::size_t firstLine = line + 1;
-    line += stretch.lineCount();
-    if (stretch.isDropped()) continue;
-    if (!matcher.take(stretch.text())) {
-      return stretch.isTouched() ? line : firstLine + matcher.countLines(stretch.text());
+// Takes the stretches of the edited text, one after the other, off the new text.
+class StretchMatcher {
+ public:
+  explicit StretchMatcher(fl::ustring_view newText) : matcher_(newText) {}
+
+  // A stretch with another one behind it.
+  void take(const Stretch& stretch) {
+    if (mismatch_ || !takeText(stretch) || stretch.isDropped()) return;
+    if (matcher_.take(u"\n")) return;
+    if (stretch.mayJoinNext) {
+      joined_ = line_;
+    } else {
+      mismatch_ = line_;
     }
-    if (i + 1 == stretches.size()) break;
-    const bool tookLineEnd = matcher.take(u"\n");
-    if (!tookLineEnd && (!stretch.mayJoinNext || stretches[i + 1].isDropped())) return line;
   }
-  return matcher.isAtEnd() ? std::nullopt : std::optional(line);
-}
+
+  // The last stretch. Gives the number of the first line, counted from 1, that the new text does
+  // not have as it should.
+  std::optional<std::size_t> takeLast(const Stretch& stretch) {
+    if (!mismatch_ && takeText(stretch) && !matcher_.isAtEnd()) mismatch_ = line_;
+    return mismatch_;
+  }
+
+ private:
+  bool takeText(const Stretch& stretch) {
+    const std::size_t firstLine = line_ + 1;
+    line_ += stretch.lineCount();
+    const auto joined = std::exchange(joined_, std::nullopt);
+    if (stretch.isDropped()) {
+      mismatch_ = joined;
+    } else if (!matcher_.take(stretch.text())) {
+      mismatch_ = stretch.isTouched() ? line_ : firstLine + matcher_.countLines(stretch.text());
+    }
+    return !mismatch_;
+  }
+
+  Matcher matcher_;
+  std::size_t line_ = 0;
+  // The line that the next stretch has to go on, which then must not be dropped.
+  std::optional<std::size_t> joined_;
+  std::optional<std::size_t> mismatch_;
+};
+
+// Builds the new text from the old one and its edits, edited lines one by one and what stands
+// between them in one piece, and compares it piece by piece.
+class Rebuilder {
+ public:
+  Rebuilder(const std::vector<fl::ustring_view>& lines, const std::vector<PlacedEdit>& edits,
+            fl::ustring_view newText)
+      : lines_(lines), edits_(edits), matcher_(newText) {}
+
+  // The number of the first line, counted from 1, that the new text does not have as it should.
+  std::optional<std::size_t> findMismatch() {
+    for (const PlacedEdit& edit : edits_) apply(edit);
+    copyUntil({lines_.size() - 1, lines_.back().size()});
+    current_.touch({});
+    return matcher_.takeLast(current_);
+  }
+
+ private:
+  void apply(const PlacedEdit& edit) {
+    copyUntil(edit.start());
+    current_.touch(edit.edit->text);
+    position_ = edit.end;
+    if (edit.end.line == edit.start().line) return;
+    current_.mayJoinNext = true;
+    beginNext();
+    current_.touch({});
+  }
+
+  void beginNext() {
+    matcher_.take(current_);
+    current_ = Stretch();
+  }
+
+  // Copies the old text from where the last edit ended.
+  void copyUntil(const SourcePosition& end) {
+    if (position_.line < end.line && current_.isTouched()) endLine();
+    if (position_.line < end.line) copyLines(end.line);
+    current_.keep(lines_[end.line].substr(position_.column, end.column - position_.column));
+    position_ = end;
+  }
+
+  void endLine() {
+    current_.keep(lines_[position_.line].substr(position_.column));
+    beginNext();
+    position_ = {position_.line + 1, 0};
+  }
+
+  // The lines from the current one on, less the one that they are followed by.
+  void copyLines(std::uint64_t behind) {
+    const char16_t* const start = lines_[position_.line].data();
+    const fl::ustring_view& last = lines_[behind - 1];
+    current_.keep({start, last.data() + last.size()}, behind - position_.line);
+    beginNext();
+    position_ = {behind, 0};
+  }
+
+  const std::vector<fl::ustring_view>& lines_;
+  const std::vector<PlacedEdit>& edits_;
+  SourcePosition position_;
+  // The stretch that is being built; those in front of it are compared.
+  Stretch current_;
+  StretchMatcher matcher_;
+};
 
 }  // namespace
 
@@ -243,8 +288,7 @@ std::optional<std::string> findLostText(fl::ustring_view oldText, fl::ustring_vi
   const auto lines = splitLines(oldText);
   const auto edits = Placer(lines).place(actions);
   if (auto misplaced = findMisplacedEdit(edits, lines)) return misplaced;
-  const auto edited = Rebuilder(lines, edits).rebuild();
-  const auto mismatch = findMismatch(edited, newText);
+  const auto mismatch = Rebuilder(lines, edits, newText).findMismatch();
   if (!mismatch) return std::nullopt;
   return fmt::format("text outside the edits would change, near line {}", *mismatch);
 }

@@ -1,6 +1,7 @@
 #include "service/ActionReport.h"
 
 #include <sstream>
+#include <utility>
 
 #include "platform/text/Locale.h"
 
@@ -40,7 +41,7 @@ fl::ustring formatActionReport(const std::list<ClassActions>& entries) {
     for (const auto& action : entry.actions) printAction(out, *action);
     out << u"\n\n";
   }
-  return out.str();
+  return std::move(out).str();
 }
 
 }  // namespace soca

@@ -25,9 +25,14 @@ PlannedEdit makeEdit(const SingleAction& action) {
 }
 
 std::vector<PlannedEdit> makeEdits(const Action& action) {
-  if (!action.isGroup()) return {makeEdit(static_cast<const SingleAction&>(action))};
   std::vector<PlannedEdit> edits;
-  for (const auto& child : static_cast<const ActionGroup&>(action).getActions()) {
+  if (!action.isGroup()) {
+    edits.push_back(makeEdit(static_cast<const SingleAction&>(action)));
+    return edits;
+  }
+  const ActionList& children = static_cast<const ActionGroup&>(action).getActions();
+  edits.reserve(children.size());
+  for (const auto& child : children) {
     if (!child->isGroup()) edits.push_back(makeEdit(static_cast<const SingleAction&>(*child)));
   }
   return edits;
@@ -36,6 +41,7 @@ std::vector<PlannedEdit> makeEdits(const Action& action) {
 std::vector<PlannedAction> makeActions(const CountedActions& counted,
                                        const std::vector<RuleFamilyType>& families) {
   std::vector<PlannedAction> actions;
+  actions.reserve(counted.entry.actions.size());
   auto next = counted.entry.actions.begin();
   for (std::size_t i = 0; i < families.size(); ++i) {
     for (std::size_t left = counted.actionCounts[i]; left > 0; --left, ++next) {
@@ -57,16 +63,19 @@ std::optional<fl::ustring> applyActions(const PlannedClass& planned,
   return takeText(file);
 }
 
-PlannedClass planWithoutText(const CountedActions& counted,
-                             const std::vector<RuleFamilyType>& families) {
+// Takes the class apart: of all that is known of it, no more stays than goes into the plan.
+PlannedClass planWithoutText(CountedActions& counted, const std::vector<RuleFamilyType>& families) {
   PlannedClass planned;
   planned.result = makeResult(counted.entry);
   planned.analysis = counted.entry.analyzedClass->analysis;
   planned.actions = makeActions(counted, families);
+  counted.entry.messages.clear();
+  counted.entry.actions.clear();
+  counted.entry.analyzedClass.reset();
   return planned;
 }
 
-PlannedClass planClass(const CountedActions& counted, const std::vector<RuleFamilyType>& families) {
+PlannedClass planClass(CountedActions& counted, const std::vector<RuleFamilyType>& families) {
   PlannedClass planned = planWithoutText(counted, families);
   std::optional<fl::ustring> text;
   if (!planned.actions.empty()) text = applyActions(planned, planned.missingDelimiter);
@@ -75,8 +84,7 @@ PlannedClass planClass(const CountedActions& counted, const std::vector<RuleFami
   return planned;
 }
 
-RepeatedUpdate repeatClass(const CountedActions& counted,
-                           const std::vector<RuleFamilyType>& families) {
+RepeatedUpdate repeatClass(CountedActions& counted, const std::vector<RuleFamilyType>& families) {
   RepeatedUpdate repeated;
   repeated.analysis = counted.entry.analyzedClass->analysis;
   if (counted.entry.actions.empty()) return repeated;
@@ -92,7 +100,7 @@ RepeatedUpdate repeatClass(const CountedActions& counted,
 template <class Planned>
 std::vector<Planned> planEach(const fl::ustring& className, const UpdateMask& mask,
                               bool includeSuperclasses,
-                              Planned (*plan)(const CountedActions&,
+                              Planned (*plan)(CountedActions&,
                                               const std::vector<RuleFamilyType>&)) {
   const ServiceContext context(mask);
   const auto families = selectRuleFamilies(mask);
@@ -104,7 +112,7 @@ std::vector<Planned> planEach(const fl::ustring& className, const UpdateMask& ma
         collectClassActions(std::move(analyzedClass), context.factories, counted.actionCounts);
   }
   std::vector<Planned> planned;
-  for (const CountedActions& counted : collected) planned.push_back(plan(counted, families));
+  for (CountedActions& counted : collected) planned.push_back(plan(counted, families));
   return planned;
 }
 

@@ -27,7 +27,8 @@ struct ConstrainedSetInfo {
 struct PropertyDescription {
   std::optional<bool> isAbstract;
   std::optional<bool> isDependent;
-  std::optional<ConstrainedSetInfo> constrainedSet;
+  // Null for none. Few properties have one, so the others keep no room for it.
+  std::shared_ptr<const ConstrainedSetInfo> constrainedSet;
 };
 
 // Where the knowledge of a class comes from.

@@ -108,7 +108,8 @@ PropertyDescription readProperty(const Json& object, const Place& place, const s
       {{"abstract", [&](const Json& v, const Place& p) { property.isAbstract = readBool(v, p); }},
        {"dependent", [&](const Json& v, const Place& p) { property.isDependent = readBool(v, p); }},
        {"constrainedSet", [&](const Json& v, const Place& p) {
-          property.constrainedSet = readConstrainedSet(v, p, name);
+          property.constrainedSet =
+              std::make_shared<const ConstrainedSetInfo>(readConstrainedSet(v, p, name));
         }}});
   return property;
 }

@@ -106,7 +106,8 @@ void describeConstrainedSets(const ca::astapi::Classdef& classdef, ClassDescript
       const auto target = description.properties.find(fl::i18n::to_string(name));
       if (target == description.properties.end()) continue;
       ConstrainedSetInfo info = readSet(companion);
-      if (info.kind != 0) target->second.constrainedSet = std::move(info);
+      if (info.kind != 0)
+        target->second.constrainedSet = std::make_shared<const ConstrainedSetInfo>(std::move(info));
     }
   }
 }
