@@ -56,108 +56,11 @@ class EditsByStart {
   std::vector<const PlannedEdit*> edits_;
 };
 
-// --- properties ---
-
-class PropertyCheck {
- public:
-  explicit PropertyCheck(const PlannedClass& planned)
-      : planned_(planned), edits_(planned, RuleFamilyType::attributes) {}
-
-  std::optional<std::string> run(const ca::AnalysisResult& updated) {
-    const auto found = declaredProperties(updated);
-    auto next = found.begin();
-    for (const DeclaredProperty& property : declaredProperties(*planned_.analysis)) {
-      if (isDeleted(property)) {
-        deleted_.insert(property.name);
-        continue;
-      }
-      if (next == found.end() || !areEqualTexts(next->name, property.name)) {
-        return fmt::format("property '{}' would get lost", to_string(property.name));
-      }
-      if (!property.defaultText.empty() &&
-          !areEqualTexts(next->defaultText, property.defaultText)) {
-        return fmt::format("the default value of property '{}' would change",
-                           to_string(property.name));
-      }
-      ++next;
-    }
-    if (next != found.end()) {
-      return fmt::format("a property '{}' would be added", to_string(next->name));
-    }
-    return checkDeleted();
-  }
-
- private:
-  bool isDeleted(const DeclaredProperty& property) const {
-    if (edits_.empty()) return false;
-    const Extent extent = makeExtentOfNode(*planned_.analysis, *property.node);
-    const PlannedEdit* edit = edits_.lastAt(extent.start);
-    return edit != nullptr && edit->text.empty() && extent.end <= edit->extent.end;
-  }
-
-  // Only companions of sets may go, and their values have to survive the quotes that the new
-  // declarations put round them.
-  std::optional<std::string> checkDeleted() {
-    if (deleted_.empty()) return std::nullopt;
-    std::unordered_set<fl::ustring_view> others = deleted_;
-    if (const auto description = sotarn::describeClass(to_string(planned_.result.className))) {
-      for (const auto& [name, property] : description->properties) {
-        if (!property.constrainedSet) continue;
-        const sotarn::ConstrainedSetInfo& set = *property.constrainedSet;
-        if (!deleted_.contains(set.setPropertyName)) continue;
-        others.erase(set.setPropertyName);
-        if (holdsItsQuote(set)) {
-          return fmt::format("a value in the set of property '{}' has a quote in it", name);
-        }
-      }
-    }
-    if (others.empty()) return std::nullopt;
-    return fmt::format("property '{}' would be deleted", to_string(*others.begin()));
-  }
-
-  static bool holdsItsQuote(const sotarn::ConstrainedSetInfo& set) {
-    const char16_t quote = set.valueType == 2 ? u'"' : u'\'';
-    return std::ranges::any_of(set.values, [quote](const fl::ustring& value) {
-      return value.find(quote) != fl::ustring::npos;
-    });
-  }
-
-  const PlannedClass& planned_;
-  EditsByStart edits_;
-  std::unordered_set<fl::ustring_view> deleted_;
-};
-
-// --- methods ---
-
-// The names of the methods as the actions say that they will be.
-std::vector<fl::ustring_view> expectedMethods(const PlannedClass& planned) {
-  const EditsByStart edits(planned, RuleFamilyType::impl);
-  const auto editOf = [&](const ca::astapi::Node& node) {
-    return edits.empty() ? nullptr : edits.of(makeExtentOfNode(*planned.analysis, node));
-  };
-  std::vector<fl::ustring_view> names;
-  for (const DeclaredMethod& method : declaredMethods(*planned.analysis)) {
-    const PlannedEdit* deletion = editOf(*method.node);
-    if (deletion != nullptr && deletion->text.empty()) continue;
-    const PlannedEdit* renaming = editOf(*method.node->name);
-    names.push_back(renaming != nullptr ? fl::ustring_view(renaming->text) : method.name);
-  }
-  return names;
-}
-
-std::optional<std::string> checkMethods(const PlannedClass& planned,
-                                        const ca::AnalysisResult& updated) {
-  const auto expected = expectedMethods(planned);
-  const auto found = declaredMethods(updated);
-  const auto [missing, other] =
-      std::ranges::mismatch(expected, found, areEqualTexts, {}, &DeclaredMethod::name);
-  if (missing != expected.end()) {
-    return fmt::format("method '{}' would get lost", to_string(*missing));
-  }
-  if (other != found.end()) {
-    return fmt::format("a method '{}' would be added", to_string(other->name));
-  }
-  return std::nullopt;
+bool holdsItsQuote(const sotarn::ConstrainedSetInfo& set) {
+  const char16_t quote = set.valueType == 2 ? u'"' : u'\'';
+  return std::ranges::any_of(set.values, [quote](const fl::ustring& value) {
+    return value.find(quote) != fl::ustring::npos;
+  });
 }
 
 std::optional<std::string> checkSyntax(const ca::AnalysisResult& updated) {
@@ -170,12 +73,108 @@ std::optional<std::string> checkSyntax(const ca::AnalysisResult& updated) {
 
 }  // namespace
 
-std::optional<std::string> findReasonToRefuse(const PlannedClass& planned,
-                                              const ca::AnalysisResult& updated) {
+NewTextCheck::NewTextCheck(const PlannedClass& planned)
+    : className_(to_string(planned.result.className)),
+      lostText_(findLostText(*planned.oldText, planned.text(), planned.actions)) {
+  expectProperties(planned);
+  expectMethods(planned);
+}
+
+std::optional<std::string> NewTextCheck::findReasonToRefuse(
+    const ca::AnalysisResult& updated) const {
   if (auto reason = checkSyntax(updated)) return reason;
-  if (auto reason = PropertyCheck(planned).run(updated)) return reason;
-  if (auto reason = checkMethods(planned, updated)) return reason;
-  return findLostText(planned.analysis->sourceTextView(), planned.text(), planned.actions);
+  if (auto reason = checkProperties(updated)) return reason;
+  if (auto reason = checkMethods(updated)) return reason;
+  return lostText_;
+}
+
+// --- properties ---
+
+void NewTextCheck::expectProperties(const PlannedClass& planned) {
+  const EditsByStart edits(planned, RuleFamilyType::attributes);
+  const auto isDeleted = [&](const DeclaredProperty& property) {
+    if (edits.empty()) return false;
+    const Extent extent = makeExtentOfNode(*planned.analysis, *property.node);
+    const PlannedEdit* edit = edits.lastAt(extent.start);
+    return edit != nullptr && edit->text.empty() && extent.end <= edit->extent.end;
+  };
+  const auto declared = declaredProperties(*planned.analysis);
+  properties_.reserve(declared.size());
+  for (const DeclaredProperty& property : declared) {
+    if (isDeleted(property)) {
+      deleted_.insert(property.name);
+    } else {
+      properties_.push_back({property.name, property.defaultText});
+    }
+  }
+}
+
+std::optional<std::string> NewTextCheck::checkProperties(const ca::AnalysisResult& updated) const {
+  const auto found = declaredProperties(updated);
+  auto next = found.begin();
+  for (const Property& property : properties_) {
+    if (next == found.end() || !areEqualTexts(next->name, property.name)) {
+      return fmt::format("property '{}' would get lost", to_string(property.name));
+    }
+    if (!property.defaultText.empty() && !areEqualTexts(next->defaultText, property.defaultText)) {
+      return fmt::format("the default value of property '{}' would change",
+                         to_string(property.name));
+    }
+    ++next;
+  }
+  if (next != found.end()) {
+    return fmt::format("a property '{}' would be added", to_string(next->name));
+  }
+  return checkDeleted();
+}
+
+// Only companions of sets may go, and their values have to survive the quotes that the new
+// declarations put round them.
+std::optional<std::string> NewTextCheck::checkDeleted() const {
+  if (deleted_.empty()) return std::nullopt;
+  std::unordered_set<fl::ustring_view> others = deleted_;
+  if (const auto description = sotarn::describeClass(className_)) {
+    for (const auto& [name, property] : description->properties) {
+      if (property.constrainedSet == nullptr) continue;
+      const sotarn::ConstrainedSetInfo& set = *property.constrainedSet;
+      if (!deleted_.contains(set.setPropertyName)) continue;
+      others.erase(set.setPropertyName);
+      if (holdsItsQuote(set)) {
+        return fmt::format("a value in the set of property '{}' has a quote in it", name);
+      }
+    }
+  }
+  if (others.empty()) return std::nullopt;
+  return fmt::format("property '{}' would be deleted", to_string(*others.begin()));
+}
+
+// --- methods ---
+
+// The names of the methods as the actions say that they will be.
+void NewTextCheck::expectMethods(const PlannedClass& planned) {
+  const EditsByStart edits(planned, RuleFamilyType::impl);
+  const auto editOf = [&](const ca::astapi::Node& node) {
+    return edits.empty() ? nullptr : edits.of(makeExtentOfNode(*planned.analysis, node));
+  };
+  for (const DeclaredMethod& method : declaredMethods(*planned.analysis)) {
+    const PlannedEdit* deletion = editOf(*method.node);
+    if (deletion != nullptr && deletion->text.empty()) continue;
+    const PlannedEdit* renaming = editOf(*method.node->name);
+    methods_.emplace_back(renaming != nullptr ? fl::ustring_view(renaming->text) : method.name);
+  }
+}
+
+std::optional<std::string> NewTextCheck::checkMethods(const ca::AnalysisResult& updated) const {
+  const auto found = declaredMethods(updated);
+  const auto [missing, other] =
+      std::ranges::mismatch(methods_, found, areEqualTexts, {}, &DeclaredMethod::name);
+  if (missing != methods_.end()) {
+    return fmt::format("method '{}' would get lost", to_string(*missing));
+  }
+  if (other != found.end()) {
+    return fmt::format("a method '{}' would be added", to_string(other->name));
+  }
+  return std::nullopt;
 }
 
 }  // namespace soca::cli

@@ -18,6 +18,7 @@
 #include "model/NameIndex.h"
 #include "model/TextSearch.h"
 #include "platform/analyzer/Analyzer.h"
+#include "platform/analyzer/FileAnalysis.h"
 #include "platform/paths/Overlay.h"
 #include "platform/text/Conversions.h"
 #include "platform/timing/Phase.h"
@@ -119,11 +120,13 @@ std::vector<std::string> namesWithout(const std::vector<DeclaredMethod>& methods
   return names;
 }
 
+bool editsMethods(const ClassOutcome& outcome) {
+  return outcome.editCounts[static_cast<std::size_t>(RuleFamilyType::impl)] > 0;
+}
+
 // The methods that are called differently, or are gone, afterwards.
-void listChangedMethods(const PlannedClass& planned, const ca::AnalysisResult& updated,
-                        ClassOutcome& outcome) {
-  if (outcome.editCounts[static_cast<std::size_t>(RuleFamilyType::impl)] == 0) return;
-  const auto before = declaredMethods(*planned.analysis);
+void listChangedMethods(const std::vector<DeclaredMethod>& before,
+                        const ca::AnalysisResult& updated, ClassOutcome& outcome) {
   const auto after = declaredMethods(updated);
   outcome.gainedMethods = namesWithout(after, before);
   outcome.deletedMethods = namesWithout(before, after);
@@ -181,7 +184,7 @@ TargetOutcome ClassUpdater::updateClass(const Target& target) const {
   try {
     const Phase phase(PhaseType::rules);
     const FindingsListener listener;
-    for (const PlannedClass& planned :
+    for (PlannedClass& planned :
          planUpdate(to_ustring(target.className), wishes_.rules, wishes_.includeSuperclasses)) {
       if (planned.missingDelimiter) {
         outcome.failures.push_back(describeMissingDelimiter(
@@ -205,14 +208,13 @@ TargetOutcome ClassUpdater::updateClass(const Target& target) const {
   return outcome;
 }
 
-ClassOutcome ClassUpdater::makeOutcome(const PlannedClass& planned,
+ClassOutcome ClassUpdater::makeOutcome(PlannedClass& planned,
                                        const FindingsListener& listener) const {
   ClassOutcome outcome;
   outcome.className = to_string(planned.result.className);
   outcome.file = to_string(planned.result.fileName);
   outcome.updated = planned.result.updated;
-  outcome.changed =
-      planned.result.updated && !areEqualTexts(planned.text(), planned.analysis->sourceTextView());
+  outcome.changed = planned.result.updated && !areEqualTexts(planned.text(), *planned.oldText);
   if (wishes_.text) outcome.text = to_string(planned.text());
   outcome.findings = listener.findingsOf(planned, wishes_.places);
   if (wishes_.hints) outcome.hints = hintsOnMissingSuperClasses(outcome.className, *roots_);
@@ -222,20 +224,32 @@ ClassOutcome ClassUpdater::makeOutcome(const PlannedClass& planned,
   return outcome;
 }
 
-void ClassUpdater::checkNewText(const PlannedClass& planned, ClassOutcome& outcome) const {
+void ClassUpdater::checkNewText(PlannedClass& planned, ClassOutcome& outcome) const {
   const Phase phase(PhaseType::checks);
-  const RepeatedUpdate second = updateAgain(planned, wishes_.rules);
-  if (auto reason = findReasonToRefuse(planned, *second.analysis)) {
-    outcome.refusal = std::move(*reason);
-    return;
+  const NewTextCheck check(planned);
+  std::vector<DeclaredMethod> methods;
+  if (editsMethods(outcome)) methods = declaredMethods(*planned.analysis);
+  // The tree of the old text and that of the new one, which may be three times as large, need not
+  // be there at once. The names of the methods stand in the text.
+  if (!wishes_.edits) {
+    planned.analysis.reset();
+    planned.actions = {};
   }
-  outcome.changesAgain = second.changesAgain;
-  listChangedMethods(planned, *second.analysis, outcome);
+  {
+    const RepeatedUpdate second = updateAgain(planned, wishes_.rules);
+    if (auto reason = check.findReasonToRefuse(*second.analysis)) {
+      outcome.refusal = std::move(*reason);
+      return;
+    }
+    outcome.changesAgain = second.changesAgain;
+    if (editsMethods(outcome)) listChangedMethods(methods, *second.analysis, outcome);
+  }
+  ca::forgetLastAnalysis();
 }
 
 OldFile ClassUpdater::oldFileOf(const PlannedClass& planned, const std::string& path) const {
   if (wishes_.input != nullptr) return wishes_.input->file;
-  return readOldFile(path, *planned.analysis, wishes_.newBytes ? StampType::sure : StampType::any);
+  return readOldFile(path, *planned.oldText, wishes_.newBytes ? StampType::sure : StampType::any);
 }
 
 void ClassUpdater::addFile(const PlannedClass& planned, ClassOutcome& outcome) const {
@@ -246,7 +260,7 @@ void ClassUpdater::addFile(const PlannedClass& planned, ClassOutcome& outcome) c
     return makeBytes(outcome.file, text, old.encoding);
   };
   if (wishes_.edits) {
-    const fl::ustring_view text = planned.analysis->sourceTextView();
+    const fl::ustring_view text = *planned.oldText;
     outcome.bytes = FileBytes{sha256(bytesOf(text)), old.encoding, text.starts_with(u'\uFEFF')};
     if (outcome.hasNewFile()) outcome.edits = findFileEdits(planned, old.encoding);
     if (wishes_.conversions) outcome.conversions = findConversions(planned, outcome.edits);
@@ -259,8 +273,8 @@ void ClassUpdater::addFile(const PlannedClass& planned, ClassOutcome& outcome) c
   }
   if (wishes_.input == nullptr) checkIsReplaceable(outcome.file);
   if (wishes_.diff) {
-    outcome.diff = unifiedDiff(names_->inDiff(outcome.file),
-                               bytesOf(planned.analysis->sourceTextView()), outcome.newBytes);
+    outcome.diff =
+        unifiedDiff(names_->inDiff(outcome.file), bytesOf(*planned.oldText), outcome.newBytes);
   }
   if (!wishes_.newBytes) outcome.newBytes = {};
 }

@@ -49,9 +49,10 @@ class ClassUpdater {
 
  private:
   TargetOutcome updateClass(const Target& target) const;
-  ClassOutcome makeOutcome(const PlannedClass& planned, const FindingsListener& listener) const;
+  // Takes from the plan what is no longer needed once it was looked at.
+  ClassOutcome makeOutcome(PlannedClass& planned, const FindingsListener& listener) const;
   // Fills in what there is only for a changed text.
-  void checkNewText(const PlannedClass& planned, ClassOutcome& outcome) const;
+  void checkNewText(PlannedClass& planned, ClassOutcome& outcome) const;
   OldFile oldFileOf(const PlannedClass& planned, const std::string& path) const;
   // What only the bytes of the file tell.
   void addFile(const PlannedClass& planned, ClassOutcome& outcome) const;

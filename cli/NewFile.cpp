@@ -18,12 +18,12 @@ constexpr timespec settlingTime = {0, 25'000'000};
 
 // The file as it was when it was analysed.
 fl::filesystem::SourceFileText readAnalysedFile(const std::string& path,
-                                                const ca::AnalysisResult& analysis,
+                                                fl::ustring_view analysedText,
                                                 StampType stampType) {
   try {
     for (int attempts = 0; attempts < 4; ++attempts) {
       auto file = fl::filesystem::readSourceFile(path, ca::maximumFileSize);
-      if (!areEqualTexts(file.text, analysis.sourceTextView())) break;
+      if (!areEqualTexts(file.text, analysedText)) break;
       if (stampType == StampType::any || !file.recentlyChanged) return file;
       ::nanosleep(&settlingTime, nullptr);
     }
@@ -38,9 +38,8 @@ fl::filesystem::SourceFileText readAnalysedFile(const std::string& path,
 ClassFault::ClassFault(std::string_view id, std::initializer_list<std::string_view> arguments)
     : std::runtime_error(programMessage(id, arguments)), id_(id) {}
 
-OldFile readOldFile(const std::string& path, const ca::AnalysisResult& analysis,
-                    StampType stampType) {
-  const auto file = readAnalysedFile(path, analysis, stampType);
+OldFile readOldFile(const std::string& path, fl::ustring_view analysedText, StampType stampType) {
+  const auto file = readAnalysedFile(path, analysedText, stampType);
   return {file.encoding, file.stamp};
 }
 

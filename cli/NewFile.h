@@ -36,8 +36,7 @@ enum class StampType { any, sure };
 
 // Reads the file again for its encoding. Throws ClassFault if it no longer has the text that was
 // analysed.
-OldFile readOldFile(const std::string& path, const ca::AnalysisResult& analysis,
-                    StampType stampType);
+OldFile readOldFile(const std::string& path, fl::ustring_view analysedText, StampType stampType);
 
 // Both throw ClassFault if the encoding lacks characters of the text.
 std::string makeBytes(const std::string& path, fl::ustring_view text, fl::EncodingType encoding);

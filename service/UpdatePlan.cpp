@@ -68,6 +68,7 @@ PlannedClass planWithoutText(CountedActions& counted, const std::vector<RuleFami
   PlannedClass planned;
   planned.result = makeResult(counted.entry);
   planned.analysis = counted.entry.analyzedClass->analysis;
+  planned.oldText = planned.analysis->sharedSourceText();
   planned.actions = makeActions(counted, families);
   counted.entry.messages.clear();
   counted.entry.actions.clear();

@@ -34,8 +34,10 @@ struct PlannedAction {
 struct PlannedClass {
   // As `Updater::update` returns it, but without its text.
   UpdateResult result;
-  // The class's file as it was analysed, with the text before the update.
+  // The class's file as it was analysed.
   std::shared_ptr<ca::AnalysisResult> analysis;
+  // Its text before the update; never null.
+  std::shared_ptr<const fl::ustring> oldText;
   // The text after the update; null if no action was applied.
   std::shared_ptr<const fl::ustring> newText;
   // In the order in which they are applied.
@@ -46,7 +48,7 @@ struct PlannedClass {
   std::optional<SourcePosition> missingDelimiter;
 
   // The text of the result: the new one if there is one, else that before the update.
-  fl::ustring_view text() const { return newText ? *newText : analysis->sourceTextView(); }
+  fl::ustring_view text() const { return newText ? *newText : *oldText; }
 };
 
 // The classes of the same call of `Updater::update`, with the same results, and what it throws.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "platform/analyzer/Ast.h"
@@ -34,6 +35,8 @@ class AnalysisResult {
   // The texts of the two above without a copy, valid as long as the result.
   virtual fl::ustring_view sourceTextView() const = 0;
   virtual fl::ustring_view nodeTextView(const astapi::Node& node) const = 0;
+  // The file's text for who keeps it longer than the result; never null.
+  virtual std::shared_ptr<const fl::ustring> sharedSourceText() const = 0;
   // The syntax errors, in the order of the text.
   virtual const std::vector<Diagnostic>& diagnostics() const = 0;
 

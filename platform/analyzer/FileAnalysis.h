@@ -24,4 +24,7 @@ struct FileAnalysis {
 // Throws InvalidAnalysisException when there is nothing to analyse.
 FileAnalysis analyzeFile(const std::string& path);
 
+// Lets the thread forget its last analysis, for when what follows needs much memory.
+void forgetLastAnalysis();
+
 }  // namespace ca

@@ -27,6 +27,7 @@ class SourceAnalysis final : public AnalysisResult {
   ClassdefHandle getClassdef() const override { return classdef_; }
   fl::ustring_view sourceTextView() const override { return *text_; }
   fl::ustring_view nodeTextView(const astapi::Node& node) const override;
+  std::shared_ptr<const fl::ustring> sharedSourceText() const override { return text_; }
   const std::vector<Diagnostic>& diagnostics() const override { return diagnostics_; }
 
   // Whether the text is nested more deeply than the analyzer goes. The tree then holds what stands
