@@ -36,9 +36,9 @@ struct BatchResult {
   std::string problem;
 };
 
-// Replaces the files. `newBytes` gives the new bytes of the change with a number; it may be asked
-// once for each. `goesOn` is asked in front of each step; when it says no, the step and all others
-// are left out, and every file is the old one or the new one.
+// Replaces the files. `newBytes` gives the new bytes of the change with a number; it is asked
+// once for each and in their order. `goesOn` is asked in front of each step; when it says no, the
+// step and all others are left out, and every file is the old one or the new one.
 //
 // If the process dies meanwhile, `repairRuns` puts back what it has written so far. Throws
 // JournalError and what `newBytes` throws.

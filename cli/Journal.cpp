@@ -1,6 +1,7 @@
 #include "cli/Journal.h"
 
 #include <fmt/core.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cstring>
@@ -206,6 +207,18 @@ void Journal::dropPending(const FileNumbers& numbers) {
   FileNumbers rest;
   std::ranges::set_difference(pending_, numbers, std::back_inserter(rest));
   pending_ = std::move(rest);
+}
+
+bool isSettled(const std::string& folder) {
+  struct stat before = {};
+  // Without that file it is no run any more.
+  if (::stat(beforePath(folder).c_str(), &before) != 0 || before.st_size == 0) return false;
+  try {
+    const RecordFile state(statePath(folder));
+    return !state.records().empty() && state.records().back().type != RecordType::undoing;
+  } catch (const JournalError&) {
+    return false;
+  }
 }
 
 std::unique_ptr<Journal> openJournal(const std::string& folder) {

@@ -127,6 +127,10 @@ class Journal {
   FileNumbers pending_;
 };
 
+// Whether the run in the folder came to an end, and so did an undo of it if there was one: then
+// there is nothing to repair. Unlike opening the journal this takes no time that grows with it.
+bool isSettled(const std::string& folder);
+
 // Null if the journal can't be read.
 std::unique_ptr<Journal> openJournal(const std::string& folder);
 

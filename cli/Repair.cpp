@@ -40,6 +40,7 @@ std::vector<RunNumber> repairRuns(const RunStore& store, const RunStore::Lock& l
   std::vector<RunNumber> repaired;
   for (const RunNumber run : store.runs()) {
     if (!goesOn()) break;
+    if (isSettled(store.folderOf(run))) continue;
     const auto journal = openJournal(store.folderOf(run));
     if (journal == nullptr) continue;
     if (journal->state() == Journal::StateType::notBegun) {

@@ -30,6 +30,7 @@ std::string lockPath(const std::string& folder) { return folder + "/lock"; }
 std::string runsFolder(const std::string& folder) { return folder + "/runs"; }
 
 bool isInterrupted(const std::string& folder) {
+  if (isSettled(folder)) return false;
   const auto journal = openJournal(folder);
   return journal != nullptr && journal->state() == Journal::StateType::interrupted;
 }

@@ -25,8 +25,13 @@ std::string temporaryFolder() {
 
 }  // namespace
 
-Spool::~Spool() {
+Spool::~Spool() { drop(); }
+
+void Spool::drop() {
   if (descriptor_ >= 0) ::close(descriptor_);
+  descriptor_ = -1;
+  inFile_ = 0;
+  buffer_ = {};
 }
 
 Spool::Place Spool::put(std::string_view text) {

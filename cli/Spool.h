@@ -25,6 +25,8 @@ class Spool {
   // Both throw std::runtime_error if the file can't be made, written or read.
   Place put(std::string_view text);
   std::string take(const Place& place);
+  // Forgets all that was put. The file goes away before the system has brought it to the disk.
+  void drop();
 
  private:
   void openFile();

@@ -25,10 +25,10 @@ void WriteQueue::add(const ClassOutcome& outcome, bool hasNewFile) {
   Entry entry;
   entry.className = outcome.className;
   entry.file = outcome.file;
-  entry.data = spool_.put(outcome.data);
+  entry.data = data_.put(outcome.data);
   entry.hasNewFile = hasNewFile;
   if (hasNewFile) {
-    entry.newBytes = spool_.put(outcome.newBytes);
+    entry.newBytes = newBytes_.put(outcome.newBytes);
     entry.newDigest = digestOf(outcome.newBytes);
   }
   entry.stamp = outcome.stamp;
@@ -55,7 +55,10 @@ void WriteQueue::write() {
     return;
   }
   const auto newBytes = [this](std::size_t change) {
-    return spool_.take(entries_[changes_[change]].newBytes);
+    std::string bytes = newBytes_.take(entries_[changes_[change]].newBytes);
+    // What was put aside would be flushed together with the new files.
+    if (change + 1 == changes_.size()) newBytes_.drop();
+    return bytes;
   };
   result_ = writeFiles(store_, *lock, changes, newBytes, goesOn);
 }

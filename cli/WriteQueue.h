@@ -41,7 +41,7 @@ class WriteQueue {
 
   // Both throw std::runtime_error if what is put aside can't be written or read.
   void add(const ClassOutcome& outcome, bool hasNewFile);
-  std::string dataOf(const Entry& entry) { return spool_.take(entry.data); }
+  std::string dataOf(const Entry& entry) { return data_.take(entry.data); }
 
   // Writes all new files. Throws JournalError and std::runtime_error; nothing is written then.
   void write();
@@ -55,7 +55,8 @@ class WriteQueue {
  private:
   Console* console_;
   RunStore store_;
-  Spool spool_;
+  Spool data_;
+  Spool newBytes_;
   std::vector<Entry> entries_;
   // The entries with a new file; the changes of the batch stand in this order.
   std::vector<std::size_t> changes_;
