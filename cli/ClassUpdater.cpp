@@ -231,10 +231,8 @@ void ClassUpdater::checkNewText(PlannedClass& planned, ClassOutcome& outcome) co
   if (editsMethods(outcome)) methods = declaredMethods(*planned.analysis);
   // The tree of the old text and that of the new one, which may be three times as large, need not
   // be there at once. The names of the methods stand in the text.
-  if (!wishes_.edits) {
-    planned.analysis.reset();
-    planned.actions = {};
-  }
+  if (!wishes_.conversions) planned.analysis.reset();
+  if (!wishes_.edits) std::vector<PlannedAction>().swap(planned.actions);
   {
     const RepeatedUpdate second = updateAgain(planned, wishes_.rules);
     if (auto reason = check.findReasonToRefuse(*second.analysis)) {

@@ -16,7 +16,7 @@ constexpr std::size_t noAction = std::numeric_limits<std::size_t>::max();
 
 // The old text with all actions applied: the record of each line is still there.
 SourceFile applyActions(const PlannedClass& planned) {
-  SourceFile file(planned.analysis->sourceTextView());
+  SourceFile file(*planned.oldText);
   for (const PlannedAction& action : planned.actions) {
     for (const PlannedEdit& edit : action.edits) {
       file.replace(edit.text, edit.delimiterFlags, edit.extent);
@@ -29,6 +29,7 @@ SourceFile applyActions(const PlannedClass& planned) {
 // The lines of a text without their line ends; a text that ends in one has an empty last line.
 std::vector<fl::ustring_view> splitText(fl::ustring_view text) {
   std::vector<fl::ustring_view> lines;
+  lines.reserve(static_cast<std::size_t>(std::ranges::count(text, u'\n')) + 1);
   while (true) {
     const std::size_t end = text.find(u'\n');
     lines.push_back(text.substr(0, end));
@@ -114,11 +115,13 @@ class EditFinder {
   EditFinder(const PlannedClass& planned, fl::EncodingType encoding)
       : planned_(planned),
         file_(applyActions(planned)),
-        oldLines_(splitText(planned.analysis->sourceTextView())),
+        oldLines_(splitText(*planned.oldText)),
         cursor_(encoding) {}
 
   FileEdits find() {
     findActionsOfLines();
+    // Mostly there is one edit for each action.
+    result_.edits.reserve(planned_.actions.size());
     for (std::size_t line = 0; line < oldLines_.size();) line = compareFrom(line);
     return std::move(result_);
   }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <nlohmann/json.hpp>
+#include <string_view>
 #include <utility>
 
 #include "platform/messages/MessageExplanations.h"
@@ -16,35 +17,38 @@ std::string dump(const Json& json) {
   return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-Json editsOf(const ClassOutcome& outcome) {
-  Json list = Json::array();
-  for (const FileEdit& edit : outcome.edits.edits) {
-    list.push_back({{"offset", edit.offset}, {"length", edit.length}, {"text", edit.text}});
+// The values that `valueOf` makes of the items, as an array. One by one: there may be a million,
+// and a tree of them takes ten times as much memory as their text.
+template <class Items, class ValueOf>
+std::string dumpList(const Items& items, const ValueOf& valueOf) {
+  std::string text = "[";
+  for (const auto& item : items) {
+    if (text.size() > 1) text += ',';
+    text += dump(valueOf(item));
   }
-  return list;
+  return text += ']';
+}
+
+Json editOf(const FileEdit& edit) {
+  return {{"offset", edit.offset}, {"length", edit.length}, {"text", edit.text}};
 }
 
 Json placeOf(const LinePlace& place) {
   return {{"line", place.line}, {"column", place.column}, {"endColumn", place.endColumn}};
 }
 
-Json findingsOf(const ClassOutcome& outcome) {
-  Json list = Json::array();
-  for (const Finding& finding : outcome.findings) {
-    Json json;
-    if (const auto* known = fl::i18n::findMessageExplanation(finding.id))
-      json["id"] = known->fullId;
-    json["message"] = finding.text;
-    if (finding.line != 0) json.update(placeOf(finding));
-    Json related = Json::array();
-    for (const RelatedPlace& place : finding.related) {
-      related.push_back(placeOf(place));
-      related.back()["message"] = place.text;
-    }
-    if (!related.empty()) json["related"] = std::move(related);
-    list.push_back(std::move(json));
+Json findingOf(const Finding& finding) {
+  Json json;
+  if (const auto* known = fl::i18n::findMessageExplanation(finding.id)) json["id"] = known->fullId;
+  json["message"] = finding.text;
+  if (finding.line != 0) json.update(placeOf(finding));
+  Json related = Json::array();
+  for (const RelatedPlace& place : finding.related) {
+    related.push_back(placeOf(place));
+    related.back()["message"] = place.text;
   }
-  return list;
+  if (!related.empty()) json["related"] = std::move(related);
+  return json;
 }
 
 std::string joinHints(const std::vector<std::string>& hints) {
@@ -77,21 +81,24 @@ Json headOf(const Failure& failure) {
 }  // namespace
 
 std::string JsonReport::dataOf(const ClassOutcome& outcome) const {
-  Json messages = Json::array();
-  for (const Finding& finding : outcome.findings) messages.push_back(finding.text);
-  Json json = {{"class", outcome.className},
-               {"file", outcome.file},
-               {"updated", outcome.updated},
-               {"text", outcome.text},
-               {"messages", std::move(messages)}};
+  const Json head = {{"class", outcome.className}, {"file", outcome.file}};
+  std::string text = dump(head);
+  text.pop_back();
+  const auto add = [&](std::string_view key, const std::string& value) {
+    text.append(",\"").append(key).append("\":").append(value);
+  };
+  add("updated", dump(outcome.updated));
+  add("text", dump(outcome.text));
+  add("messages",
+      dumpList(outcome.findings, [](const Finding& finding) { return Json(finding.text); }));
   if (outcome.bytes) {
-    json["sha256"] = outcome.bytes->sha256;
-    json["edits"] = editsOf(outcome);
-    json["findings"] = findingsOf(outcome);
+    add("sha256", dump(outcome.bytes->sha256));
+    add("edits", dumpList(outcome.edits.edits, editOf));
+    add("findings", dumpList(outcome.findings, findingOf));
   }
-  addHint(outcome.hints, json);
-  if (outcome.isRefused()) json["refused"] = outcome.refusal;
-  return dump(json);
+  if (!outcome.hints.empty()) add("hint", dump(joinHints(outcome.hints)));
+  if (outcome.isRefused()) add("refused", dump(outcome.refusal));
+  return text += '}';
 }
 
 void JsonReport::printData(const std::string& data) {

@@ -19,6 +19,6 @@ namespace soca {
 //   Replacement: "x = 1"
 //
 // What looking up a file or an action's answers raises goes through.
-fl::ustring formatActionReport(const std::list<ClassActions>& entries);
+fl::ustring formatActionReport(std::list<ClassActions> entries);
 
 }  // namespace soca

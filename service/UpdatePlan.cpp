@@ -38,14 +38,17 @@ std::vector<PlannedEdit> makeEdits(const Action& action) {
   return edits;
 }
 
-std::vector<PlannedAction> makeActions(const CountedActions& counted,
+// Takes each action out when its plan is made, so that a great many are not there twice.
+std::vector<PlannedAction> takeActions(CountedActions& counted,
                                        const std::vector<RuleFamilyType>& families) {
+  ActionList& left = counted.entry.actions;
   std::vector<PlannedAction> actions;
-  actions.reserve(counted.entry.actions.size());
-  auto next = counted.entry.actions.begin();
+  actions.reserve(left.size());
   for (std::size_t i = 0; i < families.size(); ++i) {
-    for (std::size_t left = counted.actionCounts[i]; left > 0; --left, ++next) {
-      actions.push_back({families[i], (*next)->isGroup(), (*next)->getExtent(), makeEdits(**next)});
+    for (std::size_t count = counted.actionCounts[i]; count > 0; --count) {
+      const Action& action = *left.front();
+      actions.push_back({families[i], action.isGroup(), action.getExtent(), makeEdits(action)});
+      left.pop_front();
     }
   }
   return actions;
@@ -69,9 +72,8 @@ PlannedClass planWithoutText(CountedActions& counted, const std::vector<RuleFami
   planned.result = makeResult(counted.entry);
   planned.analysis = counted.entry.analyzedClass->analysis;
   planned.oldText = planned.analysis->sharedSourceText();
-  planned.actions = makeActions(counted, families);
+  planned.actions = takeActions(counted, families);
   counted.entry.messages.clear();
-  counted.entry.actions.clear();
   counted.entry.analyzedClass.reset();
   return planned;
 }

@@ -74,7 +74,7 @@ TEST(CollectActions, OneFamilyAfterTheOther) {
   FactoryList factories;
   factories.push_back(std::make_unique<FakeFactory>(8));
   factories.push_back(std::make_unique<FakeFactory>(5));
-  const auto entries = collectActions(classes, factories);
+  auto entries = collectActions(classes, factories);
   ASSERT_EQ(entries.size(), 2U);
   EXPECT_EQ(entries.front().messages, (std::list<fl::ustring>{u"a.B8", u"a.B5"}));
   EXPECT_EQ(entries.back().actions.front()->getExtent().start.line, 8U);
@@ -82,7 +82,7 @@ TEST(CollectActions, OneFamilyAfterTheOther) {
   // The classes went into the entries.
   ASSERT_EQ(classes.size(), 2U);
   EXPECT_EQ(classes.front(), nullptr);
-  EXPECT_EQ(fl::i18n::to_string(formatActionReport(entries)),
+  EXPECT_EQ(fl::i18n::to_string(formatActionReport(std::move(entries))),
             "CLASS: a.B\n\nFile: /a/B.vlm\n"
             "\nRange: From (8,0) to (8,1)\nReplacement: \"a.B\"\n"
             "\nRange: From (5,0) to (5,1)\nReplacement: \"a.B\"\n\n\n"
@@ -108,7 +108,7 @@ TEST(ActionReport, Groups) {
              group(edit({{{6, 20}, {6, 30}}}), group(edit({{{7, 0}, {7, 1}}})),
                    edit({{{6, 4}, {6, 9}}, u"say \"y\"\nz", 1})),
              group(group(edit({{{9, 0}, {9, 1}}}))));
-  EXPECT_EQ(fl::i18n::to_string(formatActionReport(entries)),
+  EXPECT_EQ(fl::i18n::to_string(formatActionReport(std::move(entries))),
             "CLASS: foo.Bar\n\nFile: /work/foo/Bar.vlm\n"
             "\nRange: From (4,8) to (4,15)\nReplacement: \"x = 1\"\n"
             "\nGROUP\nRange: From (6,4) to (7,1)\n"
