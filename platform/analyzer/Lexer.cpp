@@ -33,7 +33,7 @@ void Lexer::scan(std::uint32_t from, Token& token) {
     }
   }
   token.begin = from;
-  const TokenStart start = startOf(c);
+  const TokenStart& start = startOf(c);
   if (start.type == TokenStartType::single) {
     token.kind = start.kind;
     token.end = from + 1;
@@ -54,7 +54,7 @@ void Lexer::scanFurther(Token& token) {
   for (;;) {
     token.begin = position;
     token.end = position + 1;
-    const TokenStart start = startOf(text_[position]);
+    const TokenStart& start = startOf(text_[position]);
     switch (start.type) {
       case TokenStartType::single:
         token.kind = start.kind;

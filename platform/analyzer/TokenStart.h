@@ -27,8 +27,9 @@ struct TokenStart {
 
 namespace characters {
 
-constexpr std::array<TokenStart, 128> makeTokenStarts() {
-  std::array<TokenStart, 128> starts{};
+// For each ASCII character, and behind them for all others.
+constexpr std::array<TokenStart, 129> makeTokenStarts() {
+  std::array<TokenStart, 129> starts{};
   const auto set = [&](char c, TokenKind kind) {
     starts[static_cast<unsigned char>(c)] = {TokenStartType::single, kind};
   };
@@ -52,7 +53,7 @@ constexpr std::array<TokenStart, 128> makeTokenStarts() {
   set('\\', TokenKind::Multiplicative);
   set('^', TokenKind::Power);
   for (char c = '0'; c <= '9'; ++c) set(c, TokenKind::Number);
-  for (unsigned c = 0; c < starts.size(); ++c) {
+  for (unsigned c = 0; c < table.size(); ++c) {
     if (table[c] == letter) starts[c].type = TokenStartType::name;
     if (table[c] == blank) starts[c].type = TokenStartType::blank;
   }
@@ -62,15 +63,16 @@ constexpr std::array<TokenStart, 128> makeTokenStarts() {
   starts['\n'].type = TokenStartType::lineEnd;
   starts['%'].type = TokenStartType::comment;
   starts[0].type = TokenStartType::nul;
+  starts[128].type = TokenStartType::wide;
   return starts;
 }
 
-constexpr std::array<TokenStart, 128> tokenStarts = makeTokenStarts();
+inline constexpr std::array<TokenStart, 129> tokenStarts = makeTokenStarts();
 
 }  // namespace characters
 
-constexpr TokenStart startOf(char16_t c) {
-  return c < 128 ? characters::tokenStarts[c] : TokenStart{TokenStartType::wide};
+constexpr const TokenStart& startOf(char16_t c) {
+  return characters::tokenStarts[c < 128 ? c : 128];
 }
 
 }  // namespace ca
