@@ -94,10 +94,12 @@ bool Parser::isElementBoundary() const {
 }
 
 const Parser::Node* Parser::parsePrefix() {
-  if (!isPrefixOperator(token_.kind)) {
-    const Node* operand = parsePrimary();
-    return continuationOf(token_.kind).bindsAsPower ? parsePower(operand) : operand;
-  }
+  if (isPrefixOperator(token_.kind)) return parsePrefixOperation();
+  const Node* operand = parsePrimary();
+  return continuationOf(token_.kind).bindsAsPower ? parsePower(operand) : operand;
+}
+
+const Parser::Node* Parser::parsePrefixOperation() {
   auto* operation = makeNode<astapi::UnaryOperation>(NodeKind::UnaryOperation, token_.begin);
   operation->isPrefix = true;
   Level level(*this);

@@ -207,7 +207,7 @@ void Parser::skipToken(TokenKind& previous) {
 // line, but for the bracket that closes them at the start of the next.
 void Parser::skipToSafePlace() {
   isSkipping_ = true;
-  std::vector<BracketType> open = openBrackets_;
+  std::vector<BracketType> open = openBrackets();
   TokenKind previous = TokenKind::Comma;
   for (; !is(TokenKind::EndOfText); skipToken(previous)) {
     if (previous != TokenKind::Dot) {
@@ -223,6 +223,15 @@ void Parser::skipToSafePlace() {
     countBracket(open);
   }
   isSkipping_ = false;
+}
+
+std::vector<Parser::BracketType> Parser::openBrackets() const {
+  std::vector<BracketType> open;
+  for (const Bracket* bracket = innermost_; bracket != nullptr; bracket = bracket->outer()) {
+    open.push_back(bracket->type());
+  }
+  std::ranges::reverse(open);
+  return open;
 }
 
 void Parser::countBracket(std::vector<BracketType>& open) const {

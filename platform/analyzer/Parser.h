@@ -94,6 +94,8 @@ class Parser final : private LexicalErrors {
   void skipToSafePlace();
   // Takes one token while nothing is parsed; `previous` is the kind of the token before it.
   void skipToken(TokenKind& previous);
+  // From the outermost on.
+  std::vector<BracketType> openBrackets() const;
   // Follows the current token into or out of a bracket.
   void countBracket(std::vector<BracketType>& open) const;
   void giveUp();
@@ -190,6 +192,7 @@ class Parser final : private LexicalErrors {
   const Node* parseRange(const Node* start);
   bool isElementBoundary() const;
   const Node* parsePrefix();
+  const Node* parsePrefixOperation();
   // `left` is the first operand.
   const Node* parsePower(const Node* left);
   const Node* parsePowerOperand();
@@ -234,7 +237,7 @@ class Parser final : private LexicalErrors {
   bool inFunction_ = false;
   unsigned argumentDepth_ = 0;
   unsigned depth_ = 0;
-  std::vector<BracketType> openBrackets_;
+  const Bracket* innermost_ = nullptr;
   // The elements of the lists under way.
   std::vector<const Node*>& scratch_;
   const astapi::Classdef* classdef_ = nullptr;

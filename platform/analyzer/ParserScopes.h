@@ -23,16 +23,20 @@ class Parser::Level {
   Parser& parser_;
 };
 
-// What stands between two brackets, from behind the opening one.
+// What stands between two brackets, from behind the opening one. The brackets that are open form a
+// chain from the innermost one on.
 class Parser::Bracket {
  public:
   // Takes the opening bracket, which is the current token.
   Bracket(Parser& parser, BracketType type)
-      : parser_(parser), level_(parser), wasInList_(parser.inList_), opening_(parser.token_) {
+      : parser_(parser),
+        level_(parser),
+        outer_(parser.innermost_),
+        type_(type),
+        opening_(parser.token_) {
+    parser_.innermost_ = this;
     parser_.inList_ = type == BracketType::list;
     if (type == BracketType::arguments) ++parser_.argumentDepth_;
-    isArguments_ = type == BracketType::arguments;
-    parser_.openBrackets_.push_back(type);
     parser_.advance();
   }
   Bracket(const Bracket&) = delete;
@@ -41,14 +45,7 @@ class Parser::Bracket {
 
   // Takes the closing bracket, or tells that it is missing.
   void close() {
-    const TokenKind kind = closing();
-    if (!parser_.is(kind)) {
-      const std::string closingText = kind == TokenKind::CloseParenthesis ? "`)`"
-                                      : kind == TokenKind::CloseBracket   ? "`]`"
-                                                                          : "`}`";
-      parser_.fail(closingText + " to close " + parser_.describe(opening_));
-      return;
-    }
+    if (!parser_.is(closing())) return failToClose();
     // What stands behind the bracket is read as outside of it.
     leave();
     parser_.advance();
@@ -66,21 +63,30 @@ class Parser::Bracket {
   }
 
   std::uint32_t position() const { return opening_.begin; }
+  // The bracket that this one stands in; null for none.
+  const Bracket* outer() const { return outer_; }
+  BracketType type() const { return type_; }
 
  private:
+  void failToClose() const {
+    const TokenKind kind = closing();
+    const std::string closingText = kind == TokenKind::CloseParenthesis ? "`)`"
+                                    : kind == TokenKind::CloseBracket   ? "`]`"
+                                                                        : "`}`";
+    parser_.fail(closingText + " to close " + parser_.describe(opening_));
+  }
+
   void leave() {
-    if (left_) return;
-    left_ = true;
-    parser_.openBrackets_.pop_back();
-    parser_.inList_ = wasInList_;
-    if (isArguments_) --parser_.argumentDepth_;
+    if (parser_.innermost_ != this) return;
+    parser_.innermost_ = outer_;
+    parser_.inList_ = outer_ != nullptr && outer_->type_ == BracketType::list;
+    if (type_ == BracketType::arguments) --parser_.argumentDepth_;
   }
 
   Parser& parser_;
   Level level_;
-  bool wasInList_;
-  bool isArguments_ = false;
-  bool left_ = false;
+  const Bracket* outer_;
+  BracketType type_;
   Token opening_;
 };
 
