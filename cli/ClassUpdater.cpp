@@ -245,14 +245,15 @@ void ClassUpdater::checkNewText(PlannedClass& planned, ClassOutcome& outcome) co
   ca::forgetLastAnalysis();
 }
 
-OldFile ClassUpdater::oldFileOf(const PlannedClass& planned, const std::string& path) const {
+fl::filesystem::FileState ClassUpdater::oldFileOf(const PlannedClass& planned,
+                                                  const std::string& path) const {
   if (wishes_.input != nullptr) return wishes_.input->file;
-  return readOldFile(path, *planned.oldText, wishes_.newBytes ? StampType::sure : StampType::any);
+  return readOldFile(path, planned, wishes_.newBytes ? StampType::sure : StampType::any);
 }
 
 void ClassUpdater::addFile(const PlannedClass& planned, ClassOutcome& outcome) const {
   const Phase phase(PhaseType::diff);
-  const OldFile old = oldFileOf(planned, outcome.file);
+  const fl::filesystem::FileState old = oldFileOf(planned, outcome.file);
   outcome.stamp = old.stamp;
   const auto bytesOf = [&](fl::ustring_view text) {
     return makeBytes(outcome.file, text, old.encoding);

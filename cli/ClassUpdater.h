@@ -53,7 +53,7 @@ class ClassUpdater {
   ClassOutcome makeOutcome(PlannedClass& planned, const FindingsListener& listener) const;
   // Fills in what there is only for a changed text.
   void checkNewText(PlannedClass& planned, ClassOutcome& outcome) const;
-  OldFile oldFileOf(const PlannedClass& planned, const std::string& path) const;
+  fl::filesystem::FileState oldFileOf(const PlannedClass& planned, const std::string& path) const;
   // What only the bytes of the file tell.
   void addFile(const PlannedClass& planned, ClassOutcome& outcome) const;
 

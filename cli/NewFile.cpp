@@ -38,9 +38,12 @@ fl::filesystem::SourceFileText readAnalysedFile(const std::string& path,
 ClassFault::ClassFault(std::string_view id, std::initializer_list<std::string_view> arguments)
     : std::runtime_error(programMessage(id, arguments)), id_(id) {}
 
-OldFile readOldFile(const std::string& path, fl::ustring_view analysedText, StampType stampType) {
-  const auto file = readAnalysedFile(path, analysedText, stampType);
-  return {file.encoding, file.stamp};
+fl::filesystem::FileState readOldFile(const std::string& path, const PlannedClass& planned,
+                                      StampType stampType) {
+  const auto& analysed = planned.oldFile;
+  if (analysed && fl::filesystem::stampOf(path) == analysed->stamp) return *analysed;
+  const auto file = readAnalysedFile(path, *planned.oldText, stampType);
+  return {file.stamp, file.encoding};
 }
 
 std::string makeBytes(const std::string& path, fl::ustring_view text, fl::EncodingType encoding) {

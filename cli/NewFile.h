@@ -6,10 +6,10 @@
 #include <string>
 #include <string_view>
 
-#include "platform/analyzer/AnalysisResult.h"
 #include "platform/paths/SourceReader.h"
 #include "platform/text/FileText.h"
 #include "platform/text/UString.h"
+#include "service/UpdatePlan.h"
 
 namespace soca::cli {
 
@@ -24,19 +24,14 @@ class ClassFault : public std::runtime_error {
   std::string id_;
 };
 
-// A class file as it was when it was analysed.
-struct OldFile {
-  fl::EncodingType encoding = fl::EncodingType::utf8;
-  fl::filesystem::FileStamp stamp;
-};
-
 // Whether the stamp has to show any later change of the file: then it may have to wait until the
 // clock has gone on.
 enum class StampType { any, sure };
 
-// Reads the file again for its encoding. Throws ClassFault if it no longer has the text that was
-// analysed.
-OldFile readOldFile(const std::string& path, fl::ustring_view analysedText, StampType stampType);
+// The file as it was when it was analysed. It is read again if its stamp does not show that it has
+// the text that was analysed. Throws ClassFault if it no longer has it.
+fl::filesystem::FileState readOldFile(const std::string& path, const PlannedClass& planned,
+                                      StampType stampType);
 
 // Both throw ClassFault if the encoding lacks characters of the text.
 std::string makeBytes(const std::string& path, fl::ustring_view text, fl::EncodingType encoding);

@@ -15,7 +15,7 @@ namespace soca::cli {
 struct StandardInput {
   // Absolute, as the class path names it.
   std::string path;
-  OldFile file;
+  fl::filesystem::FileState file;
 };
 
 // Reads the text of the class from standard input and prints what becomes of it: the new bytes, or

@@ -72,6 +72,7 @@ PlannedClass planWithoutText(CountedActions& counted, const std::vector<RuleFami
   planned.result = makeResult(counted.entry);
   planned.analysis = counted.entry.analyzedClass->analysis;
   planned.oldText = planned.analysis->sharedSourceText();
+  planned.oldFile = planned.analysis->file();
   planned.actions = takeActions(counted, families);
   counted.entry.messages.clear();
   counted.entry.analyzedClass.reset();

@@ -9,6 +9,7 @@
 #include "model/Extent.h"
 #include "model/SourcePosition.h"
 #include "platform/analyzer/AnalysisResult.h"
+#include "platform/paths/SourceReader.h"
 #include "platform/text/UString.h"
 #include "service/RuleFamily.h"
 #include "soca/Updater.h"
@@ -38,6 +39,8 @@ struct PlannedClass {
   std::shared_ptr<ca::AnalysisResult> analysis;
   // Its text before the update; never null.
   std::shared_ptr<const fl::ustring> oldText;
+  // The file of that text, as the analysis knows it.
+  std::optional<fl::filesystem::FileState> oldFile;
   // The text after the update; null if no action was applied.
   std::shared_ptr<const fl::ustring> newText;
   // In the order in which they are applied.

@@ -3,10 +3,12 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "platform/analyzer/Ast.h"
 #include "platform/analyzer/Diagnostic.h"
+#include "platform/paths/SourceReader.h"
 #include "platform/text/UString.h"
 
 namespace ca {
@@ -39,6 +41,10 @@ class AnalysisResult {
   virtual std::shared_ptr<const fl::ustring> sharedSourceText() const = 0;
   // The syntax errors, in the order of the text.
   virtual const std::vector<Diagnostic>& diagnostics() const = 0;
+  // The file that the text was read from, as it was then: while it has this stamp it has this text.
+  // Nothing for a text that lies over a file or stands in none, and for a file that may change once
+  // more and keep its stamp.
+  virtual const std::optional<fl::filesystem::FileState>& file() const = 0;
 
   virtual ~AnalysisResult() = default;
 

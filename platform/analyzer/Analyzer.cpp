@@ -24,7 +24,7 @@ class SingleFileAnalyzer final : public Analyzer {
   std::shared_ptr<AnalysisResult> analyze(const fl::ustring& path, const fl::ustring& /*directory*/,
                                           const AnalysisOptions& /*options*/) override {
     const std::string file = fl::i18n::to_string(path);
-    return refuseTooDeep(analyzeFile(file).analysis, file);
+    return refuseTooDeep(analyzeFile(file), file);
   }
 };
 

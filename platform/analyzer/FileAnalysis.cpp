@@ -14,11 +14,13 @@ namespace {
 using fl::timing::Phase;
 using fl::timing::PhaseType;
 
+using Analysis = std::shared_ptr<SourceAnalysis>;
+
 // An analysis and what it was made of: the file as it was then, or an overlay text.
 struct Remembered {
   std::string path;
   std::shared_ptr<const fl::ustring> overlay;
-  FileAnalysis file;
+  Analysis analysis;
 };
 
 // The class runtime and the service ask for the same class one after the other.
@@ -27,34 +29,34 @@ Remembered& lastOfThread() {
   return last;
 }
 
-FileAnalysis analyzeOverlay(const std::string& path, std::shared_ptr<const fl::ustring> overlay) {
+bool isOfFileInView(const Remembered& last, const std::string& path) {
+  if (last.analysis == nullptr || !last.analysis->file() || last.path != path) return false;
+  return fl::filesystem::stampInView(path) == last.analysis->file()->stamp;
+}
+
+Analysis analyzeOverlay(const std::string& path, std::shared_ptr<const fl::ustring> overlay) {
   Remembered& last = lastOfThread();
-  if (last.overlay == overlay && last.path == path) return last.file;
+  if (last.overlay == overlay && last.path == path) return last.analysis;
   last = {};
   const Phase phase(PhaseType::analyse);
-  FileAnalysis file{std::make_shared<SourceAnalysis>(overlay), {}};
-  last = {path, std::move(overlay), file};
-  return file;
+  auto analysis = std::make_shared<SourceAnalysis>(overlay);
+  last = {path, std::move(overlay), analysis};
+  return analysis;
 }
 
 }  // namespace
 
-FileAnalysis analyzeFile(const std::string& path) {
+Analysis analyzeFile(const std::string& path) {
   if (auto overlay = fl::filesystem::findOverlay(path)) return analyzeOverlay(path, overlay);
   Remembered& last = lastOfThread();
-  if (last.file.stamp && last.path == path &&
-      fl::filesystem::stampInView(path) == last.file.stamp) {
-    return last.file;
-  }
+  if (isOfFileInView(last, path)) return last.analysis;
   last = {};
   try {
     auto source = fl::filesystem::readSourceFile(path, maximumFileSize);
     const Phase phase(PhaseType::analyse);
-    FileAnalysis file{std::make_shared<SourceAnalysis>(std::move(source.text)), {}};
-    if (source.recentlyChanged) return file;
-    file.stamp = source.stamp;
-    last = {path, nullptr, file};
-    return file;
+    auto analysis = std::make_shared<SourceAnalysis>(std::move(source));
+    if (analysis->file()) last = {path, nullptr, analysis};
+    return analysis;
   } catch (const fl::filesystem::ReadError& error) {
     throw InvalidAnalysisException(error.what());
   }

@@ -2,27 +2,18 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "platform/analyzer/SourceAnalysis.h"
-#include "platform/paths/SourceReader.h"
 
 namespace ca {
-
-struct FileAnalysis {
-  std::shared_ptr<SourceAnalysis> analysis;
-  // The state of the file that was read; nothing for a text that lies over it, and for a file that
-  // may change once more and keep this stamp.
-  std::optional<fl::filesystem::FileStamp> stamp;
-};
 
 // Analyses the file at the native path `path` (UTF-8), or the text that lies over it on this
 // thread. Nesting that is too deep is no failure here: see SourceAnalysis::isTooDeep. The thread
 // remembers its last analysis and gives it again as long as the file stays the same.
 //
 // Throws InvalidAnalysisException when there is nothing to analyse.
-FileAnalysis analyzeFile(const std::string& path);
+std::shared_ptr<SourceAnalysis> analyzeFile(const std::string& path);
 
 // Lets the thread forget its last analysis, for when what follows needs much memory.
 void forgetLastAnalysis();

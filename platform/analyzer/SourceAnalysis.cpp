@@ -23,6 +23,11 @@ bool isLessFaulty(const Parser::Result& left, const Parser::Result& right) {
 SourceAnalysis::SourceAnalysis(fl::ustring text)
     : SourceAnalysis(std::make_shared<const fl::ustring>(std::move(text))) {}
 
+SourceAnalysis::SourceAnalysis(fl::filesystem::SourceFileText file)
+    : SourceAnalysis(std::move(file.text)) {
+  if (!file.recentlyChanged) file_ = {file.stamp, file.encoding};
+}
+
 SourceAnalysis::SourceAnalysis(std::shared_ptr<const fl::ustring> text)
     : SourceAnalysis(std::move(text), ParserMemory::ofThread()) {}
 

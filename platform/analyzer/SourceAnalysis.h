@@ -15,6 +15,7 @@ namespace ca {
 class SourceAnalysis final : public AnalysisResult {
  public:
   explicit SourceAnalysis(fl::ustring text);
+  explicit SourceAnalysis(fl::filesystem::SourceFileText file);
   // Of a text that others read too; never null.
   explicit SourceAnalysis(std::shared_ptr<const fl::ustring> text);
 
@@ -29,6 +30,7 @@ class SourceAnalysis final : public AnalysisResult {
   fl::ustring_view nodeTextView(const astapi::Node& node) const override;
   std::shared_ptr<const fl::ustring> sharedSourceText() const override { return text_; }
   const std::vector<Diagnostic>& diagnostics() const override { return diagnostics_; }
+  const std::optional<fl::filesystem::FileState>& file() const override { return file_; }
 
   // Whether the text is nested more deeply than the analyzer goes. The tree then holds what stands
   // in front of that place, which is enough to read declarations but no basis for anything else.
@@ -46,6 +48,7 @@ class SourceAnalysis final : public AnalysisResult {
   const astapi::Node* root_ = nullptr;
   ClassdefHandle classdef_ = nullptr;
   std::vector<Diagnostic> diagnostics_;
+  std::optional<fl::filesystem::FileState> file_;
   bool isTooDeep_ = false;
 };
 

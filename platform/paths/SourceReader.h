@@ -34,6 +34,12 @@ std::optional<FileStamp> stampOf(const std::string& path);
 // The same; under a view in force it may be the stamp of an earlier moment of the view.
 std::optional<FileStamp> stampInView(const std::string& path);
 
+// The state of a file, and what its bytes are.
+struct FileState {
+  FileStamp stamp;
+  EncodingType encoding = EncodingType::utf8;
+};
+
 struct SourceFileText {
   ustring text;
   EncodingType encoding = EncodingType::utf8;

@@ -60,8 +60,10 @@ struct ReadDescription {
 // Nothing in it if the file can't be read at all.
 ReadDescription readDescription(const std::string& path) {
   try {
-    const ca::FileAnalysis file = ca::analyzeFile(path);
-    return {describeAnalysis(*file.analysis), file.stamp};
+    const auto analysis = ca::analyzeFile(path);
+    ReadDescription read{describeAnalysis(*analysis), {}};
+    if (analysis->file()) read.stamp = analysis->file()->stamp;
+    return read;
   } catch (const ca::InvalidAnalysisException&) {
     const std::optional<FileStamp> stamp = fl::filesystem::stampOf(path);
     if (!stamp || stamp->size <= ca::maximumFileSize) {
