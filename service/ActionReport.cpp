@@ -1,41 +1,41 @@
 #include "service/ActionReport.h"
 
-#include <list>
-#include <sstream>
-#include <utility>
+#include <cstddef>
+#include <ostream>
+#include <streambuf>
 
 #include "platform/text/Locale.h"
 
 namespace soca {
 namespace {
 
-using Stream = std::basic_ostringstream<char16_t>;
+using Stream = std::basic_ostream<char16_t>;
 
-// A long text, put together in pieces, so that no half of it is ever copied into a larger whole.
-class PiecedText {
+// Appends what is printed to a text, or only counts it.
+class Sink : public std::basic_streambuf<char16_t> {
  public:
-  // Takes what was printed, if it is enough for a piece.
-  void takeIfMuch(Stream& out) {
-    constexpr std::size_t pieceSize = std::size_t{1} << 20U;
-    if (out.view().size() >= pieceSize) take(out);
+  // Null to count.
+  explicit Sink(fl::ustring* text) : text_(text) {}
+
+  std::size_t size() const { return size_; }
+
+ protected:
+  std::streamsize xsputn(const char16_t* units, std::streamsize count) override {
+    const auto size = static_cast<std::size_t>(count);
+    size_ += size;
+    if (text_ != nullptr) text_->append(units, size);
+    return count;
   }
 
-  void take(Stream& out) {
-    pieces_.push_back(std::move(out).str());
-    size_ += pieces_.back().size();
-    out.str({});
-  }
-
-  fl::ustring join() && {
-    if (pieces_.size() == 1) return std::move(pieces_.front());
-    fl::ustring text;
-    text.reserve(size_);
-    for (; !pieces_.empty(); pieces_.pop_front()) text += pieces_.front();
-    return text;
+  int_type overflow(int_type unit) override {
+    if (traits_type::eq_int_type(unit, traits_type::eof())) return traits_type::not_eof(unit);
+    const char16_t printed = traits_type::to_char_type(unit);
+    xsputn(&printed, 1);
+    return unit;
   }
 
  private:
-  std::list<fl::ustring> pieces_;
+  fl::ustring* text_;
   std::size_t size_ = 0;
 };
 
@@ -59,24 +59,36 @@ void printAction(Stream& out, const Action& action) {
   }
 }
 
-}  // namespace
-
-fl::ustring formatActionReport(std::list<ClassActions> entries) {
-  PiecedText text;
-  Stream out;
+// Prints the entries. `done` is told of each action that was printed, and gives the next one.
+template <class Done>
+void printReport(Sink& sink, std::list<ClassActions>& entries, const Done& done) {
+  Stream out(&sink);
   out.imbue(fl::i18n::facet::get_global_std_locale());
   for (ClassActions& entry : entries) {
     out << u"CLASS: " << entry.analyzedClass->className << u"\n\n";
     out << u"File: " << entry.analyzedClass->metaClass->getClassFile() << u'\n';
-    // What is printed goes: the report of a great many actions is long itself.
-    for (; !entry.actions.empty(); entry.actions.pop_front()) {
-      printAction(out, *entry.actions.front());
-      text.takeIfMuch(out);
+    for (auto action = entry.actions.begin(); action != entry.actions.end();) {
+      printAction(out, **action);
+      action = done(entry.actions, action);
     }
     out << u"\n\n";
   }
-  text.take(out);
-  return std::move(text).join();
+}
+
+}  // namespace
+
+// The report of a great many actions takes as much memory as they do. So it is measured first, and
+// what was printed goes.
+fl::ustring formatActionReport(std::list<ClassActions> entries) {
+  using Place = ActionList::iterator;
+  Sink counter(nullptr);
+  printReport(counter, entries, [](ActionList&, Place action) { return ++action; });
+  fl::ustring text;
+  text.reserve(counter.size());
+  Sink sink(&text);
+  printReport(sink, entries,
+              [](ActionList& actions, Place action) { return actions.erase(action); });
+  return text;
 }
 
 }  // namespace soca

@@ -47,6 +47,11 @@ ClassGraph* ClassGraph::current() {
   return graph.get();
 }
 
+bool ClassGraph::knowsAsMissing(std::string_view className) const {
+  const Node* node = find(className);
+  return node != nullptr && node->isMissing;
+}
+
 std::optional<AncestryFacts> ClassGraph::factsOf(const ClassDescription& first) {
   if (fl::filesystem::hasOverlays()) return factsUnderText(first);
   if (!knows(first.name)) add(first.name);

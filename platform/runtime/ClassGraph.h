@@ -42,6 +42,9 @@ class ClassGraph {
 
   bool knows(std::string_view className) const { return ids_.contains(className); }
 
+  // Whether the class was looked for and is nowhere. What lies over files does not count.
+  bool knowsAsMissing(std::string_view className) const;
+
   // The facts of the class. Nothing if a text over some file might make them others than those that
   // the graph can tell.
   std::optional<AncestryFacts> factsOf(const ClassDescription& first);

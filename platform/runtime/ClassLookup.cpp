@@ -14,6 +14,7 @@
 #include "platform/paths/SourceReader.h"
 #include "platform/paths/ViewMemory.h"
 #include "platform/runtime/ClassDescription.h"
+#include "platform/runtime/ClassGraph.h"
 #include "platform/runtime/ClassTable.h"
 #include "platform/runtime/CurrentClassTable.h"
 #include "platform/runtime/DescriptionCache.h"
@@ -184,6 +185,8 @@ Description describeInView(std::string_view name) {
   const auto* roots = &PathDispatcher::getDispatcher().roots();
   const Known* known = memory.find(name);
   if (known != nullptr && known->roots == roots) return known->description;
+  const ClassGraph* graph = ClassGraph::current();
+  if (graph != nullptr && graph->knowsAsMissing(name)) return nullptr;
   Description description = describeOnPath(std::string(name));
   // The count of owners of one that all threads share would go back and forth between them.
   if (description != nullptr) {
