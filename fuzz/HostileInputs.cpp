@@ -52,6 +52,7 @@ struct ClassRow {
   std::string_view middle = "";
   std::string_view closing = "";
   std::string_view tail = "";
+  std::size_t promisedBytes = 10'000'000;
 };
 
 // The frames into which most rows put their text.
@@ -127,14 +128,15 @@ const ClassRow classRows[] = {
     {"many integers to convert", CLASS "properties (PositiveInteger)\n", "a#=1\n", "", "",
      BLOCK_END},
     {"many properties on a line", PROPERTIES, "a#=1;", "", "", BLOCK_END},
-    {"one property again and again", CLASS "properties (Logical)\n", "a=1\n", "", "", BLOCK_END},
+    {"one property again and again", CLASS "properties (Logical)\n", "a=1\n", "", "", BLOCK_END,
+     5'000'000},
     {"many sets", PROPERTIES, "a#='x'\na#Set=velum.system.StringSet({'x'})\n", "", "", BLOCK_END},
     {"many sets that are used", PROPERTIES "z=[obj.a0Set,obj.aSet]\n",
      "a#='x'\na#Set=velum.system.StringSet({'x'})\n", "", "", BLOCK_END},
     {"many sets that are no direct calls", PROPERTIES, "a#='x'\na#Set=velum.system.StringSet(y)\n",
      "", "", BLOCK_END},
     {"properties of one set", PROPERTIES "aSet=velum.system.StringSet({'x'})\n", "a='x'\n", "", "",
-     BLOCK_END},
+     BLOCK_END, 4'000'000},
     {"many values of a set", PROPERTIES "a='x'\naSet=velum.system.StringSet({'x'", ",'v#'", "})",
      "", BLOCK_END},
     {"many attributes", CLASS "properties (Logical", ",A#", ")\nA = 1", "", BLOCK_END},
@@ -177,11 +179,14 @@ const ClassRow classRows[] = {
 };
 
 HostileInput inputOf(const ClassRow& row) {
-  return {row.name, {"update", "C"}, [&row](const fs::path& folder, std::size_t bytes) {
+  return {row.name,
+          {"update", "C"},
+          [&row](const fs::path& folder, std::size_t bytes) {
             std::string text(row.head);
             text += fill(row.opening, row.middle, row.closing, bytes);
             write(folder / "C.vlm", text += row.tail);
-          }};
+          },
+          row.promisedBytes};
 }
 
 // --- class paths ---
