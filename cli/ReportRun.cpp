@@ -11,6 +11,7 @@
 #include "cli/Signals.h"
 #include "cli/Targets.h"
 #include "cli/TextFormat.h"
+#include "platform/paths/FileView.h"
 #include "platform/text/Conversions.h"
 #include "service/UpdaterImpl.h"
 
@@ -47,6 +48,7 @@ ReportOutcome report(const Options& options, const Target& target,
 ExitCodeType runReport(const Options& options, const ClassRoots& roots, Console& console) {
   const FileNames names(&roots);
   const FailureDescriber describer(&roots, &names);
+  const fl::filesystem::FileView view;
   Targets targets(&roots, options.arguments);
   auto exitCode = ExitCodeType::done;
   const auto next = [&]() -> std::optional<Target> {
@@ -61,10 +63,11 @@ ExitCodeType runReport(const Options& options, const ClassRoots& roots, Console&
     }
     return !wasInterrupted();
   };
-  OrderedWorkers<Target, ReportOutcome>(
-      options.jobs, next, [&](const Target& target) { return report(options, target, describer); },
-      consume)
-      .run();
+  const auto work = [&](const Target& target) {
+    const fl::filesystem::FileView::Scope scope(view);
+    return report(options, target, describer);
+  };
+  OrderedWorkers<Target, ReportOutcome>(options.jobs, next, work, consume).run();
   return wasInterrupted() ? interruptExitCode() : exitCode;
 }
 
