@@ -14,6 +14,7 @@ if(SOCA_SELF_CONTAINED AND NOT SOCA_SANITIZE)
 endif()
 
 # soca_or_archive(VARIABLE SHARED ARCHIVE)
+# Sets VARIABLE to ARCHIVE for a program that holds its libraries, and to SHARED for all others.
 function(soca_or_archive variable shared archive)
   set(own $<BOOL:$<TARGET_PROPERTY:SOCA_SELF_CONTAINED>>)
   set(${variable}
