@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <string_view>
 #include <unordered_set>
-#include <utility>
 #include <vector>
 
 #include "cli/ClassMembers.h"

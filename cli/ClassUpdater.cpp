@@ -2,7 +2,6 @@
 
 #include <fmt/core.h>
 #include <initializer_list>
-#include <memory>
 #include <string_view>
 #include <utility>
 

@@ -1,6 +1,5 @@
 #include "cli/JsonFormat.h"
 
-#include <cstddef>
 #include <nlohmann/json.hpp>
 #include <string_view>
 #include <utility>

@@ -1,5 +1,4 @@
 // Expressions.
-#include <algorithm>
 #include <array>
 #include <cstdint>
 

@@ -95,21 +95,21 @@ class Units64 {
   }
 
   std::uint64_t whiteSpace() const {
-    return gather([](std::uint8_t byte) { return isWithin(byte, '\t', 5) || byte == ' '; });
+    return gather([](std::uint8_t byte) { return isWithin(byte, '\t', '\r') || byte == ' '; });
   }
 
   std::uint64_t nameParts() const {
     return gather([](std::uint8_t byte) {
       const auto lower = static_cast<std::uint8_t>(byte | 0x20U);
-      return isWithin(lower, 'a', 26) || isWithin(byte, '0', 10) || byte == '_';
+      return isWithin(lower, 'a', 'z') || isWithin(byte, '0', '9') || byte == '_';
     });
   }
 
   bool mayHoldNul() const { return std::ranges::find(bytes_, 0) != std::end(bytes_); }
 
  private:
-  static bool isWithin(std::uint8_t byte, char first, unsigned count) {
-    return static_cast<std::uint8_t>(byte - first) < count;
+  static bool isWithin(std::uint8_t byte, char first, char last) {
+    return byte >= first && byte <= last;
   }
 
   template <class Compare>

@@ -24,7 +24,7 @@ bool reachesSystemBase(const Hierarchy& hierarchy) {
 
 const ConstrainedSetInfo* MetaProperty::constrainedSet() const {
   const PropertyDescription* property = owner_ != nullptr ? findProperty(*owner_, name_) : nullptr;
-  return property != nullptr && property->constrainedSet ? &*property->constrainedSet : nullptr;
+  return property != nullptr ? property->constrainedSet.get() : nullptr;
 }
 
 bool MetaProperty::isConstrainedSetTarget() const {

@@ -1,7 +1,5 @@
 #include "platform/text/Utf8.h"
 
-#include <algorithm>
-
 namespace fl::utf8 {
 namespace {
 

@@ -1,7 +1,6 @@
 #include "tests/cases/CaseRun.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
