@@ -17,7 +17,7 @@ namespace soca::cli {
 // deleted as the actions say; and all text outside the actions.
 class NewTextCheck {
  public:
-  // Takes down what is expected of the new text. Points into the two texts of `planned`, which must
+  // Takes down what is expected of the new text. Points into the old text of `planned`, which must
   // outlive this object; its analysis and its actions need not.
   explicit NewTextCheck(const PlannedClass& planned);
 

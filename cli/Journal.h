@@ -128,7 +128,7 @@ class Journal {
 };
 
 // Whether the run in the folder came to an end, and so did an undo of it if there was one: then
-// there is nothing to repair. Unlike opening the journal this takes no time that grows with it.
+// there is nothing to repair. Unlike opening the journal this does not read what was saved.
 bool isSettled(const std::string& folder);
 
 // Null if the journal can't be read.

@@ -34,12 +34,12 @@ class OrderedWorkers {
         work_(std::move(work)),
         consume_(std::move(consume)),
         finished_(std::size_t{std::max(jobs, 1U)} * itemsForEachJob),
-        helpers_(std::max(jobs, 1U) - 1) {}
+        otherThreads_(std::max(jobs, 1U) - 1) {}
 
   void run() {
     std::vector<std::jthread> threads;
-    threads.reserve(helpers_);
-    for (unsigned i = 0; i < helpers_; ++i) threads.emplace_back([this] { workUntilDone(); });
+    threads.reserve(otherThreads_);
+    for (unsigned i = 0; i < otherThreads_; ++i) threads.emplace_back([this] { workUntilDone(); });
     workAndConsume();
   }
 
@@ -123,10 +123,10 @@ class OrderedWorkers {
   std::size_t taken_ = 0;
   std::size_t consumed_ = 0;
   bool stopped_ = false;
-  // The results that wait, each at the place of its number, which begin anew at the end.
+  // The ring of the results that wait, each at its number modulo the size.
   std::vector<std::optional<Result>> finished_;
   // Threads besides the calling one.
-  unsigned helpers_;
+  unsigned otherThreads_;
 };
 
 }  // namespace soca::cli

@@ -52,6 +52,7 @@ struct ClassRow {
   std::string_view middle = "";
   std::string_view closing = "";
   std::string_view tail = "";
+  // As in HostileInput.
   std::size_t promisedBytes = 10'000'000;
 };
 

@@ -18,7 +18,8 @@ namespace soca {
 //   Range: From (4,8) to (4,15)
 //   Replacement: "x = 1"
 //
-// What looking up a file or an action's answers raises goes through.
+// The actions of `entries` go while they are printed. What looking up a file or an action's answers
+// raises goes through.
 fl::ustring formatActionReport(std::list<ClassActions> entries);
 
 }  // namespace soca

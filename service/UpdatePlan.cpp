@@ -14,7 +14,7 @@
 namespace soca {
 namespace {
 
-// The classes with their actions, and how many of them each family gave.
+// A class with its actions, and how many of them each family gave.
 struct CountedActions {
   ClassActions entry;
   std::vector<std::size_t> actionCounts;

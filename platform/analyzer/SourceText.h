@@ -41,8 +41,8 @@ class NameStrings {
 
 }  // namespace internal
 
-// A name that is told from others. An id taken from a syntax node must not outlive the analysis
-// result.
+// The id of a name: two are equal if their names are. An id taken from a syntax node must not
+// outlive the analysis result.
 class StringId {
  public:
   StringId() = default;

@@ -11,6 +11,8 @@
 
 namespace ca {
 
+// Makes each string when it is first asked for. Names are views of the text, which must stay where
+// it is.
 class TextNames final : public astapi::internal::NameStrings {
  public:
   const fl::ustring& stringOf(fl::ustring_view name) const override {

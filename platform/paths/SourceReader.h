@@ -34,7 +34,7 @@ std::optional<FileStamp> stampOf(const std::string& path);
 // The same; under a view in force it may be the stamp of an earlier moment of the view.
 std::optional<FileStamp> stampInView(const std::string& path);
 
-// The state of a file, and what its bytes are.
+// A file as it was read: its stamp, and how its bytes encode the text.
 struct FileState {
   FileStamp stamp;
   EncodingType encoding = EncodingType::utf8;

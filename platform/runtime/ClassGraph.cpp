@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 #include <unordered_set>
+#include <utility>
 
 #include "platform/paths/FileView.h"
 #include "platform/paths/Overlay.h"
@@ -195,7 +196,8 @@ std::optional<AncestryFacts> ClassGraph::factsUnderText(const ClassDescription& 
       facts |= ownFacts(*description);
       names.insert(names.end(), description->superClasses.begin(), description->superClasses.end());
     } else if (node->component < inFile->component) {
-      facts |= node->facts;  // it does not reach the class
+      // It does not reach the class.
+      facts |= node->facts;
     } else if (node->component == inFile->component) {
       isInCycle = true;
     } else {

@@ -90,7 +90,8 @@ class ClassGraph {
 
   const Node* find(std::string_view className) const;
   Id idOf(std::string_view className);
-  // Walks all that the class reaches, depth first.
+  // Walks all that the class reaches, depth first, and finds the strongly connected components in
+  // the way of Tarjan.
   void add(std::string_view className);
   void meet(Id id);
   void finishComponent(Id first);

@@ -35,6 +35,7 @@ class Hierarchy {
 
   // Whether the class of that name is among them.
   bool contains(std::string_view name) const;
+  // Whether any of them has strict defaults.
   bool hasStrictDefaults() const;
   // Whether any class declares any abstract property, if that is known at once; else true.
   bool mayDeclareAbstract() const;
