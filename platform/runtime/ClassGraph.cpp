@@ -101,10 +101,24 @@ ClassGraph::Id ClassGraph::idOf(std::string_view className) {
 }
 
 void ClassGraph::add(std::string_view className) {
-  if (nodes_.size() > mostNodes) {
-    ids_.clear();
-    nodes_.clear();
+  if (nodes_.size() > mostNodes) forget();
+  try {
+    walk(className);
+  } catch (...) {
+    // What was not finished must not pass for known.
+    forget();
+    throw;
   }
+}
+
+void ClassGraph::forget() {
+  ids_.clear();
+  nodes_.clear();
+  path_.clear();
+  unfinished_.clear();
+}
+
+void ClassGraph::walk(std::string_view className) {
   meet(idOf(className));
   while (!path_.empty()) {
     Step& step = path_.back();

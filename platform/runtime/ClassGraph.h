@@ -92,7 +92,10 @@ class ClassGraph {
   Id idOf(std::string_view className);
   // Walks all that the class reaches, depth first, and finds the strongly connected components in
   // the way of Tarjan.
+  void walk(std::string_view className);
+  // Walks it, and forgets everything if that throws.
   void add(std::string_view className);
+  void forget();
   void meet(Id id);
   void finishComponent(Id first);
   bool keepsSuperClasses(const Node& node, const ClassDescription& changed) const;
