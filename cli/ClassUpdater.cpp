@@ -247,7 +247,7 @@ void ClassUpdater::checkNewText(PlannedClass& planned, ClassOutcome& outcome) co
 fl::filesystem::FileState ClassUpdater::oldFileOf(const PlannedClass& planned,
                                                   const std::string& path) const {
   if (wishes_.input != nullptr) return wishes_.input->file;
-  return readOldFile(path, planned, wishes_.newBytes ? StampType::sure : StampType::any);
+  return stateOfOldFile(path, planned, wishes_.newBytes ? StampType::sure : StampType::any);
 }
 
 void ClassUpdater::addFile(const PlannedClass& planned, ClassOutcome& outcome) const {

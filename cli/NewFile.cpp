@@ -38,8 +38,8 @@ fl::filesystem::SourceFileText readAnalysedFile(const std::string& path,
 ClassFault::ClassFault(std::string_view id, std::initializer_list<std::string_view> arguments)
     : std::runtime_error(programMessage(id, arguments)), id_(id) {}
 
-fl::filesystem::FileState readOldFile(const std::string& path, const PlannedClass& planned,
-                                      StampType stampType) {
+fl::filesystem::FileState stateOfOldFile(const std::string& path, const PlannedClass& planned,
+                                         StampType stampType) {
   const auto& analysed = planned.oldFile;
   if (analysed && fl::filesystem::stampOf(path) == analysed->stamp) return *analysed;
   const auto file = readAnalysedFile(path, *planned.oldText, stampType);

@@ -30,8 +30,8 @@ enum class StampType { any, sure };
 
 // The file as it was when it was analysed. It is read again if its stamp does not show that it has
 // the text that was analysed. Throws ClassFault if it no longer has it.
-fl::filesystem::FileState readOldFile(const std::string& path, const PlannedClass& planned,
-                                      StampType stampType);
+fl::filesystem::FileState stateOfOldFile(const std::string& path, const PlannedClass& planned,
+                                         StampType stampType);
 
 // Both throw ClassFault if the encoding lacks characters of the text.
 std::string makeBytes(const std::string& path, fl::ustring_view text, fl::EncodingType encoding);
