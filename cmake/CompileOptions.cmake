@@ -19,3 +19,14 @@ if(SOCA_BUILD_FUZZERS)
   add_compile_options(-fsanitize=fuzzer-no-link)
   add_link_options(-fsanitize=fuzzer-no-link)
 endif()
+
+# A file that was compiled before, in whatever build folder, is taken from the cache.
+find_program(SOCA_CCACHE ccache)
+mark_as_advanced(SOCA_CCACHE)
+if(SOCA_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${SOCA_CCACHE})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    # Lets the cache see which precompiled header a file was compiled with.
+    add_compile_options(-fpch-preprocess)
+  endif()
+endif()
