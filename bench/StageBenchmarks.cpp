@@ -12,7 +12,7 @@
 
 #include "bench/ClassWriter.h"
 #include "platform/analyzer/Analyzer.h"
-#include "platform/analyzer/Lexer.h"
+#include "platform/analyzer/lexer/Lexer.h"
 #include "platform/paths/PathDispatcher.h"
 #include "platform/text/Conversions.h"
 #include "platform/text/FileText.h"

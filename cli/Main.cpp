@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/Program.h"
+#include "cli/commands/Program.h"
 
 int main(int argumentCount, char** arguments) {
   soca::cli::Console console(STDOUT_FILENO, STDERR_FILENO);

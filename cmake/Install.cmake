@@ -17,15 +17,15 @@ target_sources(
   PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES
          platform/analyzer/AnalysisResult.h
          platform/analyzer/Analyzer.h
-         platform/analyzer/Ast.h
-         platform/analyzer/AstDispatcher.h
+         platform/analyzer/tree/Ast.h
+         platform/analyzer/tree/AstDispatcher.h
          platform/analyzer/Config.h
          platform/analyzer/Diagnostic.h
-         platform/analyzer/NodeKind.h
-         platform/analyzer/NodeVisitor.h
-         platform/analyzer/NumericValue.h
-         platform/analyzer/SourceText.h
-         platform/failure/BaseMsgID.h
+         platform/analyzer/tree/NodeKind.h
+         platform/analyzer/tree/NodeVisitor.h
+         platform/analyzer/lexer/NumericValue.h
+         platform/analyzer/text/SourceText.h
+         platform/messages/BaseMsgID.h
          platform/failure/Exception.h
          platform/failure/LegacyErrorChannel.h
          platform/failure/Terminate.h

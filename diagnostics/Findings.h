@@ -3,7 +3,7 @@
 
 #include <initializer_list>
 
-#include "platform/failure/BaseMsgID.h"
+#include "platform/messages/BaseMsgID.h"
 #include "platform/text/UString.h"
 
 namespace soca {

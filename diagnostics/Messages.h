@@ -6,7 +6,7 @@
 #include <string_view>
 #include <variant>
 
-#include "platform/failure/BaseMsgID.h"
+#include "platform/messages/BaseMsgID.h"
 #include "platform/text/UString.h"
 
 namespace VELUM::system::Analyzer {

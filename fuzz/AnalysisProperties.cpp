@@ -5,7 +5,7 @@
 
 #include "fuzz/Violation.h"
 #include "platform/analyzer/Analyzer.h"
-#include "platform/analyzer/NodeVisitor.h"
+#include "platform/analyzer/tree/NodeVisitor.h"
 #include "platform/runtime/SourceDescription.h"
 
 namespace soca::fuzz {

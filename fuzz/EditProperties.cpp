@@ -5,7 +5,7 @@
 #include <optional>
 #include <stdexcept>
 
-#include "cli/KeptText.h"
+#include "conversions/KeptText.h"
 #include "fuzz/Violation.h"
 #include "model/SourceFile.h"
 #include "platform/text/Conversions.h"

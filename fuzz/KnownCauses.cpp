@@ -7,7 +7,7 @@
 #include "metadata/VELUMMetaDataInterface.h"
 #include "model/ClassDefinition.h"
 #include "model/SourceFile.h"
-#include "platform/analyzer/Ast.h"
+#include "platform/analyzer/tree/Ast.h"
 
 namespace soca::fuzz {
 namespace {

@@ -5,7 +5,7 @@
 #include <optional>
 #include <stdexcept>
 
-#include "cli/Checks.h"
+#include "conversions/Checks.h"
 #include "fuzz/AnalysisProperties.h"
 #include "fuzz/KnownCauses.h"
 #include "fuzz/Violation.h"

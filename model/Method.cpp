@@ -6,9 +6,9 @@
 #include <variant>
 
 #include "model/AnalyzerPositions.h"
-#include "model/TextSearch.h"
-#include "platform/analyzer/NodeVisitor.h"
+#include "platform/analyzer/tree/NodeVisitor.h"
 #include "platform/failure/Terminate.h"
+#include "platform/text/TextSearch.h"
 
 namespace soca {
 namespace {

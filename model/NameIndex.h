@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "model/TextSearch.h"
+#include "platform/text/TextSearch.h"
 #include "platform/text/UString.h"
 
 namespace soca {

@@ -4,7 +4,7 @@
 
 #include "model/AnalyzerPositions.h"
 #include "model/DotIndex.h"
-#include "model/TextSearch.h"
+#include "platform/text/TextSearch.h"
 
 namespace soca {
 namespace {

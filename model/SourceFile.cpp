@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <utility>
 
-#include "model/TextSearch.h"
 #include "platform/failure/Terminate.h"
+#include "platform/text/TextSearch.h"
 
 namespace soca {
 namespace {

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "model/SourceFile.h"
-#include "model/TextSearch.h"
+#include "platform/text/TextSearch.h"
 #include "service/ActionApplier.h"
 #include "service/ActionCollection.h"
 #include "service/ApplyUpdates.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/messages/MessageExplanations.h"
+#include "reports/explanations/MessageExplanations.h"
 
 namespace soca::cli {
 

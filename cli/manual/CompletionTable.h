@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "cli/OptionTable.h"
+#include "cli/options/OptionTable.h"
 
 namespace soca::cli {
 

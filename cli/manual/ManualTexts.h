@@ -4,7 +4,7 @@
 #include <span>
 #include <string_view>
 
-#include "cli/OptionTable.h"
+#include "cli/options/OptionTable.h"
 
 namespace soca::cli {
 

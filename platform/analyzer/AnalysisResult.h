@@ -6,8 +6,8 @@
 #include <optional>
 #include <vector>
 
-#include "platform/analyzer/Ast.h"
 #include "platform/analyzer/Diagnostic.h"
+#include "platform/analyzer/tree/Ast.h"
 #include "platform/paths/SourceReader.h"
 #include "platform/text/UString.h"
 

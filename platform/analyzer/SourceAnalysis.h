@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "platform/analyzer/AnalysisResult.h"
-#include "platform/analyzer/Arena.h"
-#include "platform/analyzer/LineTable.h"
-#include "platform/analyzer/Parser.h"
-#include "platform/analyzer/TextNames.h"
+#include "platform/analyzer/parser/Parser.h"
+#include "platform/analyzer/text/LineTable.h"
+#include "platform/analyzer/text/TextNames.h"
+#include "platform/analyzer/tree/Arena.h"
 
 namespace ca {
 

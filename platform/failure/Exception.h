@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/failure/BaseMsgID.h"
+#include "platform/messages/BaseMsgID.h"
 #include "platform/text/UString.h"
 
 namespace foundation::core::except {

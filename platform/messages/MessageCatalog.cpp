@@ -4,9 +4,9 @@
 #include <string>
 #include <variant>
 
-#include "platform/messages/MessageExplanations.h"
 #include "platform/messages/MessageListener.h"
 #include "platform/text/Conversions.h"
+#include "reports/explanations/MessageExplanations.h"
 
 namespace fl::i18n {
 namespace {

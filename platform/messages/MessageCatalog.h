@@ -1,7 +1,7 @@
 // The texts of messages.
 #pragma once
 
-#include "platform/failure/BaseMsgID.h"
+#include "platform/messages/BaseMsgID.h"
 #include "platform/text/Locale.h"
 #include "platform/text/UString.h"
 

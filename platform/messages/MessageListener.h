@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "platform/failure/BaseMsgID.h"
+#include "platform/messages/BaseMsgID.h"
 #include "platform/text/UString.h"
 
 namespace fl::i18n {

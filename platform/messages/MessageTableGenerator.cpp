@@ -101,7 +101,7 @@ void generate(const char* from, const char* to) {
   const Json data = Json::parse(in);
   std::ofstream out(to);
   out << "// Made from messages.json.\n#pragma once\n\n#include <array>\n\n"
-         "#include \"platform/messages/MessageExplanations.h\"\n\nnamespace fl::i18n {\n\n";
+         "#include \"reports/explanations/MessageExplanations.h\"\n\nnamespace fl::i18n {\n\n";
   writeMessages("messageTable", data.at("messages"), data.at("catalog").get<std::string>(), out);
   writeMessages("programTable", data.at("program"), "", out);
   writeRules(data.at("rules"), out);

@@ -1,7 +1,7 @@
 // Constrained sets as source declares them.
 #pragma once
 
-#include "platform/analyzer/Ast.h"
+#include "platform/analyzer/tree/Ast.h"
 #include "platform/runtime/ClassDescription.h"
 
 namespace sotarn {

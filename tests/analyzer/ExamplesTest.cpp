@@ -6,7 +6,7 @@
 #include <set>
 
 #include "platform/analyzer/Analyzer.h"
-#include "platform/analyzer/NodeVisitor.h"
+#include "platform/analyzer/tree/NodeVisitor.h"
 #include "platform/paths/SourceReader.h"
 #include "platform/text/Conversions.h"
 

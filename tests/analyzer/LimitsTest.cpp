@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "platform/analyzer/Analyzer.h"
-#include "platform/analyzer/NodeVisitor.h"
 #include "platform/analyzer/SourceAnalysis.h"
+#include "platform/analyzer/tree/NodeVisitor.h"
 
 namespace ca {
 namespace {

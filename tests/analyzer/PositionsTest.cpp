@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/analyzer/Analyzer.h"
-#include "platform/analyzer/NodeVisitor.h"
+#include "platform/analyzer/tree/NodeVisitor.h"
 #include "tests/analyzer/TreeText.h"
 
 namespace ca {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/analyzer/AnalysisResult.h"
-#include "platform/analyzer/AstDispatcher.h"
+#include "platform/analyzer/tree/AstDispatcher.h"
 #include "platform/text/Conversions.h"
 
 namespace ca {

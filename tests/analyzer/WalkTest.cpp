@@ -5,7 +5,7 @@
 #include <stdexcept>
 
 #include "platform/analyzer/Analyzer.h"
-#include "platform/analyzer/NodeVisitor.h"
+#include "platform/analyzer/tree/NodeVisitor.h"
 
 namespace ca {
 namespace {

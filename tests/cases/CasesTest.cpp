@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <set>
 
-#include "platform/messages/MessageExplanations.h"
 #include "platform/messages/MessageListener.h"
+#include "reports/explanations/MessageExplanations.h"
 #include "tests/cases/CaseFile.h"
 #include "tests/cases/CaseRun.h"
 

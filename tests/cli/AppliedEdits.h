@@ -6,7 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "cli/Sha256.h"
+#include "files/writing/Sha256.h"
 #include "platform/text/Conversions.h"
 #include "platform/text/FileText.h"
 

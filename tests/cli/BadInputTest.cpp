@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
-#include "cli/InternalErrors.h"
 #include "platform/failure/Terminate.h"
+#include "reports/outcomes/InternalErrors.h"
 #include "tests/cli/ProgramRunner.h"
 
 namespace soca::testing {

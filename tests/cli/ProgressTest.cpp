@@ -1,4 +1,4 @@
-#include "cli/Progress.h"
+#include "cli/terminal/Progress.h"
 
 #include <gtest/gtest.h>
 #include <pty.h>

@@ -1,5 +1,5 @@
 // What the explanations show is what the system does.
-#include "platform/messages/MessageExplanations.h"
+#include "reports/explanations/MessageExplanations.h"
 
 #include <gtest/gtest.h>
 

@@ -5,8 +5,8 @@
 #include <stdexcept>
 
 #include "model/DotIndex.h"
-#include "model/TextSearch.h"
 #include "platform/text/Conversions.h"
+#include "platform/text/TextSearch.h"
 
 namespace soca {
 namespace {

@@ -1,0 +1,13 @@
+// What `--help` prints.
+#pragma once
+
+#include <string>
+
+#include "cli/options/Options.h"
+
+namespace soca::cli {
+
+// Help on a command, or with CommandType::help on the program as a whole.
+std::string helpText(CommandType subject);
+
+}  // namespace soca::cli

@@ -1,0 +1,73 @@
+#include "cli/commands/ReportRun.h"
+
+#include <optional>
+#include <string>
+
+#include "cli/commands/OrderedWorkers.h"
+#include "cli/terminal/Signals.h"
+#include "files/targets/Targets.h"
+#include "platform/paths/FileView.h"
+#include "platform/text/Conversions.h"
+#include "reports/FileNames.h"
+#include "reports/formats/TextFormat.h"
+#include "reports/outcomes/Failures.h"
+#include "reports/outcomes/InternalErrors.h"
+#include "service/UpdaterImpl.h"
+
+namespace soca::cli {
+namespace {
+
+struct ReportOutcome {
+  std::string text;
+  std::optional<Failure> failure;
+};
+
+fl::ustring makeReport(const Options& options, const fl::ustring& className) {
+  UpdaterImpl updater;
+  return options.command == CommandType::actions
+             ? updater.reportActions(className, options.includeSuperclasses)
+             : updater.reportClass(className);
+}
+
+ReportOutcome report(const Options& options, const Target& target,
+                     const FailureDescriber& describer) {
+  const CurrentClass current(target.className);
+  try {
+    const auto className = fl::i18n::to_ustring(target.className);
+    return {fl::i18n::to_string(makeReport(options, className)), std::nullopt};
+  } catch (...) {
+    return {{},
+            describer.describeCurrentException(
+                {target.className, options.rules, options.includeSuperclasses})};
+  }
+}
+
+}  // namespace
+
+ExitCodeType runReport(const Options& options, const ClassRoots& roots, Console& console) {
+  const FileNames names(&roots);
+  const FailureDescriber describer(&roots, &names);
+  const fl::filesystem::FileView view;
+  Targets targets(&roots, options.arguments);
+  auto exitCode = ExitCodeType::done;
+  const auto next = [&]() -> std::optional<Target> {
+    if (wasInterrupted()) return std::nullopt;
+    return targets.next();
+  };
+  const auto consume = [&](const ReportOutcome& outcome) {
+    console.print(outcome.text);
+    if (outcome.failure) {
+      TextReport::printFailure(console, *outcome.failure);
+      exitCode = ExitCodeType::failed;
+    }
+    return !wasInterrupted();
+  };
+  const auto work = [&](const Target& target) {
+    const fl::filesystem::FileView::Scope scope(view);
+    return report(options, target, describer);
+  };
+  OrderedWorkers<Target, ReportOutcome>(options.jobs, next, work, consume).run();
+  return wasInterrupted() ? interruptExitCode() : exitCode;
+}
+
+}  // namespace soca::cli

@@ -1,0 +1,121 @@
+#include "cli/commands/StandardInput.h"
+
+#include <fmt/core.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+
+#include "cli/terminal/Signals.h"
+#include "files/targets/Targets.h"
+#include "platform/analyzer/Analyzer.h"
+#include "platform/paths/NativePath.h"
+#include "platform/paths/Overlay.h"
+#include "platform/text/FileText.h"
+#include "reports/FileNames.h"
+#include "reports/UpdateReport.h"
+#include "reports/outcomes/ClassUpdater.h"
+
+namespace soca::cli {
+namespace {
+
+// Up to the end of standard input, or to an interrupt.
+std::string readAll() {
+  std::string bytes;
+  std::array<char, std::size_t{1} << 16U> buffer;
+  while (!wasInterrupted()) {
+    const ssize_t count = ::read(STDIN_FILENO, buffer.data(), buffer.size());
+    if (count == 0) break;
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) {
+      throw std::runtime_error(
+          fmt::format("standard input could not be read: {}", std::strerror(errno)));
+    }
+    bytes.append(buffer.data(), static_cast<std::size_t>(count));
+    if (bytes.size() > ca::maximumFileSize) {
+      throw std::runtime_error(
+          fmt::format("standard input has more than {} MiB", ca::maximumFileSize >> 20U));
+    }
+  }
+  return bytes;
+}
+
+// The class that the path would have, be there a file or not.
+Target targetOf(const Options& options, const ClassRoots& roots) {
+  if (!stemOfClassFile(options.stdinPath) || options.stdinPath.ends_with(".p")) {
+    throw UsageError(
+        fmt::format("--stdin-path takes the path of a class file, which ends in .vlm, "
+                    "and not '{}'",
+                    options.stdinPath));
+  }
+  // With a slash it can't be the name of a class.
+  return *Targets(&roots, {fl::filesystem::makeAbsoluteLexically(options.stdinPath)}).next();
+}
+
+UpdateWishes wishesOf(const Options& options, const StandardInput& input) {
+  UpdateWishes wishes = makeWishes(options);
+  wishes.newBytes = options.format == FormatType::text && !options.check;
+  wishes.input = &input;
+  return wishes;
+}
+
+class StandardInputRun {
+ public:
+  StandardInputRun(const Options& options, const ClassRoots& roots, Console& console)
+      : options_(options),
+        console_(console),
+        names_(&roots),
+        target_(targetOf(options, roots)),
+        report_(makeUpdateReport(options, roots, names_, console)) {}
+
+  ExitCodeType run(const ClassRoots& roots) {
+    StandardInput input;
+    input.path = target_.path;
+    const std::string bytes = readAll();
+    if (wasInterrupted()) return interruptExitCode();
+    fl::DecodedText decoded = fl::decodeFileText(bytes);
+    input.file.encoding = decoded.encoding;
+    const fl::filesystem::OverlayScope overlay(input.path, std::move(decoded.text));
+    const TargetOutcome outcome =
+        ClassUpdater(&roots, &names_, wishesOf(options_, input)).update(target_);
+    for (const ClassOutcome& each : outcome.classes) print(each, bytes);
+    for (const Failure& failure : outcome.failures) report_->addFailure(failure);
+    if (!outcome.failures.empty()) exitCode_ = ExitCodeType::failed;
+    report_->finish(exitCode_);
+    return exitCode_;
+  }
+
+ private:
+  void print(const ClassOutcome& outcome, const std::string& oldBytes) {
+    report_->printNotes(outcome);
+    if (outcome.isRefused()) exitCode_ = ExitCodeType::failed;
+    if (options_.check && outcome.hasNewFile()) exitCode_ = ExitCodeType::somethingToChange;
+    if (options_.format == FormatType::text && !options_.check) {
+      if (!outcome.isRefused()) console_.print(outcome.hasNewFile() ? outcome.newBytes : oldBytes);
+      return;
+    }
+    const std::string data = report_->dataOf(outcome);
+    if (!data.empty()) report_->printData(data);
+  }
+
+  const Options& options_;
+  Console& console_;
+  FileNames names_;
+  Target target_;
+  std::unique_ptr<UpdateReport> report_;
+  ExitCodeType exitCode_ = ExitCodeType::done;
+};
+
+}  // namespace
+
+ExitCodeType updateStandardInput(const Options& options, const ClassRoots& roots,
+                                 Console& console) {
+  return StandardInputRun(options, roots, console).run(roots);
+}
+
+}  // namespace soca::cli

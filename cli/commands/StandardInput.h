@@ -1,0 +1,28 @@
+// `update --stdin-path PATH -`: the update of a text that no file holds yet.
+#pragma once
+
+#include <string>
+
+#include "cli/options/Options.h"
+#include "cli/terminal/Console.h"
+#include "files/targets/ClassRoots.h"
+#include "files/writing/NewFile.h"
+#include "reports/ExitCodes.h"
+
+namespace soca::cli {
+
+// The text of one class, to be taken for that of its file, which need not be there.
+struct StandardInput {
+  // Absolute, as the class path names it.
+  std::string path;
+  fl::filesystem::FileState file;
+};
+
+// Reads the text of the class from standard input and prints what becomes of it: the new bytes, or
+// those that came in. Of the class itself nothing is read from a disk. On failure nothing is
+// printed but complaints, and in the formats for programs what they have for failures.
+//
+// Throws UsageError for a path that no class has.
+ExitCodeType updateStandardInput(const Options& options, const ClassRoots& roots, Console& console);
+
+}  // namespace soca::cli

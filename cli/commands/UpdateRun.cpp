@@ -1,0 +1,262 @@
+#include "cli/commands/UpdateRun.h"
+
+#include <fmt/core.h>
+
+#include <exception>
+#include <optional>
+#include <thread>
+#include <utility>
+
+#include "cli/commands/OrderedWorkers.h"
+#include "cli/terminal/Signals.h"
+#include "files/writing/FileWriter.h"
+#include "platform/timing/Phase.h"
+#include "reports/explanations/ProgramMessages.h"
+
+namespace soca::cli {
+namespace {
+
+using fl::timing::Phase;
+using fl::timing::PhaseType;
+
+UpdateWishes wishesOf(const Options& options) {
+  UpdateWishes wishes = makeWishes(options);
+  const bool isText = options.format == FormatType::text;
+  wishes.diff = isText && !options.quiet && !options.check && !options.write;
+  wishes.newBytes = options.write;
+  return wishes;
+}
+
+Failure makeWriteFailure(const std::string& className, const std::string& file,
+                         const std::string& reason) {
+  Failure failure;
+  failure.className = className;
+  failure.id = "soca:WriteFailed";
+  failure.message = programMessage(failure.id, {file, reason});
+  if (reason == changedReason) failure.hints = {"run the update again"};
+  return failure;
+}
+
+}  // namespace
+
+UpdateRun::UpdateRun(const Options* options, const ClassRoots* roots, Console* console)
+    : options_(options),
+      roots_(roots),
+      console_(console),
+      names_(roots),
+      targets_(roots, options->arguments, walkType(), &git_),
+      updater_(roots, &names_, wishesOf(*options)),
+      report_(makeUpdateReport(*options, *roots, names_, *console)) {
+  const bool asksInDryRun = targets_.haveFolders() && !options->noIgnore && !options->check;
+  asksGit_ = !options->allowDirty && (options->write || asksInDryRun);
+}
+
+ExitCodeType UpdateRun::run() {
+  if (options_->write) queue_.emplace(console_);
+  if (options_->stats) stats_.emplace();
+  computeAll();
+  if (options_->write && fatalError_.empty() && !wasInterrupted()) {
+    try {
+      writeAll();
+    } catch (const std::exception& error) {
+      fatalError_ = error.what();
+    }
+  }
+  finish();
+  return exitCode();
+}
+
+WalkType UpdateRun::walkType() const {
+  return options_->noIgnore ? WalkType::everything : WalkType::filtered;
+}
+
+void UpdateRun::countTargets(const std::stop_token& stop, Progress& progress) {
+  try {
+    Targets targets(roots_, options_->arguments, walkType(), &git_);
+    std::size_t total = 0;
+    while (!stop.stop_requested() && targets.next()) ++total;
+    if (!stop.stop_requested()) progress.setTotal(total);
+  } catch (const std::exception&) {
+    // The update itself will tell what is wrong.
+  }
+}
+
+void UpdateRun::computeAll() {
+  std::optional<Progress> progress;
+  std::jthread counter;
+  if (!options_->quiet && !targets_.isOneClass() && console_->hasStatusLine()) {
+    progress.emplace(console_, "classes");
+    counter = std::jthread([&](const std::stop_token& stop) { countTargets(stop, *progress); });
+  }
+  const auto next = [this]() -> std::optional<Target> {
+    if (wasInterrupted()) return std::nullopt;
+    const Phase phase(PhaseType::walk);
+    return targets_.next();
+  };
+  const auto consume = [&](TargetOutcome& outcome) {
+    const Phase phase(PhaseType::print);
+    try {
+      take(outcome);
+      if (progress) progress->advance();
+    } catch (const std::exception& error) {
+      fatalError_ = error.what();
+    }
+    return fatalError_.empty() && !wasInterrupted();
+  };
+  OrderedWorkers<Target, TargetOutcome>(
+      targets_.isOneClass() ? 1 : options_->jobs, next,
+      [this](const Target& target) { return work(target); }, consume)
+      .run();
+}
+
+TargetOutcome UpdateRun::work(const Target& target) {
+  const fl::filesystem::FileView::Scope scope(view_);
+  TargetOutcome outcome = updater_.update(target);
+  for (ClassOutcome& entry : outcome.classes) {
+    if (asksGit_ && entry.hasNewFile()) checkUncommitted(entry);
+    entry.data = report_->dataOf(entry);
+    entry.text = {};
+    entry.diff = {};
+    entry.edits = {};
+    entry.conversions = {};
+  }
+  return outcome;
+}
+
+void UpdateRun::checkUncommitted(ClassOutcome& outcome) {
+  const Phase phase(PhaseType::git);
+  auto reason = git_.findUncommitted(outcome.file);
+  if (!reason) return;
+  if (options_->write) {
+    outcome.refuse(std::move(*reason));
+  } else {
+    outcome.writeRefusal = std::move(*reason);
+  }
+}
+
+void UpdateRun::take(TargetOutcome& outcome) {
+  if (outcome.hasNoClass) ++summary_.filesWithoutClass;
+  for (ClassOutcome& entry : outcome.classes) {
+    if (options_->includeSuperclasses && !shown_.insert(entry.className).second) continue;
+    takeClass(entry);
+  }
+  for (const Failure& failure : outcome.failures) addFailure(failure);
+  if (outcome.skipped) {
+    ++summary_.skipped;
+    report_->addSkipped(*outcome.skipped);
+  }
+}
+
+void UpdateRun::takeClass(ClassOutcome& outcome) {
+  summary_.add(outcome);
+  if (!options_->quiet) methodChanges_.add(outcome);
+  // A file that several classes stand for, over links, changes once.
+  const bool isFirst =
+      !outcome.hasNewFile() || files_[outcome.stamp.device].insert(outcome.stamp.inode).second;
+  if (!isFirst && options_->format == FormatType::text) outcome.data.clear();
+  if (options_->write) {
+    queue_->add(outcome, outcome.hasNewFile() && isFirst);
+  } else if (!outcome.data.empty()) {
+    report_->printData(outcome.data);
+  }
+  report_->printNotes(outcome);
+}
+
+void UpdateRun::addFailure(const Failure& failure) {
+  summary_.addFailure(failure);
+  report_->addFailure(failure);
+}
+
+void UpdateRun::writeAll() {
+  {
+    const Phase phase(PhaseType::write);
+    queue_->write();
+  }
+  isWritten_ = !queue_->result().isCutShort;
+  fatalError_ = queue_->result().problem;
+  takeWritten();
+}
+
+// What was not written is no result.
+void UpdateRun::takeWritten() {
+  const auto& entries = queue_->entries();
+  const bool isPartlyWritten = queue_->result().writtenCount > 0;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    switch (queue_->fateOf(i)) {
+      case WriteQueue::FateType::hasNoNewFile:
+      case WriteQueue::FateType::written:
+        if (entries[i].data.size > 0) report_->printData(queue_->dataOf(entries[i]));
+        break;
+      case WriteQueue::FateType::failed:
+        --summary_.changed;
+        --summary_.classes;
+        dropConversions(entries[i]);
+        addFailure(
+            makeWriteFailure(entries[i].className, entries[i].file, queue_->reasonOfFailure(i)));
+        break;
+      case WriteQueue::FateType::leftOut:
+        ++leftOut_;
+        if (isPartlyWritten) dropConversions(entries[i]);
+        break;
+    }
+  }
+}
+
+void UpdateRun::dropConversions(const WriteQueue::Entry& entry) {
+  for (std::size_t i = 0; i < entry.editCounts.size(); ++i) {
+    summary_.conversions[i] -= entry.editCounts[i];
+  }
+}
+
+void UpdateRun::finish() {
+  report_->finish(exitCode());
+  if (!options_->quiet) printWarnings();
+  if (!fatalError_.empty()) console_->complain(fatalError_);
+  console_->tell(summaryText());
+  if (!options_->quiet) console_->printError(formatDetails(summary_, console_->width()));
+  const RunNumber run = queue_ ? queue_->result().run : 0;
+  if (run != 0 && !options_->quiet) {
+    console_->tell(fmt::format("this was run {}; 'soca undo' puts the files back", run));
+  }
+  if (stats_) console_->printError(stats_->text());
+}
+
+void UpdateRun::printWarnings() {
+  for (const std::string& warning : targets_.warnings()) console_->tell(warning);
+  for (const std::string& warning : methodChanges_.warnings()) console_->tell(warning);
+  if (summary_.uncommitted > 0) {
+    console_->tell(
+        fmt::format("warning: --write would refuse {} of these, which git could not bring back; "
+                    "commit or stash first, or give --allow-dirty",
+                    summary_.uncommitted));
+  }
+}
+
+std::string UpdateRun::summaryText() const {
+  const bool isPartlyWritten = queue_ && queue_->result().writtenCount > 0;
+  const auto tense = isWritten_ || isPartlyWritten ? TenseType::changed : TenseType::wouldChange;
+  Summary summary = summary_;
+  if (isPartlyWritten) {
+    summary.changed -= leftOut_;
+    summary.classes -= leftOut_;
+  }
+  std::string text = formatSummary(summary, tense);
+  if (isPartlyWritten && leftOut_ > 0) {
+    text += fmt::format("; {} more would change and {} not written", leftOut_,
+                        leftOut_ == 1 ? "was" : "were");
+  } else if (options_->write && !isWritten_) {
+    text += "; nothing was written";
+  }
+  return wasInterrupted() && !isWritten_ ? "interrupted; " + text : text;
+}
+
+ExitCodeType UpdateRun::exitCode() const {
+  if (wasInterrupted() && !isWritten_) return interruptExitCode();
+  if (!fatalError_.empty() || summary_.failed > 0 || summary_.refused > 0) {
+    return ExitCodeType::failed;
+  }
+  return options_->check && summary_.changed > 0 ? ExitCodeType::somethingToChange
+                                                 : ExitCodeType::done;
+}
+
+}  // namespace soca::cli

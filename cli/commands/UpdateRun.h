@@ -1,0 +1,94 @@
+// The command `update`.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "cli/commands/Stats.h"
+#include "cli/commands/WriteQueue.h"
+#include "cli/options/Options.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/Progress.h"
+#include "conversions/MethodChanges.h"
+#include "files/targets/ClassRoots.h"
+#include "files/targets/Git.h"
+#include "files/targets/Targets.h"
+#include "platform/paths/FileView.h"
+#include "reports/ExitCodes.h"
+#include "reports/FileNames.h"
+#include "reports/Summary.h"
+#include "reports/UpdateReport.h"
+#include "reports/outcomes/ClassUpdater.h"
+
+namespace soca::cli {
+
+// Computes and checks the updates of all targets, by several threads, and shows them in the order
+// of the arguments. With `--write` everything is put aside until the last class is done; then the
+// files are replaced.
+class UpdateRun {
+ public:
+  // All three must outlive the run. Throws UsageError for arguments that are on no root.
+  UpdateRun(const Options* options, const ClassRoots* roots, Console* console);
+
+  ExitCodeType run();
+
+ private:
+  void computeAll();
+  WalkType walkType() const;
+  // Tells the progress how many targets there are.
+  void countTargets(const std::stop_token& stop, Progress& progress);
+  TargetOutcome work(const Target& target);
+  // Refuses to change what git could not bring back; in a dry run only notes that.
+  void checkUncommitted(ClassOutcome& outcome);
+  // Both run in the order of the targets.
+  void take(TargetOutcome& outcome);
+  void takeClass(ClassOutcome& outcome);
+
+  void addFailure(const Failure& failure);
+  void writeAll();
+  void takeWritten();
+  // Takes the edits of a class that was not written out of the summary.
+  void dropConversions(const WriteQueue::Entry& entry);
+  void finish();
+  void printWarnings();
+  std::string summaryText() const;
+  ExitCodeType exitCode() const;
+
+  const Options* options_;
+  const ClassRoots* roots_;
+  Console* console_;
+  // All is computed from the files as they stand before the run.
+  fl::filesystem::FileView view_;
+  FileNames names_;
+  Git git_;
+  Targets targets_;
+  ClassUpdater updater_;
+  std::unique_ptr<UpdateReport> report_;
+
+  // Only with `--stats`.
+  std::optional<Stats> stats_;
+  // Whether it matters what is committed to git.
+  bool asksGit_ = false;
+  Summary summary_;
+  MethodChanges methodChanges_;
+  // With superclasses, the classes that were shown.
+  std::unordered_set<std::string> shown_;
+  // The files that change: their inodes by their devices.
+  std::map<std::uint64_t, std::unordered_set<std::uint64_t>> files_;
+  // Only with `--write`.
+  std::optional<WriteQueue> queue_;
+  // Whether the writing came to its end, and how many files it left out if it did not.
+  bool isWritten_ = false;
+  std::size_t leftOut_ = 0;
+  // What keeps the run as a whole from going on.
+  std::string fatalError_;
+};
+
+}  // namespace soca::cli

@@ -1,0 +1,77 @@
+#include "cli/commands/WriteQueue.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "cli/terminal/Signals.h"
+#include "files/writing/Repair.h"
+
+namespace soca::cli {
+namespace {
+
+bool goesOn() { return !wasInterrupted(); }
+
+}  // namespace
+
+WriteQueue::WriteQueue(Console* console) : console_(console) {
+  // Somebody has to take away what lies beside the files, whoever has stopped reading.
+  ignoreBrokenPipes();
+  if (const auto lock = store_.lock(*console_, goesOn)) {
+    repairRuns(store_, *lock, *console_, goesOn);
+  }
+}
+
+void WriteQueue::add(const ClassOutcome& outcome, bool hasNewFile) {
+  Entry entry;
+  entry.className = outcome.className;
+  entry.file = outcome.file;
+  entry.data = data_.put(outcome.data);
+  entry.hasNewFile = hasNewFile;
+  if (hasNewFile) {
+    entry.newBytes = newBytes_.put(outcome.newBytes);
+    entry.newDigest = digestOf(outcome.newBytes);
+  }
+  entry.stamp = outcome.stamp;
+  std::ranges::transform(outcome.editCounts, entry.editCounts.begin(),
+                         [](std::size_t count) { return static_cast<std::uint32_t>(count); });
+  entries_.push_back(std::move(entry));
+}
+
+void WriteQueue::write() {
+  std::vector<FileChange> changes;
+  for (std::size_t i = 0; i < entries_.size(); ++i) {
+    const Entry& entry = entries_[i];
+    changeOf_.push_back(changes_.size());
+    if (!entry.hasNewFile) continue;
+    changes_.push_back(i);
+    changes.push_back({entry.file, entry.stamp, entry.newDigest});
+  }
+  if (changes.empty()) return;
+  const auto lock = store_.lock(*console_, goesOn);
+  if (lock) repairRuns(store_, *lock, *console_, goesOn);
+  if (!lock || wasInterrupted()) {
+    result_.isWritten.resize(changes.size());
+    result_.isCutShort = true;
+    return;
+  }
+  const auto newBytes = [this](std::size_t change) {
+    std::string bytes = newBytes_.take(entries_[changes_[change]].newBytes);
+    // What was put aside would be flushed together with the new files.
+    if (change + 1 == changes_.size()) newBytes_.drop();
+    return bytes;
+  };
+  result_ = writeFiles(store_, *lock, changes, newBytes, goesOn);
+}
+
+WriteQueue::FateType WriteQueue::fateOf(std::size_t entry) const {
+  if (!entries_[entry].hasNewFile) return FateType::hasNoNewFile;
+  const std::size_t change = changeOf_[entry];
+  if (result_.isWritten[change]) return FateType::written;
+  return result_.failures.contains(change) ? FateType::failed : FateType::leftOut;
+}
+
+const std::string& WriteQueue::reasonOfFailure(std::size_t entry) const {
+  return result_.failures.at(changeOf_[entry]);
+}
+
+}  // namespace soca::cli

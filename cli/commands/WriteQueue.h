@@ -1,0 +1,68 @@
+// What a run with `--write` puts aside until its last class is done, and then writes.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "cli/terminal/Console.h"
+#include "files/writing/FileBatch.h"
+#include "files/writing/RunStore.h"
+#include "files/writing/Spool.h"
+#include "reports/outcomes/Outcome.h"
+
+namespace soca::cli {
+
+class WriteQueue {
+ public:
+  // A class in the order of the run.
+  struct Entry {
+    std::string className;
+    std::string file;
+    Spool::Place data;
+    bool hasNewFile = false;
+    // Only for a new file.
+    Spool::Place newBytes;
+    fl::filesystem::FileStamp stamp;
+    Digest newDigest;
+    // How many edits each rule family made.
+    std::array<std::uint32_t, 3> editCounts{};
+  };
+
+  // What became of an entry.
+  enum class FateType { hasNoNewFile, written, failed, leftOut };
+
+  // Puts right what an earlier run has left, if it was interrupted, so it has to come before the
+  // first class is read. `console` must outlive the queue. Throws JournalError if there is no place
+  // for a journal.
+  explicit WriteQueue(Console* console);
+
+  // Both throw std::runtime_error if what is put aside can't be written or read.
+  void add(const ClassOutcome& outcome, bool hasNewFile);
+  std::string dataOf(const Entry& entry) { return data_.take(entry.data); }
+
+  // Writes all new files. Throws JournalError and std::runtime_error; nothing is written then.
+  void write();
+
+  const std::vector<Entry>& entries() const { return entries_; }
+  // After `write`.
+  FateType fateOf(std::size_t entry) const;
+  const std::string& reasonOfFailure(std::size_t entry) const;
+  const BatchResult& result() const { return result_; }
+
+ private:
+  Console* console_;
+  RunStore store_;
+  Spool data_;
+  Spool newBytes_;
+  std::vector<Entry> entries_;
+  // The entries with a new file; the changes of the batch stand in this order.
+  std::vector<std::size_t> changes_;
+  // For each entry the number of its change.
+  std::vector<std::size_t> changeOf_;
+  BatchResult result_;
+};
+
+}  // namespace soca::cli

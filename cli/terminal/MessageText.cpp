@@ -1,0 +1,94 @@
+#include "cli/terminal/MessageText.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+#include "conversions/LineDiff.h"
+
+namespace soca::cli {
+namespace {
+
+constexpr std::string_view replacement = "\xEF\xBF\xBD";
+constexpr std::string_view plain = "\x1b[m";
+constexpr std::string_view caretColor = "\x1b[1;32m";
+
+struct Severity {
+  // As it stands behind the place that a message is about.
+  std::string_view mark;
+  std::string_view color;
+};
+
+constexpr auto severities = std::to_array<Severity>({{": error:", "\x1b[1;31m"},
+                                                     {": warning:", "\x1b[1;35m"},
+                                                     {": note:", "\x1b[36m"},
+                                                     {"  hint:", "\x1b[36m"}});
+
+bool isControl(char character) {
+  const auto byte = static_cast<unsigned char>(character);
+  return (byte < 0x20 && byte != '\n' && byte != '\t') || byte == 0x7F;
+}
+
+// U+0080 to U+009F, of which one introduces a sequence of controls.
+bool isControlPair(std::string_view text) {
+  return text.size() > 1 && text[0] == '\xC2' && static_cast<unsigned char>(text[1]) < 0xA0;
+}
+
+// Whether the line is the one below a line of source, with nothing but a caret in it.
+bool isCaretLine(std::string_view line) {
+  const std::size_t first = line.find_first_not_of(' ');
+  return first != std::string_view::npos && line.substr(first).starts_with("| ") &&
+         line.ends_with("^\n") && line.find_first_not_of(" \t", first + 1) == line.size() - 2;
+}
+
+// The first of the marks in the line counts: what follows may be text of a person's file.
+void addColored(std::string_view line, std::string& text) {
+  std::size_t first = std::string_view::npos;
+  const Severity* severity = nullptr;
+  for (const Severity& row : severities) {
+    const std::size_t place = line.find(row.mark);
+    if (place >= first) continue;
+    first = place;
+    severity = &row;
+  }
+  if (severity == nullptr) {
+    text += line;
+    return;
+  }
+  // The mark begins with two characters that are no part of the word.
+  text.append(line.substr(0, first + 2)).append(severity->color);
+  text.append(severity->mark.substr(2)).append(plain);
+  text.append(line.substr(first + severity->mark.size()));
+}
+
+}  // namespace
+
+std::string withoutControls(std::string_view text) {
+  std::string clean;
+  clean.reserve(text.size());
+  while (!text.empty()) {
+    const bool isPair = isControlPair(text);
+    if (isPair || isControl(text.front())) {
+      clean += replacement;
+    } else {
+      clean += text.front();
+    }
+    text.remove_prefix(isPair ? 2 : 1);
+  }
+  return clean;
+}
+
+std::string colorMessages(std::string_view lines) {
+  std::string text;
+  for (const std::string_view line : splitIntoLines(lines)) {
+    if (isCaretLine(line)) {
+      text.append(line.substr(0, line.size() - 2)).append(caretColor).append("^");
+      text.append(plain).append("\n");
+    } else {
+      addColored(line, text);
+    }
+  }
+  return text;
+}
+
+}  // namespace soca::cli

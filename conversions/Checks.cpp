@@ -1,0 +1,179 @@
+#include "conversions/Checks.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "conversions/ClassMembers.h"
+#include "conversions/KeptText.h"
+#include "model/AnalyzerPositions.h"
+#include "platform/runtime/ClassDescription.h"
+#include "platform/text/Conversions.h"
+#include "platform/text/TextSearch.h"
+
+namespace soca::cli {
+namespace {
+
+using fl::i18n::to_string;
+
+// The edits of one family that are no insertions, by where they begin.
+class EditsByStart {
+ public:
+  EditsByStart(const PlannedClass& planned, RuleFamilyType family) {
+    for (const PlannedAction& action : planned.actions) {
+      if (action.family != family) continue;
+      for (const PlannedEdit& edit : action.edits) {
+        if (edit.extent.start != edit.extent.end) edits_.push_back(&edit);
+      }
+    }
+    // Of two that begin at one place the one that is made first counts.
+    std::ranges::stable_sort(edits_, {}, startOf);
+    const auto same = std::ranges::unique(edits_, {}, startOf);
+    edits_.erase(same.begin(), same.end());
+  }
+
+  bool empty() const { return edits_.empty(); }
+
+  // The edit that replaces just this extent, or null.
+  const PlannedEdit* of(const Extent& extent) const {
+    const PlannedEdit* edit = lastAt(extent.start);
+    return edit != nullptr && edit->extent == extent ? edit : nullptr;
+  }
+
+  // The last edit that begins at the place or in front of it, or null.
+  const PlannedEdit* lastAt(const SourcePosition& place) const {
+    const auto behind = std::ranges::upper_bound(edits_, place, {}, startOf);
+    return behind != edits_.begin() ? *(behind - 1) : nullptr;
+  }
+
+ private:
+  static const SourcePosition& startOf(const PlannedEdit* edit) { return edit->extent.start; }
+
+  std::vector<const PlannedEdit*> edits_;
+};
+
+bool holdsItsQuote(const sotarn::ConstrainedSetInfo& set) {
+  const char16_t quote = set.valueType == 2 ? u'"' : u'\'';
+  return std::ranges::any_of(set.values, [quote](const fl::ustring& value) {
+    return value.find(quote) != fl::ustring::npos;
+  });
+}
+
+std::optional<std::string> checkSyntax(const ca::AnalysisResult& updated) {
+  if (!updated.hasSyntaxError()) return std::nullopt;
+  if (updated.diagnostics().empty()) return "the new text would have a syntax error";
+  const ca::Diagnostic& first = updated.diagnostics().front();
+  return fmt::format("the new text would have a syntax error in line {}, column {}: {}",
+                     first.line + 1, first.column + 1, first.message);
+}
+
+}  // namespace
+
+NewTextCheck::NewTextCheck(const PlannedClass& planned)
+    : className_(to_string(planned.result.className)),
+      lostText_(findLostText(*planned.oldText, planned.text(), planned.actions)) {
+  expectProperties(planned);
+  expectMethods(planned);
+}
+
+std::optional<std::string> NewTextCheck::findReasonToRefuse(
+    const ca::AnalysisResult& updated) const {
+  if (auto reason = checkSyntax(updated)) return reason;
+  if (auto reason = checkProperties(updated)) return reason;
+  if (auto reason = checkMethods(updated)) return reason;
+  return lostText_;
+}
+
+// --- properties ---
+
+void NewTextCheck::expectProperties(const PlannedClass& planned) {
+  const EditsByStart edits(planned, RuleFamilyType::attributes);
+  const auto isDeleted = [&](const DeclaredProperty& property) {
+    if (edits.empty()) return false;
+    const Extent extent = makeExtentOfNode(*planned.analysis, *property.node);
+    const PlannedEdit* edit = edits.lastAt(extent.start);
+    return edit != nullptr && edit->text.empty() && extent.end <= edit->extent.end;
+  };
+  const auto declared = declaredProperties(*planned.analysis);
+  properties_.reserve(declared.size());
+  for (const DeclaredProperty& property : declared) {
+    if (isDeleted(property)) {
+      deleted_.insert(property.name);
+    } else {
+      properties_.push_back({property.name, property.defaultText});
+    }
+  }
+}
+
+std::optional<std::string> NewTextCheck::checkProperties(const ca::AnalysisResult& updated) const {
+  const auto found = declaredProperties(updated);
+  auto next = found.begin();
+  for (const Property& property : properties_) {
+    if (next == found.end() || !areEqualTexts(next->name, property.name)) {
+      return fmt::format("property '{}' would get lost", to_string(property.name));
+    }
+    if (!property.defaultText.empty() && !areEqualTexts(next->defaultText, property.defaultText)) {
+      return fmt::format("the default value of property '{}' would change",
+                         to_string(property.name));
+    }
+    ++next;
+  }
+  if (next != found.end()) {
+    return fmt::format("a property '{}' would be added", to_string(next->name));
+  }
+  return checkDeleted();
+}
+
+// Only companions of sets may go, and their values have to survive the quotes that the new
+// declarations put round them.
+std::optional<std::string> NewTextCheck::checkDeleted() const {
+  if (deleted_.empty()) return std::nullopt;
+  std::unordered_set<fl::ustring_view> others = deleted_;
+  if (const auto description = sotarn::describeClass(className_)) {
+    for (const auto& [name, property] : description->properties) {
+      if (property.constrainedSet == nullptr) continue;
+      const sotarn::ConstrainedSetInfo& set = *property.constrainedSet;
+      if (!deleted_.contains(set.setPropertyName)) continue;
+      others.erase(set.setPropertyName);
+      if (holdsItsQuote(set)) {
+        return fmt::format("a value in the set of property '{}' has a quote in it", name);
+      }
+    }
+  }
+  if (others.empty()) return std::nullopt;
+  return fmt::format("property '{}' would be deleted", to_string(*others.begin()));
+}
+
+// --- methods ---
+
+// The names of the methods as the actions say that they will be.
+void NewTextCheck::expectMethods(const PlannedClass& planned) {
+  const EditsByStart edits(planned, RuleFamilyType::impl);
+  const auto editOf = [&](const ca::astapi::Node& node) {
+    return edits.empty() ? nullptr : edits.of(makeExtentOfNode(*planned.analysis, node));
+  };
+  for (const DeclaredMethod& method : declaredMethods(*planned.analysis)) {
+    const PlannedEdit* deletion = editOf(*method.node);
+    if (deletion != nullptr && deletion->text.empty()) continue;
+    const PlannedEdit* renaming = editOf(*method.node->name);
+    methods_.emplace_back(renaming != nullptr ? fl::ustring_view(renaming->text) : method.name);
+  }
+}
+
+std::optional<std::string> NewTextCheck::checkMethods(const ca::AnalysisResult& updated) const {
+  const auto found = declaredMethods(updated);
+  const auto [missing, other] =
+      std::ranges::mismatch(methods_, found, areEqualTexts, {}, &DeclaredMethod::name);
+  if (missing != methods_.end()) {
+    return fmt::format("method '{}' would get lost", to_string(*missing));
+  }
+  if (other != found.end()) {
+    return fmt::format("a method '{}' would be added", to_string(other->name));
+  }
+  return std::nullopt;
+}
+
+}  // namespace soca::cli

@@ -1,0 +1,43 @@
+// Where in its file a finding belongs.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/analyzer/AnalysisResult.h"
+#include "platform/analyzer/tree/Ast.h"
+#include "platform/text/UString.h"
+#include "reports/outcomes/Outcome.h"
+
+namespace soca::cli {
+
+class FindingPlaces {
+ public:
+  // `analysis` must outlive this object.
+  explicit FindingPlaces(const ca::AnalysisResult& analysis);
+
+  // The place of each: where the class declares the property or method that is the first argument.
+  void addMembers(std::vector<Finding>& findings) const;
+
+  // What each of them speaks of besides: the companion of a property, its get method, the place
+  // where it is used, the method of the same name, the first references to a method.
+  void addRelated(std::vector<Finding>& findings) const;
+
+ private:
+  // The nodes of the names.
+  using NodesByName = std::unordered_map<fl::ustring_view, const ca::astapi::Node*>;
+
+  LinePlace placeOf(const ca::astapi::Node& name) const;
+  void addName(const NodesByName& nodes, std::string_view name, std::string_view text,
+               Finding& finding) const;
+  void addUse(Finding& finding) const;
+  void addReferences(std::vector<Finding*>& findings) const;
+
+  const ca::AnalysisResult& analysis_;
+  NodesByName properties_;
+  NodesByName methods_;
+};
+
+}  // namespace soca::cli

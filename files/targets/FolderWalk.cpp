@@ -1,0 +1,210 @@
+#include "files/targets/FolderWalk.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <tuple>
+#include <utility>
+
+#include "platform/text/FileText.h"
+
+namespace soca::cli {
+namespace {
+
+struct CloseFolder {
+  void operator()(DIR* folder) const { ::closedir(folder); }
+};
+
+std::string pathIn(const std::string& folder, const std::string& name) {
+  return folder.ends_with('/') ? folder + name : folder + '/' + name;
+}
+
+bool isUtf8(const std::string& path) {
+  return fl::decodeFileText(path).encoding == fl::EncodingType::utf8;
+}
+
+// The place of an entry of the folder that stands at `folder`.
+std::string placeIn(const GitPlace& folder, const std::string& name) {
+  return folder.path.empty() ? name : folder.path + '/' + name;
+}
+
+bool exists(const std::string& path) {
+  struct stat status = {};
+  return ::lstat(path.c_str(), &status) == 0;
+}
+
+unsigned char typeOf(const struct stat& status) {
+  return static_cast<unsigned char>(IFTODT(status.st_mode));
+}
+
+// DT_DIR, DT_REG, or another type of entry. A link to a file counts as that file, and one to a
+// folder stays a link; one that leads nowhere counts as a file, which then can't be read.
+unsigned char entryType(const std::string& path, unsigned char type) {
+  struct stat status = {};
+  if (type == DT_UNKNOWN) {
+    if (::lstat(path.c_str(), &status) != 0) return DT_UNKNOWN;
+    type = typeOf(status);
+  }
+  if (type != DT_LNK) return type;
+  if (::stat(path.c_str(), &status) != 0) return DT_REG;
+  return S_ISDIR(status.st_mode) ? type : typeOf(status);
+}
+
+}  // namespace
+
+FolderWalk::FolderWalk(const ClassRoots* roots, Git* git, WalkType type, std::string folder)
+    : roots_(roots), git_(git), type_(type), start_(resolveLinks(folder).value_or(folder)) {
+  enterAnyway(std::move(folder));
+}
+
+std::optional<FoundFile> FolderWalk::next() {
+  while (true) {
+    if (unreadable_) return std::exchange(unreadable_, std::nullopt);
+    if (levels_.empty()) return std::nullopt;
+    Level& level = levels_.back();
+    if (level.entries.empty()) {
+      levels_.pop_back();
+      continue;
+    }
+    const Entry entry = std::move(level.entries.back());
+    level.entries.pop_back();
+    if (entry.isFolder) {
+      enterFolderIn(level, entry);
+    } else if (!isIgnored(level, entry)) {
+      return describe(level, entry);
+    }
+  }
+}
+
+void FolderWalk::enterAnyway(std::string folder) {
+  GitPlace git = askGit(folder);
+  const bool isIgnored =
+      git.repository != nullptr && !git.path.empty() && git.repository->isFolderIgnored(git.path);
+  enter(std::move(folder), isIgnored ? GitPlace() : std::move(git));
+}
+
+void FolderWalk::enterFolderIn(const Level& level, const Entry& entry) {
+  std::string folder = pathIn(level.folder, entry.name);
+  if (entry.isLink && !isNewFolder(folder)) return;
+  if (std::ranges::find(roots_->all(), folder) != roots_->all().end()) {
+    return enterAnyway(std::move(folder));
+  }
+  if (isIgnored(level, entry) && !roots_->hasRootAtOrBelow(folder)) return;
+  GitPlace git = level.git;
+  if (git.repository != nullptr) git.path = placeIn(git, entry.name);
+  if (exists(pathIn(folder, ".git"))) git = askGit(folder);
+  enter(std::move(folder), std::move(git));
+}
+
+void FolderWalk::enter(std::string folder, GitPlace git) {
+  Level level;
+  level.folder = std::move(folder);
+  level.package = roots_->packageOf(level.folder);
+  level.isMisnamed = !isUtf8(level.folder);
+  level.git = std::move(git);
+  level.entries = readEntries(level);
+  levels_.push_back(std::move(level));
+}
+
+GitPlace FolderWalk::askGit(const std::string& folder) {
+  if (type_ == WalkType::everything) return {};
+  const auto path = resolveLinks(folder);
+  GitPlace place = path ? git_->placeOfFolder(*path) : GitPlace();
+  if (!place.problem.empty()) warnings_.push_back(place.problem);
+  return place;
+}
+
+bool FolderWalk::isIgnored(const Level& level, const Entry& entry) {
+  if (level.git.repository == nullptr) return false;
+  if (entry.isFolder) {
+    return level.git.repository->isFolderIgnored(placeIn(level.git, entry.name));
+  }
+  return level.git.repository->isFileIgnored(placeIn(level.git, fileName(entry)));
+}
+
+bool FolderWalk::isNewFolder(const std::string& link) {
+  auto folder = resolveLinks(link);
+  if (!folder || relativeTo(start_, *folder) || relativeTo(*folder, start_)) return false;
+  return linked_.insert(std::move(*folder)).second;
+}
+
+std::vector<FolderWalk::Entry> FolderWalk::readEntries(const Level& level) {
+  std::vector<Entry> entries;
+  const std::unique_ptr<DIR, CloseFolder> folder(::opendir(level.folder.c_str()));
+  if (folder != nullptr) {
+    errno = 0;
+    while (const dirent* entry = ::readdir(folder.get())) {
+      addEntry(level, entry->d_name, entry->d_type, entries);
+      errno = 0;
+    }
+  }
+  if (errno != 0) {
+    unreadable_ = FoundFile{.type = FoundFile::Type::unreadable,
+                            .path = level.folder,
+                            .className = {},
+                            .reason = std::strerror(errno)};
+  }
+  // The file of a class comes before the folder of a package with its name, as `a.B` does before
+  // `a.B.C`; taken from the back, so the other way round.
+  std::ranges::sort(entries, std::ranges::greater(), [](const Entry& entry) {
+    return std::tie(entry.name, entry.isFolder, entry.hasSource);
+  });
+  // A source file and the p-file behind it are one class.
+  const auto isSameClass = [](const Entry& source, const Entry& pFile) {
+    return !source.isFolder && !pFile.isFolder && source.name == pFile.name;
+  };
+  entries.erase(std::unique(entries.begin(), entries.end(), isSameClass), entries.end());
+  return entries;
+}
+
+void FolderWalk::addEntry(const Level& level, const std::string& name, unsigned char type,
+                          std::vector<Entry>& entries) {
+  const auto stem = stemOfClassFile(name);
+  const bool mayBeFolder =
+      type == DT_DIR || type == DT_UNKNOWN || (type == DT_LNK && type_ == WalkType::everything);
+  if (!stem && !mayBeFolder) return;
+  if (name == "." || name == "..") return;
+  type = entryType(pathIn(level.folder, name), type);
+  // A link to a folder keeps its type.
+  const bool isLink = type == DT_LNK;
+  if (type == DT_DIR || isLink) {
+    const bool isWanted = !isLink || type_ == WalkType::everything;
+    if (isWanted && isWorthEntering(level, name)) {
+      entries.push_back({.name = name, .isFolder = true, .isLink = isLink});
+    }
+    return;
+  }
+  if (!stem) return;
+  entries.push_back({.name = std::string(*stem),
+                     .isRegular = type == DT_REG,
+                     .hasSource = name.ends_with(".vlm")});
+}
+
+bool FolderWalk::isWorthEntering(const Level& level, const std::string& name) const {
+  const bool hasClasses = level.package || level.isMisnamed;
+  if (hasClasses && (isIdentifierName(name) || !isUtf8(name))) return true;
+  return roots_->hasRootAtOrBelow(pathIn(level.folder, name));
+}
+
+std::string FolderWalk::fileName(const Entry& entry) {
+  return entry.name + (entry.hasSource ? ".vlm" : ".p");
+}
+
+FoundFile FolderWalk::describe(const Level& level, const Entry& entry) {
+  FoundFile file;
+  file.path = pathIn(level.folder, fileName(entry));
+  if (!entry.isRegular || !level.package || !isIdentifierName(entry.name)) {
+    const bool hasName = (!level.package && !level.isMisnamed) || isUtf8(file.path);
+    file.type = hasName ? FoundFile::Type::noClass : FoundFile::Type::misnamed;
+    return file;
+  }
+  file.className = level.package->prefix + entry.name;
+  file.root = level.package->root;
+  return file;
+}
+
+}  // namespace soca::cli

@@ -1,0 +1,131 @@
+#include "files/targets/GitRepository.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "files/targets/ClassRoots.h"
+
+namespace soca::cli {
+namespace {
+
+// Stages of an index entry: 0 is the usual one, the others are the sides of a conflict.
+constexpr int usualStage = 0;
+constexpr auto conflictStages = std::to_array<int>({1, 2, 3});
+
+std::string lastError(const GitLibrary& git) {
+  const git_error* error = git.error_last();
+  return error == nullptr || error->message == nullptr ? "unknown error" : error->message;
+}
+
+// Where no folder is said to be safe, some versions can't find that list instead of saying what
+// is wrong.
+bool isOthers(const GitLibrary& git, int error) {
+  if (error == GIT_EOWNER) return true;
+  const git_error* last = git.error_last();
+  return error == GIT_ENOTFOUND && last != nullptr && last->klass == GIT_ERROR_CONFIG;
+}
+
+[[noreturn]] void failToOpen(const GitLibrary& git, const std::string& folder, int error) {
+  if (isOthers(git, error)) {
+    throw GitError(
+        fmt::format("the git repository of '{0}' belongs to another user; if you trust it, run "
+                    "'git config --global --add safe.directory {0}'",
+                    folder));
+  }
+  throw GitError(
+      fmt::format("the git repository of '{}' can't be read: {}", folder, lastError(git)));
+}
+
+}  // namespace
+
+std::unique_ptr<GitRepository> GitRepository::open(const std::string& folder) {
+  const GitLibrary* git = gitLibrary();
+  if (git == nullptr) {
+    throw GitError(
+        "libgit2, which reads git repositories, is not installed; install it (on Debian 12 the "
+        "package libgit2-1.5)");
+  }
+  git_repository* opened = nullptr;
+  const int error = git->repository_open_ext(&opened, folder.c_str(), 0, nullptr);
+  if (error == GIT_ENOTFOUND && !isOthers(*git, error)) return nullptr;
+  if (error != 0) failToOpen(*git, folder, error);
+  Repository repository(opened);
+  if (git->repository_workdir(opened) == nullptr) return nullptr;
+  return std::unique_ptr<GitRepository>(new GitRepository(git, std::move(repository)));
+}
+
+GitRepository::GitRepository(const GitLibrary* git, Repository repository)
+    : git_(git), repository_(std::move(repository)) {
+  const std::string folder = git_->repository_workdir(repository_.get());
+  git_index* index = nullptr;
+  if (const int error = git_->repository_index(&index, repository_.get())) {
+    failToOpen(*git_, folder, error);
+  }
+  index_.reset(index);
+  workFolder_ = resolveLinks(folder).value_or(folder);
+}
+
+bool GitRepository::isFolderIgnored(const std::string& path) {
+  const std::lock_guard lock(mutex_);
+  const std::string prefix = path + '/';
+  if (git_->index_find_prefix(nullptr, index_.get(), prefix.c_str()) == 0) return false;
+  return matchesRules(prefix);
+}
+
+bool GitRepository::isFileIgnored(const std::string& path) {
+  const std::lock_guard lock(mutex_);
+  if (git_->index_get_bypath(index_.get(), path.c_str(), usualStage) != nullptr) return false;
+  return !isConflicted(path) && matchesRules(path);
+}
+
+bool GitRepository::matchesRules(const std::string& path) {
+  int isIgnored = 0;
+  return git_->ignore_path_is_ignored(&isIgnored, repository_.get(), path.c_str()) == 0 &&
+         isIgnored != 0;
+}
+
+GitStateType GitRepository::stateOf(const std::string& path) {
+  const std::lock_guard lock(mutex_);
+  const git_index_entry* entry = git_->index_get_bypath(index_.get(), path.c_str(), usualStage);
+  if (entry == nullptr) {
+    return isConflicted(path) ? GitStateType::changed : GitStateType::untracked;
+  }
+  const git_oid* committed = committedContent(path);
+  if (committed == nullptr || git_->oid_equal(committed, &entry->id) == 0) {
+    return GitStateType::changed;
+  }
+  git_oid content = {};
+  if (git_->repository_hashfile(&content, repository_.get(), path.c_str(), GIT_OBJECT_BLOB,
+                                nullptr) != 0) {
+    throw GitError(fmt::format("git can't read it: {}", lastError(*git_)));
+  }
+  return git_->oid_equal(&content, &entry->id) != 0 ? GitStateType::committed
+                                                    : GitStateType::changed;
+}
+
+const git_oid* GitRepository::committedContent(const std::string& path) {
+  const std::size_t nameStart = path.rfind('/') + 1;
+  const std::string folder = path.substr(0, nameStart == 0 ? 0 : nameStart - 1);
+  if (!hasTree_ || folder != treeFolder_) {
+    git_object* tree = nullptr;
+    git_->revparse_single(&tree, repository_.get(), ("HEAD:" + folder).c_str());
+    tree_.reset(tree);
+    treeFolder_ = folder;
+    hasTree_ = true;
+  }
+  if (tree_ == nullptr) return nullptr;
+  const auto* entry = git_->tree_entry_byname(reinterpret_cast<const git_tree*>(tree_.get()),
+                                              path.c_str() + nameStart);
+  return entry == nullptr ? nullptr : git_->tree_entry_id(entry);
+}
+
+bool GitRepository::isConflicted(const std::string& path) const {
+  return std::ranges::any_of(conflictStages, [&](int stage) {
+    return git_->index_get_bypath(index_.get(), path.c_str(), stage) != nullptr;
+  });
+}
+
+}  // namespace soca::cli

@@ -1,0 +1,161 @@
+#include "files/targets/NearestFile.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <system_error>
+#include <vector>
+
+#include "files/targets/NearestName.h"
+#include "platform/text/Conversions.h"
+#include "platform/text/FileText.h"
+
+namespace soca::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+// So many entries of a folder are looked at.
+constexpr int mostEntries = 20'000;
+
+// Under which name an entry of a folder may be meant; empty if it can't be.
+using NameOf = std::function<std::string(const fs::directory_entry& entry, bool isLastPart)>;
+
+// A name that there is, and how many letters it is away from the one that was looked for.
+struct Correction {
+  std::vector<std::string> parts;
+  std::size_t distance = 0;
+};
+
+bool isFolder(const fs::directory_entry& entry) {
+  std::error_code ignored;
+  return entry.is_directory(ignored);
+}
+
+// The names of the entries go to `offer`.
+template <class Offer>
+void listFolder(const std::string& folder, const Offer& offer) {
+  std::error_code error;
+  int count = 0;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    if (++count > mostEntries) return;
+    offer(*entry);
+  }
+}
+
+std::vector<std::string> split(std::string_view text, char separator) {
+  std::vector<std::string> parts;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find(separator), text.size());
+    parts.emplace_back(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return parts;
+}
+
+// Goes down from the folder, at each part to the entry that is nearest to it.
+std::optional<Correction> correct(std::string folder, const std::vector<std::string>& parts,
+                                  const NameOf& nameOf) {
+  Correction correction;
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    NearestName nearest(parts[i]);
+    bool isThere = parts[i].empty() || parts[i] == "." || parts[i] == "..";
+    const bool isLast = i + 1 == parts.size();
+    if (!isThere) {
+      listFolder(folder, [&](const fs::directory_entry& entry) {
+        const std::string name = nameOf(entry, isLast);
+        isThere = isThere || name == parts[i];
+        if (!isThere) nearest.offer(name);
+      });
+    }
+    if (!isThere && nearest.name().empty()) return std::nullopt;
+    // Another case of letters is a difference too.
+    if (!isThere) correction.distance += nearest.distance() + 1;
+    correction.parts.push_back(isThere ? parts[i] : nearest.name());
+    folder += '/' + correction.parts.back();
+  }
+  return correction;
+}
+
+std::string join(const std::vector<std::string>& parts, char separator) {
+  std::string text;
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    if (i > 0) text += separator;
+    text += parts[i];
+  }
+  return text;
+}
+
+// Names that are not text are not for people to type.
+std::string nameOfEntry(const fs::directory_entry& entry) {
+  std::string name = entry.path().filename().string();
+  return fl::decodeFileText(name).encoding == fl::EncodingType::utf8 ? name : std::string();
+}
+
+std::string nameOfClass(const fs::directory_entry& entry, bool isLastPart) {
+  std::string name = nameOfEntry(entry);
+  if (isFolder(entry)) return isLastPart || !isIdentifierName(name) ? std::string() : name;
+  const auto stem = stemOfClassFile(name);
+  return isLastPart && stem && isIdentifierName(*stem) ? std::string(*stem) : std::string();
+}
+
+std::string correctPath(std::string_view path, const NameOf& nameOf) {
+  const auto correction = correct(path.starts_with('/') ? "/" : ".", split(path, '/'), nameOf);
+  if (!correction || correction->distance == 0) return {};
+  return join(correction->parts, '/') + (path.ends_with('/') ? "/" : "");
+}
+
+// The first class below the root with that name, in whatever package.
+std::string findInPackages(const std::string& root, std::string_view simpleName) {
+  std::error_code error;
+  int count = 0;
+  for (fs::recursive_directory_iterator entry(root, error), end; !error && entry != end;
+       entry.increment(error)) {
+    if (++count > mostEntries) break;
+    const std::string name = nameOfEntry(*entry);
+    if (!isIdentifierName(name)) entry.disable_recursion_pending();
+    if (stemOfClassFile(name) != simpleName || isFolder(*entry)) continue;
+    auto parts = split(entry->path().lexically_relative(root).string(), '/');
+    parts.back() = simpleName;
+    return join(parts, '.');
+  }
+  return {};
+}
+
+}  // namespace
+
+std::string nearestPath(std::string_view path) {
+  const bool wantsFolder = path.ends_with('/');
+  return correctPath(path, [&](const fs::directory_entry& entry, bool isLastPart) {
+    if ((!isLastPart || wantsFolder) && !isFolder(entry)) return std::string();
+    return nameOfEntry(entry);
+  });
+}
+
+std::string nearestFolder(std::string_view path) {
+  return correctPath(path, [](const fs::directory_entry& entry, bool) {
+    return isFolder(entry) ? nameOfEntry(entry) : std::string();
+  });
+}
+
+std::string nearestClass(std::string_view className, const ClassRoots& roots) {
+  const std::vector<std::string> parts = split(className, '.');
+  std::optional<Correction> best;
+  for (const std::string& root : roots.all()) {
+    auto correction = correct(root, parts, nameOfClass);
+    // A file that is there and still not the class's is a link that leads nowhere.
+    if (!correction || correction->distance == 0) continue;
+    if (!best || correction->distance < best->distance) best = correction;
+  }
+  if (best) return join(best->parts, '.');
+  for (const std::string& root : roots.all()) {
+    std::string found = findInPackages(root, parts.back());
+    if (!found.empty() && found != className) return found;
+  }
+  return {};
+}
+
+}  // namespace soca::cli

@@ -1,0 +1,170 @@
+#include "files/writing/Restore.h"
+
+#include <fmt/core.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <optional>
+#include <utility>
+
+#include "files/writing/FileAttributes.h"
+#include "files/writing/FileWriter.h"
+#include "platform/paths/SourceReader.h"
+
+namespace soca::cli {
+namespace {
+
+// What a file of the run is now.
+struct CurrentFile {
+  enum class Type { old, written, changed, failed };
+  Type type = Type::failed;
+  // For files that are neither the old nor the written one.
+  std::string reason;
+  fl::filesystem::FileStamp stamp;
+};
+
+CurrentFile compareBytes(const SavedFile& file, const struct stat& status,
+                         const fl::filesystem::FileStamp& stamp) {
+  using Type = CurrentFile::Type;
+  constexpr std::string_view changed = "it changed since the run wrote it";
+  if (stamp.size != file.oldDigest.size && stamp.size != file.newDigest.size) {
+    return {Type::changed, std::string(changed), stamp};
+  }
+  try {
+    const Digest digest = digestOf(fl::filesystem::readFileBytes(file.path, stamp.size));
+    if (digest == file.oldDigest) return {Type::old, {}, stamp};
+    if (digest != file.newDigest) return {Type::changed, std::string(changed), stamp};
+  } catch (const fl::filesystem::ReadError& error) {
+    return {Type::failed, fmt::format("it could not be read: {}", error.what()), stamp};
+  }
+  if ((status.st_mode & 07777U) != file.mode) {
+    return {Type::changed, "its permissions changed since the run wrote it", stamp};
+  }
+  if (status.st_nlink > 1) return {Type::changed, "it has more than one hard link now", stamp};
+  return {Type::written, {}, stamp};
+}
+
+CurrentFile lookAt(const SavedFile& file) {
+  using Type = CurrentFile::Type;
+  struct stat status = {};
+  if (::lstat(file.path.c_str(), &status) != 0) {
+    if (errno == ENOENT || errno == ENOTDIR) return {Type::changed, "it is gone", {}};
+    return {Type::failed, fmt::format("it can't be looked at: {}", std::strerror(errno)), {}};
+  }
+  if (!S_ISREG(status.st_mode)) return {Type::changed, "it is no regular file any more", {}};
+  const auto stamp = fl::filesystem::stampOf(file.path);
+  if (!stamp || !isOf(status, *stamp)) return {Type::changed, std::string(changedReason), {}};
+  return compareBytes(file, status, *stamp);
+}
+
+class Restorer {
+ public:
+  Restorer(Journal* journal, const GoesOn* goesOn)
+      : journal_(journal), goesOn_(goesOn), writer_(journal->token()) {}
+
+  void removeTemporaries() {
+    const auto& files = journal_->files();
+    for (std::size_t number = 0; number < files.size(); ++number) {
+      const std::string path = temporaryPath(files[number].path, journal_->token(), number);
+      if (::unlink(path.c_str()) == 0 || errno == ENOENT || errno == ENOTDIR) continue;
+      result_.failed.push_back({path, fmt::format("it could not be removed: {}", errorText())});
+    }
+  }
+
+  void restoreAll() {
+    for (const std::uint32_t number : journal_->pending()) {
+      if (goesOn()) stage(number);
+    }
+    if (goesOn()) commitAll();
+    writer_.discardRest();
+    if (const auto reason = writer_.flushFolders()) throw JournalError(*reason);
+  }
+
+  RestoreResult takeResult() { return std::move(result_); }
+
+  // The files that need nothing more, in ascending order.
+  FileNumbers takeDone() {
+    std::ranges::sort(done_);
+    return std::move(done_);
+  }
+
+  bool isComplete() const { return !result_.isCutShort && result_.failed.empty(); }
+
+ private:
+  static std::string errorText() { return std::strerror(errno); }
+
+  bool goesOn() {
+    if (!result_.isCutShort && !(*goesOn_)()) result_.isCutShort = true;
+    return !result_.isCutShort;
+  }
+
+  void commitAll() {
+    const auto flushFailure = writer_.flush();
+    for (std::size_t i = 0; i < staged_.size() && goesOn(); ++i) {
+      const std::string& path = journal_->files()[staged_[i]].path;
+      if (const auto reason = flushFailure ? flushFailure : writer_.commit(i)) {
+        result_.failed.push_back({path, *reason});
+        continue;
+      }
+      result_.restored.push_back(staged_[i]);
+      done_.push_back(staged_[i]);
+    }
+  }
+
+  void stage(std::uint32_t number) {
+    const SavedFile& file = journal_->files()[number];
+    CurrentFile current = lookAt(file);
+    switch (current.type) {
+      case CurrentFile::Type::old:
+        done_.push_back(number);
+        return;
+      case CurrentFile::Type::changed:
+        result_.changed.push_back({file.path, std::move(current.reason)});
+        return;
+      case CurrentFile::Type::failed:
+        result_.failed.push_back({file.path, std::move(current.reason)});
+        return;
+      case CurrentFile::Type::written:
+        break;
+    }
+    try {
+      auto reason = writer_.stage(
+          number, {file.path, journal_->oldBytes(number), current.stamp, file.modificationTime});
+      if (!reason) return staged_.push_back(number);
+      result_.failed.push_back({file.path, std::move(*reason)});
+    } catch (const JournalError& error) {
+      // Another time it would be no better.
+      result_.changed.push_back({file.path, error.what()});
+    }
+  }
+
+  Journal* journal_;
+  const GoesOn* goesOn_;
+  FileWriter writer_;
+  FileNumbers staged_;
+  FileNumbers done_;
+  RestoreResult result_;
+};
+
+}  // namespace
+
+RestoreResult repairRun(Journal& journal, const GoesOn& goesOn) {
+  Restorer restorer(&journal, &goesOn);
+  restorer.removeTemporaries();
+  restorer.restoreAll();
+  if (restorer.isComplete()) journal.endUndo(restorer.takeDone());
+  return restorer.takeResult();
+}
+
+RestoreResult undoRun(Journal& journal, const GoesOn& goesOn) {
+  journal.beginUndo();
+  Restorer restorer(&journal, &goesOn);
+  restorer.restoreAll();
+  journal.endUndo(restorer.takeDone());
+  return restorer.takeResult();
+}
+
+}  // namespace soca::cli

@@ -1,0 +1,27 @@
+#include "files/writing/Sha256.h"
+
+#include <nettle/sha2.h>
+
+#include <array>
+#include <cstdint>
+
+namespace soca::cli {
+
+std::string sha256(std::string_view bytes) {
+  sha256_ctx context;
+  nettle_sha256_init(&context);
+  // The library takes bytes of another type, which has the same representation.
+  nettle_sha256_update(&context, bytes.size(), reinterpret_cast<const std::uint8_t*>(bytes.data()));
+  std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest;
+  nettle_sha256_digest(&context, digest.size(), digest.data());
+  constexpr std::string_view digits = "0123456789abcdef";
+  std::string text;
+  text.reserve(2 * digest.size());
+  for (const unsigned byte : digest) {
+    text += digits[byte >> 4U];
+    text += digits[byte & 0xFU];
+  }
+  return text;
+}
+
+}  // namespace soca::cli

@@ -1,0 +1,33 @@
+// How the program names files in what it prints.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "files/targets/ClassRoots.h"
+
+namespace soca::cli {
+
+// Absolute paths as they are shown.
+class FileNames {
+ public:
+  // `roots` must outlive this object.
+  explicit FileNames(const ClassRoots* roots);
+
+  // Relative to the current folder, if the file lies in it.
+  std::string shown(const std::string& path) const;
+
+  // For a diff: the file that the path leads to, relative to the current folder if it lies in it;
+  // otherwise relative to its root.
+  std::string inDiff(const std::string& path) const;
+
+ private:
+  const ClassRoots* roots_;
+  std::string currentFolder_;
+};
+
+// A name in a diff: in double quotes with escapes if it has characters outside printable ASCII,
+// quotes or backslashes, as version control writes it.
+std::string quoteForDiff(std::string_view name);
+
+}  // namespace soca::cli

@@ -1,0 +1,37 @@
+// A list of JSON values that is only printed at the end: it may be as long as a tree of classes.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "cli/terminal/Console.h"
+#include "files/writing/Spool.h"
+
+namespace soca::cli {
+
+class SpooledList {
+ public:
+  void add(std::string_view value) {
+    size_ += spool_.put(size_ == 0 ? "\n  " : ",\n  ").size;
+    size_ += spool_.put(value).size;
+  }
+
+  // In brackets.
+  void print(Console& console) {
+    console.print("[");
+    for (std::uint64_t offset = 0; offset < size_; offset += stretch) {
+      console.print(spool_.take({offset, std::min(stretch, size_ - offset)}));
+    }
+    console.print("]");
+  }
+
+ private:
+  static constexpr std::uint64_t stretch = std::uint64_t{1} << 20U;
+
+  Spool spool_;
+  std::uint64_t size_ = 0;
+};
+
+}  // namespace soca::cli

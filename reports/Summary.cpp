@@ -1,0 +1,114 @@
+#include "reports/Summary.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "cli/FamilyNames.h"
+
+namespace soca::cli {
+namespace {
+
+std::string counted(std::size_t count, std::string_view one, std::string_view many) {
+  return fmt::format("{} {}", count, count == 1 ? one : many);
+}
+
+// The kinds with their numbers, the most frequent first.
+using Counts = std::vector<std::pair<std::string_view, std::size_t>>;
+
+Counts sorted(Counts counts) {
+  std::erase_if(counts, [](const auto& count) { return count.second == 0; });
+  std::ranges::stable_sort(counts, std::ranges::greater(), &Counts::value_type::second);
+  return counts;
+}
+
+// "  findings: 12 SyntaxError, 1 NoFileForClass", broken into lines where it has to be.
+std::string listing(std::string_view name, const Counts& counts, std::size_t width) {
+  std::string text;
+  std::size_t column = 0;
+  for (const auto& [kind, count] : sorted(counts)) {
+    const std::string item = fmt::format("{} {}", count, kind);
+    if (column > 0 && column + 2 + item.size() < width) {
+      text += ", " + item;
+      column += 2 + item.size();
+      continue;
+    }
+    const std::string head =
+        column == 0 ? fmt::format("  {}: ", name) : std::string(name.size() + 4, ' ');
+    if (column > 0) text += ",\n";
+    text += head + item;
+    column = head.size() + item.size();
+  }
+  return text.empty() ? text : text + '\n';
+}
+
+Counts countsOf(const std::map<std::string, std::size_t>& countsById) {
+  return {countsById.begin(), countsById.end()};
+}
+
+// The id without what is in front of its last colon.
+std::string shortId(const std::string& id) { return id.substr(id.rfind(':') + 1); }
+
+}  // namespace
+
+void Summary::add(const ClassOutcome& outcome) {
+  ++classes;
+  findings += outcome.findings.size();
+  if (outcome.isRefused()) {
+    ++refused;
+  } else if (outcome.changed) {
+    ++changed;
+    for (std::size_t i = 0; i < conversions.size(); ++i) conversions[i] += outcome.editCounts[i];
+  }
+  for (const Finding& finding : outcome.findings) {
+    ++findingsById[finding.id.empty() ? "other" : shortId(finding.id)];
+  }
+  if (outcome.changesAgain) ++changesAgain;
+  if (!outcome.writeRefusal.empty()) ++uncommitted;
+}
+
+void Summary::addFailure(const Failure& failure) {
+  ++failed;
+  ++failuresById[shortId(failure.id)];
+}
+
+std::string formatSummary(const Summary& summary, TenseType tense) {
+  const std::size_t left = summary.classes - summary.changed - summary.refused;
+  std::string text =
+      fmt::format("looked at {}: {} {}, {} as {}",
+                  counted(summary.classes + summary.failed, "class", "classes"), summary.changed,
+                  tense == TenseType::wouldChange ? "would change" : "changed",
+                  counted(left, "stays", "stay"), left == 1 ? "it is" : "they are");
+  if (summary.refused > 0) text += fmt::format(", {} refused", summary.refused);
+  if (summary.failed > 0) text += fmt::format(", {} failed", summary.failed);
+  if (summary.skipped > 0) {
+    text += fmt::format("; {} skipped", counted(summary.skipped, "other class", "other classes"));
+  }
+  if (summary.filesWithoutClass > 0) {
+    text +=
+        fmt::format("; {} without a class", counted(summary.filesWithoutClass, "file", "files"));
+  }
+  if (summary.findings > 0) {
+    text += fmt::format("; {}", counted(summary.findings, "finding", "findings"));
+  }
+  if (summary.changesAgain > 0) {
+    text += fmt::format("; {} again in a second update",
+                        counted(summary.changesAgain, "changes", "change"));
+  }
+  return text;
+}
+
+std::string formatDetails(const Summary& summary, std::size_t width) {
+  Counts conversions;
+  for (std::size_t i = 0; i < familyNames.size(); ++i) {
+    conversions.emplace_back(familyNames[i], summary.conversions[i]);
+  }
+  return listing("conversions", conversions, width) +
+         listing("findings", countsOf(summary.findingsById), width) +
+         listing("failures", countsOf(summary.failuresById), width);
+}
+
+}  // namespace soca::cli

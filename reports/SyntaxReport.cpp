@@ -1,0 +1,109 @@
+#include "reports/SyntaxReport.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "platform/text/Conversions.h"
+
+namespace soca::cli {
+namespace {
+
+// Code units on either side of an error that are shown of a line.
+constexpr std::size_t shownBefore = 100;
+constexpr std::size_t shownBehind = 60;
+
+bool isLowSurrogate(char16_t unit) { return (unit & 0xFC00U) == 0xDC00U; }
+
+// Finds lines by number, for numbers that only grow.
+class LineReader {
+ public:
+  explicit LineReader(fl::ustring_view text) : text_(text) {}
+
+  // Without the line end; empty behind the last line.
+  fl::ustring_view line(std::uint64_t number) {
+    for (; number_ < number && start_ != fl::ustring_view::npos; ++number_) {
+      const std::size_t end = text_.find(u'\n', start_);
+      start_ = end == fl::ustring_view::npos ? end : end + 1;
+    }
+    if (start_ == fl::ustring_view::npos) return {};
+    return text_.substr(start_, text_.find(u'\n', start_) - start_);
+  }
+
+ private:
+  fl::ustring_view text_;
+  std::uint64_t number_ = 0;
+  std::size_t start_ = 0;
+};
+
+// Puts U+FFFD in place of what a terminal would obey, or not show at all.
+void hideControls(fl::ustring& text) {
+  for (char16_t& unit : text) {
+    if ((unit < 0x20 && unit != u'\t') || (unit >= 0x7F && unit < 0xA0)) unit = u'\xFFFD';
+  }
+}
+
+std::string withoutControls(const std::string& utf8) {
+  fl::ustring text = fl::i18n::to_ustring(utf8);
+  hideControls(text);
+  return fl::i18n::to_string(text);
+}
+
+// The part of a line that is shown, and where in it the error is.
+struct Window {
+  fl::ustring text;
+  std::size_t column = 0;
+};
+
+Window cutWindow(fl::ustring_view line, std::size_t column) {
+  column = std::min(column, line.size());
+  std::size_t first = column > shownBefore ? column - shownBefore : 0;
+  std::size_t last = std::min(line.size(), column + shownBehind);
+  if (first < line.size() && isLowSurrogate(line[first])) ++first;
+  if (last < line.size() && isLowSurrogate(line[last])) ++last;
+  Window window;
+  if (first > 0) window.text = u"...";
+  window.column = window.text.size() + column - first;
+  window.text += line.substr(first, last - first);
+  if (last < line.size()) window.text += u"...";
+  hideControls(window.text);
+  return window;
+}
+
+// Blanks as wide as the text, in characters; tabs stay tabs.
+std::string indentOf(fl::ustring_view text) {
+  std::string indent;
+  for (const char16_t unit : text) {
+    if (!isLowSurrogate(unit)) indent += unit == u'\t' ? '\t' : ' ';
+  }
+  return indent;
+}
+
+std::string formatError(std::string_view file, const ca::Diagnostic& diagnostic,
+                        fl::ustring_view line) {
+  if (line.ends_with(u'\r')) line.remove_suffix(1);
+  const Window window = cutWindow(line, diagnostic.column);
+  return fmt::format("{}:{}:{}: error: {}\n{:>5} | {}\n      | {}^\n", file, diagnostic.line + 1,
+                     diagnostic.column + 1, withoutControls(diagnostic.message),
+                     diagnostic.line + 1, fl::i18n::to_string(window.text),
+                     indentOf(fl::ustring_view(window.text).substr(0, window.column)));
+}
+
+}  // namespace
+
+std::string formatSyntaxErrors(std::string_view file, const ca::AnalysisResult& analysis,
+                               std::size_t limit) {
+  const std::vector<ca::Diagnostic>& diagnostics = analysis.diagnostics();
+  LineReader lines(analysis.sourceTextView());
+  std::string text;
+  for (std::size_t i = 0; i < diagnostics.size() && i < limit; ++i) {
+    text += formatError(file, diagnostics[i], lines.line(diagnostics[i].line));
+  }
+  if (diagnostics.size() > limit) {
+    text += fmt::format("{}: and {} more errors\n", file, diagnostics.size() - limit);
+  }
+  return text;
+}
+
+}  // namespace soca::cli

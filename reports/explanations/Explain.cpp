@@ -1,0 +1,128 @@
+#include "reports/explanations/Explain.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <functional>
+
+#include "cli/options/Options.h"
+#include "files/targets/NearestName.h"
+#include "reports/TextLayout.h"
+#include "reports/explanations/MessageExplanations.h"
+
+namespace soca::cli {
+namespace {
+
+using fl::i18n::MessageExplanation;
+using fl::i18n::MessageKindType;
+using fl::i18n::RuleExplanation;
+
+std::string paragraph(std::string_view title, std::string_view text) {
+  if (text.empty()) return {};
+  return fmt::format("{}:\n{}\n", title, wrap(text, "  "));
+}
+
+// Source text, line for line.
+std::string source(std::string_view title, std::string_view text) {
+  if (text.empty()) return {};
+  std::string result = fmt::format("{}:\n", title);
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    result += fmt::format("    {}\n", text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return result + '\n';
+}
+
+std::string beforeAndAfter(std::string_view before, std::string_view after) {
+  std::string text = source("Before", before) + source("After", after);
+  text.resize(text.find_last_not_of('\n') + 1);
+  return text + '\n';
+}
+
+// A list of points, each a line of the text.
+std::string points(std::string_view title, std::string_view lines) {
+  std::string result = fmt::format("{}:\n", title);
+  while (!lines.empty()) {
+    const std::size_t end = std::min(lines.find('\n'), lines.size());
+    std::string point = wrap(lines.substr(0, end), "    ");
+    result += point.replace(2, 1, "-");
+    lines.remove_prefix(std::min(end + 1, lines.size()));
+  }
+  return result + '\n';
+}
+
+std::string conversions(const RuleExplanation& rule) {
+  std::string result = "Converted:\n";
+  for (const fl::i18n::ConversionExplanation& conversion : rule.conversions) {
+    result += wrap(conversion.from, "  ") + wrap(conversion.to, "      ");
+  }
+  return result + '\n';
+}
+
+std::string explainRule(const RuleExplanation& rule) {
+  return fmt::format("{}: {}\n\n", rule.id, rule.title) + wrap(rule.summary, "") + '\n' +
+         conversions(rule) + points("In detail", rule.details) + points("Limits", rule.limits) +
+         beforeAndAfter(rule.before, rule.after);
+}
+
+std::string explainMessage(const MessageExplanation& message) {
+  std::string text = fmt::format("{} ({}{}{})\n\n", message.fullId,
+                                 message.kind == MessageKindType::error ? "error" : "finding",
+                                 message.rule.empty() ? "" : " of the rule ", message.rule);
+  text += wrap(message.text, "  ") + '\n';
+  text += paragraph("Meaning", message.meaning);
+  text += paragraph("Cause", message.cause);
+  text += paragraph("Remedy", message.fix);
+  return text + beforeAndAfter(message.before, message.after);
+}
+
+std::string listOf(std::string_view title, std::span<const MessageExplanation> messages,
+                   MessageKindType kind) {
+  std::string text;
+  for (const MessageExplanation& message : messages) {
+    if (message.kind != kind) continue;
+    text += fmt::format("  {}\n{}", message.id, wrap(message.text, "      "));
+  }
+  return text.empty() ? text : fmt::format("\n{}:\n{}", title, text);
+}
+
+}  // namespace
+
+std::string explainAll() {
+  std::string text = "Rules:\n";
+  for (const RuleExplanation& rule : fl::i18n::ruleExplanations()) {
+    text += fmt::format("  {}\n{}", rule.id, wrap(rule.summary, "      "));
+  }
+  text += listOf("Findings, which stand beside the changes of a class",
+                 fl::i18n::messageExplanations(), MessageKindType::finding);
+  text += listOf("Errors, which leave a class as it is", fl::i18n::messageExplanations(),
+                 MessageKindType::error);
+  text += listOf("Errors that the program finds", fl::i18n::programExplanations(),
+                 MessageKindType::error);
+  return text + "\n'soca explain ID' says more about one of them.\n";
+}
+
+std::vector<std::string_view> explainedIds() {
+  std::vector<std::string_view> ids;
+  for (const RuleExplanation& rule : fl::i18n::ruleExplanations()) ids.push_back(rule.id);
+  for (const auto messages : {fl::i18n::messageExplanations(), fl::i18n::programExplanations()}) {
+    for (const MessageExplanation& message : messages) ids.push_back(message.id);
+  }
+  return ids;
+}
+
+std::string explain(std::string_view id) {
+  if (const RuleExplanation* rule = fl::i18n::findRuleExplanation(id)) return explainRule(*rule);
+  if (const MessageExplanation* message = fl::i18n::findMessageExplanation(id)) {
+    return explainMessage(*message);
+  }
+  // The program's own ids begin with its name.
+  if (const auto* message = fl::i18n::findMessageExplanation(fmt::format("soca:{}", id))) {
+    return explainMessage(*message);
+  }
+  throw UsageError(fmt::format("there is no rule or message '{}'; 'soca explain' lists them all{}",
+                               id, didYouMean(id, explainedIds(), std::identity())));
+}
+
+}  // namespace soca::cli

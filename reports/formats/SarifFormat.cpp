@@ -1,0 +1,230 @@
+#include "reports/formats/SarifFormat.h"
+
+#include <fmt/core.h>
+
+#include <cstddef>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <utility>
+
+#include "files/writing/Sha256.h"
+#include "reports/formats/SarifRules.h"
+
+namespace soca::cli {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// Its format is part of its name: another way to make it gets another number.
+constexpr const char* fingerprintName = "memberAndRule/v1";
+
+std::string dump(const Json& json) {
+  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+// The results of one class.
+class ClassResults {
+ public:
+  ClassResults(const ClassOutcome& outcome, Json artifact)
+      : outcome_(outcome), artifact_(std::move(artifact)) {}
+
+  std::string make() {
+    for (const Conversion& conversion : outcome_.conversions) add(makeResult(conversion));
+    for (const Finding& finding : outcome_.findings) add(makeResult(finding));
+    return std::move(text_);
+  }
+
+ private:
+  void add(const Json& result) {
+    if (!text_.empty()) text_ += ",\n  ";
+    text_ += dump(result);
+  }
+
+  Json makeResult(const Conversion& conversion) {
+    Json result = sarifResult(conversion);
+    result["locations"] =
+        Json::array({locationOf(regionOf(conversion.place, hasMark()), conversion.member)});
+    addFingerprint(conversion.member, result);
+    result["fixes"] = Json::array({fixOf(conversion)});
+    return result;
+  }
+
+  Json makeResult(const Finding& finding) {
+    Json result = sarifResult(finding);
+    const std::string member = finding.arguments.empty() ? "" : finding.arguments.front();
+    const Json region = finding.line == 0 ? Json() : regionOf(finding, hasMark());
+    result["locations"] = Json::array({locationOf(region, member)});
+    for (std::size_t i = 0; i < finding.related.size(); ++i) {
+      const RelatedPlace& place = finding.related[i];
+      result["relatedLocations"].push_back(
+          {{"id", i + 1},
+           {"physicalLocation",
+            {{"artifactLocation", artifact_}, {"region", regionOf(place, hasMark())}}},
+           {"message", {{"text", place.text}}}});
+    }
+    addFingerprint(member, result);
+    return result;
+  }
+
+  // Without a region for null.
+  Json locationOf(const Json& region, const std::string& member) const {
+    Json place = {{"artifactLocation", artifact_}};
+    if (!region.is_null()) place["region"] = region;
+    Json logical = {{"fullyQualifiedName", outcome_.className}, {"kind", "type"}};
+    if (!member.empty()) {
+      logical = {{"name", member},
+                 {"fullyQualifiedName", fmt::format("{}.{}", outcome_.className, member)},
+                 {"kind", "member"}};
+    }
+    return {{"physicalLocation", std::move(place)},
+            {"logicalLocations", Json::array({std::move(logical)})}};
+  }
+
+  // Knows the result again when lines move: the number counts what is alike in one class.
+  void addFingerprint(const std::string& member, Json& result) {
+    const std::string key = fmt::format("{}\n{}\n{}", outcome_.className,
+                                        result.at("ruleId").get_ref<const std::string&>(), member);
+    const std::string fingerprint = sha256(fmt::format("{}\n{}", key, numbers_[key]++));
+    result["partialFingerprints"] = {{fingerprintName, fingerprint.substr(0, 32)}};
+  }
+
+  Json fixOf(const Conversion& conversion) const {
+    Json replacements = Json::array();
+    for (const std::size_t number : conversion.edits) {
+      const FileEdit& edit = outcome_.edits.edits[number];
+      Json replacement = {{"deletedRegion", regionOf(edit.extent, hasMark())}};
+      if (!edit.text.empty()) replacement["insertedContent"] = {{"text", edit.text}};
+      replacements.push_back(std::move(replacement));
+    }
+    return {{"description", {{"text", "Write it in the current form."}}},
+            {"artifactChanges", Json::array({{{"artifactLocation", artifact_},
+                                              {"replacements", std::move(replacements)}}})}};
+  }
+
+  bool hasMark() const { return outcome_.bytes && outcome_.bytes->hasByteOrderMark; }
+
+  const ClassOutcome& outcome_;
+  Json artifact_;
+  std::string text_;
+  std::map<std::string, std::size_t> numbers_;
+};
+
+Json artifactOf(const Json& location, const ClassOutcome& outcome) {
+  Json artifact = {{"location", location}};
+  if (!outcome.bytes) return artifact;
+  artifact["encoding"] = outcome.bytes->encoding == fl::EncodingType::utf8 ? "UTF-8" : "ISO-8859-1";
+  artifact["hashes"] = {{"sha-256", outcome.bytes->sha256}};
+  return artifact;
+}
+
+std::string sentences(std::string text, const std::vector<std::string>& hints) {
+  for (const std::string& hint : hints) text += fmt::format("\n{}.", hint);
+  return text;
+}
+
+Json makeNotification(std::string_view level, std::string text, Json locations) {
+  Json notification = {{"level", level}, {"message", {{"text", std::move(text)}}}};
+  if (!locations.empty()) notification["locations"] = std::move(locations);
+  return notification;
+}
+
+Json classLocation(const std::string& className) {
+  return {
+      {"logicalLocations", Json::array({{{"fullyQualifiedName", className}, {"kind", "type"}}})}};
+}
+
+// The syntax errors of the file, or the file, or the class.
+Json locationsOf(const Failure& failure, const SarifLocations& locations) {
+  if (!failure.argument.starts_with('/')) return Json::array({classLocation(failure.className)});
+  const Json artifact = locations.artifactOf(failure.argument);
+  Json list = Json::array();
+  for (const ca::Diagnostic& diagnostic : failure.diagnostics) {
+    list.push_back(
+        {{"physicalLocation",
+          {{"artifactLocation", artifact},
+           {"region",
+            {{"startLine", diagnostic.line + 1}, {"startColumn", diagnostic.column + 1}}}}},
+         {"message", {{"text", diagnostic.message}}}});
+  }
+  if (list.empty()) list.push_back({{"physicalLocation", {{"artifactLocation", artifact}}}});
+  return list;
+}
+
+Json makeNotification(std::string_view level, const Failure& failure,
+                      const SarifLocations& locations) {
+  Json notification = Json::object();
+  if (auto descriptor = sarifDescriptor(failure.id)) {
+    notification["descriptor"] = std::move(*descriptor);
+  }
+  notification.update(makeNotification(level, sentences(failure.message, failure.hints),
+                                       locationsOf(failure, locations)));
+  return notification;
+}
+
+}  // namespace
+
+std::string SarifReport::dataOf(const ClassOutcome& outcome) const {
+  const Json location = locations_.artifactOf(outcome.file);
+  const std::string results = ClassResults(outcome, location).make();
+  if (results.empty()) return {};
+  return fmt::format("{}\n{}", dump(artifactOf(location, outcome)), results);
+}
+
+void SarifReport::printData(const std::string& data) {
+  begin();
+  const std::size_t end = data.find('\n');
+  artifacts_.add(std::string_view(data).substr(0, end));
+  console_->print(hasResults_ ? ",\n  " : "\n  ");
+  console_->print(std::string_view(data).substr(end + 1));
+  hasResults_ = true;
+}
+
+void SarifReport::printNotes(const ClassOutcome& outcome) {
+  const auto add = [&](std::string_view level, std::string text) {
+    Json location = classLocation(outcome.className);
+    location["physicalLocation"] = {{"artifactLocation", locations_.artifactOf(outcome.file)}};
+    notifications_.add(
+        dump(makeNotification(level, std::move(text), Json::array({std::move(location)}))));
+  };
+  if (outcome.isRefused()) {
+    add("error", fmt::format("The update of class '{}' is refused: {}.", outcome.className,
+                             outcome.refusal));
+  }
+  for (const std::string& hint : outcome.hints) add("note", fmt::format("{}.", hint));
+}
+
+void SarifReport::addFailure(const Failure& failure) {
+  notifications_.add(dump(makeNotification("error", failure, locations_)));
+}
+
+void SarifReport::addSkipped(const Failure& failure) {
+  notifications_.add(dump(makeNotification("note", failure, locations_)));
+}
+
+void SarifReport::finish(ExitCodeType exitCode) {
+  begin();
+  console_->print("],\n \"artifacts\": ");
+  artifacts_.print(*console_);
+  const bool isSuccess =
+      exitCode == ExitCodeType::done || exitCode == ExitCodeType::somethingToChange;
+  console_->print(
+      fmt::format(",\n \"invocations\": [{{\"executionSuccessful\": {}, \"exitCode\": {},\n "
+                  "\"toolExecutionNotifications\": ",
+                  isSuccess, static_cast<int>(exitCode)));
+  notifications_.print(*console_);
+  console_->print("}]}]}\n");
+}
+
+void SarifReport::begin() {
+  if (hasBegun_) return;
+  console_->print(fmt::format(
+      "{{\"$schema\": "
+      "\"https://docs.oasis-open.org/sarif/sarif/v2.1.0/errata01/os/schemas/"
+      "sarif-schema-2.1.0.json\",\n \"version\": \"2.1.0\", \"runs\": [{{\"tool\": {},\n"
+      " \"columnKind\": \"utf16CodeUnits\", \"originalUriBaseIds\": {},\n"
+      " \"results\": [",
+      dump(sarifTool()), dump(locations_.baseIds())));
+  hasBegun_ = true;
+}
+
+}  // namespace soca::cli

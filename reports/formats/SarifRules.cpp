@@ -1,0 +1,204 @@
+#include "reports/formats/SarifRules.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <span>
+#include <utility>
+
+#include "reports/explanations/MessageExplanations.h"
+
+namespace soca::cli {
+namespace {
+
+using fl::i18n::MessageExplanation;
+using fl::i18n::MessageKindType;
+using fl::i18n::RuleExplanation;
+using Json = nlohmann::ordered_json;
+
+// A text of a rule family, by the names that conversions have for them.
+struct ConversionText {
+  RuleFamilyType family;
+  std::string_view message;
+  std::string_view text;
+};
+
+constexpr auto conversionTexts = std::to_array<ConversionText>({
+    {RuleFamilyType::attributes, "property",
+     "The declaration of property '{0}' does not say by itself what a deprecated attribute or a "
+     "set "
+     "property says of it."},
+    {RuleFamilyType::attributes, "properties",
+     "The declarations of the properties {0} do not say by themselves what a deprecated attribute "
+     "or a set property says of them."},
+    {RuleFamilyType::attributes, "block",
+     "A properties block has a deprecated attribute, or nothing in it."},
+    {RuleFamilyType::mixins, "mixins", "Class '{0}' derives from deprecated mixins."},
+    {RuleFamilyType::impl, "renamed",
+     "Method '{0}' has a deprecated name. The method of today is '{1}'."},
+    {RuleFamilyType::impl, "deleted", "Method '{0}' is obsolete or redundant."},
+    {RuleFamilyType::impl, "method", "A method has a deprecated form."},
+});
+
+// In the order of RuleFamilyType: the id of its explanation, and a name as tools show it.
+constexpr auto families = std::to_array<std::pair<std::string_view, std::string_view>>(
+    {{"attributes", "DeprecatedPropertyAttributes"},
+     {"mixins", "DeprecatedMixins"},
+     {"impl", "DeprecatedImplMethods"}});
+
+std::vector<const MessageExplanation*> explanationsOf(MessageKindType kind) {
+  std::vector<const MessageExplanation*> chosen;
+  const auto choose = [&](std::span<const MessageExplanation> explanations) {
+    for (const MessageExplanation& each : explanations) {
+      if (each.kind == kind) chosen.push_back(&each);
+    }
+  };
+  choose(fl::i18n::messageExplanations());
+  choose(fl::i18n::programExplanations());
+  return chosen;
+}
+
+std::string beforeAndAfter(std::string_view before, std::string_view after) {
+  return fmt::format("Before:\n\n```\n{}\n```\n\nAfter:\n\n```\n{}\n```\n", before, after);
+}
+
+// The text in both of its forms.
+Json helpOf(const std::string& text, std::string_view before, std::string_view after) {
+  const std::string markdown = fmt::format("{}\n\n{}", text, beforeAndAfter(before, after));
+  return {{"text", fmt::format("{}\n\nBefore:\n\n{}\n\nAfter:\n\n{}\n", text, before, after)},
+          {"markdown", markdown}};
+}
+
+std::string listOf(std::string_view lines) {
+  std::string list;
+  while (!lines.empty()) {
+    const std::size_t end = std::min(lines.find('\n'), lines.size());
+    list += fmt::format("\n- {}", lines.substr(0, end));
+    lines.remove_prefix(std::min(end + 1, lines.size()));
+  }
+  return list;
+}
+
+Json ruleOf(std::size_t family) {
+  const auto& [id, name] = families[family];
+  const RuleExplanation& rule = *fl::i18n::findRuleExplanation(id);
+  Json texts = Json::object();
+  for (const ConversionText& each : conversionTexts) {
+    if (static_cast<std::size_t>(each.family) == family)
+      texts[each.message] = {{"text", each.text}};
+  }
+  const std::string help =
+      fmt::format("{}\n{}\n\nLimits:\n{}", rule.summary, listOf(rule.details), listOf(rule.limits));
+  return {{"id", id},
+          {"name", name},
+          {"shortDescription", {{"text", fmt::format("{}.", rule.title)}}},
+          {"fullDescription", {{"text", rule.summary}}},
+          {"messageStrings", std::move(texts)},
+          {"defaultConfiguration", {{"level", "note"}}},
+          {"help", helpOf(help, rule.before, rule.after)}};
+}
+
+// Letters and digits only, in front of which a name begins anew.
+std::string nameOf(const MessageExplanation& message) {
+  std::string name;
+  bool isStart = true;
+  for (const char c : message.id.substr(message.id.rfind(':') + 1)) {
+    if (c == '_') {
+      isStart = true;
+      continue;
+    }
+    name += isStart && c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    isStart = false;
+  }
+  return name;
+}
+
+Json ruleOf(const MessageExplanation& message, std::string_view level) {
+  const std::string help =
+      fmt::format("{}\n\nCause: {}\n\nRemedy: {}", message.meaning, message.cause, message.fix);
+  return {{"id", message.fullId},
+          {"name", nameOf(message)},
+          {"shortDescription", {{"text", message.text}}},
+          {"fullDescription", {{"text", message.meaning}}},
+          {"messageStrings", {{"default", {{"text", message.text}}}}},
+          {"defaultConfiguration", {{"level", level}}},
+          {"help", helpOf(help, message.before, message.after)}};
+}
+
+// The text with its placeholders filled in.
+std::string fillIn(std::string_view text, const std::vector<std::string>& arguments) {
+  std::string filled(text);
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string placeholder = fmt::format("{{{}}}", i);
+    const std::size_t place = filled.find(placeholder);
+    if (place != std::string::npos) filled.replace(place, placeholder.size(), arguments[i]);
+  }
+  return filled;
+}
+
+Json messageOf(std::string_view id, const std::string& text,
+               const std::vector<std::string>& arguments) {
+  Json message = {{"id", id}, {"text", text}};
+  if (!arguments.empty()) message["arguments"] = arguments;
+  return message;
+}
+
+}  // namespace
+
+Json sarifTool() {
+  Json rules = Json::array();
+  for (std::size_t i = 0; i < families.size(); ++i) rules.push_back(ruleOf(i));
+  for (const auto* message : explanationsOf(MessageKindType::finding)) {
+    rules.push_back(ruleOf(*message, "warning"));
+  }
+  Json notifications = Json::array();
+  for (const auto* message : explanationsOf(MessageKindType::error)) {
+    notifications.push_back(ruleOf(*message, "error"));
+  }
+  return {{"driver",
+           {{"name", "soca"},
+            {"version", SOCA_VERSION},
+            {"semanticVersion", SOCA_VERSION},
+            {"language", "en"},
+            {"rules", std::move(rules)},
+            {"notifications", std::move(notifications)}}}};
+}
+
+Json sarifResult(const Conversion& conversion) {
+  const auto family = static_cast<std::size_t>(conversion.family);
+  const auto text = std::ranges::find_if(conversionTexts, [&](const ConversionText& each) {
+    return each.family == conversion.family && each.message == conversion.message;
+  });
+  return {{"ruleId", families[family].first},
+          {"ruleIndex", family},
+          {"level", "note"},
+          {"message", messageOf(conversion.message, fillIn(text->text, conversion.arguments),
+                                conversion.arguments)}};
+}
+
+Json sarifResult(const Finding& finding) {
+  static const auto explanations = explanationsOf(MessageKindType::finding);
+  const auto known = std::ranges::find(explanations, finding.id, &MessageExplanation::id);
+  Json result = Json::object();
+  if (known != explanations.end()) {
+    result["ruleId"] = (*known)->fullId;
+    result["ruleIndex"] = families.size() + static_cast<std::size_t>(known - explanations.begin());
+  }
+  result["level"] = "warning";
+  result["message"] = known == explanations.end()
+                          ? Json{{"text", finding.text}}
+                          : messageOf("default", finding.text, finding.arguments);
+  return result;
+}
+
+std::optional<Json> sarifDescriptor(std::string_view fullId) {
+  static const auto explanations = explanationsOf(MessageKindType::error);
+  const auto known = std::ranges::find(explanations, fullId, &MessageExplanation::fullId);
+  if (known == explanations.end()) return std::nullopt;
+  return Json{{"id", fullId}, {"index", known - explanations.begin()}};
+}
+
+}  // namespace soca::cli

@@ -1,0 +1,179 @@
+#include "reports/outcomes/Failures.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <new>
+#include <optional>
+#include <stdexcept>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "platform/analyzer/Analyzer.h"
+#include "platform/runtime/ClassDescription.h"
+#include "platform/text/Conversions.h"
+#include "reports/SyntaxReport.h"
+#include "reports/explanations/ProgramMessages.h"
+#include "reports/outcomes/Hints.h"
+#include "service/ClaimedExtents.h"
+#include "service/UpdatePlan.h"
+
+namespace soca::cli {
+namespace {
+
+// How many syntax errors of a file are shown.
+constexpr std::size_t shownErrors = 10;
+
+// The first argument of the message in UTF-8.
+std::string firstArgument(const resource_core::BaseMsgID& message) {
+  if (message.arguments.empty()) return {};
+  const auto& argument = message.arguments.front();
+  if (const auto* text = std::get_if<fl::ustring>(&argument)) return fl::i18n::to_string(*text);
+  if (const auto* text = std::get_if<std::string>(&argument)) return *text;
+  return {};
+}
+
+std::shared_ptr<ca::AnalysisResult> analyzeFile(const std::string& path) {
+  return ca::createSingleFileAnalyzer()->analyze(fl::i18n::to_ustring(path), {}, {});
+}
+
+// The first two actions that meet on a line, in the order in which they are applied.
+std::optional<std::pair<Extent, Extent>> findOverlap(const std::vector<PlannedAction>& actions) {
+  ClaimedExtents claimed;
+  for (auto later = actions.begin(); later != actions.end(); ++later) {
+    if (claimed.collidesWith(later->extent)) {
+      const auto earlier = std::find_if(actions.begin(), later, [&](const PlannedAction& action) {
+        return later->extent.startsWithinLinesOf(action.extent);
+      });
+      return std::pair(earlier->extent, later->extent);
+    }
+    claimed.add(later->extent);
+  }
+  return std::nullopt;
+}
+
+// "line 3" or "lines 3 to 5".
+std::string linesOf(const Extent& extent) {
+  if (extent.start.line == extent.end.line) return fmt::format("line {}", extent.start.line + 1);
+  return fmt::format("lines {} to {}", extent.start.line + 1, extent.end.line + 1);
+}
+
+// Runs what looks for details. Should that fail, since the files may have changed meanwhile, the
+// failure itself is known all the same.
+template <class Explain>
+void explainSafely(Failure& failure, const Explain& explain) {
+  try {
+    explain();
+  } catch (...) {
+    failure.hints.emplace_back("the files changed meanwhile, so there is no more to say");
+  }
+}
+
+}  // namespace
+
+Failure FailureDescriber::describeCurrentException(const FailedCall& call) const {
+  Failure failure;
+  failure.className = call.className;
+  try {
+    throw;
+  } catch (const foundation::core::except::IMsgIDException& exception) {
+    return describe(exception, call);
+  } catch (const std::out_of_range&) {
+    failure.id = "std::out_of_range";
+    failure.message = programMessage(failure.id, {});
+    explainSafely(failure, [&] { explainMisplacedEdit(call, failure); });
+  } catch (const std::bad_alloc&) {
+    failure.id = "std::bad_alloc";
+    failure.message = "there is not enough memory";
+  } catch (const std::exception& exception) {
+    failure.id = "std::exception";
+    failure.message = exception.what();
+  } catch (...) {
+    failure.id = "soca:UnknownFailure";
+    failure.message = "something went wrong that does not say what it is";
+  }
+  return failure;
+}
+
+Failure FailureDescriber::describe(const foundation::core::except::IMsgIDException& exception,
+                                   const FailedCall& call) const {
+  Failure failure;
+  failure.className = call.className;
+  failure.id = exception.GetID();
+  failure.message = fl::i18n::to_string(exception.GetUnicodeMessageTxt());
+  explainSafely(failure, [&] { explain(exception.GetBaseMsgIDObj(), call, failure); });
+  return failure;
+}
+
+void FailureDescriber::explain(const resource_core::BaseMsgID& message, const FailedCall& call,
+                               Failure& failure) const {
+  const std::string argument = firstArgument(message);
+  failure.argument = argument;
+  if (message.id == "NotASystemObject") explainOtherClass(argument, failure);
+  if (message.id == "SyntaxError") explainSyntax(argument, failure);
+  if (message.id == "CodeAnalyzerError") {
+    try {
+      analyzeFile(argument);
+    } catch (const ca::InvalidAnalysisException& reason) {
+      failure.hints = {reason.what()};
+    }
+  }
+  if (message.id == "PFileExists") failure.hints = hintsOnPFile(argument);
+  if (message.id == "NoFileForClass") {
+    failure.hints = {sotarn::isEnvironmentClass(argument)
+                         ? "the class is one of the environment's own, which have no files"
+                         : fmt::format("looked for it in {}", roots_->listing())};
+  }
+  if (message.id == "OverlappingExtent") explainOverlap(call, failure);
+}
+
+void FailureDescriber::explainOtherClass(const std::string& argument, Failure& failure) const {
+  // For a file without a class the argument is its path.
+  if (!argument.starts_with('/')) {
+    auto [hints, file] = hintsOnOtherClass(argument, *roots_);
+    failure.hints = std::move(hints);
+    failure.file = file;
+    return;
+  }
+  const FileVerdict verdict = judgeFile(argument);
+  failure.hints = {verdict.text};
+  failure.file = verdict.type;
+}
+
+void FailureDescriber::explainSyntax(const std::string& path, Failure& failure) const {
+  const auto analysis = analyzeFile(path);
+  failure.diagnostics = analysis->diagnostics();
+  failure.excerpt = formatSyntaxErrors(names_->shown(path), *analysis, shownErrors);
+}
+
+void FailureDescriber::explainMisplacedEdit(const FailedCall& call, Failure& failure) {
+  for (const PlannedClass& planned :
+       planActions(fl::i18n::to_ustring(call.className), call.rules, call.includeSuperclasses)) {
+    try {
+      planUpdate(planned.result.className, call.rules, false);
+    } catch (const std::out_of_range&) {
+      failure.hints = {
+          fmt::format("it is in the file '{}'", fl::i18n::to_string(planned.result.fileName))};
+      return;
+    }
+  }
+}
+
+void FailureDescriber::explainOverlap(const FailedCall& call, Failure& failure) {
+  for (const PlannedClass& planned :
+       planActions(fl::i18n::to_ustring(call.className), call.rules, call.includeSuperclasses)) {
+    const auto overlap = findOverlap(planned.actions);
+    if (!overlap) continue;
+    const auto& [first, second] = *overlap;
+    failure.hints = {
+        fmt::format("the edits of class '{}' that meet are on {}{} of '{}'",
+                    fl::i18n::to_string(planned.result.className), linesOf(first),
+                    linesOf(first) == linesOf(second) ? "" : " and on " + linesOf(second),
+                    fl::i18n::to_string(planned.result.fileName)),
+        "put what is to be edited on lines of its own, and try again"};
+    return;
+  }
+}
+
+}  // namespace soca::cli

@@ -1,0 +1,102 @@
+#include "reports/outcomes/Hints.h"
+
+#include <fmt/core.h>
+
+#include <cstddef>
+#include <utility>
+
+#include "conversions/Ancestry.h"
+#include "files/targets/NearestFile.h"
+#include "platform/paths/SourceReader.h"
+#include "platform/runtime/ClassDescription.h"
+
+namespace soca::cli {
+namespace {
+
+using sotarn::ClassOriginType;
+
+std::string whereLooked(std::string_view className, const ClassRoots& roots) {
+  const std::string path = relativePathOfClass(className);
+  return fmt::format("looked for {}.vlm and {}.p in {}", path, path, roots.listing());
+}
+
+// Whether all segments of the dotted name are identifiers.
+bool isClassName(std::string_view name) {
+  while (true) {
+    const std::size_t dot = name.find('.');
+    if (!isIdentifierName(name.substr(0, dot))) return false;
+    if (dot == std::string_view::npos) return true;
+    name.remove_prefix(dot + 1);
+  }
+}
+
+std::vector<std::string> hintsOnUnknownClass(std::string_view className, const ClassRoots& roots) {
+  if (!isClassName(className)) {
+    return {fmt::format("'{}' is no class name: names are letters, digits and _, parted by points",
+                        className)};
+  }
+  std::vector<std::string> hints = {
+      fmt::format("no such class was found; {}", whereLooked(className, roots))};
+  if (stemOfClassFile(className)) {
+    hints.push_back(fmt::format("there is no file '{}' in the current folder either", className));
+  }
+  std::string meant = nearestClass(className, roots);
+  if (meant.empty()) meant = nearestPath(className);
+  if (!meant.empty()) hints.push_back(fmt::format("did you mean '{}'?", meant));
+  return hints;
+}
+
+std::vector<std::string> hintsOnAncestry(const Ancestry& ancestry, const ClassRoots& roots) {
+  std::vector<std::string> hints;
+  for (const Ancestry::Missing& missing : ancestry.missing()) {
+    hints.push_back(
+        missing.isPFile
+            ? fmt::format("of the superclass '{}', named by '{}', only a p-file was found, which "
+                          "tells nothing; a class table may say what it derives from",
+                          missing.name, missing.namedBy)
+            : fmt::format("the superclass '{}', named by '{}', was not found; {}", missing.name,
+                          missing.namedBy, whereLooked(missing.name, roots)));
+  }
+  return hints;
+}
+
+}  // namespace
+
+OtherClassHints hintsOnOtherClass(std::string_view className, const ClassRoots& roots) {
+  const auto description = sotarn::describeClass(className);
+  if (description == nullptr) return {hintsOnUnknownClass(className, roots)};
+  if (description->origin == ClassOriginType::pFileOnly) {
+    return {
+        {"only a p-file was found, without its source beside it; a class table may say what it "
+         "derives from"}};
+  }
+  if (description->origin == ClassOriginType::environment) {
+    return {{"the class is one of the environment's own"}};
+  }
+  if (description->superClasses.empty() && !description->sourcePath.empty()) {
+    const FileVerdict verdict = judgeFile(description->sourcePath);
+    if (verdict.type != FileVerdict::Type::holdsClass) return {{verdict.text}, verdict.type};
+  }
+  const Ancestry ancestry(className);
+  auto hints = hintsOnAncestry(ancestry, roots);
+  if (ancestry.isCyclic()) hints.emplace_back("the class is among its own superclasses");
+  if (!hints.empty()) return {std::move(hints)};
+  if (description->superClasses.empty()) return {{"the class names no superclass"}};
+  return {{"none of the classes that it derives from is a System object"}};
+}
+
+std::vector<std::string> hintsOnMissingSuperClasses(std::string_view className,
+                                                    const ClassRoots& roots) {
+  return hintsOnAncestry(Ancestry(className), roots);
+}
+
+std::vector<std::string> hintsOnPFile(const std::string& sourcePath) {
+  if (fl::filesystem::stampOf(sourcePath)) {
+    return {
+        "the p-file stands in front of its source; update the source where there is no p-file, "
+        "and make the p-file anew"};
+  }
+  return {"only a p-file was found, without its source beside it"};
+}
+
+}  // namespace soca::cli

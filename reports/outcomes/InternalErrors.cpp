@@ -1,0 +1,39 @@
+#include "reports/outcomes/InternalErrors.h"
+
+#include <fmt/core.h>
+#include <unistd.h>
+
+#include "platform/failure/Terminate.h"
+#include "platform/runtime/ClassDescription.h"
+
+namespace soca::cli {
+namespace {
+
+thread_local const std::string* currentClass = nullptr;
+
+std::string placeOf(const std::string& className) {
+  const auto description = sotarn::describeClass(className);
+  return description == nullptr || description->sourcePath.empty() ? "a file that is not known"
+                                                                   : description->sourcePath;
+}
+
+void sayClass(const char* message, const char*, int, const char*) {
+  if (currentClass == nullptr) return;
+  const std::string text =
+      fmt::format("soca: internal error with class '{}' in {}: {}; nothing of this run is kept\n",
+                  *currentClass, placeOf(*currentClass), message);
+  // The process ends whether or not anybody can read this.
+  [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
+}
+
+}  // namespace
+
+void installInternalErrorHandler() { foundation::core::diag::setTerminateHandler(sayClass); }
+
+CurrentClass::CurrentClass(std::string_view className) : name_(className), outer_(currentClass) {
+  currentClass = &name_;
+}
+
+CurrentClass::~CurrentClass() { currentClass = outer_; }
+
+}  // namespace soca::cli

@@ -1,0 +1,102 @@
+// Conversions are independent: whichever is made first and alone, the file stays a class, and an
+// update of it then makes the others.
+#include "conversions/Conversions.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "platform/paths/Overlay.h"
+#include "platform/paths/PathDispatcher.h"
+#include "platform/text/Conversions.h"
+#include "tests/cases/CaseFile.h"
+#include "tests/platform/TemporaryFolder.h"
+
+namespace soca::cli {
+namespace {
+
+namespace fs = std::filesystem;
+using fl::i18n::to_string;
+using fl::i18n::to_ustring;
+using testing::Case;
+
+std::string applyOne(const FileEdits& all, const Conversion& conversion, const std::string& text) {
+  std::string newText;
+  std::size_t position = 0;
+  for (const std::size_t number : conversion.edits) {
+    const FileEdit& edit = all.edits[number];
+    newText += text.substr(position, edit.offset - position) + edit.text;
+    position = edit.offset + edit.length;
+  }
+  return newText + text.substr(position);
+}
+
+// Without blanks at the ends of lines and blank lines, which depend on what goes at once.
+std::string withoutBlanks(std::string text) {
+  std::erase_if(text, [](char c) { return c == ' ' || c == '\n' || c == '\r' || c == '\t'; });
+  return text;
+}
+
+// What updates make of the text until there is nothing left to do.
+std::string settle(const PlannedClass& whole, fl::ustring text) {
+  for (int i = 0; i < 3; ++i) {
+    const fl::filesystem::OverlayScope overlay(to_string(whole.result.fileName), text);
+    text = planUpdate(whole.result.className, 7, false).front().text();
+  }
+  return withoutBlanks(to_string(text));
+}
+
+void expectIndependence(const std::string& className) {
+  SCOPED_TRACE(className);
+  std::vector<PlannedClass> planned;
+  try {
+    planned = planUpdate(to_ustring(className), 7, false);
+  } catch (const std::exception&) {
+    // Others see to it that this is what should come of the class.
+    return;
+  }
+  const PlannedClass& whole = planned.front();
+  if (whole.missingDelimiter) return;
+  const auto edits = findFileEdits(whole, fl::EncodingType::utf8);
+  const auto conversions = findConversions(whole, edits);
+  const auto settled = settle(whole, fl::ustring(whole.text()));
+  std::size_t count = 0;
+  for (const Conversion& conversion : conversions) {
+    count += conversion.edits.size();
+    EXPECT_FALSE(conversion.message.empty());
+    const auto text = applyOne(edits, conversion, to_string(whole.analysis->sourceTextView()));
+    EXPECT_EQ(settle(whole, to_ustring(text)), settled) << text;
+  }
+  EXPECT_EQ(count, edits.edits.size());
+}
+
+void expectIndependenceBelow(const fs::path& root) {
+  PathDispatcher::getDispatcher().setClassPath({root.string()});
+  for (const auto& entry : fs::recursive_directory_iterator(root)) {
+    if (entry.path().extension() != ".vlm") continue;
+    auto name = entry.path().lexically_relative(root).replace_extension().string();
+    std::ranges::replace(name, '/', '.');
+    expectIndependence(name);
+  }
+}
+
+TEST(Conversions, AreIndependentInTheExamples) {
+  expectIndependenceBelow(SOCA_SOURCE_DIR "/examples");
+}
+
+TEST(Conversions, AreIndependentInTheCases) {
+  for (const Case& each : testing::findCases(SOCA_SOURCE_DIR "/tests/cases")) {
+    SCOPED_TRACE(each.name);
+    if (each.find("again") != nullptr || each.find("table") != nullptr) continue;
+    const TemporaryFolder folder;
+    for (const auto& section : each.sections) {
+      if (!section.name.starts_with("before/") || section.name.ends_with('/')) continue;
+      folder.write(section.name.substr(7), section.text);
+    }
+    expectIndependenceBelow(folder.path());
+  }
+}
+
+}  // namespace
+}  // namespace soca::cli

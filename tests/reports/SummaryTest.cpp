@@ -1,0 +1,36 @@
+#include "reports/Summary.h"
+
+#include <gtest/gtest.h>
+
+namespace soca::cli {
+namespace {
+
+TEST(Summary, CountsByKindInLinesThatFit) {
+  Summary summary;
+  EXPECT_EQ(formatDetails(summary, 80), "");
+  ClassOutcome outcome;
+  outcome.changed = true;
+  outcome.editCounts = {3, 0, 12};
+  outcome.findings = {{.id = "a:ImplSignatureMismatch"}, {.id = "Rare"}, {.id = "Rare"}, {}};
+  summary.add(outcome);
+  outcome.refusal = "no";
+  outcome.findings.clear();
+  summary.add(outcome);
+  summary.addFailure({.id = "VELUM:system:Analyzer:SyntaxError"});
+  EXPECT_EQ(formatDetails(summary, 80),
+            "  conversions: 12 impl, 3 attributes\n"
+            "  findings: 2 Rare, 1 ImplSignatureMismatch, 1 other\n"
+            "  failures: 1 SyntaxError\n");
+  EXPECT_EQ(formatDetails(summary, 36),
+            "  conversions: 12 impl,\n"
+            "               3 attributes\n"
+            "  findings: 2 Rare,\n"
+            "            1 ImplSignatureMismatch,\n"
+            "            1 other\n"
+            "  failures: 1 SyntaxError\n");
+  EXPECT_EQ(formatSummary(summary, TenseType::changed),
+            "looked at 3 classes: 1 changed, 0 stay as they are, 1 refused, 1 failed; 4 findings");
+}
+
+}  // namespace
+}  // namespace soca::cli
