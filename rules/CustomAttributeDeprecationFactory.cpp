@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "diagnostics/Findings.h"
+#include "model/AnalyzedClass.h"
 #include "model/ClassDefinition.h"
 #include "model/PropertiesBlock.h"
 #include "model/Property.h"
@@ -17,7 +18,6 @@
 #include "rules/PropertyActions.h"
 #include "rules/ReplaceEntity.h"
 #include "rules/StringSetConversion.h"
-#include "service/AnalyzedClass.h"
 
 namespace soca {
 namespace {

@@ -8,12 +8,12 @@
 
 #include "diagnostics/Findings.h"
 #include "diagnostics/Messages.h"
+#include "model/AnalyzedClass.h"
 #include "model/ClassDefinition.h"
 #include "model/Method.h"
 #include "model/MethodsBlock.h"
 #include "platform/text/UString.h"
 #include "rules/MethodActions.h"
-#include "service/AnalyzedClass.h"
 
 namespace soca {
 namespace {

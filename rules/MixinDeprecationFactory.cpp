@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "model/AnalyzedClass.h"
 #include "model/ClassDefinition.h"
-#include "service/AnalyzedClass.h"
 
 namespace soca {
 namespace {

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "metadata/MetaDataInterface.h"
+#include "model/AnalyzedClass.h"
 #include "platform/text/UString.h"
 #include "rules/Action.h"
-#include "service/AnalyzedClass.h"
 #include "service/ServiceContext.h"
 
 namespace soca {

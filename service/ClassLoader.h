@@ -4,8 +4,8 @@
 #include <memory>
 
 #include "metadata/MetaDataInterface.h"
+#include "model/AnalyzedClass.h"
 #include "platform/text/UString.h"
-#include "service/AnalyzedClass.h"
 
 namespace soca {
 

@@ -1,4 +1,4 @@
-#include "service/AnalyzedClass.h"
+#include "model/AnalyzedClass.h"
 
 namespace soca {
 
