@@ -46,10 +46,13 @@ class SourceFile {
 
   // Points into the text, which must outlive the file.
   explicit SourceFile(fl::ustring_view text);
-  // Keeps the text, which nobody else does.
+  // Keeps the text.
   template <std::same_as<fl::ustring> Text>
   explicit SourceFile(Text&& text)
       : SourceFile(std::make_unique<const fl::ustring>(std::forward<Text>(text))) {}
+  // A temporary that cannot be moved from would not outlive the file.
+  template <std::same_as<const fl::ustring> Text>
+  explicit SourceFile(Text&& text) = delete;
   SourceFile(SourceFile&&) = default;
   SourceFile& operator=(SourceFile&&) = default;
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <type_traits>
 
 #include "model/DotIndex.h"
 #include "platform/text/Conversions.h"
@@ -10,6 +11,14 @@
 
 namespace soca {
 namespace {
+
+// A file keeps a text that it may take, and points into one that somebody else keeps.
+static_assert(std::is_constructible_v<SourceFile, fl::ustring>);
+static_assert(std::is_constructible_v<SourceFile, fl::ustring&>);
+static_assert(std::is_constructible_v<SourceFile, const fl::ustring&>);
+static_assert(std::is_constructible_v<SourceFile, fl::ustring_view>);
+static_assert(std::is_constructible_v<SourceFile, const char16_t*>);
+static_assert(!std::is_constructible_v<SourceFile, const fl::ustring>);
 
 constexpr std::uint64_t allOnes = ~std::uint64_t{0};
 
