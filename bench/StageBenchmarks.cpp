@@ -16,6 +16,7 @@
 #include "platform/paths/PathDispatcher.h"
 #include "platform/text/Conversions.h"
 #include "platform/text/FileText.h"
+#include "rules/RuleFamilies.h"
 #include "service/ActionCollection.h"
 #include "service/ApplyUpdates.h"
 #include "service/ClassLoader.h"
@@ -110,7 +111,7 @@ void parse(benchmark::State& state) {
 // From the class name to the model; the analysis of the file is remembered.
 void load(benchmark::State& state) {
   const Sample sample = sampleOf(state);
-  const soca::ServiceContext context(7);
+  const soca::ServiceContext context(soca::allFamilies);
   for (auto _ : state) {
     benchmark::DoNotOptimize(soca::ClassLoader{u"Sample", context.metaData.get()}.load());
   }
@@ -134,7 +135,7 @@ void collect(benchmark::State& state) {
 
 void apply(benchmark::State& state) {
   const Sample sample = sampleOf(state);
-  const soca::ServiceContext context(7);
+  const soca::ServiceContext context(soca::allFamilies);
   std::vector<std::size_t> counts;
   const auto entry = soca::collectClassActions(
       soca::ClassLoader{u"Sample", context.metaData.get()}.load(), context.factories, counts);
@@ -146,7 +147,8 @@ void apply(benchmark::State& state) {
 
 void update(benchmark::State& state) {
   const Sample sample = sampleOf(state);
-  for (auto _ : state) benchmark::DoNotOptimize(soca::planUpdate(u"Sample", 7, false));
+  for (auto _ : state)
+    benchmark::DoNotOptimize(soca::planUpdate(u"Sample", soca::allFamilies, false));
   countBytes(state, sample);
 }
 
@@ -155,11 +157,17 @@ BENCHMARK(encode)->Arg(kSmall)->Arg(kLarge);
 BENCHMARK(scan)->Arg(kSmall)->Arg(kLarge);
 BENCHMARK(parse)->Arg(kSmall)->Arg(kLarge);
 BENCHMARK(load)->Arg(kSmall)->Arg(kLarge);
-BENCHMARK(collect)->ArgNames({"", "mixins"})->Args({kLarge, 1});
-BENCHMARK(collect)->ArgNames({"", "attributes"})->Args({kLarge, 2});
-BENCHMARK(collect)->ArgNames({"", "impl"})->Args({kLarge, 4});
 BENCHMARK(apply)->Arg(kSmall)->Arg(kLarge);
 BENCHMARK(update)->Arg(kSmall)->Arg(kLarge);
+
+[[maybe_unused]] const bool areFamiliesRegistered = [] {
+  for (const soca::RuleFamily& family : soca::ruleFamilies) {
+    benchmark::RegisterBenchmark("collect", collect)
+        ->ArgNames({"", std::string(family.name)})
+        ->Args({kLarge, static_cast<std::int64_t>(family.bit)});
+  }
+  return true;
+}();
 
 }  // namespace
 

@@ -54,7 +54,7 @@ target_sources(
   PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES
          model/Extent.h
          model/SourcePosition.h
-         service/RuleFamily.h
+         rules/RuleFamilies.h
          service/UpdatePlan.h
          service/UpdaterImpl.h)
 

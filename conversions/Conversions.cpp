@@ -191,16 +191,15 @@ class ConversionFinder {
 
   void describe(Conversion& conversion) {
     const auto number = static_cast<std::size_t>(&conversion - conversions_.data());
-    switch (conversion.family) {
-      case RuleFamilyType::attributes:
-        return describeProperties(names_[number], conversion);
-      case RuleFamilyType::mixins:
-        conversion.message = "mixins";
-        conversion.arguments = {to_string(planned_.result.className)};
-        conversion.place = planned_.actions[actions_[number]].extent;
-        return;
-      case RuleFamilyType::impl:
-        return describeMethod(planned_.actions[actions_[number]], conversion);
+    const PlannedAction& action = planned_.actions[actions_[number]];
+    if (conversion.family == RuleFamilyType::attributes) {
+      describeProperties(names_[number], conversion);
+    } else if (conversion.family == RuleFamilyType::impl) {
+      describeMethod(action, conversion);
+    } else {
+      conversion.message = ruleFamily(conversion.family).name;
+      conversion.arguments = {to_string(planned_.result.className)};
+      conversion.place = action.extent;
     }
   }
 

@@ -9,7 +9,7 @@
 
 #include "conversions/FileEdits.h"
 #include "model/Extent.h"
-#include "service/RuleFamily.h"
+#include "rules/RuleFamilies.h"
 #include "service/UpdatePlan.h"
 
 namespace soca::cli {

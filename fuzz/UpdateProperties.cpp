@@ -11,6 +11,7 @@
 #include "fuzz/Violation.h"
 #include "platform/failure/Exception.h"
 #include "platform/text/Conversions.h"
+#include "rules/RuleFamilies.h"
 #include "service/UpdatePlan.h"
 #include "service/UpdaterImpl.h"
 
@@ -19,7 +20,6 @@ namespace {
 
 using fl::i18n::to_string;
 
-constexpr UpdateMask allFamilies = 7;
 constexpr const char* outOfRange = "std::out_of_range";
 
 // What `work` fails with; empty if it does not.
@@ -176,7 +176,7 @@ UpdateVerdict checkUpdate(const std::vector<ClassFile>& files) {
   ClassFilesScope scope(files);
   const fl::ustring className = fl::i18n::to_ustring(files.front().className);
   checkReports(className);
-  for (const UpdateMask mask : {1U, 2U, 4U}) checkCall(className, mask, false);
+  for (const RuleFamily& family : ruleFamilies) checkCall(className, family.bit, false);
   checkCall(className, allFamilies, true);
   UpdateVerdict verdict = checkCall(className, allFamilies, false);
   if (verdict.type == UpdateVerdict::Type::updated) {

@@ -7,8 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "cli/FamilyNames.h"
-
 namespace soca::cli {
 namespace {
 
@@ -61,7 +59,9 @@ void Summary::add(const ClassOutcome& outcome) {
     ++refused;
   } else if (outcome.changed) {
     ++changed;
-    for (std::size_t i = 0; i < conversions.size(); ++i) conversions[i] += outcome.editCounts[i];
+    for (const RuleFamily& family : ruleFamilies) {
+      conversions[family.type] += outcome.editCounts[family.type];
+    }
   }
   for (const Finding& finding : outcome.findings) {
     ++findingsById[finding.id.empty() ? "other" : shortId(finding.id)];
@@ -103,8 +103,8 @@ std::string formatSummary(const Summary& summary, TenseType tense) {
 
 std::string formatDetails(const Summary& summary, std::size_t width) {
   Counts conversions;
-  for (std::size_t i = 0; i < familyNames.size(); ++i) {
-    conversions.emplace_back(familyNames[i], summary.conversions[i]);
+  for (const RuleFamily& family : ruleFamilies) {
+    conversions.emplace_back(family.name, summary.conversions[family.type]);
   }
   return listing("conversions", conversions, width) +
          listing("findings", countsOf(summary.findingsById), width) +

@@ -1,12 +1,12 @@
 // What a run came to, in numbers.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <map>
 #include <string>
 
 #include "reports/outcomes/Outcome.h"
+#include "rules/RuleFamilies.h"
 
 namespace soca::cli {
 
@@ -24,9 +24,8 @@ struct Summary {
   // Of a dry run, the classes that change and that `--write` would refuse.
   std::size_t uncommitted = 0;
 
-  // Of the classes that change, how many edits each rule family makes, in the order of
-  // RuleFamilyType.
-  std::array<std::size_t, 3> conversions{};
+  // Of the classes that change, how many edits each rule family makes.
+  PerFamily<std::size_t> conversions;
   // How many findings and failures there are of each id, in its short form.
   std::map<std::string, std::size_t> findingsById;
   std::map<std::string, std::size_t> failuresById;

@@ -17,6 +17,7 @@
 #include "rules/PropertiesBlockUpdate.h"
 #include "rules/PropertyActions.h"
 #include "rules/ReplaceEntity.h"
+#include "rules/RuleFamilies.h"
 #include "rules/StringSetConversion.h"
 
 namespace soca {
@@ -176,6 +177,11 @@ RuleResult takeResult(std::vector<BlockUpdate>& updates) {
 }
 
 }  // namespace
+
+std::unique_ptr<AbstractActionFactory> makeCustomAttributeDeprecationFactory(
+    MetaDataInterface* /*metaData*/) {
+  return std::make_unique<CustomAttributeDeprecationFactory>();
+}
 
 RuleResult CustomAttributeDeprecationFactory::createActions(
     const AnalyzedClass& analyzedClass) const {

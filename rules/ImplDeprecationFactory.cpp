@@ -14,6 +14,7 @@
 #include "model/MethodsBlock.h"
 #include "platform/text/UString.h"
 #include "rules/MethodActions.h"
+#include "rules/RuleFamilies.h"
 
 namespace soca {
 namespace {
@@ -211,6 +212,10 @@ class ImplRules {
 };
 
 }  // namespace
+
+std::unique_ptr<AbstractActionFactory> makeImplDeprecationFactory(MetaDataInterface* metaData) {
+  return std::make_unique<ImplDeprecationFactory>(metaData);
+}
 
 RuleResult ImplDeprecationFactory::createActions(const AnalyzedClass& analyzedClass) const {
   ImplRules rules(*analyzedClass.definition);

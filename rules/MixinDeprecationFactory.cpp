@@ -8,6 +8,7 @@
 
 #include "model/AnalyzedClass.h"
 #include "model/ClassDefinition.h"
+#include "rules/RuleFamilies.h"
 
 namespace soca {
 namespace {
@@ -98,6 +99,10 @@ std::vector<fl::ustring> newSuperClassNames(const SuperClasses& superClasses,
 }
 
 }  // namespace
+
+std::unique_ptr<AbstractActionFactory> makeMixinDeprecationFactory(MetaDataInterface* metaData) {
+  return std::make_unique<MixinDeprecationFactory>(metaData);
+}
 
 RuleResult MixinDeprecationFactory::createActions(const AnalyzedClass& analyzedClass) const {
   const SuperClasses& superClasses = analyzedClass.definition->getSuperClasses();

@@ -11,7 +11,7 @@
 #include "platform/analyzer/AnalysisResult.h"
 #include "platform/paths/SourceReader.h"
 #include "platform/text/UString.h"
-#include "service/RuleFamily.h"
+#include "rules/RuleFamilies.h"
 #include "soca/Updater.h"
 
 namespace soca {

@@ -1,5 +1,6 @@
 #include "service/UpdaterImpl.h"
 
+#include "rules/RuleFamilies.h"
 #include "service/ActionCollection.h"
 #include "service/ActionReport.h"
 #include "service/ApplyUpdates.h"
@@ -7,11 +8,6 @@
 #include "service/ServiceContext.h"
 
 namespace soca {
-namespace {
-
-constexpr UpdateMask allFamilies = 7;
-
-}  // namespace
 
 std::vector<UpdateResult> UpdaterImpl::update(const fl::ustring& className, const UpdateMask& mask,
                                               bool includeSuperclasses) {

@@ -203,8 +203,8 @@ void UpdateRun::takeWritten() {
 }
 
 void UpdateRun::dropConversions(const WriteQueue::Entry& entry) {
-  for (std::size_t i = 0; i < entry.editCounts.size(); ++i) {
-    summary_.conversions[i] -= entry.editCounts[i];
+  for (const RuleFamily& family : ruleFamilies) {
+    summary_.conversions[family.type] -= entry.editCounts[family.type];
   }
 }
 

@@ -32,8 +32,9 @@ void WriteQueue::add(const ClassOutcome& outcome, bool hasNewFile) {
     entry.newDigest = digestOf(outcome.newBytes);
   }
   entry.stamp = outcome.stamp;
-  std::ranges::transform(outcome.editCounts, entry.editCounts.begin(),
-                         [](std::size_t count) { return static_cast<std::uint32_t>(count); });
+  for (const RuleFamily& family : ruleFamilies) {
+    entry.editCounts[family.type] = static_cast<std::uint32_t>(outcome.editCounts[family.type]);
+  }
   entries_.push_back(std::move(entry));
 }
 

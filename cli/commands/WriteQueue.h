@@ -1,7 +1,6 @@
 // What a run with `--write` puts aside until its last class is done, and then writes.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -12,6 +11,7 @@
 #include "files/writing/RunStore.h"
 #include "files/writing/Spool.h"
 #include "reports/outcomes/Outcome.h"
+#include "rules/RuleFamilies.h"
 
 namespace soca::cli {
 
@@ -28,7 +28,7 @@ class WriteQueue {
     fl::filesystem::FileStamp stamp;
     Digest newDigest;
     // How many edits each rule family made.
-    std::array<std::uint32_t, 3> editCounts{};
+    PerFamily<std::uint32_t> editCounts;
   };
 
   // What became of an entry.

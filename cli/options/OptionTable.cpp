@@ -1,8 +1,11 @@
 #include "cli/options/OptionTable.h"
+#include "rules/RuleFamilies.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <string>
+#include <tuple>
 
 namespace soca::cli {
 namespace {
@@ -29,8 +32,26 @@ constexpr unsigned forUndo = bitOf(CommandType::undo);
 constexpr unsigned forAll =
     forClasses | bitOf(CommandType::check) | bitOf(CommandType::explain) | forUndo;
 
-constexpr auto ruleWords = std::to_array<OptionWord>(
-    {{"attributes", UpdateMask{2}}, {"mixins", UpdateMask{1}}, {"impl", UpdateMask{4}}});
+constexpr OptionWord ruleWordOf(const RuleFamily& family) { return {family.name, family.bit}; }
+
+constexpr auto ruleWords = std::apply(
+    [](const auto&... families) { return std::array{ruleWordOf(families)...}; }, ruleFamilies);
+
+// "some of attributes,mixins,impl (default: all)"
+constexpr std::string makeRulesText() {
+  std::string names;
+  for (const RuleFamily& family : ruleFamilies) {
+    if (!names.empty()) names += ',';
+    names += family.name;
+  }
+  return "some of " + names + " (default: all)";
+}
+constexpr auto rulesText = [] {
+  std::array<char, makeRulesText().size()> text{};
+  std::ranges::copy(makeRulesText(), text.begin());
+  return text;
+}();
+
 constexpr auto colorWords = std::to_array<OptionWord>(
     {{"auto", ColorType::automatic}, {"always", ColorType::always}, {"never", ColorType::never}});
 constexpr auto formatWords = std::to_array<OptionWord>(
@@ -40,7 +61,7 @@ constexpr auto options = std::to_array<OptionRow>({
     {OptionType::path, "-p,--path", "DIR", forClasses,
      "a root of the class path, may be repeated (default: .)"},
     {OptionType::rules, "-r,--rules", "LIST", forUpdate,
-     "some of attributes,mixins,impl (default: all)", ruleWords},
+     std::string_view(rulesText.data(), rulesText.size()), ruleWords},
     {OptionType::superclasses, "-s,--superclasses", "", forUpdate | bitOf(CommandType::actions),
      "take the superclasses along"},
     {OptionType::write, "--write", "", forUpdate, "change the files"},

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/terminal/Console.h"
+#include "rules/RuleFamilies.h"
 #include "soca/Updater.h"
 
 namespace soca::cli {
@@ -27,7 +28,7 @@ struct Options {
   ColorType color = ColorType::automatic;
   bool quiet = false;
   bool verbose = false;
-  UpdateMask rules = 7;
+  UpdateMask rules = allFamilies;
   bool includeSuperclasses = false;
   bool write = false;
   bool check = false;

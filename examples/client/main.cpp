@@ -65,10 +65,10 @@ void print(const soca::UpdateResult& result) {
 }
 
 void describeAndUpdate(soca::Updater& updater, const fl::ustring& className) {
-  constexpr soca::UpdateMask allFamilies = 7;
+  constexpr soca::UpdateMask everyFamily = ~soca::UpdateMask{0};
   std::cout << to_string(updater.reportClass(className)) << '\n'
             << to_string(updater.reportActions(className, false)) << '\n';
-  for (const auto& result : updater.update(className, allFamilies, false)) print(result);
+  for (const auto& result : updater.update(className, everyFamily, false)) print(result);
 }
 
 }  // namespace

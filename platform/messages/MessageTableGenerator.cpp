@@ -66,28 +66,36 @@ void writeMessages(const char* table, const Json& entries, const std::string& ca
   out << "}};\n\n";
 }
 
-// The name of the table that holds the conversions of the rule.
+// The names of the tables that hold the lists of the rule.
+std::string textTableOf(const Json& rule) { return rule.at("id").get<std::string>() + "Texts"; }
 std::string conversionTableOf(const Json& rule) {
   return rule.at("id").get<std::string>() + "Conversions";
 }
 
-void writeConversions(const Json& rule, std::ostream& out) {
-  const Json& conversions = rule.at("conversions");
-  out << "inline constexpr std::array<ConversionExplanation, " << conversions.size() << "> "
-      << conversionTableOf(rule) << "{{\n";
-  for (const Json& conversion : conversions) {
+// Writes the entries as a table of the type, each with the texts of the keys.
+void writeTable(const char* type, const std::string& table, const Json& entries,
+                std::initializer_list<const char*> keys, std::ostream& out) {
+  out << "inline constexpr std::array<" << type << ", " << entries.size() << "> " << table
+      << "{{\n";
+  for (const Json& entry : entries) {
     out << "    {\n";
-    writeTexts(conversion, {"from", "to"}, out);
+    writeTexts(entry, keys, out);
     out << "    },\n";
   }
   out << "}};\n\n";
 }
 
 void writeRules(const Json& rules, std::ostream& out) {
-  for (const Json& rule : rules) writeConversions(rule, out);
+  for (const Json& rule : rules) {
+    writeTable("ConversionText", textTableOf(rule), rule.at("texts"), {"id", "text"}, out);
+    writeTable("ConversionExplanation", conversionTableOf(rule), rule.at("conversions"),
+               {"from", "to"}, out);
+  }
   out << "inline constexpr std::array<RuleExplanation, " << rules.size() << "> ruleTable{{\n";
   for (const Json& rule : rules) {
     out << "    {" << quote(rule.at("id").get<std::string>()) << ",\n";
+    writeTexts(rule, {"name"}, out);
+    out << "     " << textTableOf(rule) << ",\n";
     writeTexts(rule, {"title", "summary"}, out);
     out << "     " << conversionTableOf(rule) << ",\n";
     writeLines(rule, {"details", "limits", "before", "after"}, out);

@@ -38,10 +38,20 @@ struct ConversionExplanation {
   std::string_view to;
 };
 
+// What is reported of one place that a family converts. A text has placeholders as a message has.
+struct ConversionText {
+  std::string_view id;
+  std::string_view text;
+};
+
 // One rule family.
 struct RuleExplanation {
-  // The name on the command line: "attributes", "mixins" or "impl".
+  // The name on the command line, such as "attributes".
   std::string_view id;
+  // As other tools show it: letters only, each word with a capital.
+  std::string_view name;
+  // At least one.
+  std::span<const ConversionText> texts;
   std::string_view title;
   // One sentence.
   std::string_view summary;

@@ -10,44 +10,16 @@
 #include <utility>
 
 #include "reports/explanations/MessageExplanations.h"
+#include "rules/RuleFamilies.h"
 
 namespace soca::cli {
 namespace {
 
+using fl::i18n::ConversionText;
 using fl::i18n::MessageExplanation;
 using fl::i18n::MessageKindType;
 using fl::i18n::RuleExplanation;
 using Json = nlohmann::ordered_json;
-
-// A text of a rule family, by the names that conversions have for them.
-struct ConversionText {
-  RuleFamilyType family;
-  std::string_view message;
-  std::string_view text;
-};
-
-constexpr auto conversionTexts = std::to_array<ConversionText>({
-    {RuleFamilyType::attributes, "property",
-     "The declaration of property '{0}' does not say by itself what a deprecated attribute or a "
-     "set "
-     "property says of it."},
-    {RuleFamilyType::attributes, "properties",
-     "The declarations of the properties {0} do not say by themselves what a deprecated attribute "
-     "or a set property says of them."},
-    {RuleFamilyType::attributes, "block",
-     "A properties block has a deprecated attribute, or nothing in it."},
-    {RuleFamilyType::mixins, "mixins", "Class '{0}' derives from deprecated mixins."},
-    {RuleFamilyType::impl, "renamed",
-     "Method '{0}' has a deprecated name. The method of today is '{1}'."},
-    {RuleFamilyType::impl, "deleted", "Method '{0}' is obsolete or redundant."},
-    {RuleFamilyType::impl, "method", "A method has a deprecated form."},
-});
-
-// In the order of RuleFamilyType: the id of its explanation, and a name as tools show it.
-constexpr auto families = std::to_array<std::pair<std::string_view, std::string_view>>(
-    {{"attributes", "DeprecatedPropertyAttributes"},
-     {"mixins", "DeprecatedMixins"},
-     {"impl", "DeprecatedImplMethods"}});
 
 std::vector<const MessageExplanation*> explanationsOf(MessageKindType kind) {
   std::vector<const MessageExplanation*> chosen;
@@ -82,18 +54,13 @@ std::string listOf(std::string_view lines) {
   return list;
 }
 
-Json ruleOf(std::size_t family) {
-  const auto& [id, name] = families[family];
-  const RuleExplanation& rule = *fl::i18n::findRuleExplanation(id);
+Json ruleOf(const RuleExplanation& rule) {
   Json texts = Json::object();
-  for (const ConversionText& each : conversionTexts) {
-    if (static_cast<std::size_t>(each.family) == family)
-      texts[each.message] = {{"text", each.text}};
-  }
+  for (const ConversionText& each : rule.texts) texts[each.id] = {{"text", each.text}};
   const std::string help =
       fmt::format("{}\n{}\n\nLimits:\n{}", rule.summary, listOf(rule.details), listOf(rule.limits));
-  return {{"id", id},
-          {"name", name},
+  return {{"id", rule.id},
+          {"name", rule.name},
           {"shortDescription", {{"text", fmt::format("{}.", rule.title)}}},
           {"fullDescription", {{"text", rule.summary}}},
           {"messageStrings", std::move(texts)},
@@ -150,7 +117,9 @@ Json messageOf(std::string_view id, const std::string& text,
 
 Json sarifTool() {
   Json rules = Json::array();
-  for (std::size_t i = 0; i < families.size(); ++i) rules.push_back(ruleOf(i));
+  for (const RuleFamily& family : ruleFamilies) {
+    rules.push_back(ruleOf(*fl::i18n::findRuleExplanation(family.name)));
+  }
   for (const auto* message : explanationsOf(MessageKindType::finding)) {
     rules.push_back(ruleOf(*message, "warning"));
   }
@@ -168,12 +137,11 @@ Json sarifTool() {
 }
 
 Json sarifResult(const Conversion& conversion) {
-  const auto family = static_cast<std::size_t>(conversion.family);
-  const auto text = std::ranges::find_if(conversionTexts, [&](const ConversionText& each) {
-    return each.family == conversion.family && each.message == conversion.message;
-  });
-  return {{"ruleId", families[family].first},
-          {"ruleIndex", family},
+  const std::string_view family = ruleFamily(conversion.family).name;
+  const auto texts = fl::i18n::findRuleExplanation(family)->texts;
+  const auto text = std::ranges::find(texts, conversion.message, &ConversionText::id);
+  return {{"ruleId", family},
+          {"ruleIndex", static_cast<std::size_t>(conversion.family)},
           {"level", "note"},
           {"message", messageOf(conversion.message, fillIn(text->text, conversion.arguments),
                                 conversion.arguments)}};
@@ -185,7 +153,8 @@ Json sarifResult(const Finding& finding) {
   Json result = Json::object();
   if (known != explanations.end()) {
     result["ruleId"] = (*known)->fullId;
-    result["ruleIndex"] = families.size() + static_cast<std::size_t>(known - explanations.begin());
+    result["ruleIndex"] =
+        ruleFamilies.size() + static_cast<std::size_t>(known - explanations.begin());
   }
   result["level"] = "warning";
   result["message"] = known == explanations.end()

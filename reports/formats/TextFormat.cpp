@@ -2,7 +2,6 @@
 
 #include <fmt/core.h>
 
-#include "cli/FamilyNames.h"
 #include "reports/UnifiedDiff.h"
 
 namespace soca::cli {
@@ -17,10 +16,10 @@ std::string hintLines(const std::vector<std::string>& hints) {
 // "3 attributes, 1 mixins", or that there is none.
 std::string editsOf(const ClassOutcome& outcome) {
   std::string text;
-  for (std::size_t i = 0; i < familyNames.size(); ++i) {
-    if (outcome.editCounts[i] == 0) continue;
-    text += fmt::format("{}{} {}", text.empty() ? "edits: " : ", ", outcome.editCounts[i],
-                        familyNames[i]);
+  for (const RuleFamily& family : ruleFamilies) {
+    const std::size_t count = outcome.editCounts[family.type];
+    if (count == 0) continue;
+    text += fmt::format("{}{} {}", text.empty() ? "edits: " : ", ", count, family.name);
   }
   return text.empty() ? "no edits" : text;
 }

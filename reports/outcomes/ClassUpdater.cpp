@@ -102,7 +102,7 @@ Failure describeMissingDelimiter(const Target& target, const std::string& file,
 
 void countEdits(const PlannedClass& planned, ClassOutcome& outcome) {
   for (const PlannedAction& action : planned.actions) {
-    ++outcome.editCounts[static_cast<std::size_t>(action.family)];
+    ++outcome.editCounts[action.family];
   }
 }
 
@@ -120,7 +120,7 @@ std::vector<std::string> namesWithout(const std::vector<DeclaredMethod>& methods
 }
 
 bool editsMethods(const ClassOutcome& outcome) {
-  return outcome.editCounts[static_cast<std::size_t>(RuleFamilyType::impl)] > 0;
+  return outcome.editCounts[RuleFamilyType::impl] > 0;
 }
 
 // The methods that are called differently, or are gone, afterwards.

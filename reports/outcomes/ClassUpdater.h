@@ -12,6 +12,7 @@
 #include "reports/FileNames.h"
 #include "reports/outcomes/Failures.h"
 #include "reports/outcomes/Outcome.h"
+#include "rules/RuleFamilies.h"
 #include "service/UpdatePlan.h"
 #include "soca/Updater.h"
 
@@ -19,7 +20,7 @@ namespace soca::cli {
 
 // What to compute, and what of the outcome somebody wants to see; the rest is left empty.
 struct UpdateWishes {
-  UpdateMask rules = 7;
+  UpdateMask rules = allFamilies;
   bool includeSuperclasses = false;
   bool diff = false;
   bool text = false;

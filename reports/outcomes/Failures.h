@@ -9,6 +9,7 @@
 #include "platform/messages/BaseMsgID.h"
 #include "reports/FileNames.h"
 #include "reports/outcomes/Outcome.h"
+#include "rules/RuleFamilies.h"
 #include "soca/Updater.h"
 
 namespace soca::cli {
@@ -17,7 +18,7 @@ namespace soca::cli {
 struct FailedCall {
   // In UTF-8.
   std::string className;
-  UpdateMask rules = 7;
+  UpdateMask rules = allFamilies;
   bool includeSuperclasses = false;
 };
 

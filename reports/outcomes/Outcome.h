@@ -1,7 +1,6 @@
 // What became of the classes that an update looked at.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -15,6 +14,7 @@
 #include "platform/paths/SourceReader.h"
 #include "platform/text/FileText.h"
 #include "reports/outcomes/FileVerdict.h"
+#include "rules/RuleFamilies.h"
 
 namespace soca::cli {
 
@@ -96,8 +96,8 @@ struct ClassOutcome {
   std::vector<Conversion> conversions;
   // Of the file as it stands, only if edits are asked for.
   std::optional<FileBytes> bytes;
-  // How many edits each rule family made, in the order of RuleFamilyType.
-  std::array<std::size_t, 3> editCounts{};
+  // How many edits each rule family made.
+  PerFamily<std::size_t> editCounts;
   // Whether an update of the new text would change it again.
   bool changesAgain = false;
   // The methods that the update brings in by another name, and those that it deletes.

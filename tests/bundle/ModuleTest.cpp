@@ -15,6 +15,7 @@
 #include "platform/component/ComponentInstance.h"
 #include "platform/failure/Exception.h"
 #include "platform/paths/PathDispatcher.h"
+#include "rules/RuleFamilies.h"
 #include "service/UpdaterImpl.h"
 #include "tests/bundle/BundleFile.h"
 #include "tests/bundle/ResourceArchive.h"
@@ -24,7 +25,7 @@ namespace {
 
 using cppmicroservices::service::component::detail::ComponentInstance;
 
-constexpr soca::UpdateMask allFamilies = 7;
+using soca::allFamilies;
 
 std::string bytesOf(const std::string& path) {
   std::ifstream file(path, std::ios::binary);

@@ -11,6 +11,7 @@
 
 #include "platform/failure/Exception.h"
 #include "platform/paths/PathDispatcher.h"
+#include "rules/RuleFamilies.h"
 #include "service/UpdaterImpl.h"
 #include "tests/bundle/BundleFile.h"
 
@@ -22,7 +23,7 @@ extern "C" const char* __lsan_default_options() {  // NOLINT(bugprone-reserved-i
 
 namespace {
 
-constexpr soca::UpdateMask allFamilies = 7;
+using soca::allFamilies;
 constexpr const char16_t* className = u"sigproc.MovingAverage";
 
 fl::ustring updatedText(soca::Updater& updater) {

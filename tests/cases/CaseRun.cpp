@@ -14,6 +14,7 @@
 #include "platform/paths/PathDispatcher.h"
 #include "platform/runtime/ClassTable.h"
 #include "platform/text/Conversions.h"
+#include "rules/RuleFamilies.h"
 #include "service/UpdatePlan.h"
 #include "service/UpdaterImpl.h"
 #include "tests/platform/TemporaryFolder.h"
@@ -60,7 +61,7 @@ class CaseFolder {
 
 struct Options {
   fl::ustring className;
-  UpdateMask mask = 7;
+  UpdateMask mask = allFamilies;
   bool includeSuperclasses = false;
 };
 

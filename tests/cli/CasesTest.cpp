@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <sstream>
 
+#include "rules/RuleFamilies.h"
 #include "tests/cli/AppliedEdits.h"
 #include "tests/cli/ProgramRunner.h"
 
@@ -37,10 +38,10 @@ std::vector<std::string> argumentsOf(const Case& tested) {
     if (word != "mask") continue;
     unsigned mask = 0;
     words >> mask;
-    if ((mask & 7U) == 0) return {};
+    if ((mask & allFamilies) == 0) return {};
     std::string rules;
-    for (const auto& [bit, name] : {std::pair(1U, "mixins"), {2U, "attributes"}, {4U, "impl"}}) {
-      if ((mask & bit) != 0) rules += (rules.empty() ? "" : ",") + std::string(name);
+    for (const RuleFamilyType family : selectRuleFamilies(mask)) {
+      rules += (rules.empty() ? "" : ",") + std::string(ruleFamily(family).name);
     }
     arguments.insert(arguments.end(), {"-r", rules});
   }

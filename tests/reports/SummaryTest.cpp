@@ -10,7 +10,8 @@ TEST(Summary, CountsByKindInLinesThatFit) {
   EXPECT_EQ(formatDetails(summary, 80), "");
   ClassOutcome outcome;
   outcome.changed = true;
-  outcome.editCounts = {3, 0, 12};
+  outcome.editCounts[RuleFamilyType::attributes] = 3;
+  outcome.editCounts[RuleFamilyType::impl] = 12;
   outcome.findings = {{.id = "a:ImplSignatureMismatch"}, {.id = "Rare"}, {.id = "Rare"}, {}};
   summary.add(outcome);
   outcome.refusal = "no";

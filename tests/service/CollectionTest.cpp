@@ -5,10 +5,10 @@
 
 #include <gtest/gtest.h>
 #include "platform/text/Conversions.h"
+#include "rules/RuleFamilies.h"
 #include "service/ActionCollection.h"
 #include "service/ActionReport.h"
 #include "service/ClassWalk.h"
-#include "service/RuleFamily.h"
 #include "tests/model/ModelOfText.h"
 #include "tests/service/SyntheticActions.h"
 
@@ -35,10 +35,11 @@ TEST(ClassWalk, BreadthFirstEachOnce) {
 TEST(RuleFamilies, RunInOneOrderWhateverTheMask) {
   using Families = std::vector<RuleFamilyType>;
   using enum RuleFamilyType;
-  EXPECT_EQ(selectRuleFamilies(7), (Families{attributes, mixins, impl}));
+  EXPECT_EQ(selectRuleFamilies(1 + 2 + 4), (Families{attributes, mixins, impl}));
+  EXPECT_EQ(selectRuleFamilies(allFamilies).size(), ruleFamilies.size());
   EXPECT_EQ(selectRuleFamilies(5), (Families{mixins, impl}));
   EXPECT_EQ(selectRuleFamilies(2), (Families{attributes}));
-  EXPECT_EQ(selectRuleFamilies(~std::uint64_t{7}), (Families{}));
+  EXPECT_EQ(selectRuleFamilies(~allFamilies), (Families{}));
   EXPECT_EQ(ServiceContext(3).factories.size(), 2U);
 }
 

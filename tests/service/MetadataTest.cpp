@@ -8,6 +8,7 @@
 #include "platform/failure/Exception.h"
 #include "platform/paths/PathDispatcher.h"
 #include "platform/text/Conversions.h"
+#include "rules/RuleFamilies.h"
 #include "service/ClassLoader.h"
 #include "service/UpdatePlan.h"
 #include "service/UpdaterImpl.h"
@@ -126,7 +127,7 @@ TEST(UpdatePlan, SameResultsAsTheService) {
     std::ranges::replace(name, '/', '.');
     const fl::ustring className = fl::i18n::to_ustring(name);
     if (!VELUMMetaDataInterface().getMetaClass(className)->isSystemObject()) continue;
-    for (UpdateMask mask = 0; mask < 8; ++mask) {
+    for (UpdateMask mask = 0; mask <= allFamilies; ++mask) {
       SCOPED_TRACE(name);
       const auto planned = planUpdate(className, mask, false);
       const auto results = UpdaterImpl().update(className, mask, false);
