@@ -5,7 +5,7 @@
 #include "platform/runtime/ClassDescription.h"
 #include "platform/runtime/LongAncestry.h"
 
-namespace soca::cli {
+namespace soca {
 
 using sotarn::ClassOriginType;
 
@@ -55,4 +55,4 @@ std::vector<std::string> Ancestry::superClassesOf(std::string_view className) {
   return names;
 }
 
-}  // namespace soca::cli
+}  // namespace soca

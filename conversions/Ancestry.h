@@ -6,7 +6,7 @@
 #include <unordered_set>
 #include <vector>
 
-namespace soca::cli {
+namespace soca {
 
 // Asks the class runtime for each class once, nearest first, or for all at once where it remembers
 // them. Names are in UTF-8.
@@ -46,4 +46,4 @@ class Ancestry {
   bool isCyclic_ = false;
 };
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -14,7 +14,7 @@
 #include "platform/text/Conversions.h"
 #include "platform/text/TextSearch.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 using fl::i18n::to_string;
@@ -112,10 +112,11 @@ std::optional<std::string> NewTextCheck::checkProperties(const ca::AnalysisResul
   const auto found = declaredProperties(updated);
   auto next = found.begin();
   for (const Property& property : properties_) {
-    if (next == found.end() || !areEqualTexts(next->name, property.name)) {
+    if (next == found.end() || !fl::areEqualTexts(next->name, property.name)) {
       return fmt::format("property '{}' would get lost", to_string(property.name));
     }
-    if (!property.defaultText.empty() && !areEqualTexts(next->defaultText, property.defaultText)) {
+    if (!property.defaultText.empty() &&
+        !fl::areEqualTexts(next->defaultText, property.defaultText)) {
       return fmt::format("the default value of property '{}' would change",
                          to_string(property.name));
     }
@@ -166,7 +167,7 @@ void NewTextCheck::expectMethods(const PlannedClass& planned) {
 std::optional<std::string> NewTextCheck::checkMethods(const ca::AnalysisResult& updated) const {
   const auto found = declaredMethods(updated);
   const auto [missing, other] =
-      std::ranges::mismatch(methods_, found, areEqualTexts, {}, &DeclaredMethod::name);
+      std::ranges::mismatch(methods_, found, fl::areEqualTexts, {}, &DeclaredMethod::name);
   if (missing != methods_.end()) {
     return fmt::format("method '{}' would get lost", to_string(*missing));
   }
@@ -176,4 +177,4 @@ std::optional<std::string> NewTextCheck::checkMethods(const ca::AnalysisResult& 
   return std::nullopt;
 }
 
-}  // namespace soca::cli
+}  // namespace soca

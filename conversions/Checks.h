@@ -10,7 +10,7 @@
 #include "platform/text/UString.h"
 #include "service/UpdatePlan.h"
 
-namespace soca::cli {
+namespace soca {
 
 // The new text has to be free of syntax errors; to have the same properties, less deleted
 // companions of sets, each with the default value that it had; the same methods, renamed and
@@ -46,4 +46,4 @@ class NewTextCheck {
   std::optional<std::string> lostText_;
 };
 
-}  // namespace soca::cli
+}  // namespace soca

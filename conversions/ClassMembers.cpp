@@ -1,6 +1,6 @@
 #include "conversions/ClassMembers.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 using lf::astapi::NodeKind;
@@ -43,4 +43,4 @@ std::vector<DeclaredMethod> declaredMethods(const ca::AnalysisResult& analysis) 
   return methods;
 }
 
-}  // namespace soca::cli
+}  // namespace soca

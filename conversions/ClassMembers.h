@@ -7,7 +7,7 @@
 #include "platform/analyzer/tree/Ast.h"
 #include "platform/text/UString.h"
 
-namespace soca::cli {
+namespace soca {
 
 // Valid as long as the analysis that they were taken from.
 struct DeclaredProperty {
@@ -28,4 +28,4 @@ struct DeclaredMethod {
 std::vector<DeclaredProperty> declaredProperties(const ca::AnalysisResult& analysis);
 std::vector<DeclaredMethod> declaredMethods(const ca::AnalysisResult& analysis);
 
-}  // namespace soca::cli
+}  // namespace soca

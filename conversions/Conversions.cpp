@@ -15,7 +15,7 @@
 #include "platform/runtime/ClassDescription.h"
 #include "platform/text/Conversions.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 using fl::i18n::to_string;
@@ -269,4 +269,4 @@ std::vector<Conversion> findConversions(const PlannedClass& planned, const FileE
   return ConversionFinder(planned, fileEdits).find();
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -12,7 +12,7 @@
 #include "rules/RuleFamilies.h"
 #include "service/UpdatePlan.h"
 
-namespace soca::cli {
+namespace soca {
 
 // Edits that only make sense together: those of a method, of the list of superclasses, or of blocks
 // of properties that share a property and its companion, or are joined. A file with some of its
@@ -33,4 +33,4 @@ struct Conversion {
 // In the order of the file. Every edit belongs to one conversion.
 std::vector<Conversion> findConversions(const PlannedClass& planned, const FileEdits& fileEdits);
 
-}  // namespace soca::cli
+}  // namespace soca

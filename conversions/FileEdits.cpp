@@ -9,7 +9,7 @@
 #include "model/SourceFile.h"
 #include "platform/text/Conversions.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 constexpr std::size_t noAction = std::numeric_limits<std::size_t>::max();
@@ -233,4 +233,4 @@ FileEdits findFileEdits(const PlannedClass& planned, fl::EncodingType encoding) 
   return EditFinder(planned, encoding).find();
 }
 
-}  // namespace soca::cli
+}  // namespace soca

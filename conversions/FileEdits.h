@@ -10,7 +10,7 @@
 #include "platform/text/FileText.h"
 #include "service/UpdatePlan.h"
 
-namespace soca::cli {
+namespace soca {
 
 // A stretch of the old file and what stands in its place afterwards. The texts differ, and either
 // may be empty. Stretches are whole words where words change.
@@ -37,4 +37,4 @@ struct FileEdits {
 // of `planned`, which must not stop at a missing delimiter.
 FileEdits findFileEdits(const PlannedClass& planned, fl::EncodingType encoding);
 
-}  // namespace soca::cli
+}  // namespace soca

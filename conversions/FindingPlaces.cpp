@@ -9,9 +9,8 @@
 #include "platform/analyzer/tree/NodeVisitor.h"
 #include "platform/text/Conversions.h"
 #include "platform/text/TextSearch.h"
-#include "reports/explanations/MessageExplanations.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 using ca::astapi::Identifier;
@@ -29,10 +28,7 @@ LinePlace placeAt(const SourcePosition& start, std::size_t length) {
   return {start.line + 1, start.column + 1, start.column + 1 + length};
 }
 
-bool isAboutMethod(const Finding& finding) {
-  const auto* explanation = fl::i18n::findMessageExplanation(finding.id);
-  return explanation != nullptr && explanation->rule == "impl";
-}
+bool isAboutMethod(const Finding& finding) { return finding.id.find("Impl") != std::string::npos; }
 
 }  // namespace
 
@@ -94,7 +90,7 @@ void FindingPlaces::addName(const NodesByName& nodes, std::string_view name, std
 
 void FindingPlaces::addUse(Finding& finding) const {
   const auto name = to_ustring(finding.arguments[1]);
-  const std::size_t behind = findBehindDot(analysis_.sourceTextView(), name);
+  const std::size_t behind = fl::findBehindDot(analysis_.sourceTextView(), name);
   if (behind == fl::ustring_view::npos) return;
   const auto start =
       makePosition(analysis_, static_cast<std::uint32_t>(behind - name.size()), false);
@@ -117,4 +113,4 @@ void FindingPlaces::addReferences(std::vector<Finding*>& findings) const {
   visitor(analysis_.getRootNode());
 }
 
-}  // namespace soca::cli
+}  // namespace soca

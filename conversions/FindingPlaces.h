@@ -6,12 +6,12 @@
 #include <unordered_map>
 #include <vector>
 
+#include "conversions/Finding.h"
 #include "platform/analyzer/AnalysisResult.h"
 #include "platform/analyzer/tree/Ast.h"
 #include "platform/text/UString.h"
-#include "reports/outcomes/Outcome.h"
 
-namespace soca::cli {
+namespace soca {
 
 class FindingPlaces {
  public:
@@ -40,4 +40,4 @@ class FindingPlaces {
   NodesByName methods_;
 };
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -6,7 +6,7 @@
 #include "conversions/FindingPlaces.h"
 #include "platform/text/Conversions.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 std::string textOf(const std::variant<long, std::string, fl::ustring>& argument) {
@@ -41,4 +41,4 @@ std::vector<Finding> FindingsListener::findingsOf(const PlannedClass& planned,
   return findings;
 }
 
-}  // namespace soca::cli
+}  // namespace soca

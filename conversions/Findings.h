@@ -4,17 +4,13 @@
 #include <unordered_map>
 #include <vector>
 
+#include "conversions/Finding.h"
 #include "platform/messages/BaseMsgID.h"
 #include "platform/messages/MessageListener.h"
 #include "platform/text/UString.h"
-#include "reports/outcomes/Outcome.h"
 #include "service/UpdatePlan.h"
 
-namespace soca::cli {
-
-// How much is found out about a message besides its text and id: nothing, the place of the member
-// that it is about, or also the places of what stands in the way.
-enum class FindingPlacesType { none, members, related };
+namespace soca {
 
 // Hears, while it lives, which messages this thread makes texts of.
 class FindingsListener {
@@ -29,4 +25,4 @@ class FindingsListener {
   fl::i18n::MessageListener listener_;
 };
 
-}  // namespace soca::cli
+}  // namespace soca

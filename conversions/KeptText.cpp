@@ -10,7 +10,7 @@
 #include "model/SourceFile.h"
 #include "platform/text/TextSearch.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 constexpr fl::ustring_view blanks = u"\t\n\v\f\r ";
@@ -22,8 +22,8 @@ std::vector<fl::ustring_view> splitLines(fl::ustring_view text) {
   std::vector<fl::ustring_view> lines;
   lines.reserve(text.size() / usualLineLength + 1);
   std::size_t start = 0;
-  for (std::size_t end = findLineEnd(text, 0); end != fl::ustring_view::npos;
-       end = findLineEnd(text, start)) {
+  for (std::size_t end = fl::findLineEnd(text, 0); end != fl::ustring_view::npos;
+       end = fl::findLineEnd(text, start)) {
     lines.push_back(text.substr(start, end - start));
     start = end + 1;
   }
@@ -127,7 +127,7 @@ class Stretch {
 
   // An edited line stands alone.
   bool isTouched() const { return isTouched_; }
-  bool isDropped() const { return isTouched_ && cli::isDropped(built_); }
+  bool isDropped() const { return isTouched_ && soca::isDropped(built_); }
   fl::ustring_view text() const { return isTouched_ ? fl::ustring_view(built_) : kept_; }
   std::size_t lineCount() const { return lineCount_; }
 
@@ -160,7 +160,7 @@ class Matcher {
   explicit Matcher(fl::ustring_view text) : rest_(text) {}
 
   bool take(fl::ustring_view text) {
-    if (!areEqualTexts(rest_.substr(0, text.size()), text)) return false;
+    if (!fl::areEqualTexts(rest_.substr(0, text.size()), text)) return false;
     rest_.remove_prefix(text.size());
     return true;
   }
@@ -293,4 +293,4 @@ std::optional<std::string> findLostText(fl::ustring_view oldText, fl::ustring_vi
   return fmt::format("text outside the edits would change, near line {}", *mismatch);
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -8,7 +8,7 @@
 #include "platform/text/UString.h"
 #include "service/UpdatePlan.h"
 
-namespace soca::cli {
+namespace soca {
 
 // Compares what stands outside the extents of the edits, character for character. Only what the
 // edit engine takes along with an edit may be missing: a delimiter and the blanks in front of it,
@@ -19,4 +19,4 @@ namespace soca::cli {
 std::optional<std::string> findLostText(fl::ustring_view oldText, fl::ustring_view newText,
                                         const std::vector<PlannedAction>& actions);
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -8,7 +8,7 @@
 
 #include "conversions/ShortestScript.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 // Equal lines have equal ids.
@@ -207,4 +207,4 @@ std::vector<LineChange> diffLines(const std::vector<std::string_view>& oldLines,
   return Differ(oldLines, newLines).run();
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace soca::cli {
+namespace soca {
 
 // A stretch of lines that was replaced by another; either may be empty. Lines are zero-based.
 struct LineChange {
@@ -28,4 +28,4 @@ std::vector<std::string_view> splitIntoLines(std::string_view text);
 std::vector<LineChange> diffLines(const std::vector<std::string_view>& oldLines,
                                   const std::vector<std::string_view>& newLines);
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -8,7 +8,7 @@
 
 #include "conversions/Ancestry.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 std::size_t keyOf(std::string_view className, std::string_view method) {
@@ -17,13 +17,13 @@ std::size_t keyOf(std::string_view className, std::string_view method) {
 
 }  // namespace
 
-void MethodChanges::add(const ClassOutcome& outcome) {
-  for (const std::string& method : outcome.gainedMethods) {
-    gained_.push_back(keyOf(outcome.className, method));
+void MethodChanges::add(const ClassUpdate& update) {
+  for (const std::string& method : update.methods.gained) {
+    gained_.push_back(keyOf(update.className, method));
     gainedNames_.insert(method);
   }
-  for (const std::string& method : outcome.deletedMethods) {
-    losing_[method].append(outcome.className).append("\n");
+  for (const std::string& method : update.methods.deleted) {
+    losing_[method].append(update.className).append("\n");
   }
 }
 
@@ -47,4 +47,4 @@ std::vector<std::string> MethodChanges::warnings() {
   return warnings;
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -7,15 +7,15 @@
 #include <string>
 #include <vector>
 
-#include "reports/outcomes/Outcome.h"
+#include "conversions/ClassUpdate.h"
 
-namespace soca::cli {
+namespace soca {
 
 // A method is deleted as redundant because no superclass defines it. Should the same run give a
 // superclass a method of that name, the class inherits it from then on, and behaves differently.
 class MethodChanges {
  public:
-  void add(const ClassOutcome& outcome);
+  void add(const ClassUpdate& update);
 
   // One sentence for each such method.
   std::vector<std::string> warnings();
@@ -29,4 +29,4 @@ class MethodChanges {
   std::map<std::string, std::string> losing_;
 };
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -2,7 +2,7 @@
 
 #include <dtl/dtl.hpp>
 
-namespace soca::cli {
+namespace soca {
 
 std::vector<StepType> shortestScript(const std::vector<std::uint32_t>& oldIds,
                                      const std::vector<std::uint32_t>& newIds) {
@@ -25,4 +25,4 @@ std::vector<StepType> shortestScript(const std::vector<std::uint32_t>& oldIds,
   return steps;
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace soca::cli {
+namespace soca {
 
 enum class StepType { keepLine, deleteLine, insertLine };
 
@@ -14,4 +14,4 @@ enum class StepType { keepLine, deleteLine, insertLine };
 std::vector<StepType> shortestScript(const std::vector<std::uint32_t>& oldIds,
                                      const std::vector<std::uint32_t>& newIds);
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -120,7 +120,7 @@ void checkEditsApart(const fl::ustring& text, const std::vector<PlannedEdit>& al
   for (const PlannedEdit& edit : edits) {
     actions.push_back({RuleFamilyType::attributes, false, edit.extent, {edit}});
   }
-  const auto lost = cli::findLostText(text, edited, actions);
+  const auto lost = findLostText(text, edited, actions);
   require(!lost, "{}", lost.value_or(""));
 }
 

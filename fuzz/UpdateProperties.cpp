@@ -92,7 +92,7 @@ UpdateVerdict judge(const PlannedClass& planned) {
   if (planned.text() == oldText) return {};
   const auto analysis = analyzeChecked(fl::ustring(planned.text()));
   require(analysis != nullptr, "the new text can't be analysed");
-  if (const auto reason = cli::NewTextCheck(planned).findReasonToRefuse(*analysis)) {
+  if (const auto reason = NewTextCheck(planned).findReasonToRefuse(*analysis)) {
     return spoiled(planned, *reason);
   }
   require(!analysis->hasSyntaxError(), "a text with syntax errors is taken");

@@ -8,8 +8,8 @@
 
 namespace soca {
 
-// Finds, for each of many names, what `findBehindDot` finds, after one pass over the text. The text
-// and the names must outlive the index.
+// Finds, for each of many names, what `fl::findBehindDot` finds, after one pass over the text. The
+// text and the names must outlive the index.
 class DotIndex {
  public:
   // The names may repeat.

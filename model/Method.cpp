@@ -78,13 +78,13 @@ bool isOutput(const Node* target, const fl::ustring& outputName) {
 
 // Whether the text of a function has the keyword, as whatever, at all.
 bool mayReturn(fl::ustring_view text) {
-  return TextFinder(u"return").find(text) != fl::ustring_view::npos;
+  return fl::TextFinder(u"return").find(text) != fl::ustring_view::npos;
 }
 
 // Whether the text has the name, as whatever, at any other place than its own. Where it has not, no
 // identifier can be there, and no walk has to look for one.
 bool standsElsewhere(fl::ustring_view text, const Identifier& name) {
-  const TextFinder finder(name.text.view());
+  const fl::TextFinder finder(name.text.view());
   std::size_t place = finder.find(text);
   if (place == name.position) place = finder.find(text, place + 1);
   return place != fl::ustring_view::npos;

@@ -30,7 +30,7 @@ class NameIndex {
 
   // Null for a name that no entry has.
   const Entry* find(fl::ustring_view name) const {
-    const auto isName = [name](fl::ustring_view text) { return areEqualTexts(text, name); };
+    const auto isName = [name](fl::ustring_view text) { return fl::areEqualTexts(text, name); };
     const auto found = isSorted() ? std::ranges::lower_bound(names_, name, {}, &Name::text)
                                   : std::ranges::find_if(names_, isName, &Name::text);
     return found != names_.end() && isName(found->text) ? found->entry : nullptr;

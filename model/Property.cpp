@@ -106,7 +106,7 @@ bool Property::hasGetAccessor() const {
 
 bool Property::isReferencedThroughDot() const {
   // Only the first occurrence counts: `.Mode2` hides a `.Mode` that follows it.
-  return isReferencedInFrontOf(findBehindDot(context_->analysis->sourceTextView(), nameView()));
+  return isReferencedInFrontOf(fl::findBehindDot(context_->analysis->sourceTextView(), nameView()));
 }
 
 bool Property::isReferencedThroughDot(const DotIndex& index) const {

@@ -39,7 +39,7 @@ void markDeleted(Line& line) {
 struct LineEndFinder {
   template <class Iterator>
   boost::iterator_range<Iterator> operator()(Iterator begin, Iterator end) const {
-    const std::size_t place = findLineEnd(fl::ustring_view(begin, end), 0);
+    const std::size_t place = fl::findLineEnd(fl::ustring_view(begin, end), 0);
     if (place == fl::ustring_view::npos) return {end, end};
     begin += static_cast<std::ptrdiff_t>(place);
     return {begin, begin + 1};

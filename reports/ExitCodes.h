@@ -1,7 +1,7 @@
 // How the program ends.
 #pragma once
 
-namespace soca::cli {
+namespace soca {
 
 enum class ExitCodeType : int {
   done = 0,
@@ -13,4 +13,4 @@ enum class ExitCodeType : int {
   terminated = 143,
 };
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -6,10 +6,10 @@
 #include <string>
 #include <string_view>
 
-#include "cli/terminal/Console.h"
 #include "files/writing/Spool.h"
+#include "reports/ReportOutput.h"
 
-namespace soca::cli {
+namespace soca {
 
 class SpooledList {
  public:
@@ -19,12 +19,12 @@ class SpooledList {
   }
 
   // In brackets.
-  void print(Console& console) {
-    console.print("[");
+  void print(ReportOutput& output) {
+    output.print("[");
     for (std::uint64_t offset = 0; offset < size_; offset += stretch) {
-      console.print(spool_.take({offset, std::min(stretch, size_ - offset)}));
+      output.print(spool_.take({offset, std::min(stretch, size_ - offset)}));
     }
-    console.print("]");
+    output.print("]");
   }
 
  private:
@@ -34,4 +34,4 @@ class SpooledList {
   std::uint64_t size_ = 0;
 };
 
-}  // namespace soca::cli
+}  // namespace soca

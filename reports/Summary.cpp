@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 std::string counted(std::size_t count, std::string_view one, std::string_view many) {
@@ -54,19 +54,19 @@ std::string shortId(const std::string& id) { return id.substr(id.rfind(':') + 1)
 
 void Summary::add(const ClassOutcome& outcome) {
   ++classes;
-  findings += outcome.findings.size();
-  if (outcome.isRefused()) {
+  findings += outcome.update.findings.size();
+  if (outcome.update.isRefused()) {
     ++refused;
-  } else if (outcome.changed) {
+  } else if (outcome.update.changed) {
     ++changed;
     for (const RuleFamily& family : ruleFamilies) {
-      conversions[family.type] += outcome.editCounts[family.type];
+      conversions[family.type] += outcome.update.editCounts[family.type];
     }
   }
-  for (const Finding& finding : outcome.findings) {
+  for (const Finding& finding : outcome.update.findings) {
     ++findingsById[finding.id.empty() ? "other" : shortId(finding.id)];
   }
-  if (outcome.changesAgain) ++changesAgain;
+  if (outcome.update.changesAgain) ++changesAgain;
   if (!outcome.writeRefusal.empty()) ++uncommitted;
 }
 
@@ -111,4 +111,4 @@ std::string formatDetails(const Summary& summary, std::size_t width) {
          listing("failures", countsOf(summary.failuresById), width);
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -8,7 +8,7 @@
 #include "reports/outcomes/Outcome.h"
 #include "rules/RuleFamilies.h"
 
-namespace soca::cli {
+namespace soca {
 
 struct Summary {
   // Classes that the service updated or left alone, and those of them that change.
@@ -43,4 +43,4 @@ std::string formatSummary(const Summary& summary, TenseType tense);
 // first, each in lines of their own, if there are any. `width` is that of the screen, in columns.
 std::string formatDetails(const Summary& summary, std::size_t width);
 
-}  // namespace soca::cli
+}  // namespace soca

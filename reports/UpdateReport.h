@@ -1,17 +1,19 @@
-// How an update is shown.
+// The report of an update, and the formats that there are.
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
+#include <string_view>
 
-#include "cli/options/Options.h"
-#include "cli/terminal/Console.h"
 #include "files/targets/ClassRoots.h"
 #include "reports/ExitCodes.h"
-#include "reports/FileNames.h"
+#include "reports/ReportOutput.h"
+#include "reports/outcomes/ClassUpdater.h"
 #include "reports/outcomes/Outcome.h"
+#include "reports/text/FileNames.h"
 
-namespace soca::cli {
+namespace soca {
 
 // One format. What is said of a class comes in two parts: data for standard output, which can be
 // made by any thread, and notes for people.
@@ -26,12 +28,43 @@ class UpdateReport {
   virtual void printNotes(const ClassOutcome& outcome) = 0;
   virtual void addFailure(const Failure& failure) = 0;
   virtual void addSkipped(const Failure& failure) = 0;
-  // Prints what belongs behind everything else. The run is to end with this code.
+  // Prints what belongs after everything else. The run is to end with this code.
   virtual void finish(ExitCodeType exitCode) = 0;
 };
 
-// All must outlive the report.
-std::unique_ptr<UpdateReport> makeUpdateReport(const Options& options, const ClassRoots& roots,
-                                               const FileNames& names, Console& console);
+// What of a run a format depends on.
+struct ReportOptions {
+  bool quiet = false;
+  bool verbose = false;
+  // Of a run that writes, or that only prints the names of what would change.
+  bool write = false;
+  bool check = false;
+  // Whether the single replacements are to be printed.
+  bool edits = false;
+};
 
-}  // namespace soca::cli
+// All must outlive the report.
+struct ReportContext {
+  const ReportOptions* options;
+  const ClassRoots* roots;
+  const FileNames* names;
+  ReportOutput* output;
+};
+
+struct ReportFormat {
+  // The word on the command line.
+  std::string_view name;
+  // Whether people read it: then the run may print text of its own beside it, and a file that
+  // several classes share is printed once.
+  bool isForPeople;
+  bool takesEdits;
+  // Why it cannot be combined with `--write`; empty if it can.
+  std::string_view whyNotWritten;
+  OutcomeNeeds (*needs)(const ReportOptions& options);
+  std::unique_ptr<UpdateReport> (*make)(const ReportContext& context);
+};
+
+// The first one is the default.
+std::span<const ReportFormat> reportFormats();
+
+}  // namespace soca

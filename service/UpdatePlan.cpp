@@ -95,7 +95,7 @@ RepeatedUpdate repeatClass(CountedActions& counted, const std::vector<RuleFamily
   const PlannedClass planned = planWithoutText(counted, families);
   std::optional<SourcePosition> missingDelimiter;
   const auto text = applyActions(planned, missingDelimiter);
-  repeated.changesAgain = !text || !areEqualTexts(*text, repeated.analysis->sourceTextView());
+  repeated.changesAgain = !text || !fl::areEqualTexts(*text, repeated.analysis->sourceTextView());
   return repeated;
 }
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "cli/options/OptionTable.h"
-#include "reports/TextLayout.h"
+#include "reports/text/TextLayout.h"
 
 namespace soca::cli {
 namespace {

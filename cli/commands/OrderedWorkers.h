@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <condition_variable>
 #include <cstddef>
+#include <exception>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -20,7 +21,8 @@ namespace soca::cli {
 // result.
 //
 // No more than a few items for each job are under way, so memory does not grow with the sequence.
-// None of the three may throw.
+// What one of the three throws stops the work as well, and leaves `run` once all threads have
+// ended; of several exceptions the first is kept.
 template <class Item, class Result>
 class OrderedWorkers {
  public:
@@ -41,6 +43,8 @@ class OrderedWorkers {
     threads.reserve(otherThreads_);
     for (unsigned i = 0; i < otherThreads_; ++i) threads.emplace_back([this] { workUntilDone(); });
     workAndConsume();
+    threads.clear();
+    if (failure_) std::rethrow_exception(failure_);
   }
 
  private:
@@ -61,7 +65,7 @@ class OrderedWorkers {
 
   void workAndConsume() {
     Lock lock(mutex_);
-    while (true) {
+    while (!failure_) {
       if (finishedAt(consumed_)) {
         if (!consumeNext(lock)) return;
       } else if (!stopped_ && hasRoom()) {
@@ -86,14 +90,31 @@ class OrderedWorkers {
     resultIsThere_.notify_one();
   }
 
+  void fail(std::exception_ptr failure) {
+    if (!failure_) failure_ = std::move(failure);
+    stop();
+  }
+
   // The lock is given up while the work is done.
   void workOnNext(Lock& lock) {
-    const std::optional<Item> item = next_();
+    std::optional<Item> item;
+    try {
+      item = next_();
+    } catch (...) {
+      return fail(std::current_exception());
+    }
     if (!item) return stop();
     const std::size_t number = taken_++;
     lock.unlock();
-    Result result = work_(*item);
+    std::optional<Result> result;
+    std::exception_ptr failure;
+    try {
+      result = work_(*item);
+    } catch (...) {
+      failure = std::current_exception();
+    }
     lock.lock();
+    if (failure) return fail(std::move(failure));
     finishedAt(number) = std::move(result);
     if (number == consumed_) resultIsThere_.notify_one();
   }
@@ -103,9 +124,16 @@ class OrderedWorkers {
   bool consumeNext(Lock& lock) {
     std::optional<Result>& result = finishedAt(consumed_);
     lock.unlock();
-    const bool goesOn = consume_(*result);
-    result.reset();
+    bool goesOn = false;
+    std::exception_ptr failure;
+    try {
+      goesOn = consume_(*result);
+      result.reset();
+    } catch (...) {
+      failure = std::current_exception();
+    }
     lock.lock();
+    if (failure) fail(std::move(failure));
     ++consumed_;
     roomIsThere_.notify_one();
     if (!goesOn) stop();
@@ -123,6 +151,7 @@ class OrderedWorkers {
   std::size_t taken_ = 0;
   std::size_t consumed_ = 0;
   bool stopped_ = false;
+  std::exception_ptr failure_;
   // The ring of the results that wait, each at its number modulo the size.
   std::vector<std::optional<Result>> finished_;
   // Threads besides the calling one.

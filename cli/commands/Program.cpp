@@ -11,10 +11,12 @@
 #include "cli/commands/Undo.h"
 #include "cli/commands/UpdateRun.h"
 #include "cli/commands/Version.h"
+#include "cli/options/CommandLine.h"
 #include "cli/options/OptionTable.h"
 #include "cli/options/Options.h"
 #include "cli/terminal/Signals.h"
 #include "files/targets/ClassPath.h"
+#include "files/targets/UsageError.h"
 #include "reports/explanations/Explain.h"
 #include "reports/outcomes/InternalErrors.h"
 
@@ -41,13 +43,13 @@ ExitCodeType runCommand(const Options& options, Console& console) {
     case CommandType::undo:
       return runUndo(options, console);
     case CommandType::update: {
-      const ClassRoots roots = setClassPath(options);
+      const ClassRoots roots = setClassPath(options.roots, options.classTable);
       if (!options.stdinPath.empty()) return updateStandardInput(options, roots, console);
       return UpdateRun(&options, &roots, &console).run();
     }
     case CommandType::actions:
     case CommandType::classes:
-      return runReport(options, setClassPath(options), console);
+      return runReport(options, setClassPath(options.roots, options.classTable), console);
   }
   return ExitCodeType::failed;
 }

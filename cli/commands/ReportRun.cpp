@@ -8,10 +8,10 @@
 #include "files/targets/Targets.h"
 #include "platform/paths/FileView.h"
 #include "platform/text/Conversions.h"
-#include "reports/FileNames.h"
-#include "reports/formats/TextFormat.h"
+#include "reports/FailureText.h"
 #include "reports/outcomes/Failures.h"
 #include "reports/outcomes/InternalErrors.h"
+#include "reports/text/FileNames.h"
 #include "service/UpdaterImpl.h"
 
 namespace soca::cli {
@@ -57,7 +57,7 @@ ExitCodeType runReport(const Options& options, const ClassRoots& roots, Console&
   const auto consume = [&](const ReportOutcome& outcome) {
     console.print(outcome.text);
     if (outcome.failure) {
-      TextReport::printFailure(console, *outcome.failure);
+      printFailure(console, *outcome.failure);
       exitCode = ExitCodeType::failed;
     }
     return !wasInterrupted();

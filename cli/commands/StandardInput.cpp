@@ -13,13 +13,14 @@
 
 #include "cli/terminal/Signals.h"
 #include "files/targets/Targets.h"
+#include "files/targets/UsageError.h"
 #include "platform/analyzer/Analyzer.h"
 #include "platform/paths/NativePath.h"
 #include "platform/paths/Overlay.h"
 #include "platform/text/FileText.h"
-#include "reports/FileNames.h"
 #include "reports/UpdateReport.h"
 #include "reports/outcomes/ClassUpdater.h"
+#include "reports/text/FileNames.h"
 
 namespace soca::cli {
 namespace {
@@ -57,11 +58,16 @@ Target targetOf(const Options& options, const ClassRoots& roots) {
   return *Targets(&roots, {fl::filesystem::makeAbsoluteLexically(options.stdinPath)}).next();
 }
 
-UpdateWishes wishesOf(const Options& options, const StandardInput& input) {
-  UpdateWishes wishes = makeWishes(options);
-  wishes.newBytes = options.format == FormatType::text && !options.check;
-  wishes.input = &input;
-  return wishes;
+// No diff is needed: the new bytes themselves are printed.
+UpdateRequest requestOf(const Options& options, const ReportOptions& report,
+                        const fl::filesystem::FileState& file) {
+  UpdateRequest request;
+  request.rules = options.rules;
+  request.needs = options.format->needs(report);
+  request.needs.diff = false;
+  request.needs.newBytes = options.format->isForPeople && !options.check;
+  request.overlaidFile = &file;
+  return request;
 }
 
 class StandardInputRun {
@@ -69,20 +75,20 @@ class StandardInputRun {
   StandardInputRun(const Options& options, const ClassRoots& roots, Console& console)
       : options_(options),
         console_(console),
+        reportOptions_(options.forReport()),
         names_(&roots),
         target_(targetOf(options, roots)),
-        report_(makeUpdateReport(options, roots, names_, console)) {}
+        report_(options.format->make({&reportOptions_, &roots, &names_, &console})) {}
 
   ExitCodeType run(const ClassRoots& roots) {
-    StandardInput input;
-    input.path = target_.path;
     const std::string bytes = readAll();
     if (wasInterrupted()) return interruptExitCode();
     fl::DecodedText decoded = fl::decodeFileText(bytes);
-    input.file.encoding = decoded.encoding;
-    const fl::filesystem::OverlayScope overlay(input.path, std::move(decoded.text));
+    fl::filesystem::FileState file;
+    file.encoding = decoded.encoding;
+    const fl::filesystem::OverlayScope overlay(target_.path, std::move(decoded.text));
     const TargetOutcome outcome =
-        ClassUpdater(&roots, &names_, wishesOf(options_, input)).update(target_);
+        ClassUpdater(&roots, &names_, requestOf(options_, reportOptions_, file)).update(target_);
     for (const ClassOutcome& each : outcome.classes) print(each, bytes);
     for (const Failure& failure : outcome.failures) report_->addFailure(failure);
     if (!outcome.failures.empty()) exitCode_ = ExitCodeType::failed;
@@ -93,10 +99,11 @@ class StandardInputRun {
  private:
   void print(const ClassOutcome& outcome, const std::string& oldBytes) {
     report_->printNotes(outcome);
-    if (outcome.isRefused()) exitCode_ = ExitCodeType::failed;
-    if (options_.check && outcome.hasNewFile()) exitCode_ = ExitCodeType::somethingToChange;
-    if (options_.format == FormatType::text && !options_.check) {
-      if (!outcome.isRefused()) console_.print(outcome.hasNewFile() ? outcome.newBytes : oldBytes);
+    if (outcome.update.isRefused()) exitCode_ = ExitCodeType::failed;
+    if (options_.check && outcome.update.hasNewText()) exitCode_ = ExitCodeType::somethingToChange;
+    if (options_.format->isForPeople && !options_.check) {
+      if (!outcome.update.isRefused())
+        console_.print(outcome.update.hasNewText() ? outcome.file.newBytes : oldBytes);
       return;
     }
     const std::string data = report_->dataOf(outcome);
@@ -105,6 +112,7 @@ class StandardInputRun {
 
   const Options& options_;
   Console& console_;
+  ReportOptions reportOptions_;
   FileNames names_;
   Target target_;
   std::unique_ptr<UpdateReport> report_;

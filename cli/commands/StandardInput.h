@@ -6,17 +6,9 @@
 #include "cli/options/Options.h"
 #include "cli/terminal/Console.h"
 #include "files/targets/ClassRoots.h"
-#include "files/writing/NewFile.h"
 #include "reports/ExitCodes.h"
 
 namespace soca::cli {
-
-// The text of one class, to be taken for that of its file, which need not be there.
-struct StandardInput {
-  // Absolute, as the class path names it.
-  std::string path;
-  fl::filesystem::FileState file;
-};
 
 // Reads the text of the class from standard input and prints what becomes of it: the new bytes, or
 // those that came in. Of the class itself nothing is read from a disk. On failure nothing is

@@ -4,16 +4,22 @@
 #include <sys/resource.h>
 
 #include <array>
-#include <string_view>
 
-#include "platform/timing/Phase.h"
+#include "reports/outcomes/Phases.h"
 
 namespace soca::cli {
 namespace {
 
-// In the order of PhaseType, less its first.
-constexpr std::array<std::string_view, fl::timing::phaseCount - 1> phaseNames = {
-    "walk", "read", "analyse", "rules", "checks", "git", "diff", "print", "write"};
+// In the order in which they are printed.
+constexpr std::array<const fl::timing::PhaseType*, 9> phases = {&walkPhase,
+                                                                &fl::timing::readPhase,
+                                                                &fl::timing::analysePhase,
+                                                                &rulesPhase,
+                                                                &checksPhase,
+                                                                &gitPhase,
+                                                                &diffPhase,
+                                                                &printPhase,
+                                                                &writePhase};
 
 double secondsOf(const timeval& time) {
   return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
@@ -34,11 +40,10 @@ std::string Stats::text() const {
       "  phase      time s   processor s   (sums over all threads)\n",
       wall.count(), secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime),
       static_cast<double>(usage.ru_maxrss) / 1024);
-  const auto times = fl::timing::timesOfPhases();
-  for (std::size_t i = 0; i < phaseNames.size(); ++i) {
-    const fl::timing::PhaseTime& time = times[i + 1];
+  for (const fl::timing::PhaseType* phase : phases) {
+    const fl::timing::PhaseTime time = phase->time();
     if (time.wall == 0) continue;
-    text += fmt::format("  {:<8} {:>8.2f}      {:>8.2f}\n", phaseNames[i], secondsOf(time.wall),
+    text += fmt::format("  {:<8} {:>8.2f}      {:>8.2f}\n", phase->name(), secondsOf(time.wall),
                         secondsOf(time.processor));
   }
   return text;

@@ -17,7 +17,7 @@
 #include "platform/paths/NativePath.h"
 #include "platform/text/Conversions.h"
 #include "platform/text/FileText.h"
-#include "reports/SyntaxReport.h"
+#include "reports/text/SyntaxReport.h"
 
 namespace soca::cli {
 namespace {

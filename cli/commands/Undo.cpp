@@ -10,13 +10,14 @@
 #include <string>
 #include <vector>
 
+#include "cli/commands/RepairNotes.h"
 #include "cli/terminal/Signals.h"
 #include "files/targets/ClassRoots.h"
+#include "files/targets/UsageError.h"
 #include "files/writing/Journal.h"
-#include "files/writing/Repair.h"
 #include "files/writing/Restore.h"
 #include "files/writing/RunStore.h"
-#include "reports/FileNames.h"
+#include "reports/text/FileNames.h"
 
 namespace soca::cli {
 namespace {
@@ -150,12 +151,11 @@ ExitCodeType runUndo(const Options& options, Console& console) {
   std::optional<RunNumber> run;
   if (!options.arguments.empty()) run = runOf(options.arguments.front());
 
-  const auto goesOn = [] { return !wasInterrupted(); };
   ignoreBrokenPipes();
-  const auto lock = store.lock(console, goesOn);
+  const auto lock = lockRuns(store, console);
   if (!lock) return interruptExitCode();
   const auto all = store.runs();
-  const auto repaired = repairRuns(store, *lock, console, goesOn);
+  const auto repaired = repairAndReport(store, *lock, console);
   if (wasInterrupted()) return interruptExitCode();
   // Whoever asks for the last run to be undone means the one that was interrupted.
   if (!run && !repaired.empty() && repaired.back() == all.back()) run = repaired.back();

@@ -10,21 +10,21 @@
 #include "cli/commands/OrderedWorkers.h"
 #include "cli/terminal/Signals.h"
 #include "files/writing/FileWriter.h"
-#include "platform/timing/Phase.h"
 #include "reports/explanations/ProgramMessages.h"
+#include "reports/outcomes/Phases.h"
 
 namespace soca::cli {
 namespace {
 
 using fl::timing::Phase;
-using fl::timing::PhaseType;
 
-UpdateWishes wishesOf(const Options& options) {
-  UpdateWishes wishes = makeWishes(options);
-  const bool isText = options.format == FormatType::text;
-  wishes.diff = isText && !options.quiet && !options.check && !options.write;
-  wishes.newBytes = options.write;
-  return wishes;
+UpdateRequest requestOf(const Options& options, const ReportOptions& report) {
+  UpdateRequest request;
+  request.rules = options.rules;
+  request.includeSuperclasses = options.includeSuperclasses;
+  request.needs = options.format->needs(report);
+  request.needs.newBytes = options.write;
+  return request;
 }
 
 Failure makeWriteFailure(const std::string& className, const std::string& file,
@@ -45,8 +45,9 @@ UpdateRun::UpdateRun(const Options* options, const ClassRoots* roots, Console* c
       console_(console),
       names_(roots),
       targets_(roots, options->arguments, walkType(), &git_),
-      updater_(roots, &names_, wishesOf(*options)),
-      report_(makeUpdateReport(*options, *roots, names_, *console)) {
+      reportOptions_(options->forReport()),
+      updater_(roots, &names_, requestOf(*options, reportOptions_)),
+      report_(options->format->make({&reportOptions_, roots, &names_, console})) {
   const bool asksInDryRun = targets_.haveFolders() && !options->noIgnore && !options->check;
   asksGit_ = !options->allowDirty && (options->write || asksInDryRun);
 }
@@ -90,11 +91,11 @@ void UpdateRun::computeAll() {
   }
   const auto next = [this]() -> std::optional<Target> {
     if (wasInterrupted()) return std::nullopt;
-    const Phase phase(PhaseType::walk);
+    const Phase phase(walkPhase);
     return targets_.next();
   };
   const auto consume = [&](TargetOutcome& outcome) {
-    const Phase phase(PhaseType::print);
+    const Phase phase(printPhase);
     try {
       take(outcome);
       if (progress) progress->advance();
@@ -113,19 +114,20 @@ TargetOutcome UpdateRun::work(const Target& target) {
   const fl::filesystem::FileView::Scope scope(view_);
   TargetOutcome outcome = updater_.update(target);
   for (ClassOutcome& entry : outcome.classes) {
-    if (asksGit_ && entry.hasNewFile()) checkUncommitted(entry);
+    if (asksGit_ && entry.update.hasNewText()) checkUncommitted(entry);
     entry.data = report_->dataOf(entry);
+    // What has been printed into the data is not kept until its turn comes.
     entry.text = {};
-    entry.diff = {};
-    entry.edits = {};
-    entry.conversions = {};
+    entry.file.diff = {};
+    entry.file.edits = {};
+    entry.file.conversions = {};
   }
   return outcome;
 }
 
 void UpdateRun::checkUncommitted(ClassOutcome& outcome) {
-  const Phase phase(PhaseType::git);
-  auto reason = git_.findUncommitted(outcome.file);
+  const Phase phase(gitPhase);
+  auto reason = git_.findUncommitted(outcome.update.file);
   if (!reason) return;
   if (options_->write) {
     outcome.refuse(std::move(*reason));
@@ -137,7 +139,7 @@ void UpdateRun::checkUncommitted(ClassOutcome& outcome) {
 void UpdateRun::take(TargetOutcome& outcome) {
   if (outcome.hasNoClass) ++summary_.filesWithoutClass;
   for (ClassOutcome& entry : outcome.classes) {
-    if (options_->includeSuperclasses && !shown_.insert(entry.className).second) continue;
+    if (options_->includeSuperclasses && !shown_.insert(entry.update.className).second) continue;
     takeClass(entry);
   }
   for (const Failure& failure : outcome.failures) addFailure(failure);
@@ -149,13 +151,14 @@ void UpdateRun::take(TargetOutcome& outcome) {
 
 void UpdateRun::takeClass(ClassOutcome& outcome) {
   summary_.add(outcome);
-  if (!options_->quiet) methodChanges_.add(outcome);
+  if (!options_->quiet) methodChanges_.add(outcome.update);
   // A file that several classes stand for, over links, changes once.
-  const bool isFirst =
-      !outcome.hasNewFile() || files_[outcome.stamp.device].insert(outcome.stamp.inode).second;
-  if (!isFirst && options_->format == FormatType::text) outcome.data.clear();
+  const bool hasNewText = outcome.update.hasNewText();
+  const fl::filesystem::FileStamp& stamp = outcome.file.stamp;
+  const bool isFirst = !hasNewText || files_[stamp.device].insert(stamp.inode).second;
+  if (!isFirst && options_->format->isForPeople) outcome.data.clear();
   if (options_->write) {
-    queue_->add(outcome, outcome.hasNewFile() && isFirst);
+    queue_->add(outcome, hasNewText && isFirst);
   } else if (!outcome.data.empty()) {
     report_->printData(outcome.data);
   }
@@ -169,7 +172,7 @@ void UpdateRun::addFailure(const Failure& failure) {
 
 void UpdateRun::writeAll() {
   {
-    const Phase phase(PhaseType::write);
+    const Phase phase(writePhase);
     queue_->write();
   }
   isWritten_ = !queue_->result().isCutShort;

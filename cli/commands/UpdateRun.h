@@ -22,10 +22,10 @@
 #include "files/targets/Targets.h"
 #include "platform/paths/FileView.h"
 #include "reports/ExitCodes.h"
-#include "reports/FileNames.h"
 #include "reports/Summary.h"
 #include "reports/UpdateReport.h"
 #include "reports/outcomes/ClassUpdater.h"
+#include "reports/text/FileNames.h"
 
 namespace soca::cli {
 
@@ -69,6 +69,7 @@ class UpdateRun {
   FileNames names_;
   Git git_;
   Targets targets_;
+  ReportOptions reportOptions_;
   ClassUpdater updater_;
   std::unique_ptr<UpdateReport> report_;
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "cli/commands/RepairNotes.h"
 #include "cli/terminal/Signals.h"
-#include "files/writing/Repair.h"
 
 namespace soca::cli {
 namespace {
@@ -16,24 +16,23 @@ bool goesOn() { return !wasInterrupted(); }
 WriteQueue::WriteQueue(Console* console) : console_(console) {
   // Somebody has to take away what lies beside the files, whoever has stopped reading.
   ignoreBrokenPipes();
-  if (const auto lock = store_.lock(*console_, goesOn)) {
-    repairRuns(store_, *lock, *console_, goesOn);
-  }
+  if (const auto lock = lockRuns(store_, *console_)) repairAndReport(store_, *lock, *console_);
 }
 
 void WriteQueue::add(const ClassOutcome& outcome, bool hasNewFile) {
   Entry entry;
-  entry.className = outcome.className;
-  entry.file = outcome.file;
+  entry.className = outcome.update.className;
+  entry.file = outcome.update.file;
   entry.data = data_.put(outcome.data);
   entry.hasNewFile = hasNewFile;
   if (hasNewFile) {
-    entry.newBytes = newBytes_.put(outcome.newBytes);
-    entry.newDigest = digestOf(outcome.newBytes);
+    entry.newBytes = newBytes_.put(outcome.file.newBytes);
+    entry.newDigest = digestOf(outcome.file.newBytes);
   }
-  entry.stamp = outcome.stamp;
+  entry.stamp = outcome.file.stamp;
   for (const RuleFamily& family : ruleFamilies) {
-    entry.editCounts[family.type] = static_cast<std::uint32_t>(outcome.editCounts[family.type]);
+    entry.editCounts[family.type] =
+        static_cast<std::uint32_t>(outcome.update.editCounts[family.type]);
   }
   entries_.push_back(std::move(entry));
 }
@@ -48,8 +47,8 @@ void WriteQueue::write() {
     changes.push_back({entry.file, entry.stamp, entry.newDigest});
   }
   if (changes.empty()) return;
-  const auto lock = store_.lock(*console_, goesOn);
-  if (lock) repairRuns(store_, *lock, *console_, goesOn);
+  const auto lock = lockRuns(store_, *console_);
+  if (lock) repairAndReport(store_, *lock, *console_);
   if (!lock || wasInterrupted()) {
     result_.isWritten.resize(changes.size());
     result_.isCutShort = true;

@@ -27,17 +27,17 @@ CompletionType completionOf(const CommandRow& row) {
 
 std::string joinWords(const OptionRow& row, std::string_view separator) {
   std::string text;
-  for (const OptionWord& word : row.words) {
+  for (const std::string_view word : row.words) {
     if (!text.empty()) text += separator;
-    text += word.text;
+    text += word;
   }
   return text;
 }
 
 std::vector<std::string_view> completedIds() {
   std::vector<std::string_view> ids;
-  for (const auto& rule : fl::i18n::ruleExplanations()) ids.push_back(rule.id);
-  for (const auto messages : {fl::i18n::messageExplanations(), fl::i18n::programExplanations()}) {
+  for (const auto& rule : ruleExplanations()) ids.push_back(rule.id);
+  for (const auto messages : {messageExplanations(), programExplanations()}) {
     for (const auto& message : messages) {
       constexpr std::string_view program = "soca:";
       std::string_view id = message.id;

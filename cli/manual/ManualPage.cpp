@@ -98,7 +98,7 @@ std::string options() {
     // What begins with a word to be typed keeps its small letter.
     std::string body =
         completionOf(row) == CompletionType::words ? escape(row.text) + ".\n" : sentence(row.text);
-    body += details(detailsOf(row));
+    body += details(row.details);
     const auto owners = commandsOf(row);
     if (owners.size() < commandRows().size()) {
       body += escape(fmt::format("({})", fmt::join(owners, ", "))) + '\n';

@@ -6,13 +6,12 @@
 namespace soca::cli {
 namespace {
 
-template <class Type>
-struct Details {
-  Type type;
+struct CommandDetails {
+  CommandType type;
   std::string_view text;
 };
 
-constexpr auto commandDetails = std::to_array<Details<CommandType>>({
+constexpr auto commandDetails = std::to_array<CommandDetails>({
     {CommandType::update,
      "An argument is the name of a class, a class file on the class path, or a folder on it, which "
      "stands for every class file below it. An existing file or folder, and whatever has a slash, "
@@ -35,41 +34,6 @@ constexpr auto commandDetails = std::to_array<Details<CommandType>>({
     {CommandType::undo,
      "RUN is a run as --list shows it; without one it is the last. The files get back their bytes, "
      "permissions and times."},
-});
-
-constexpr auto optionDetails = std::to_array<Details<OptionType>>({
-    {OptionType::path,
-     "Class a.b.C is the file a/b/C.vlm or a/b/C.p below a root. The roots are asked in the order "
-     "in which they are given, and the first one that has either file wins."},
-    {OptionType::superclasses,
-     "Each class that a named one derives from is updated too, if it is a System object with a "
-     "file of its own."},
-    {OptionType::write,
-     "A file that changed since it was read, that is no regular file, or that can't hold the new "
-     "text in its encoding is left as it was. soca undo takes the run back."},
-    {OptionType::check, "Nothing is written. The names are those of classes, each on a line."},
-    {OptionType::allowDirty,
-     "Otherwise a file is refused if git could not bring back what is in it: if it has "
-     "uncommitted changes, or if git does not know it."},
-    {OptionType::noIgnore,
-     "Otherwise what git ignores, folders whose names begin with a point, and links to folders "
-     "are left out of a walk, unless they are named themselves."},
-    {OptionType::format,
-     "json prints one document with results, errors and skipped classes on standard output, for "
-     "other programs to read; sarif prints a log in the form SARIF 2.1.0, for viewers of "
-     "findings."},
-    {OptionType::edits,
-     "Each has its offset and length in bytes of the file and its text; beside them stands the "
-     "SHA-256 of the file for which they were made."},
-    {OptionType::stdinPath,
-     "For editors: the argument is -, the text counts as that of the file PATH, and the updated "
-     "text goes to standard output, which stays empty on a failure."},
-    {OptionType::classTable,
-     "It adds classes, or answers for what source says of one, class by class: superclasses, "
-     "strict defaults, methods, and properties."},
-    {OptionType::jobs, "The output is the same for any number."},
-    {OptionType::color,
-     "On standard output and on standard error alike. See also the environment variables below."},
 });
 
 constexpr auto descriptionTexts = std::to_array<std::string_view>({
@@ -108,16 +72,12 @@ constexpr auto exampleTexts = std::to_array<ManualEntry>({
     {"soca update -p src --format json | jq .errors", "Lists what failed."},
 });
 
-template <class Table, class Type>
-std::string_view find(const Table& table, Type type) {
-  const auto row = std::ranges::find(table, type, [](const auto& entry) { return entry.type; });
-  return row == table.end() ? std::string_view() : row->text;
-}
-
 }  // namespace
 
-std::string_view detailsOf(const CommandRow& row) { return find(commandDetails, row.type); }
-std::string_view detailsOf(const OptionRow& row) { return find(optionDetails, row.type); }
+std::string_view detailsOf(const CommandRow& row) {
+  const auto* details = std::ranges::find(commandDetails, row.type, &CommandDetails::type);
+  return details == commandDetails.end() ? std::string_view() : details->text;
+}
 
 std::span<const std::string_view> description() { return descriptionTexts; }
 std::span<const ManualEntry> environmentVariables() { return environmentTexts; }

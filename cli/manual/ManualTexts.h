@@ -10,7 +10,6 @@ namespace soca::cli {
 
 // Empty if there is no more to say.
 std::string_view detailsOf(const CommandRow& row);
-std::string_view detailsOf(const OptionRow& row);
 
 // A name and what there is to say of it.
 struct ManualEntry {

@@ -1,11 +1,12 @@
 #include "cli/options/OptionTable.h"
-#include "rules/RuleFamilies.h"
+
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <string>
-#include <tuple>
+
+#include "cli/options/OptionValues.h"
 
 namespace soca::cli {
 namespace {
@@ -32,61 +33,120 @@ constexpr unsigned forUndo = bitOf(CommandType::undo);
 constexpr unsigned forAll =
     forClasses | bitOf(CommandType::check) | bitOf(CommandType::explain) | forUndo;
 
-constexpr OptionWord ruleWordOf(const RuleFamily& family) { return {family.name, family.bit}; }
-
-constexpr auto ruleWords = std::apply(
-    [](const auto&... families) { return std::array{ruleWordOf(families)...}; }, ruleFamilies);
-
-// "some of attributes,mixins,impl (default: all)"
-constexpr std::string makeRulesText() {
-  std::string names;
-  for (const RuleFamily& family : ruleFamilies) {
-    if (!names.empty()) names += ',';
-    names += family.name;
+// "text (default), json or sarif": the first word is the default.
+std::string choiceText(const std::vector<std::string_view>& words) {
+  std::string text = fmt::format("{} (default)", words.front());
+  for (std::size_t i = 1; i < words.size(); ++i) {
+    text += fmt::format("{}{}", i + 1 == words.size() ? " or " : ", ", words[i]);
   }
-  return "some of " + names + " (default: all)";
-}
-constexpr auto rulesText = [] {
-  std::array<char, makeRulesText().size()> text{};
-  std::ranges::copy(makeRulesText(), text.begin());
   return text;
-}();
+}
 
-constexpr auto colorWords = std::to_array<OptionWord>(
-    {{"auto", ColorType::automatic}, {"always", ColorType::always}, {"never", ColorType::never}});
-constexpr auto formatWords = std::to_array<OptionWord>(
-    {{"text", FormatType::text}, {"json", FormatType::json}, {"sarif", FormatType::sarif}});
-
-constexpr auto options = std::to_array<OptionRow>({
-    {OptionType::path, "-p,--path", "DIR", forClasses,
-     "a root of the class path, may be repeated (default: .)"},
-    {OptionType::rules, "-r,--rules", "LIST", forUpdate,
-     std::string_view(rulesText.data(), rulesText.size()), ruleWords},
-    {OptionType::superclasses, "-s,--superclasses", "", forUpdate | bitOf(CommandType::actions),
-     "take the superclasses along"},
-    {OptionType::write, "--write", "", forUpdate, "change the files"},
-    {OptionType::check, "--check", "", forUpdate,
-     "print the names of what would change, and exit with 1"},
-    {OptionType::allowDirty, "--allow-dirty", "", forUpdate,
-     "write files with uncommitted changes too"},
-    {OptionType::noIgnore, "--no-ignore", "", forUpdate,
-     "walk ignored, hidden and linked folders too"},
-    {OptionType::format, "--format", "FORMAT", forUpdate, "text (default), json or sarif",
-     formatWords},
-    {OptionType::list, "--list", "", forUndo, "print the runs that can be undone"},
-    {OptionType::edits, "--edits", "", forUpdate,
-     "with --format json: the single replacements too"},
-    {OptionType::stdinPath, "--stdin-path", "PATH", forUpdate,
-     "with '-': the text of this class is standard input"},
-    {OptionType::classTable, "--class-table", "FILE", forClasses,
-     "a JSON file with what source can't tell of classes"},
-    {OptionType::jobs, "-j,--jobs", "N", forAll, "threads (default: one for each processor)"},
-    {OptionType::quiet, "-q,--quiet", "", forAll, "no diff and no findings"},
-    {OptionType::verbose, "-v,--verbose", "", forAll, "say more of each class"},
-    {OptionType::stats, "--stats", "", forUpdate, "tell the time of each phase, and the memory"},
-    {OptionType::color, "--color", "WHEN", forAll, "auto (default), always or never", colorWords},
-    {OptionType::help, "-h,--help", "", forAll, "print this and end"},
-});
+std::vector<OptionRow> makeOptions() {
+  return {
+      {"-p,--path",
+       "DIR",
+       forClasses,
+       "a root of the class path, may be repeated (default: .)",
+       "Class a.b.C is the file a/b/C.vlm or a/b/C.p below a root. The roots are asked in the "
+       "order "
+       "in which they are given, and the first one that has either file wins.",
+       &Options::roots,
+       {}},
+      {"-r,--rules", "LIST", forUpdate,
+       fmt::format("some of {} (default: all)", fmt::join(ruleWords(), ",")), "", readRules,
+       ruleWords()},
+      {"-s,--superclasses",
+       "",
+       forUpdate | bitOf(CommandType::actions),
+       "take the superclasses along",
+       "Each class that a named one derives from is updated too, if it is a System object with a "
+       "file of its own.",
+       &Options::includeSuperclasses,
+       {}},
+      {"--write",
+       "",
+       forUpdate,
+       "change the files",
+       "A file that changed since it was read, that is no regular file, or that can't hold the new "
+       "text in its encoding is left as it was. soca undo takes the run back.",
+       &Options::write,
+       {}},
+      {"--check",
+       "",
+       forUpdate,
+       "print the names of what would change, and exit with 1",
+       "Nothing is written. The names are those of classes, each on a line.",
+       &Options::check,
+       {}},
+      {"--allow-dirty",
+       "",
+       forUpdate,
+       "write files with uncommitted changes too",
+       "Otherwise a file is refused if git could not bring back what is in it: if it has "
+       "uncommitted changes, or if git does not know it.",
+       &Options::allowDirty,
+       {}},
+      {"--no-ignore",
+       "",
+       forUpdate,
+       "walk ignored, hidden and linked folders too",
+       "Otherwise what git ignores, folders whose names begin with a point, and links to folders "
+       "are left out of a walk, unless they are named themselves.",
+       &Options::noIgnore,
+       {}},
+      {"--format", "FORMAT", forUpdate, choiceText(formatWords()),
+       "json prints one document with results, errors and skipped classes on standard output, for "
+       "other programs to read; sarif prints a log in the form SARIF 2.1.0, for viewers of "
+       "findings.",
+       readFormat, formatWords()},
+      {"--list", "", forUndo, "print the runs that can be undone", "", &Options::list, {}},
+      {"--edits",
+       "",
+       forUpdate,
+       "with --format json: the single replacements too",
+       "Each has its offset and length in bytes of the file and its text; beside them stands the "
+       "SHA-256 of the file for which they were made.",
+       &Options::edits,
+       {}},
+      {"--stdin-path",
+       "PATH",
+       forUpdate,
+       "with '-': the text of this class is standard input",
+       "For editors: the argument is -, the text counts as that of the file PATH, and the updated "
+       "text goes to standard output, which stays empty on a failure.",
+       readStdinPath,
+       {}},
+      {"--class-table",
+       "FILE",
+       forClasses,
+       "a JSON file with what source can't tell of classes",
+       "It adds classes, or answers for what source says of one, class by class: superclasses, "
+       "strict defaults, methods, and properties.",
+       readClassTable,
+       {}},
+      {"-j,--jobs",
+       "N",
+       forAll,
+       "threads (default: one for each processor)",
+       "The output is the same for any number.",
+       readJobs,
+       {}},
+      {"-q,--quiet", "", forAll, "no diff and no findings", "", &Options::quiet, {}},
+      {"-v,--verbose", "", forAll, "say more of each class", "", &Options::verbose, {}},
+      {"--stats",
+       "",
+       forUpdate,
+       "tell the time of each phase, and the memory",
+       "",
+       &Options::stats,
+       {}},
+      {"--color", "WHEN", forAll, choiceText(colorWords()),
+       "On standard output and on standard error alike. See also the environment variables below.",
+       readColor, colorWords()},
+      {"-h,--help", "", forAll, "print this and end", "", &Options::help, {}},
+  };
+}
 
 constexpr auto exitCodes = std::to_array<ExitCodeRow>({
     {ExitCodeType::done, forAll, "done"},
@@ -106,7 +166,10 @@ std::vector<std::string_view> namesOf(const OptionRow& row) {
 }
 
 std::span<const CommandRow> commandRows() { return commands; }
-std::span<const OptionRow> optionRows() { return options; }
+std::span<const OptionRow> optionRows() {
+  static const std::vector<OptionRow> options = makeOptions();
+  return options;
+}
 std::span<const ExitCodeRow> exitCodeRows() { return exitCodes; }
 
 const CommandRow* findCommand(std::string_view name) {
@@ -116,10 +179,6 @@ const CommandRow* findCommand(std::string_view name) {
 
 const CommandRow& commandRow(CommandType type) {
   return *std::ranges::find(commands, type, &CommandRow::type);
-}
-
-const OptionRow& optionRow(OptionType type) {
-  return *std::ranges::find(options, type, &OptionRow::type);
 }
 
 }  // namespace soca::cli

@@ -1,9 +1,10 @@
 // The commands and their options, as data: the parser and the help are both made from it.
 #pragma once
 
-#include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 #include "cli/options/Options.h"
@@ -21,49 +22,27 @@ struct CommandRow {
   std::string_view example;
 };
 
-enum class OptionType {
-  path,
-  rules,
-  superclasses,
-  write,
-  check,
-  allowDirty,
-  noIgnore,
-  list,
-  stats,
-  format,
-  edits,
-  stdinPath,
-  classTable,
-  jobs,
-  quiet,
-  verbose,
-  color,
-  help,
-};
+// Reads the value of an option. Throws UsageError for one that it does not take.
+using OptionReader = void (*)(const std::string& value, Options& options);
 
-// One of the words that an option takes, and what it stands for, as a number.
-struct OptionWord {
-  template <class Value>
-  constexpr OptionWord(std::string_view word, Value meaning)
-      : text(word), value(static_cast<std::uint64_t>(meaning)) {}
-
-  std::string_view text;
-  std::uint64_t value;
-};
+// Where the value goes. A list gets one item each time that the option is given.
+using OptionTarget = std::variant<bool Options::*, std::string Options::*,
+                                  std::vector<std::string> Options::*, OptionReader>;
 
 struct OptionRow {
-  OptionType type;
   // `-p,--path` or `--write`.
   std::string_view flags;
   // The name of the option's value; empty for a switch. DIR is a folder, FILE and PATH are files,
-  // and of LIST there may be several, parted by commas.
+  // and of LIST there may be several, separated by commas.
   std::string_view value;
   // The commands that know it, as a sum of `bitOf`.
   unsigned commands;
-  std::string_view text;
+  // For the help, and what the manual page says besides; empty if that is nothing.
+  std::string text;
+  std::string_view details;
+  OptionTarget target;
   // All the words that the value can be; none if it is no such word.
-  std::span<const OptionWord> words = {};
+  std::vector<std::string_view> words;
 };
 
 struct ExitCodeRow {
@@ -92,6 +71,5 @@ std::span<const ExitCodeRow> exitCodeRows();
 // The row of the command; null for a name that is none.
 const CommandRow* findCommand(std::string_view name);
 const CommandRow& commandRow(CommandType type);
-const OptionRow& optionRow(OptionType type);
 
 }  // namespace soca::cli

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "reports/ReportOutput.h"
+
 namespace soca::cli {
 
 // A stream to a file descriptor, which it does not own. What is left in the buffer at the end is
@@ -36,7 +38,7 @@ enum class ColorType { automatic, always, never };
 
 // The two streams of a process. On a terminal what comes later is shown later, whichever stream it
 // went to, and below it there can be a status line, which stays below.
-class Console {
+class Console : public ReportOutput {
  public:
   Console(int outDescriptor, int errDescriptor) : out_(outDescriptor), err_(errDescriptor) {}
 
@@ -44,7 +46,7 @@ class Console {
   // then the terminals: none with NO_COLOR, some with FORCE_COLOR, otherwise on a terminal that is
   // not dumb. An empty variable counts as none.
   void setColor(ColorType color);
-  bool colorsOut() const { return colorsOut_; }
+  bool colorsOut() const override { return colorsOut_; }
   // For lines that are broken on standard error: of the terminal, or what reads well in a file.
   std::size_t width() const;
 
@@ -54,14 +56,14 @@ class Console {
   void showStatus(std::string_view line);
   void clearStatus();
 
-  void print(std::string_view text);
+  void print(std::string_view text) override;
   // Everything printed so far goes out first.
   void printError(std::string_view text);
   // Lines of messages, which get colours and lose what a terminal would obey.
-  void printMessages(std::string_view lines);
+  void printMessages(std::string_view lines) override;
   // One line "soca: <what>", of something that went wrong, and of something else.
-  void complain(std::string_view what);
-  void tell(std::string_view what);
+  void complain(std::string_view what) override;
+  void tell(std::string_view what) override;
 
   // Sends everything out. False, with a complaint, if some of the data could not be written.
   bool finish();

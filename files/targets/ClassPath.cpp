@@ -9,6 +9,7 @@
 
 #include "files/targets/NearestFile.h"
 #include "files/targets/NearestName.h"
+#include "files/targets/UsageError.h"
 #include "platform/paths/NativePath.h"
 #include "platform/paths/PathDispatcher.h"
 #include "platform/paths/SourceReader.h"
@@ -16,7 +17,7 @@
 #include "platform/text/Conversions.h"
 #include "platform/text/FileText.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 constexpr std::uint64_t largestClassTable = std::uint64_t{64} << 20U;
@@ -56,16 +57,17 @@ std::shared_ptr<const sotarn::ClassTable> readClassTable(const std::string& file
 
 }  // namespace
 
-ClassRoots setClassPath(const Options& options) {
+ClassRoots setClassPath(const std::vector<std::string>& rootFolders,
+                        const std::string& classTable) {
   std::vector<std::string> roots;
-  for (const std::string& root : options.roots) {
+  for (const std::string& root : rootFolders) {
     checkRoot(root);
     roots.push_back(absoluteRoot(root));
   }
   if (roots.empty()) roots.push_back(absoluteRoot({}));
-  if (!options.classTable.empty()) sotarn::setClassTable(readClassTable(options.classTable));
+  if (!classTable.empty()) sotarn::setClassTable(readClassTable(classTable));
   PathDispatcher::getDispatcher().setClassPath(roots);
   return ClassRoots(std::move(roots));
 }
 
-}  // namespace soca::cli
+}  // namespace soca

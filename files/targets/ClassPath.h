@@ -1,13 +1,16 @@
 // The class path and the class table of a run.
 #pragma once
 
-#include "cli/options/Options.h"
+#include <string>
+#include <vector>
+
 #include "files/targets/ClassRoots.h"
 
-namespace soca::cli {
+namespace soca {
 
-// Sets both for the process, as the options say, and gives the roots. Throws UsageError for a root
-// that is no folder and for a file that is no class table; nothing is set then.
-ClassRoots setClassPath(const Options& options);
+// Sets both for the process, and returns the roots as absolute paths. Without roots the current
+// folder is the only one; an empty `classTable` is none. Throws UsageError for a root that is no
+// folder and for a file that is no class table; nothing is set then.
+ClassRoots setClassPath(const std::vector<std::string>& rootFolders, const std::string& classTable);
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -8,7 +8,7 @@
 #include "platform/text/Conversions.h"
 #include "platform/text/Letters.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 bool isThere(const std::string& path) {
@@ -133,4 +133,4 @@ std::string relativePathOfClass(std::string_view className) {
   return path;
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace soca::cli {
+namespace soca {
 
 // The roots of the class path as absolute native paths in UTF-8, in the order in which they are
 // asked. Paths are compared as they stand; links are looked through only where it says so.
@@ -59,4 +59,4 @@ std::optional<std::string_view> stemOfClassFile(std::string_view fileName);
 // `a/b/C` for `a.b.C`.
 std::string relativePathOfClass(std::string_view className);
 
-}  // namespace soca::cli
+}  // namespace soca

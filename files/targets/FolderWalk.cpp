@@ -12,7 +12,7 @@
 
 #include "platform/text/FileText.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 struct CloseFolder {
@@ -207,4 +207,4 @@ FoundFile FolderWalk::describe(const Level& level, const Entry& entry) {
   return file;
 }
 
-}  // namespace soca::cli
+}  // namespace soca

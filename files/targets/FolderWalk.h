@@ -9,7 +9,7 @@
 #include "files/targets/ClassRoots.h"
 #include "files/targets/Git.h"
 
-namespace soca::cli {
+namespace soca {
 
 struct FoundFile {
   enum class Type {
@@ -108,4 +108,4 @@ class FolderWalk {
   std::optional<FoundFile> unreadable_;
 };
 
-}  // namespace soca::cli
+}  // namespace soca

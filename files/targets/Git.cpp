@@ -7,7 +7,7 @@
 
 #include "files/targets/ClassRoots.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 bool hasRepository(const std::string& folder) {
@@ -105,4 +105,4 @@ std::optional<std::string> Git::findUncommitted(const std::string& file) {
                      problem);
 }
 
-}  // namespace soca::cli
+}  // namespace soca

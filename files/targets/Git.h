@@ -9,7 +9,7 @@
 
 #include "files/targets/GitRepository.h"
 
-namespace soca::cli {
+namespace soca {
 
 // Where a folder or file stands in version control.
 struct GitPlace {
@@ -53,4 +53,4 @@ class Git {
   std::optional<GitPlace> lastPlace_;
 };
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -5,7 +5,7 @@
 #include <array>
 #include <optional>
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 // All versions in which what is used here is the same, the one that the headers belong to first.
@@ -57,4 +57,4 @@ const GitLibrary* gitLibrary() {
   return library ? &*library : nullptr;
 }
 
-}  // namespace soca::cli
+}  // namespace soca

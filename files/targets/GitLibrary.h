@@ -3,7 +3,7 @@
 
 #include <git2.h>
 
-namespace soca::cli {
+namespace soca {
 
 // The functions of libgit2 that the program uses, by their names there.
 struct GitLibrary {
@@ -29,4 +29,4 @@ struct GitLibrary {
 // called by several threads at once.
 const GitLibrary* gitLibrary();
 
-}  // namespace soca::cli
+}  // namespace soca

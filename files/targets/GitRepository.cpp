@@ -8,7 +8,7 @@
 
 #include "files/targets/ClassRoots.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 // Stages of an index entry: 0 is the usual one, the others are the sides of a conflict.
@@ -128,4 +128,4 @@ bool GitRepository::isConflicted(const std::string& path) const {
   });
 }
 
-}  // namespace soca::cli
+}  // namespace soca

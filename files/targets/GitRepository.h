@@ -9,7 +9,7 @@
 
 #include "files/targets/GitLibrary.h"
 
-namespace soca::cli {
+namespace soca {
 
 // A repository that can't be asked; `what` says why, and what to do about it.
 class GitError : public std::runtime_error {
@@ -73,4 +73,4 @@ class GitRepository {
   Object tree_;
 };
 
-}  // namespace soca::cli
+}  // namespace soca

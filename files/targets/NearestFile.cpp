@@ -12,7 +12,7 @@
 #include "platform/text/Conversions.h"
 #include "platform/text/FileText.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 namespace fs = std::filesystem;
@@ -158,4 +158,4 @@ std::string nearestClass(std::string_view className, const ClassRoots& roots) {
   return {};
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -7,7 +7,7 @@
 
 #include "files/targets/ClassRoots.h"
 
-namespace soca::cli {
+namespace soca {
 
 // The path with what is not there replaced by the nearest names in the folders, part by part; empty
 // if some part has none, or if all of it is there.
@@ -18,4 +18,4 @@ std::string nearestFolder(std::string_view path);
 // empty if there is neither.
 std::string nearestClass(std::string_view className, const ClassRoots& roots);
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -8,7 +8,7 @@
 
 #include "platform/text/Conversions.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 // Names that are longer are files of a machine, and nobody typed them.
@@ -81,4 +81,4 @@ std::string didYouMean(std::string_view name) {
   return name.empty() ? std::string() : fmt::format("; did you mean '{}'?", name);
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -8,7 +8,7 @@
 
 #include "platform/text/UString.h"
 
-namespace soca::cli {
+namespace soca {
 
 // Of the names that it is offered, keeps the one that is most likely meant by a misspelt one: the
 // nearest, by letters that are missing, too many, wrong or swapped with a neighbour. One letter in
@@ -47,4 +47,4 @@ std::string didYouMean(std::string_view misspelt, const Names& names, Projection
   return didYouMean(nearest.name());
 }
 
-}  // namespace soca::cli
+}  // namespace soca

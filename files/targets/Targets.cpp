@@ -6,14 +6,14 @@
 #include <algorithm>
 #include <utility>
 
-#include "cli/options/Options.h"
 #include "files/targets/NearestFile.h"
 #include "files/targets/NearestName.h"
+#include "files/targets/UsageError.h"
 #include "platform/paths/NativePath.h"
 #include "platform/text/Conversions.h"
 #include "platform/text/FileText.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 bool isFolder(const std::string& path) {
@@ -228,4 +228,4 @@ bool Targets::isNew(const Target& target) {
   return (!mayRepeat_ && !named_.contains(key)) || seen_.insert(key).second;
 }
 
-}  // namespace soca::cli
+}  // namespace soca

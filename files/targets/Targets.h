@@ -12,7 +12,7 @@
 #include "files/targets/ClassRoots.h"
 #include "files/targets/FolderWalk.h"
 
-namespace soca::cli {
+namespace soca {
 
 struct Target {
   enum class Type {
@@ -90,4 +90,4 @@ class Targets {
   std::unordered_set<std::string> seen_;
 };
 
-}  // namespace soca::cli
+}  // namespace soca

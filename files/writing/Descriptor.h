@@ -7,7 +7,7 @@
 #include <string_view>
 #include <utility>
 
-namespace soca::cli {
+namespace soca {
 
 class Descriptor {
  public:
@@ -47,4 +47,4 @@ class Descriptor {
   int number_ = -1;
 };
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -2,9 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
-namespace soca::cli {
+namespace soca {
 
 // Tells texts apart that nobody made to be alike.
 struct Digest {
@@ -20,4 +21,7 @@ Digest digestOf(std::string_view bytes);
 // Shows whether bytes came back from the disk as they were written.
 std::uint64_t checksumOf(std::string_view bytes);
 
-}  // namespace soca::cli
+// The SHA-256 of the bytes, as 64 small hexadecimal digits.
+std::string sha256(std::string_view bytes);
+
+}  // namespace soca

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 constexpr std::int64_t second = 1'000'000'000;
@@ -84,4 +84,4 @@ bool copyAttributes(const std::string& path, const struct stat& old, int newFile
   return ::fchmod(newFile, old.st_mode & 07777U) == 0;
 }
 
-}  // namespace soca::cli
+}  // namespace soca

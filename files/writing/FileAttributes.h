@@ -8,7 +8,7 @@
 
 #include "platform/paths/SourceReader.h"
 
-namespace soca::cli {
+namespace soca {
 
 // Nanoseconds since 1970, and back.
 std::int64_t nanosecondsOf(const timespec& time);
@@ -22,4 +22,4 @@ bool isOf(const struct stat& status, const fl::filesystem::FileStamp& stamp);
 // something that grants or denies access can't be had; of the rest, what can.
 bool copyAttributes(const std::string& path, const struct stat& old, int newFile);
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -16,7 +16,7 @@
 #include "files/writing/FileWriter.h"
 #include "files/writing/Journal.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 // A run's folder, which goes away again unless something was written.
@@ -221,4 +221,4 @@ BatchResult writeFiles(const RunStore& store, const RunStore::Lock& lock,
   return result;
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -11,7 +11,7 @@
 #include "files/writing/RunStore.h"
 #include "platform/paths/SourceReader.h"
 
-namespace soca::cli {
+namespace soca {
 
 // A file that is to be replaced.
 struct FileChange {
@@ -47,4 +47,4 @@ BatchResult writeFiles(const RunStore& store, const RunStore::Lock& lock,
                        const std::function<std::string(std::size_t)>& newBytes,
                        const GoesOn& goesOn);
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -15,7 +15,7 @@
 #include "files/writing/Flush.h"
 #include "files/writing/Journal.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 std::string errorText(std::string_view what) {
@@ -113,4 +113,4 @@ std::optional<std::string> FileWriter::flushFolders() const {
   return errorText("the folders of the new files could not be flushed to the disk");
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -10,7 +10,7 @@
 
 #include "platform/paths/SourceReader.h"
 
-namespace soca::cli {
+namespace soca {
 
 // A file that is to get new bytes.
 struct Replacement {
@@ -74,4 +74,4 @@ class FileWriter {
   std::vector<StagedFile> staged_;
 };
 
-}  // namespace soca::cli
+}  // namespace soca

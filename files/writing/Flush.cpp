@@ -8,7 +8,7 @@
 
 #include "files/writing/Descriptor.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 constexpr std::size_t fewPaths = 8;
@@ -40,4 +40,4 @@ bool flushPaths(const std::vector<std::string>& paths) {
   return true;
 }
 
-}  // namespace soca::cli
+}  // namespace soca

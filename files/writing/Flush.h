@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace soca::cli {
+namespace soca {
 
 // What the file or folder holds. False, with errno, if that fails.
 bool flushPath(const std::string& path);
@@ -13,4 +13,4 @@ bool flushPath(const std::string& path);
 // the file systems that they are on. False, with errno, if one fails.
 bool flushPaths(const std::vector<std::string>& paths);
 
-}  // namespace soca::cli
+}  // namespace soca

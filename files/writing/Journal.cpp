@@ -12,7 +12,7 @@
 
 #include "files/writing/Flush.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 // Another form of the records below gets another number.
@@ -229,4 +229,4 @@ std::unique_ptr<Journal> openJournal(const std::string& folder) {
   }
 }
 
-}  // namespace soca::cli
+}  // namespace soca

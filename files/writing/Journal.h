@@ -11,7 +11,7 @@
 #include "files/writing/Digest.h"
 #include "files/writing/RecordFile.h"
 
-namespace soca::cli {
+namespace soca {
 
 // A journal is a folder with two files of records. `before` has the old bytes of all files that the
 // run is about to change, and is on the disk before the first of them, or anything beside them, is
@@ -134,4 +134,4 @@ bool isSettled(const std::string& folder);
 // Null if the journal can't be read.
 std::unique_ptr<Journal> openJournal(const std::string& folder);
 
-}  // namespace soca::cli
+}  // namespace soca

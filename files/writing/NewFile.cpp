@@ -9,9 +9,8 @@
 #include "platform/analyzer/Analyzer.h"
 #include "platform/text/FileText.h"
 #include "platform/text/TextSearch.h"
-#include "reports/explanations/ProgramMessages.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 constexpr timespec settlingTime = {0, 25'000'000};
@@ -23,7 +22,7 @@ fl::filesystem::SourceFileText readAnalysedFile(const std::string& path,
   try {
     for (int attempts = 0; attempts < 4; ++attempts) {
       auto file = fl::filesystem::readSourceFile(path, ca::maximumFileSize);
-      if (!areEqualTexts(file.text, analysedText)) break;
+      if (!fl::areEqualTexts(file.text, analysedText)) break;
       if (stampType == StampType::any || !file.recentlyChanged) return file;
       ::nanosleep(&settlingTime, nullptr);
     }
@@ -34,9 +33,6 @@ fl::filesystem::SourceFileText readAnalysedFile(const std::string& path,
 }
 
 }  // namespace
-
-ClassFault::ClassFault(std::string_view id, std::initializer_list<std::string_view> arguments)
-    : std::runtime_error(programMessage(id, arguments)), id_(id) {}
 
 fl::filesystem::FileState stateOfOldFile(const std::string& path, const PlannedClass& planned,
                                          StampType stampType) {
@@ -65,4 +61,4 @@ void checkIsReplaceable(const std::string& path) {
   if (reason) throw ClassFault("soca:FileNotReplaceable", {path, *reason});
 }
 
-}  // namespace soca::cli
+}  // namespace soca

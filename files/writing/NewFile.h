@@ -1,27 +1,30 @@
 // The new bytes of a class file, and whether they can take the place of the old ones.
 #pragma once
 
-#include <initializer_list>
 #include <stdexcept>
 #include <string>
-#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "platform/paths/SourceReader.h"
 #include "platform/text/FileText.h"
 #include "platform/text/UString.h"
 #include "service/UpdatePlan.h"
 
-namespace soca::cli {
+namespace soca {
 
-// A fault of one class that the program itself finds; `what` is the message.
+// A fault of one class that the program itself finds: the id of a message, and what fills the
+// placeholders of its text.
 class ClassFault : public std::runtime_error {
  public:
-  ClassFault(std::string_view id, std::initializer_list<std::string_view> arguments);
+  ClassFault(const std::string& id, std::vector<std::string> arguments)
+      : std::runtime_error(id), arguments_(std::move(arguments)) {}
 
-  const std::string& id() const { return id_; }
+  std::string id() const { return what(); }
+  const std::vector<std::string>& arguments() const { return arguments_; }
 
  private:
-  std::string id_;
+  std::vector<std::string> arguments_;
 };
 
 // Whether the stamp has to show any later change of the file: then it may have to wait until the
@@ -40,4 +43,4 @@ void checkIsEncodable(const std::string& path, fl::ustring_view text, fl::Encodi
 // Throws ClassFault if the file can't be replaced by another.
 void checkIsReplaceable(const std::string& path);
 
-}  // namespace soca::cli
+}  // namespace soca

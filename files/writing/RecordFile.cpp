@@ -7,7 +7,7 @@
 
 #include "files/writing/Digest.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 constexpr std::size_t bufferSize = std::size_t{1} << 20U;
@@ -125,4 +125,4 @@ std::string_view FieldReader::take(std::uint64_t size) {
   return field;
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -12,7 +12,7 @@
 
 #include "files/writing/Descriptor.h"
 
-namespace soca::cli {
+namespace soca {
 
 // What keeps a journal from being written or read. `what` names the file and the reason.
 class JournalError : public std::runtime_error {
@@ -121,4 +121,4 @@ class FieldReader {
   std::string_view bytes_;
 };
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -14,7 +14,7 @@
 #include "files/writing/FileWriter.h"
 #include "platform/paths/SourceReader.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 // What a file of the run is now.
@@ -167,4 +167,4 @@ RestoreResult undoRun(Journal& journal, const GoesOn& goesOn) {
   return restorer.takeResult();
 }
 
-}  // namespace soca::cli
+}  // namespace soca

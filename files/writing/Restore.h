@@ -7,7 +7,7 @@
 #include "files/writing/Journal.h"
 #include "files/writing/RunStore.h"
 
-namespace soca::cli {
+namespace soca {
 
 // A file that was not put back, and why.
 struct LeftFile {
@@ -36,4 +36,4 @@ RestoreResult repairRun(Journal& journal, const GoesOn& goesOn);
 // Takes back a run that is done, or the rest of it. What is left can be undone another time.
 RestoreResult undoRun(Journal& journal, const GoesOn& goesOn);
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -15,7 +15,7 @@
 #include "files/writing/Journal.h"
 #include "files/writing/StateFolder.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 namespace fs = std::filesystem;
@@ -45,7 +45,8 @@ std::uint64_t sizeOf(const std::string& folder) {
 
 RunStore::RunStore() : folder_(stateFolder()) {}
 
-std::optional<RunStore::Lock> RunStore::lock(Console& console, const GoesOn& goesOn) const {
+std::optional<RunStore::Lock> RunStore::lock(const std::function<void()>& onWait,
+                                             const GoesOn& goesOn) const {
   makeFolders(runsFolder(folder_));
   const std::string path = lockPath(folder_);
   Descriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
@@ -54,7 +55,7 @@ std::optional<RunStore::Lock> RunStore::lock(Console& console, const GoesOn& goe
   while (::flock(file.number(), LOCK_EX | LOCK_NB) != 0) {
     if (errno != EWOULDBLOCK && errno != EINTR) fail(path, "can't be locked");
     if (!goesOn()) return std::nullopt;
-    if (!isWaiting) console.tell("another soca is changing files; waiting for it to end");
+    if (!isWaiting) onWait();
     isWaiting = true;
     ::nanosleep(&waitingTime, nullptr);
   }
@@ -120,4 +121,4 @@ std::optional<RunNumber> parseRunNumber(std::string_view text) {
   return isNumber ? std::optional(run) : std::nullopt;
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -7,10 +7,9 @@
 #include <string_view>
 #include <vector>
 
-#include "cli/terminal/Console.h"
 #include "files/writing/Descriptor.h"
 
-namespace soca::cli {
+namespace soca {
 
 // Asked between two steps; nothing more is begun once it says no.
 using GoesOn = std::function<bool()>;
@@ -31,9 +30,9 @@ class RunStore {
     explicit Lock(Descriptor file) : file_(std::move(file)) {}
     Descriptor file_;
   };
-  // Makes the store if it is not there. Waits for the lock, and says so, as long as `goesOn`;
-  // nothing then. Throws JournalError.
-  std::optional<Lock> lock(Console& console, const GoesOn& goesOn) const;
+  // Makes the store if it does not exist. Waits for the lock as long as `goesOn` returns true, and
+  // returns nothing after that; `onWait` is called once before it waits. Throws JournalError.
+  std::optional<Lock> lock(const std::function<void()>& onWait, const GoesOn& goesOn) const;
   // Whether some process has the lock.
   bool isLocked() const;
 
@@ -59,4 +58,4 @@ class RunStore {
 // The number that the text is; nothing if it is none.
 std::optional<RunNumber> parseRunNumber(std::string_view text);
 
-}  // namespace soca::cli
+}  // namespace soca

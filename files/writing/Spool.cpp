@@ -9,7 +9,7 @@
 #include <cstring>
 #include <stdexcept>
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 constexpr std::size_t bufferSize = std::size_t{4} << 20U;
@@ -81,4 +81,4 @@ void Spool::writeOut() {
   buffer_.clear();
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace soca::cli {
+namespace soca {
 
 class Spool {
  public:
@@ -38,4 +38,4 @@ class Spool {
   std::string buffer_;
 };
 
-}  // namespace soca::cli
+}  // namespace soca

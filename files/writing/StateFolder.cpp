@@ -12,7 +12,7 @@
 #include "files/writing/Flush.h"
 #include "files/writing/RecordFile.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 constexpr std::string_view advice =
@@ -50,4 +50,4 @@ void makeFolders(const std::string& path) {
   }
 }
 
-}  // namespace soca::cli
+}  // namespace soca

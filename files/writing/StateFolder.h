@@ -3,7 +3,7 @@
 
 #include <string>
 
-namespace soca::cli {
+namespace soca {
 
 // The absolute path of the user's folder for this: `$XDG_STATE_HOME/soca`, or if that variable is
 // not set or no absolute path, `$HOME/.local/state/soca`. It need not exist. Throws JournalError if
@@ -14,4 +14,4 @@ std::string stateFolder();
 // JournalError.
 void makeFolders(const std::string& path);
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -44,9 +44,8 @@ class Analyzer {
 
 std::unique_ptr<Analyzer> createSingleFileAnalyzer();
 
-// The limits of what is analysed.
-inline constexpr std::uint64_t maximumFileSize = std::uint64_t{256} << 20U;  // bytes
-inline constexpr unsigned maximumNesting = 1000;                             // levels
+// What is larger is not analysed. In bytes.
+inline constexpr std::uint64_t maximumFileSize = std::uint64_t{256} << 20U;
 
 // Analyses a text that stands in no file. Throws InvalidAnalysisException for nesting that is too
 // deep.

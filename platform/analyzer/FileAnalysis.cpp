@@ -12,7 +12,6 @@ namespace ca {
 namespace {
 
 using fl::timing::Phase;
-using fl::timing::PhaseType;
 
 using Analysis = std::shared_ptr<SourceAnalysis>;
 
@@ -38,7 +37,7 @@ Analysis analyzeOverlay(const std::string& path, std::shared_ptr<const fl::ustri
   Remembered& last = lastOfThread();
   if (last.overlay == overlay && last.path == path) return last.analysis;
   last = {};
-  const Phase phase(PhaseType::analyse);
+  const Phase phase(fl::timing::analysePhase);
   auto analysis = std::make_shared<SourceAnalysis>(overlay);
   last = {path, std::move(overlay), analysis};
   return analysis;
@@ -53,7 +52,7 @@ Analysis analyzeFile(const std::string& path) {
   last = {};
   try {
     auto source = fl::filesystem::readSourceFile(path, maximumFileSize);
-    const Phase phase(PhaseType::analyse);
+    const Phase phase(fl::timing::analysePhase);
     auto analysis = std::make_shared<SourceAnalysis>(std::move(source));
     if (analysis->file()) last = {path, nullptr, analysis};
     return analysis;

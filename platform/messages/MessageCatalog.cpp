@@ -4,18 +4,19 @@
 #include <string>
 #include <variant>
 
+#include "MessageTable.h"
 #include "platform/messages/MessageListener.h"
 #include "platform/text/Conversions.h"
-#include "reports/explanations/MessageExplanations.h"
 
 namespace fl::i18n {
 namespace {
 
 using resource_core::BaseMsgID;
 
-const MessageExplanation* findEntry(const BaseMsgID& message) {
-  for (const MessageExplanation& entry : messageExplanations()) {
-    if (entry.id == message.id && entry.catalog == message.catalog) return &entry;
+const CatalogEntry* findEntry(const BaseMsgID& message) {
+  if (message.catalog != catalogName) return nullptr;
+  for (const CatalogEntry& entry : catalogEntries) {
+    if (entry.id == message.id) return &entry;
   }
   return nullptr;
 }
@@ -63,7 +64,7 @@ ustring makeTextWithoutEntry(const BaseMsgID& message) {
 }  // namespace
 
 ustring MessageCatalog::makeText(const BaseMsgID& message) {
-  const MessageExplanation* entry = findEntry(message);
+  const CatalogEntry* entry = findEntry(message);
   if (entry == nullptr) return makeTextWithoutEntry(message);
   return fillIn(to_ustring(entry->text), message);
 }

@@ -130,7 +130,7 @@ std::optional<FileStamp> stampInView(const std::string& path) {
 }
 
 SourceFileText readSourceFile(const std::string& path, std::uint64_t maximumSize) {
-  const timing::Phase phase(timing::PhaseType::read);
+  const timing::Phase phase(timing::readPhase);
   const std::int64_t start = now();
   const OpenFile file(path);
   const struct stat status = file.getStatus();

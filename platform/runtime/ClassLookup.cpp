@@ -16,7 +16,6 @@
 #include "platform/runtime/ClassDescription.h"
 #include "platform/runtime/ClassGraph.h"
 #include "platform/runtime/ClassTable.h"
-#include "platform/runtime/CurrentClassTable.h"
 #include "platform/runtime/DescriptionCache.h"
 #include "platform/runtime/EnvironmentClasses.h"
 #include "platform/runtime/SourceDescription.h"

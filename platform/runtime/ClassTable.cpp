@@ -10,7 +10,6 @@
 #include <utility>
 #include <vector>
 
-#include "platform/runtime/CurrentClassTable.h"
 #include "platform/text/Conversions.h"
 
 namespace sotarn {

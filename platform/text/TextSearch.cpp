@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-namespace soca {
+namespace fl {
 
-TextFinder::TextFinder(fl::ustring_view pattern) : pattern_(pattern) {
+TextFinder::TextFinder(ustring_view pattern) : pattern_(pattern) {
   const auto limited = [](std::size_t skip) {
     return static_cast<std::uint8_t>(std::min<std::size_t>(skip, 0xFF));
   };
@@ -14,9 +14,9 @@ TextFinder::TextFinder(fl::ustring_view pattern) : pattern_(pattern) {
   }
 }
 
-std::size_t TextFinder::find(fl::ustring_view text, std::size_t from) const {
+std::size_t TextFinder::find(ustring_view text, std::size_t from) const {
   const std::size_t length = pattern_.size();
-  if (length == 0) return from <= text.size() ? from : fl::ustring_view::npos;
+  if (length == 0) return from <= text.size() ? from : ustring_view::npos;
   const char16_t last = pattern_.back();
   for (std::size_t end = from + length; end <= text.size();) {
     const char16_t unit = text[end - 1];
@@ -25,16 +25,16 @@ std::size_t TextFinder::find(fl::ustring_view text, std::size_t from) const {
     }
     end += skips_[slotOf(unit)];
   }
-  return fl::ustring_view::npos;
+  return ustring_view::npos;
 }
 
-std::size_t findBehindDot(fl::ustring_view text, fl::ustring_view name) {
+std::size_t findBehindDot(ustring_view text, ustring_view name) {
   const TextFinder finder(name);
-  for (std::size_t place = finder.find(text, 1); place != fl::ustring_view::npos;
+  for (std::size_t place = finder.find(text, 1); place != ustring_view::npos;
        place = finder.find(text, place + 1)) {
     if (text[place - 1] == u'.') return place + name.size();
   }
-  return fl::ustring_view::npos;
+  return ustring_view::npos;
 }
 
-}  // namespace soca
+}  // namespace fl

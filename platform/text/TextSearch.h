@@ -10,16 +10,16 @@
 
 #include "platform/text/UString.h"
 
-namespace soca {
+namespace fl {
 
-inline bool areEqualTexts(fl::ustring_view left, fl::ustring_view right) {
+inline bool areEqualTexts(ustring_view left, ustring_view right) {
   return left.size() == right.size() &&
          (left.empty() ||
           std::memcmp(left.data(), right.data(), left.size() * sizeof(char16_t)) == 0);
 }
 
 // The place of the first U+000A at or behind `from`, or npos.
-inline std::size_t findLineEnd(fl::ustring_view text, std::size_t from) {
+inline std::size_t findLineEnd(ustring_view text, std::size_t from) {
   // The search for a byte is the widest there is. A byte that is only half of a unit is passed by.
   constexpr std::size_t lowByte = std::endian::native == std::endian::little ? 0 : 1;
   const char* const bytes = reinterpret_cast<const char*>(text.data());
@@ -33,27 +33,27 @@ inline std::size_t findLineEnd(fl::ustring_view text, std::size_t from) {
     if (next % sizeof(char16_t) == lowByte && text[place] == u'\n') return place;
     ++next;
   }
-  return fl::ustring_view::npos;
+  return ustring_view::npos;
 }
 
 // Looks for one pattern in any number of texts. The pattern must outlive the finder.
 class TextFinder {
  public:
-  explicit TextFinder(fl::ustring_view pattern);
+  explicit TextFinder(ustring_view pattern);
 
   // The place of the first occurrence that begins at or behind `from`, or npos.
-  std::size_t find(fl::ustring_view text, std::size_t from = 0) const;
+  std::size_t find(ustring_view text, std::size_t from = 0) const;
 
  private:
   static std::size_t slotOf(char16_t unit) { return unit & 0xFFU; }
 
-  fl::ustring_view pattern_;
+  ustring_view pattern_;
   // For each low byte of a code unit, how far the pattern may move on when that unit stands under
   // its last one. Units of one low byte share an entry, which is never too large for any.
   std::array<std::uint8_t, 256> skips_;
 };
 
 // The place behind the first occurrence of "." followed by `name`, or npos.
-std::size_t findBehindDot(fl::ustring_view text, fl::ustring_view name);
+std::size_t findBehindDot(ustring_view text, ustring_view name);
 
-}  // namespace soca
+}  // namespace fl

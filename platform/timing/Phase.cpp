@@ -5,17 +5,10 @@
 
 namespace fl::timing {
 
+constinit PhaseType readPhase("read");
+constinit PhaseType analysePhase("analyse");
+
 namespace {
-
-struct Sums {
-  std::atomic<std::int64_t> wall = 0;
-  std::atomic<std::int64_t> processor = 0;
-};
-
-std::array<Sums, phaseCount>& sums() {
-  static std::array<Sums, phaseCount> instance;
-  return instance;
-}
 
 std::int64_t nanosecondsOf(clockid_t clock) {
   timespec time = {};
@@ -29,7 +22,7 @@ PhaseTime timesNow() {
 
 // The phase that a thread is in, and its clocks when that began.
 struct Current {
-  PhaseType type = PhaseType::none;
+  PhaseType* type = nullptr;
   PhaseTime start;
 };
 
@@ -37,24 +30,16 @@ struct Current {
 
 std::atomic<bool> Phase::timing = false;
 
-PhaseType Phase::enter(PhaseType type) {
+PhaseType* Phase::enter(PhaseType* type) {
   thread_local Current current;
   const PhaseTime now = timesNow();
-  if (current.type != PhaseType::none) {
-    Sums& sum = sums()[static_cast<std::size_t>(current.type)];
-    sum.wall += now.wall - current.start.wall;
-    sum.processor += now.processor - current.start.processor;
+  if (current.type != nullptr) {
+    current.type->add({now.wall - current.start.wall, now.processor - current.start.processor});
   }
   current.start = now;
   return std::exchange(current.type, type);
 }
 
 void startTiming() { Phase::timing = true; }
-
-std::array<PhaseTime, phaseCount> timesOfPhases() {
-  std::array<PhaseTime, phaseCount> times;
-  for (std::size_t i = 0; i < phaseCount; ++i) times[i] = {sums()[i].wall, sums()[i].processor};
-  return times;
-}
 
 }  // namespace fl::timing

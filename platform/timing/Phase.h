@@ -1,35 +1,51 @@
 // Where the time of a run goes.
 #pragma once
 
-#include <array>
 #include <atomic>
-#include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace fl::timing {
 
-// What a thread is at. The platform itself knows of `read` and `analyse`; the rest is for clients.
-enum class PhaseType { none, walk, read, analyse, rules, checks, git, diff, print, write };
-constexpr std::size_t phaseCount = 10;
-
-// Sums over all threads, in nanoseconds.
+// In nanoseconds.
 struct PhaseTime {
   std::int64_t wall = 0;
   std::int64_t processor = 0;
 };
 
+// A kind of work, with the time that all threads have spent on it. The platform has the two below;
+// clients add their own. Lives as long as the process.
+class PhaseType {
+ public:
+  // `name` is a literal.
+  explicit constexpr PhaseType(std::string_view name) : name_(name) {}
+
+  std::string_view name() const { return name_; }
+  // What was spent so far. A phase that is not over counts up to the last one that began or ended
+  // in it.
+  PhaseTime time() const { return {wall_, processor_}; }
+  void add(const PhaseTime& time) {
+    wall_ += time.wall;
+    processor_ += time.processor;
+  }
+
+ private:
+  std::string_view name_;
+  std::atomic<std::int64_t> wall_ = 0;
+  std::atomic<std::int64_t> processor_ = 0;
+};
+
+extern PhaseType readPhase;
+extern PhaseType analysePhase;
+
 // From now on phases are timed. To be called before there are other threads.
 void startTiming();
 
-// What was spent in each phase so far, by the number of its type. A phase that lasts counts up to
-// the last one that began or ended in it.
-std::array<PhaseTime, phaseCount> timesOfPhases();
-
 // As long as it lives, the thread's time counts for this phase, and not for the one around it.
-// Costs nothing to speak of while phases are not timed.
+// Its cost is one branch while phases are not timed.
 class Phase {
  public:
-  explicit Phase(PhaseType type) : outer_(isTiming() ? enter(type) : PhaseType::none) {}
+  explicit Phase(PhaseType& type) : outer_(isTiming() ? enter(&type) : nullptr) {}
   ~Phase() {
     if (isTiming()) enter(outer_);
   }
@@ -40,12 +56,12 @@ class Phase {
   friend void startTiming();
 
   static bool isTiming() { return timing.load(std::memory_order_relaxed); }
-  // Gives the phase that the thread was in.
-  static PhaseType enter(PhaseType type);
+  // Returns the phase that the thread was in; null is none.
+  static PhaseType* enter(PhaseType* type);
 
   static std::atomic<bool> timing;
 
-  PhaseType outer_;
+  PhaseType* outer_;
 };
 
 }  // namespace fl::timing

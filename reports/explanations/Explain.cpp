@@ -5,17 +5,13 @@
 #include <algorithm>
 #include <functional>
 
-#include "cli/options/Options.h"
 #include "files/targets/NearestName.h"
-#include "reports/TextLayout.h"
+#include "files/targets/UsageError.h"
 #include "reports/explanations/MessageExplanations.h"
+#include "reports/text/TextLayout.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
-
-using fl::i18n::MessageExplanation;
-using fl::i18n::MessageKindType;
-using fl::i18n::RuleExplanation;
 
 std::string paragraph(std::string_view title, std::string_view text) {
   if (text.empty()) return {};
@@ -54,7 +50,7 @@ std::string points(std::string_view title, std::string_view lines) {
 
 std::string conversions(const RuleExplanation& rule) {
   std::string result = "Converted:\n";
-  for (const fl::i18n::ConversionExplanation& conversion : rule.conversions) {
+  for (const ConversionExplanation& conversion : rule.conversions) {
     result += wrap(conversion.from, "  ") + wrap(conversion.to, "      ");
   }
   return result + '\n';
@@ -91,38 +87,37 @@ std::string listOf(std::string_view title, std::span<const MessageExplanation> m
 
 std::string explainAll() {
   std::string text = "Rules:\n";
-  for (const RuleExplanation& rule : fl::i18n::ruleExplanations()) {
+  for (const RuleExplanation& rule : ruleExplanations()) {
     text += fmt::format("  {}\n{}", rule.id, wrap(rule.summary, "      "));
   }
-  text += listOf("Findings, which stand beside the changes of a class",
-                 fl::i18n::messageExplanations(), MessageKindType::finding);
-  text += listOf("Errors, which leave a class as it is", fl::i18n::messageExplanations(),
-                 MessageKindType::error);
-  text += listOf("Errors that the program finds", fl::i18n::programExplanations(),
-                 MessageKindType::error);
+  text += listOf("Findings, which stand beside the changes of a class", messageExplanations(),
+                 MessageKindType::finding);
+  text +=
+      listOf("Errors, which leave a class as it is", messageExplanations(), MessageKindType::error);
+  text += listOf("Errors that the program finds", programExplanations(), MessageKindType::error);
   return text + "\n'soca explain ID' says more about one of them.\n";
 }
 
 std::vector<std::string_view> explainedIds() {
   std::vector<std::string_view> ids;
-  for (const RuleExplanation& rule : fl::i18n::ruleExplanations()) ids.push_back(rule.id);
-  for (const auto messages : {fl::i18n::messageExplanations(), fl::i18n::programExplanations()}) {
+  for (const RuleExplanation& rule : ruleExplanations()) ids.push_back(rule.id);
+  for (const auto messages : {messageExplanations(), programExplanations()}) {
     for (const MessageExplanation& message : messages) ids.push_back(message.id);
   }
   return ids;
 }
 
 std::string explain(std::string_view id) {
-  if (const RuleExplanation* rule = fl::i18n::findRuleExplanation(id)) return explainRule(*rule);
-  if (const MessageExplanation* message = fl::i18n::findMessageExplanation(id)) {
+  if (const RuleExplanation* rule = findRuleExplanation(id)) return explainRule(*rule);
+  if (const MessageExplanation* message = findMessageExplanation(id)) {
     return explainMessage(*message);
   }
   // The program's own ids begin with its name.
-  if (const auto* message = fl::i18n::findMessageExplanation(fmt::format("soca:{}", id))) {
+  if (const auto* message = findMessageExplanation(fmt::format("soca:{}", id))) {
     return explainMessage(*message);
   }
   throw UsageError(fmt::format("there is no rule or message '{}'; 'soca explain' lists them all{}",
                                id, didYouMean(id, explainedIds(), std::identity())));
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace soca::cli {
+namespace soca {
 
 // The rules and the ids of all messages, each with a line.
 std::string explainAll();
@@ -16,4 +16,4 @@ std::vector<std::string_view> explainedIds();
 // The rule or message of that id. Throws UsageError for an id that there is none of.
 std::string explain(std::string_view id);
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "MessageTable.h"
+#include "ExplanationTable.h"
 
-namespace fl::i18n {
+namespace soca {
 namespace {
 
 const MessageExplanation* findIn(std::span<const MessageExplanation> entries, std::string_view id) {
@@ -34,4 +34,4 @@ const RuleExplanation* findRuleExplanation(std::string_view id) {
   return rule == ruleTable.end() ? nullptr : &*rule;
 }
 
-}  // namespace fl::i18n
+}  // namespace soca

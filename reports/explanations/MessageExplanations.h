@@ -6,7 +6,7 @@
 #include <span>
 #include <string_view>
 
-namespace fl::i18n {
+namespace soca {
 
 // Whether a message ends the work on a class, or stands beside its result.
 enum class MessageKindType { error, finding };
@@ -77,4 +77,4 @@ const MessageExplanation* findMessageExplanation(std::string_view id);
 
 const RuleExplanation* findRuleExplanation(std::string_view id);
 
-}  // namespace fl::i18n
+}  // namespace soca

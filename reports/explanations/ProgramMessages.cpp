@@ -4,13 +4,10 @@
 
 #include "reports/explanations/MessageExplanations.h"
 
-namespace soca::cli {
+namespace soca {
 
-std::string programMessage(std::string_view id, std::initializer_list<std::string_view> arguments) {
-  const auto* explanation = fl::i18n::findMessageExplanation(id);
-  if (explanation == nullptr) return std::string(id);
+std::string fillPlaceholders(std::string_view pattern, const std::vector<std::string>& arguments) {
   std::string text;
-  const std::string_view pattern = explanation->text;
   for (std::size_t i = 0; i < pattern.size(); ++i) {
     // A placeholder is one digit in braces.
     const bool isPlaceholder = pattern[i] == '{' && i + 2 < pattern.size() && pattern[i + 2] == '}';
@@ -19,10 +16,15 @@ std::string programMessage(std::string_view id, std::initializer_list<std::strin
       text += pattern[i];
       continue;
     }
-    text += arguments.begin()[number];
+    text += arguments[number];
     i += 2;
   }
   return text;
 }
 
-}  // namespace soca::cli
+std::string programMessage(std::string_view id, const std::vector<std::string>& arguments) {
+  const auto* explanation = findMessageExplanation(id);
+  return explanation == nullptr ? std::string(id) : fillPlaceholders(explanation->text, arguments);
+}
+
+}  // namespace soca

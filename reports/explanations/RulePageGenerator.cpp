@@ -16,7 +16,7 @@
 namespace {
 
 namespace fs = std::filesystem;
-using fl::i18n::RulePage;
+using soca::RulePage;
 
 // The file's text; nothing if there is no such file.
 std::string readFile(const fs::path& path) {
@@ -26,7 +26,7 @@ std::string readFile(const fs::path& path) {
 
 void writePages(const fs::path& folder) {
   fs::create_directories(folder);
-  for (const RulePage& page : fl::i18n::makeRulePages()) {
+  for (const RulePage& page : soca::makeRulePages()) {
     std::ofstream out(folder / page.fileName, std::ios::binary);
     out << page.text;
     out.close();
@@ -36,7 +36,7 @@ void writePages(const fs::path& folder) {
 
 // Whether the folder holds the pages and nothing else.
 bool checkPages(const fs::path& folder) {
-  const auto pages = fl::i18n::makeRulePages();
+  const auto pages = soca::makeRulePages();
   bool isCurrent = true;
   for (const RulePage& page : pages) {
     if (readFile(folder / page.fileName) == page.text) continue;

@@ -9,7 +9,7 @@
 
 #include "reports/explanations/MessageExplanations.h"
 
-namespace fl::i18n {
+namespace soca {
 namespace {
 
 constexpr std::size_t lineWidth = 140;
@@ -213,4 +213,4 @@ std::vector<RulePage> makeRulePages() {
   return pages;
 }
 
-}  // namespace fl::i18n
+}  // namespace soca

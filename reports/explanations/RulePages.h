@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace fl::i18n {
+namespace soca {
 
 struct RulePage {
   // In docs/rules/, such as "impl.md".
@@ -17,4 +17,4 @@ struct RulePage {
 // std::runtime_error where one of these has a backtick without its counterpart.
 std::vector<RulePage> makeRulePages();
 
-}  // namespace fl::i18n
+}  // namespace soca

@@ -1,12 +1,32 @@
-#include "reports/formats/JsonFormat.h"
-
+// An update as a JSON document.
+//
+//   {"version": 1,
+//    "results": [{"class": "a.B", "file": "/abs/a/B.vlm", "updated": true, "text": "...",
+//                 "messages": ["..."]}],
+//    "errors": [{"class": "a.C", "id": "VELUM:system:Analyzer:SyntaxError", "message": "...",
+//                "diagnostics": [{"line": 3, "column": 5, "message": "..."}], "hint": "..."}],
+//    "skipped": [{"class": "a.D", "id": "...", "message": "...", "hint": "..."}]}
+//
+// With `--edits` a result has three more keys: the checksum of the file as it stands, the single
+// replacements in it, in the order of the file, and the messages with their places. Offsets and
+// lengths are bytes of that file; a finding whose place is not known has no line.
+//
+//    "sha256": "9f86...", "edits": [{"offset": 120, "length": 4, "text": "..."}],
+//    "findings": [{"id": "VELUM:system:Analyzer:LegacyImplReferenced", "message": "...", "line": 3,
+//                  "column": 5, "endColumn": 26, "related": [{"line": 9, ..., "message": "..."}]}]
+//
+// Lines and columns are one-based; columns count UTF-16 code units. `hint` is there when there is
+// one; a result that is refused has the reason under `refused`.
 #include <nlohmann/json.hpp>
+#include <string>
 #include <string_view>
 #include <utility>
 
+#include "reports/SpooledList.h"
+#include "reports/UpdateReport.h"
 #include "reports/explanations/MessageExplanations.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -38,7 +58,7 @@ Json placeOf(const LinePlace& place) {
 
 Json findingOf(const Finding& finding) {
   Json json;
-  if (const auto* known = fl::i18n::findMessageExplanation(finding.id)) json["id"] = known->fullId;
+  if (const auto* known = findMessageExplanation(finding.id)) json["id"] = known->fullId;
   json["message"] = finding.text;
   if (finding.line != 0) json.update(placeOf(finding));
   Json related = Json::array();
@@ -77,33 +97,54 @@ Json headOf(const Failure& failure) {
   return {{"class", failure.className}, {"id", failure.id}, {"message", failure.message}};
 }
 
-}  // namespace
+// Results are printed as they come; errors and skipped classes are put aside until the end.
+class JsonReport : public UpdateReport {
+ public:
+  // `console` must outlive the report.
+  explicit JsonReport(ReportOutput* output) : output_(output) {}
+
+  std::string dataOf(const ClassOutcome& outcome) const override;
+  void printData(const std::string& data) override;
+  void printNotes(const ClassOutcome&) override {}
+  void addFailure(const Failure& failure) override;
+  void addSkipped(const Failure& failure) override;
+  void finish(ExitCodeType exitCode) override;
+
+ private:
+  void beginResults();
+
+  ReportOutput* output_;
+  bool hasBegun_ = false;
+  bool hasResults_ = false;
+  SpooledList errors_;
+  SpooledList skipped_;
+};
 
 std::string JsonReport::dataOf(const ClassOutcome& outcome) const {
-  const Json head = {{"class", outcome.className}, {"file", outcome.file}};
+  const Json head = {{"class", outcome.update.className}, {"file", outcome.update.file}};
   std::string text = dump(head);
   text.pop_back();
   const auto add = [&](std::string_view key, const std::string& value) {
     text.append(",\"").append(key).append("\":").append(value);
   };
-  add("updated", dump(outcome.updated));
+  add("updated", dump(outcome.update.updated));
   add("text", dump(outcome.text));
   add("messages",
-      dumpList(outcome.findings, [](const Finding& finding) { return Json(finding.text); }));
-  if (outcome.bytes) {
-    add("sha256", dump(outcome.bytes->sha256));
-    add("edits", dumpList(outcome.edits.edits, editOf));
-    add("findings", dumpList(outcome.findings, findingOf));
+      dumpList(outcome.update.findings, [](const Finding& finding) { return Json(finding.text); }));
+  if (outcome.file.bytes) {
+    add("sha256", dump(outcome.file.bytes->sha256));
+    add("edits", dumpList(outcome.file.edits.edits, editOf));
+    add("findings", dumpList(outcome.update.findings, findingOf));
   }
   if (!outcome.hints.empty()) add("hint", dump(joinHints(outcome.hints)));
-  if (outcome.isRefused()) add("refused", dump(outcome.refusal));
+  if (outcome.update.isRefused()) add("refused", dump(outcome.update.refusal));
   return text += '}';
 }
 
 void JsonReport::printData(const std::string& data) {
   beginResults();
-  console_->print(hasResults_ ? ",\n  " : "\n  ");
-  console_->print(data);
+  output_->print(hasResults_ ? ",\n  " : "\n  ");
+  output_->print(data);
   hasResults_ = true;
 }
 
@@ -122,17 +163,37 @@ void JsonReport::addSkipped(const Failure& failure) {
 
 void JsonReport::finish(ExitCodeType) {
   beginResults();
-  console_->print("],\n \"errors\": ");
-  errors_.print(*console_);
-  console_->print(",\n \"skipped\": ");
-  skipped_.print(*console_);
-  console_->print("}\n");
+  output_->print("],\n \"errors\": ");
+  errors_.print(*output_);
+  output_->print(",\n \"skipped\": ");
+  skipped_.print(*output_);
+  output_->print("}\n");
 }
 
 void JsonReport::beginResults() {
   if (hasBegun_) return;
-  console_->print("{\"version\": 1,\n \"results\": [");
+  output_->print("{\"version\": 1,\n \"results\": [");
   hasBegun_ = true;
 }
 
-}  // namespace soca::cli
+OutcomeNeeds needsOf(const ReportOptions& options) {
+  OutcomeNeeds needs{.text = true, .hints = true, .edits = options.edits};
+  if (needs.edits) needs.places = FindingPlacesType::related;
+  return needs;
+}
+
+std::unique_ptr<UpdateReport> makeReport(const ReportContext& context) {
+  return std::make_unique<JsonReport>(context.output);
+}
+
+}  // namespace
+
+extern const ReportFormat jsonFormat;
+constinit const ReportFormat jsonFormat = {.name = "json",
+                                           .isForPeople = false,
+                                           .takesEdits = true,
+                                           .whyNotWritten = {},
+                                           .needs = needsOf,
+                                           .make = makeReport};
+
+}  // namespace soca

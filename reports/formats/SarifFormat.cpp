@@ -1,16 +1,22 @@
-#include "reports/formats/SarifFormat.h"
-
+// An update as a SARIF 2.1.0 log, for tools that show what analyses find.
+//
+// Every conversion that would be made is a result with its edits as a fix, every message beside
+// them is a result without one, and a class that fails, is refused or is skipped is a notification.
+// The log says nothing of the time or the machine: the same tree gives the same bytes.
 #include <fmt/core.h>
-
 #include <cstddef>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <string>
 #include <utility>
 
-#include "files/writing/Sha256.h"
+#include "files/writing/Digest.h"
+#include "reports/SpooledList.h"
+#include "reports/UpdateReport.h"
+#include "reports/formats/SarifLocations.h"
 #include "reports/formats/SarifRules.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -29,8 +35,8 @@ class ClassResults {
       : outcome_(outcome), artifact_(std::move(artifact)) {}
 
   std::string make() {
-    for (const Conversion& conversion : outcome_.conversions) add(makeResult(conversion));
-    for (const Finding& finding : outcome_.findings) add(makeResult(finding));
+    for (const Conversion& conversion : outcome_.file.conversions) add(makeResult(conversion));
+    for (const Finding& finding : outcome_.update.findings) add(makeResult(finding));
     return std::move(text_);
   }
 
@@ -70,10 +76,10 @@ class ClassResults {
   Json locationOf(const Json& region, const std::string& member) const {
     Json place = {{"artifactLocation", artifact_}};
     if (!region.is_null()) place["region"] = region;
-    Json logical = {{"fullyQualifiedName", outcome_.className}, {"kind", "type"}};
+    Json logical = {{"fullyQualifiedName", outcome_.update.className}, {"kind", "type"}};
     if (!member.empty()) {
       logical = {{"name", member},
-                 {"fullyQualifiedName", fmt::format("{}.{}", outcome_.className, member)},
+                 {"fullyQualifiedName", fmt::format("{}.{}", outcome_.update.className, member)},
                  {"kind", "member"}};
     }
     return {{"physicalLocation", std::move(place)},
@@ -82,7 +88,7 @@ class ClassResults {
 
   // Knows the result again when lines move: the number counts what is alike in one class.
   void addFingerprint(const std::string& member, Json& result) {
-    const std::string key = fmt::format("{}\n{}\n{}", outcome_.className,
+    const std::string key = fmt::format("{}\n{}\n{}", outcome_.update.className,
                                         result.at("ruleId").get_ref<const std::string&>(), member);
     const std::string fingerprint = sha256(fmt::format("{}\n{}", key, numbers_[key]++));
     result["partialFingerprints"] = {{fingerprintName, fingerprint.substr(0, 32)}};
@@ -91,7 +97,7 @@ class ClassResults {
   Json fixOf(const Conversion& conversion) const {
     Json replacements = Json::array();
     for (const std::size_t number : conversion.edits) {
-      const FileEdit& edit = outcome_.edits.edits[number];
+      const FileEdit& edit = outcome_.file.edits.edits[number];
       Json replacement = {{"deletedRegion", regionOf(edit.extent, hasMark())}};
       if (!edit.text.empty()) replacement["insertedContent"] = {{"text", edit.text}};
       replacements.push_back(std::move(replacement));
@@ -101,7 +107,7 @@ class ClassResults {
                                               {"replacements", std::move(replacements)}}})}};
   }
 
-  bool hasMark() const { return outcome_.bytes && outcome_.bytes->hasByteOrderMark; }
+  bool hasMark() const { return outcome_.file.bytes && outcome_.file.bytes->hasByteOrderMark; }
 
   const ClassOutcome& outcome_;
   Json artifact_;
@@ -111,9 +117,10 @@ class ClassResults {
 
 Json artifactOf(const Json& location, const ClassOutcome& outcome) {
   Json artifact = {{"location", location}};
-  if (!outcome.bytes) return artifact;
-  artifact["encoding"] = outcome.bytes->encoding == fl::EncodingType::utf8 ? "UTF-8" : "ISO-8859-1";
-  artifact["hashes"] = {{"sha-256", outcome.bytes->sha256}};
+  if (!outcome.file.bytes) return artifact;
+  artifact["encoding"] =
+      outcome.file.bytes->encoding == fl::EncodingType::utf8 ? "UTF-8" : "ISO-8859-1";
+  artifact["hashes"] = {{"sha-256", outcome.file.bytes->sha256}};
   return artifact;
 }
 
@@ -161,10 +168,33 @@ Json makeNotification(std::string_view level, const Failure& failure,
   return notification;
 }
 
-}  // namespace
+// Results are printed as they come; what belongs behind them is put aside.
+class SarifReport : public UpdateReport {
+ public:
+  // Both must outlive the report.
+  SarifReport(const ClassRoots* roots, ReportOutput* output) : locations_(roots), output_(output) {}
+
+  // The file in a line of its own, and the results.
+  std::string dataOf(const ClassOutcome& outcome) const override;
+  void printData(const std::string& data) override;
+  void printNotes(const ClassOutcome& outcome) override;
+  void addFailure(const Failure& failure) override;
+  void addSkipped(const Failure& failure) override;
+  void finish(ExitCodeType exitCode) override;
+
+ private:
+  void begin();
+
+  SarifLocations locations_;
+  ReportOutput* output_;
+  bool hasBegun_ = false;
+  bool hasResults_ = false;
+  SpooledList artifacts_;
+  SpooledList notifications_;
+};
 
 std::string SarifReport::dataOf(const ClassOutcome& outcome) const {
-  const Json location = locations_.artifactOf(outcome.file);
+  const Json location = locations_.artifactOf(outcome.update.file);
   const std::string results = ClassResults(outcome, location).make();
   if (results.empty()) return {};
   return fmt::format("{}\n{}", dump(artifactOf(location, outcome)), results);
@@ -174,21 +204,22 @@ void SarifReport::printData(const std::string& data) {
   begin();
   const std::size_t end = data.find('\n');
   artifacts_.add(std::string_view(data).substr(0, end));
-  console_->print(hasResults_ ? ",\n  " : "\n  ");
-  console_->print(std::string_view(data).substr(end + 1));
+  output_->print(hasResults_ ? ",\n  " : "\n  ");
+  output_->print(std::string_view(data).substr(end + 1));
   hasResults_ = true;
 }
 
 void SarifReport::printNotes(const ClassOutcome& outcome) {
   const auto add = [&](std::string_view level, std::string text) {
-    Json location = classLocation(outcome.className);
-    location["physicalLocation"] = {{"artifactLocation", locations_.artifactOf(outcome.file)}};
+    Json location = classLocation(outcome.update.className);
+    location["physicalLocation"] = {
+        {"artifactLocation", locations_.artifactOf(outcome.update.file)}};
     notifications_.add(
         dump(makeNotification(level, std::move(text), Json::array({std::move(location)}))));
   };
-  if (outcome.isRefused()) {
-    add("error", fmt::format("The update of class '{}' is refused: {}.", outcome.className,
-                             outcome.refusal));
+  if (outcome.update.isRefused()) {
+    add("error", fmt::format("The update of class '{}' is refused: {}.", outcome.update.className,
+                             outcome.update.refusal));
   }
   for (const std::string& hint : outcome.hints) add("note", fmt::format("{}.", hint));
 }
@@ -203,21 +234,21 @@ void SarifReport::addSkipped(const Failure& failure) {
 
 void SarifReport::finish(ExitCodeType exitCode) {
   begin();
-  console_->print("],\n \"artifacts\": ");
-  artifacts_.print(*console_);
+  output_->print("],\n \"artifacts\": ");
+  artifacts_.print(*output_);
   const bool isSuccess =
       exitCode == ExitCodeType::done || exitCode == ExitCodeType::somethingToChange;
-  console_->print(
+  output_->print(
       fmt::format(",\n \"invocations\": [{{\"executionSuccessful\": {}, \"exitCode\": {},\n "
                   "\"toolExecutionNotifications\": ",
                   isSuccess, static_cast<int>(exitCode)));
-  notifications_.print(*console_);
-  console_->print("}]}]}\n");
+  notifications_.print(*output_);
+  output_->print("}]}]}\n");
 }
 
 void SarifReport::begin() {
   if (hasBegun_) return;
-  console_->print(fmt::format(
+  output_->print(fmt::format(
       "{{\"$schema\": "
       "\"https://docs.oasis-open.org/sarif/sarif/v2.1.0/errata01/os/schemas/"
       "sarif-schema-2.1.0.json\",\n \"version\": \"2.1.0\", \"runs\": [{{\"tool\": {},\n"
@@ -227,4 +258,23 @@ void SarifReport::begin() {
   hasBegun_ = true;
 }
 
-}  // namespace soca::cli
+OutcomeNeeds needsOf(const ReportOptions&) {
+  return {.hints = true, .edits = true, .conversions = true, .places = FindingPlacesType::related};
+}
+
+std::unique_ptr<UpdateReport> makeReport(const ReportContext& context) {
+  return std::make_unique<SarifReport>(context.roots, context.output);
+}
+
+}  // namespace
+
+extern const ReportFormat sarifFormat;
+constinit const ReportFormat sarifFormat = {
+    .name = "sarif",
+    .isForPeople = false,
+    .takesEdits = true,
+    .whyNotWritten = "it tells places in the files as they stand; run it first, and then --write",
+    .needs = needsOf,
+    .make = makeReport};
+
+}  // namespace soca

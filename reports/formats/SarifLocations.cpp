@@ -8,7 +8,7 @@
 
 #include "platform/paths/NativePath.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -75,4 +75,4 @@ std::string percentEncode(std::string_view path) {
   return uri;
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -9,7 +9,7 @@
 #include "model/Extent.h"
 #include "reports/outcomes/Outcome.h"
 
-namespace soca::cli {
+namespace soca {
 
 // Files are named relative to the current folder, which is not named itself, so that the same tree
 // gives the same log on every machine; only a file outside of it is named relative to its root.
@@ -36,4 +36,4 @@ nlohmann::ordered_json regionOf(const LinePlace& place, bool hasByteOrderMark);
 // A relative reference in which every character that has a meaning or is not ASCII is escaped.
 std::string percentEncode(std::string_view path);
 
-}  // namespace soca::cli
+}  // namespace soca

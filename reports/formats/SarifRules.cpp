@@ -10,15 +10,12 @@
 #include <utility>
 
 #include "reports/explanations/MessageExplanations.h"
+#include "reports/explanations/ProgramMessages.h"
 #include "rules/RuleFamilies.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
-using fl::i18n::ConversionText;
-using fl::i18n::MessageExplanation;
-using fl::i18n::MessageKindType;
-using fl::i18n::RuleExplanation;
 using Json = nlohmann::ordered_json;
 
 std::vector<const MessageExplanation*> explanationsOf(MessageKindType kind) {
@@ -28,8 +25,8 @@ std::vector<const MessageExplanation*> explanationsOf(MessageKindType kind) {
       if (each.kind == kind) chosen.push_back(&each);
     }
   };
-  choose(fl::i18n::messageExplanations());
-  choose(fl::i18n::programExplanations());
+  choose(messageExplanations());
+  choose(programExplanations());
   return chosen;
 }
 
@@ -95,17 +92,6 @@ Json ruleOf(const MessageExplanation& message, std::string_view level) {
           {"help", helpOf(help, message.before, message.after)}};
 }
 
-// The text with its placeholders filled in.
-std::string fillIn(std::string_view text, const std::vector<std::string>& arguments) {
-  std::string filled(text);
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string placeholder = fmt::format("{{{}}}", i);
-    const std::size_t place = filled.find(placeholder);
-    if (place != std::string::npos) filled.replace(place, placeholder.size(), arguments[i]);
-  }
-  return filled;
-}
-
 Json messageOf(std::string_view id, const std::string& text,
                const std::vector<std::string>& arguments) {
   Json message = {{"id", id}, {"text", text}};
@@ -118,7 +104,7 @@ Json messageOf(std::string_view id, const std::string& text,
 Json sarifTool() {
   Json rules = Json::array();
   for (const RuleFamily& family : ruleFamilies) {
-    rules.push_back(ruleOf(*fl::i18n::findRuleExplanation(family.name)));
+    rules.push_back(ruleOf(*findRuleExplanation(family.name)));
   }
   for (const auto* message : explanationsOf(MessageKindType::finding)) {
     rules.push_back(ruleOf(*message, "warning"));
@@ -138,13 +124,14 @@ Json sarifTool() {
 
 Json sarifResult(const Conversion& conversion) {
   const std::string_view family = ruleFamily(conversion.family).name;
-  const auto texts = fl::i18n::findRuleExplanation(family)->texts;
+  const auto texts = findRuleExplanation(family)->texts;
   const auto text = std::ranges::find(texts, conversion.message, &ConversionText::id);
-  return {{"ruleId", family},
-          {"ruleIndex", static_cast<std::size_t>(conversion.family)},
-          {"level", "note"},
-          {"message", messageOf(conversion.message, fillIn(text->text, conversion.arguments),
-                                conversion.arguments)}};
+  return {
+      {"ruleId", family},
+      {"ruleIndex", static_cast<std::size_t>(conversion.family)},
+      {"level", "note"},
+      {"message", messageOf(conversion.message, fillPlaceholders(text->text, conversion.arguments),
+                            conversion.arguments)}};
 }
 
 Json sarifResult(const Finding& finding) {
@@ -170,4 +157,4 @@ std::optional<Json> sarifDescriptor(std::string_view fullId) {
   return Json{{"id", fullId}, {"index", known - explanations.begin()}};
 }
 
-}  // namespace soca::cli
+}  // namespace soca

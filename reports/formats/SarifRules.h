@@ -11,7 +11,7 @@
 #include "conversions/Conversions.h"
 #include "reports/outcomes/Outcome.h"
 
-namespace soca::cli {
+namespace soca {
 
 // The `tool`: a rule for each rule family and for each message that stands beside an update, and a
 // notification for each that ends one.
@@ -24,4 +24,4 @@ nlohmann::ordered_json sarifResult(const Finding& finding);
 // The `descriptor` of a failure by its full id; nothing for one that is not explained.
 std::optional<nlohmann::ordered_json> sarifDescriptor(std::string_view fullId);
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -1,23 +1,20 @@
-#include "reports/formats/TextFormat.h"
-
+// An update for people: the diffs, or the names of what would change, and what there is to say of
+// the classes.
 #include <fmt/core.h>
+#include <string>
 
-#include "reports/UnifiedDiff.h"
+#include "reports/FailureText.h"
+#include "reports/UpdateReport.h"
+#include "reports/text/UnifiedDiff.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
-
-std::string hintLines(const std::vector<std::string>& hints) {
-  std::string text;
-  for (const std::string& hint : hints) text += fmt::format("  hint: {}\n", hint);
-  return text;
-}
 
 // "3 attributes, 1 mixins", or that there is none.
 std::string editsOf(const ClassOutcome& outcome) {
   std::string text;
   for (const RuleFamily& family : ruleFamilies) {
-    const std::size_t count = outcome.editCounts[family.type];
+    const std::size_t count = outcome.update.editCounts[family.type];
     if (count == 0) continue;
     text += fmt::format("{}{} {}", text.empty() ? "edits: " : ", ", count, family.name);
   }
@@ -33,51 +30,77 @@ std::string findingLine(const std::string& file, const Finding& finding) {
   return text + '\n';
 }
 
-}  // namespace
+class TextReport : public UpdateReport {
+ public:
+  // All three must outlive the report.
+  TextReport(const ReportOptions* options, const FileNames* names, ReportOutput* output)
+      : options_(options), names_(names), output_(output) {}
+
+  std::string dataOf(const ClassOutcome& outcome) const override;
+  void printData(const std::string& data) override { output_->print(data); }
+  void printNotes(const ClassOutcome& outcome) override;
+  void addFailure(const Failure& failure) override { printFailure(*output_, failure); }
+  void addSkipped(const Failure& failure) override;
+  void finish(ExitCodeType) override {}
+
+ private:
+  const ReportOptions* options_;
+  const FileNames* names_;
+  ReportOutput* output_;
+};
 
 std::string TextReport::dataOf(const ClassOutcome& outcome) const {
-  if (!outcome.hasNewFile() || options_->quiet || options_->write) return {};
-  if (options_->check) return outcome.className + '\n';
-  return console_->colorsOut() ? colorDiff(outcome.diff) : outcome.diff;
+  if (!outcome.update.hasNewText() || options_->quiet || options_->write) return {};
+  if (options_->check) return outcome.update.className + '\n';
+  return output_->colorsOut() ? colorDiff(outcome.file.diff) : outcome.file.diff;
 }
 
 void TextReport::printNotes(const ClassOutcome& outcome) {
   std::string text;
-  const std::string file = names_->shown(outcome.file);
+  const std::string file = names_->shown(outcome.update.file);
   if (options_->verbose) text += fmt::format("{}: {}\n", file, editsOf(outcome));
   if (!options_->quiet) {
-    for (const Finding& finding : outcome.findings) text += findingLine(file, finding);
+    for (const Finding& finding : outcome.update.findings) text += findingLine(file, finding);
     for (const std::string& hint : outcome.hints) text += fmt::format("{}: note: {}\n", file, hint);
   }
-  if (options_->verbose && outcome.changesAgain) {
+  if (options_->verbose && outcome.update.changesAgain) {
     text += fmt::format("{}: note: a second update would change it again\n", file);
   }
   if (options_->verbose && !outcome.writeRefusal.empty()) {
     text += fmt::format("{}: note: --write would refuse it: {}\n", file, outcome.writeRefusal);
   }
-  if (!text.empty()) console_->printMessages(text);
-  if (outcome.isRefused()) {
-    console_->complain(fmt::format("the update of class '{}' in '{}' is refused: {}",
-                                   outcome.className, file, outcome.refusal));
+  if (!text.empty()) output_->printMessages(text);
+  if (outcome.update.isRefused()) {
+    output_->complain(fmt::format("the update of class '{}' in '{}' is refused: {}",
+                                  outcome.update.className, file, outcome.update.refusal));
   }
 }
 
 void TextReport::addSkipped(const Failure& failure) {
   if (!options_->verbose) return;
-  console_->tell(fmt::format("skipped: {}", failure.message));
-  console_->printMessages(hintLines(failure.hints));
+  output_->tell(fmt::format("skipped: {}", failure.message));
+  output_->printMessages(hintLines(failure.hints));
 }
 
-void TextReport::printFailure(Console& console, const Failure& failure) {
-  console.complain(fmt::format("{}: {}", failure.id, failure.message));
-  std::string text = failure.excerpt;
-  // With superclasses the message may be about another class than the one that was asked for.
-  const bool namesClass = failure.message.find(failure.className) != std::string::npos;
-  if (failure.argument != failure.className && !namesClass) {
-    text += fmt::format("  in the update of class '{}'\n", failure.className);
-  }
-  text += hintLines(failure.hints);
-  if (!text.empty()) console.printMessages(text);
+OutcomeNeeds needsOf(const ReportOptions& options) {
+  OutcomeNeeds needs{.diff = !options.quiet && !options.check && !options.write,
+                     .hints = !options.quiet};
+  if (!options.quiet) needs.places = FindingPlacesType::members;
+  return needs;
 }
 
-}  // namespace soca::cli
+std::unique_ptr<UpdateReport> makeReport(const ReportContext& context) {
+  return std::make_unique<TextReport>(context.options, context.names, context.output);
+}
+
+}  // namespace
+
+extern const ReportFormat textFormat;
+constinit const ReportFormat textFormat = {.name = "text",
+                                           .isForPeople = true,
+                                           .takesEdits = false,
+                                           .whyNotWritten = {},
+                                           .needs = needsOf,
+                                           .make = makeReport};
+
+}  // namespace soca

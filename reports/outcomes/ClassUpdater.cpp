@@ -1,38 +1,32 @@
 #include "reports/outcomes/ClassUpdater.h"
 
 #include <fmt/core.h>
-#include <initializer_list>
-#include <string_view>
-#include <utility>
 
-#include "conversions/Checks.h"
-#include "conversions/ClassMembers.h"
+#include <utility>
+#include <vector>
+
+#include "conversions/Conversions.h"
 #include "conversions/FileEdits.h"
+#include "conversions/Findings.h"
+#include "files/writing/Digest.h"
 #include "files/writing/NewFile.h"
-#include "files/writing/Sha256.h"
-#include "model/NameIndex.h"
-#include "platform/analyzer/Analyzer.h"
-#include "platform/analyzer/FileAnalysis.h"
-#include "platform/paths/Overlay.h"
 #include "platform/text/Conversions.h"
-#include "platform/text/TextSearch.h"
-#include "platform/timing/Phase.h"
-#include "reports/UnifiedDiff.h"
 #include "reports/explanations/ProgramMessages.h"
 #include "reports/outcomes/Hints.h"
 #include "reports/outcomes/InternalErrors.h"
+#include "reports/outcomes/Phases.h"
+#include "reports/text/UnifiedDiff.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 using fl::i18n::to_string;
 using fl::i18n::to_ustring;
 using fl::timing::Phase;
-using fl::timing::PhaseType;
 
 // A failure with a text of the program's own.
-Failure makeFailure(const Target& target, std::string_view id,
-                    std::initializer_list<std::string_view> arguments) {
+Failure makeFailure(const Target& target, const std::string& id,
+                    const std::vector<std::string>& arguments) {
   Failure failure;
   failure.className = target.className;
   failure.id = id;
@@ -98,65 +92,7 @@ Failure describeMissingDelimiter(const Target& target, const std::string& file,
   return failure;
 }
 
-// --- the outcome of a class ---
-
-void countEdits(const PlannedClass& planned, ClassOutcome& outcome) {
-  for (const PlannedAction& action : planned.actions) {
-    ++outcome.editCounts[action.family];
-  }
-}
-
-// The names in the first list that the second does not have.
-std::vector<std::string> namesWithout(const std::vector<DeclaredMethod>& methods,
-                                      const std::vector<DeclaredMethod>& others) {
-  NameIndex<DeclaredMethod> known;
-  known.add(others);
-  known.finish();
-  std::vector<std::string> names;
-  for (const DeclaredMethod& method : methods) {
-    if (known.find(method.name) == nullptr) names.push_back(to_string(method.name));
-  }
-  return names;
-}
-
-bool editsMethods(const ClassOutcome& outcome) {
-  return outcome.editCounts[RuleFamilyType::impl] > 0;
-}
-
-// The methods that are called differently, or are gone, afterwards.
-void listChangedMethods(const std::vector<DeclaredMethod>& before,
-                        const ca::AnalysisResult& updated, ClassOutcome& outcome) {
-  const auto after = declaredMethods(updated);
-  outcome.gainedMethods = namesWithout(after, before);
-  outcome.deletedMethods = namesWithout(before, after);
-}
-
-// A second update, of the new text.
-RepeatedUpdate updateAgain(const PlannedClass& planned, UpdateMask rules) {
-  const fl::filesystem::OverlayScope overlay(to_string(planned.result.fileName), planned.newText);
-  try {
-    return repeatUpdate(planned.result.className, rules);
-  } catch (const std::exception&) {
-    // Whatever keeps the second update from ending well: it does not leave the text as it is.
-    return {ca::analyzeText(fl::ustring(planned.text())), true};
-  }
-}
-
 }  // namespace
-
-UpdateWishes makeWishes(const Options& options) {
-  const bool isText = options.format == FormatType::text;
-  UpdateWishes wishes;
-  wishes.rules = options.rules;
-  wishes.includeSuperclasses = options.includeSuperclasses;
-  wishes.text = options.format == FormatType::json;
-  wishes.hints = !isText || !options.quiet;
-  wishes.conversions = options.format == FormatType::sarif;
-  wishes.edits = options.edits || wishes.conversions;
-  if (wishes.edits) wishes.places = FindingPlacesType::related;
-  if (isText && !options.quiet) wishes.places = FindingPlacesType::members;
-  return wishes;
-}
 
 TargetOutcome ClassUpdater::update(const Target& target) const {
   switch (target.type) {
@@ -181,10 +117,10 @@ TargetOutcome ClassUpdater::updateClass(const Target& target) const {
   const CurrentClass current(target.className);
   TargetOutcome outcome;
   try {
-    const Phase phase(PhaseType::rules);
+    const Phase phase(rulesPhase);
     const FindingsListener listener;
     for (PlannedClass& planned :
-         planUpdate(to_ustring(target.className), wishes_.rules, wishes_.includeSuperclasses)) {
+         planUpdate(to_ustring(target.className), request_.rules, request_.includeSuperclasses)) {
       if (planned.missingDelimiter) {
         outcome.failures.push_back(describeMissingDelimiter(
             target, to_string(planned.result.fileName), *planned.missingDelimiter));
@@ -193,15 +129,13 @@ TargetOutcome ClassUpdater::updateClass(const Target& target) const {
       try {
         outcome.classes.push_back(makeOutcome(planned, listener));
       } catch (const ClassFault& fault) {
-        Failure failure = makeFailure(target, fault.id(), {});
-        failure.message = fault.what();
-        outcome.failures.push_back(std::move(failure));
+        outcome.failures.push_back(makeFailure(target, fault.id(), fault.arguments()));
       }
     }
   } catch (...) {
     addFailure(target,
                describer_.describeCurrentException(
-                   {target.className, wishes_.rules, wishes_.includeSuperclasses}),
+                   {target.className, request_.rules, request_.includeSuperclasses}),
                outcome);
   }
   return outcome;
@@ -209,72 +143,52 @@ TargetOutcome ClassUpdater::updateClass(const Target& target) const {
 
 ClassOutcome ClassUpdater::makeOutcome(PlannedClass& planned,
                                        const FindingsListener& listener) const {
+  const OutcomeNeeds& needs = request_.needs;
   ClassOutcome outcome;
-  outcome.className = to_string(planned.result.className);
-  outcome.file = to_string(planned.result.fileName);
-  outcome.updated = planned.result.updated;
-  outcome.changed = planned.result.updated && !areEqualTexts(planned.text(), *planned.oldText);
-  if (wishes_.text) outcome.text = to_string(planned.text());
-  outcome.findings = listener.findingsOf(planned, wishes_.places);
-  if (wishes_.hints) outcome.hints = hintsOnMissingSuperClasses(outcome.className, *roots_);
-  countEdits(planned, outcome);
-  if (outcome.changed) checkNewText(planned, outcome);
-  if (outcome.hasNewFile() || wishes_.edits) addFile(planned, outcome);
-  return outcome;
-}
-
-void ClassUpdater::checkNewText(PlannedClass& planned, ClassOutcome& outcome) const {
-  const Phase phase(PhaseType::checks);
-  const NewTextCheck check(planned);
-  std::vector<DeclaredMethod> methods;
-  if (editsMethods(outcome)) methods = declaredMethods(*planned.analysis);
-  // The tree of the old text and that of the new one, which may be three times as large, need not
-  // be there at once. The names of the methods stand in the text.
-  if (!wishes_.conversions) planned.analysis.reset();
-  if (!wishes_.edits) std::vector<PlannedAction>().swap(planned.actions);
-  {
-    const RepeatedUpdate second = updateAgain(planned, wishes_.rules);
-    if (auto reason = check.findReasonToRefuse(*second.analysis)) {
-      outcome.refusal = std::move(*reason);
-      return;
-    }
-    outcome.changesAgain = second.changesAgain;
-    if (editsMethods(outcome)) listChangedMethods(methods, *second.analysis, outcome);
+  ClassUpdate& update = outcome.update;
+  update = describeUpdate(planned, listener, needs.places);
+  if (needs.text) outcome.text = to_string(planned.text());
+  if (needs.hints) outcome.hints = hintsOnMissingSuperClasses(update.className, *roots_);
+  if (update.changed) {
+    const Phase phase(checksPhase);
+    checkUpdate(planned, request_.rules, {.analysis = needs.conversions, .actions = needs.edits},
+                update);
   }
-  ca::forgetLastAnalysis();
+  if (update.hasNewText() || needs.edits) addFile(planned, outcome);
+  return outcome;
 }
 
 fl::filesystem::FileState ClassUpdater::oldFileOf(const PlannedClass& planned,
                                                   const std::string& path) const {
-  if (wishes_.input != nullptr) return wishes_.input->file;
-  return stateOfOldFile(path, planned, wishes_.newBytes ? StampType::sure : StampType::any);
+  if (request_.overlaidFile != nullptr) return *request_.overlaidFile;
+  return stateOfOldFile(path, planned, request_.needs.newBytes ? StampType::sure : StampType::any);
 }
 
 void ClassUpdater::addFile(const PlannedClass& planned, ClassOutcome& outcome) const {
-  const Phase phase(PhaseType::diff);
-  const fl::filesystem::FileState old = oldFileOf(planned, outcome.file);
-  outcome.stamp = old.stamp;
-  const auto bytesOf = [&](fl::ustring_view text) {
-    return makeBytes(outcome.file, text, old.encoding);
-  };
-  if (wishes_.edits) {
+  const Phase phase(diffPhase);
+  const OutcomeNeeds& needs = request_.needs;
+  const std::string& path = outcome.update.file;
+  FileUpdate& file = outcome.file;
+  const fl::filesystem::FileState old = oldFileOf(planned, path);
+  file.stamp = old.stamp;
+  const auto bytesOf = [&](fl::ustring_view text) { return makeBytes(path, text, old.encoding); };
+  if (needs.edits) {
     const fl::ustring_view text = *planned.oldText;
-    outcome.bytes = FileBytes{sha256(bytesOf(text)), old.encoding, text.starts_with(u'\uFEFF')};
-    if (outcome.hasNewFile()) outcome.edits = findFileEdits(planned, old.encoding);
-    if (wishes_.conversions) outcome.conversions = findConversions(planned, outcome.edits);
+    file.bytes = FileBytes{sha256(bytesOf(text)), old.encoding, text.starts_with(u'\uFEFF')};
+    if (outcome.update.hasNewText()) file.edits = findFileEdits(planned, old.encoding);
+    if (needs.conversions) file.conversions = findConversions(planned, file.edits);
   }
-  if (!outcome.hasNewFile()) return;
-  if (wishes_.diff || wishes_.newBytes) {
-    outcome.newBytes = bytesOf(planned.text());
+  if (!outcome.update.hasNewText()) return;
+  if (needs.diff || needs.newBytes) {
+    file.newBytes = bytesOf(planned.text());
   } else {
-    checkIsEncodable(outcome.file, planned.text(), old.encoding);
+    checkIsEncodable(path, planned.text(), old.encoding);
   }
-  if (wishes_.input == nullptr) checkIsReplaceable(outcome.file);
-  if (wishes_.diff) {
-    outcome.diff =
-        unifiedDiff(names_->inDiff(outcome.file), bytesOf(*planned.oldText), outcome.newBytes);
+  if (request_.overlaidFile == nullptr) checkIsReplaceable(path);
+  if (needs.diff) {
+    file.diff = unifiedDiff(names_->inDiff(path), bytesOf(*planned.oldText), file.newBytes);
   }
-  if (!wishes_.newBytes) outcome.newBytes = {};
+  if (!needs.newBytes) file.newBytes = {};
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -13,13 +13,13 @@
 #include "platform/analyzer/Analyzer.h"
 #include "platform/runtime/ClassDescription.h"
 #include "platform/text/Conversions.h"
-#include "reports/SyntaxReport.h"
 #include "reports/explanations/ProgramMessages.h"
 #include "reports/outcomes/Hints.h"
+#include "reports/text/SyntaxReport.h"
 #include "service/ClaimedExtents.h"
 #include "service/UpdatePlan.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 // How many syntax errors of a file are shown.
@@ -176,4 +176,4 @@ void FailureDescriber::explainOverlap(const FailedCall& call, Failure& failure) 
   }
 }
 
-}  // namespace soca::cli
+}  // namespace soca

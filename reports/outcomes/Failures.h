@@ -7,12 +7,12 @@
 #include "files/targets/ClassRoots.h"
 #include "platform/failure/Exception.h"
 #include "platform/messages/BaseMsgID.h"
-#include "reports/FileNames.h"
 #include "reports/outcomes/Outcome.h"
+#include "reports/text/FileNames.h"
 #include "rules/RuleFamilies.h"
 #include "soca/Updater.h"
 
-namespace soca::cli {
+namespace soca {
 
 // The call that failed.
 struct FailedCall {
@@ -47,4 +47,4 @@ class FailureDescriber {
   const FileNames* names_;
 };
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -6,7 +6,7 @@
 #include "platform/paths/Overlay.h"
 #include "platform/paths/SourceReader.h"
 
-namespace soca::cli {
+namespace soca {
 
 namespace {
 
@@ -34,4 +34,4 @@ FileVerdict judgeFile(const std::string& path) {
   }
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -3,7 +3,7 @@
 
 #include <string>
 
-namespace soca::cli {
+namespace soca {
 
 // What a file turns out to be that should hold a class.
 struct FileVerdict {
@@ -15,4 +15,4 @@ struct FileVerdict {
 
 FileVerdict judgeFile(const std::string& path);
 
-}  // namespace soca::cli
+}  // namespace soca

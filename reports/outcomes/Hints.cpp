@@ -10,7 +10,7 @@
 #include "platform/paths/SourceReader.h"
 #include "platform/runtime/ClassDescription.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 using sotarn::ClassOriginType;
@@ -99,4 +99,4 @@ std::vector<std::string> hintsOnPFile(const std::string& sourcePath) {
   return {"only a p-file was found, without its source beside it"};
 }
 
-}  // namespace soca::cli
+}  // namespace soca

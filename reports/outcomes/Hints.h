@@ -8,7 +8,7 @@
 #include "files/targets/ClassRoots.h"
 #include "reports/outcomes/FileVerdict.h"
 
-namespace soca::cli {
+namespace soca {
 
 // Why a class counts as no System object.
 struct OtherClassHints {
@@ -27,4 +27,4 @@ std::vector<std::string> hintsOnMissingSuperClasses(std::string_view className,
 // it should have.
 std::vector<std::string> hintsOnPFile(const std::string& sourcePath);
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -6,7 +6,7 @@
 #include "platform/failure/Terminate.h"
 #include "platform/runtime/ClassDescription.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 thread_local const std::string* currentClass = nullptr;
@@ -36,4 +36,4 @@ CurrentClass::CurrentClass(std::string_view className) : name_(className), outer
 
 CurrentClass::~CurrentClass() { currentClass = outer_; }
 
-}  // namespace soca::cli
+}  // namespace soca

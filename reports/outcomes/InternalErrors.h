@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace soca::cli {
+namespace soca {
 
 // Installs the handler for the process.
 void installInternalErrorHandler();
@@ -23,4 +23,4 @@ class CurrentClass {
   const std::string* outer_;
 };
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -86,7 +86,7 @@ TEST(CasesOfAllMessages, EachIdHasACase) {
       raised.insert(error->second.substr(0, error->second.find(": ")));
     }
   }
-  for (const auto& message : fl::i18n::messageExplanations()) {
+  for (const auto& message : messageExplanations()) {
     EXPECT_TRUE(raised.contains(std::string(message.fullId))) << message.fullId;
   }
 }

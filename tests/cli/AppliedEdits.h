@@ -6,7 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "files/writing/Sha256.h"
+#include "files/writing/Digest.h"
 #include "platform/text/Conversions.h"
 #include "platform/text/FileText.h"
 
@@ -15,7 +15,7 @@ namespace soca::testing {
 // The bytes of the file with the edits of one result, which have to be in order, to be for this
 // file, and to change what they name.
 inline std::string applyEdits(const nlohmann::json& result, const std::string& bytes) {
-  EXPECT_EQ(result.at("sha256"), cli::sha256(bytes));
+  EXPECT_EQ(result.at("sha256"), sha256(bytes));
   const auto encoding = fl::decodeFileText(bytes).encoding;
   std::string newBytes;
   std::size_t position = 0;

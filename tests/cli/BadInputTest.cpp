@@ -219,9 +219,9 @@ TEST_F(BadClasses, ReportsFailAlikeButForWhatTheyCanTell) {
 
 TEST(BadInputDeathTest, ABrokenPromiseNamesTheClass) {
   const auto breakIt = [] {
-    cli::installInternalErrorHandler();
-    const cli::CurrentClass outer("pkg.Other");
-    const cli::CurrentClass current("pkg.Broken");
+    installInternalErrorHandler();
+    const CurrentClass outer("pkg.Other");
+    const CurrentClass current("pkg.Broken");
     foundation::core::diag::terminate("Could not find it", "File", 1, "f");
   };
   EXPECT_DEATH(breakIt(), "class 'pkg.Broken' in .*: Could not find it");

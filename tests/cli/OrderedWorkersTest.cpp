@@ -58,6 +58,34 @@ TEST(OrderedWorkers, StopsWhenNobodyWantsMore) {
   }
 }
 
+TEST(OrderedWorkers, WhatIsThrownStopsTheWorkAndLeavesRun) {
+  enum class PlaceType { next, work, consume };
+  for (const PlaceType place : {PlaceType::next, PlaceType::work, PlaceType::consume}) {
+    for (const unsigned jobs : {1U, 3U}) {
+      int taken = 0;
+      const auto throwAt = [&](PlaceType here, int item) {
+        if (place == here && item == 40) throw std::runtime_error("no more");
+      };
+      Workers workers(
+          jobs,
+          [&]() -> std::optional<int> {
+            throwAt(PlaceType::next, taken);
+            return taken++;
+          },
+          [&](int item) {
+            throwAt(PlaceType::work, item);
+            return item;
+          },
+          [&](int item) {
+            throwAt(PlaceType::consume, item);
+            return true;
+          });
+      EXPECT_THROW(workers.run(), std::runtime_error);
+      EXPECT_LT(taken, 40 + 2 * 8 * 3);
+    }
+  }
+}
+
 TEST(OrderedWorkers, NothingToDo) {
   int taken = 0;
   Workers(

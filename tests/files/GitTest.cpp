@@ -29,7 +29,7 @@ ProgramResult runScript(const Workspace& space, const std::string& script) {
 class Git : public ::testing::Test {
  protected:
   void SetUp() override {
-    if (cli::gitLibrary() == nullptr) GTEST_SKIP() << "libgit2 is not installed";
+    if (gitLibrary() == nullptr) GTEST_SKIP() << "libgit2 is not installed";
     if (Workspace().run({"sh", "-c", "git --version"}).exitCode != 0) {
       GTEST_SKIP() << "git is not installed";
     }

@@ -22,9 +22,6 @@ namespace soca::testing {
 namespace {
 
 namespace fs = std::filesystem;
-using cli::GoesOn;
-using cli::Journal;
-using cli::RunStore;
 using StateType = Journal::StateType;
 
 constexpr std::string_view oldText = "old text";
@@ -63,32 +60,32 @@ class JournalTest : public ::testing::Test {
     }
   }
 
-  std::vector<cli::FileChange> changes() const {
-    std::vector<cli::FileChange> changes;
+  std::vector<FileChange> changes() const {
+    std::vector<FileChange> changes;
     for (const std::string& name : names_) {
       const std::string path = space_.path() / name;
-      changes.push_back({path, *fl::filesystem::stampOf(path), cli::digestOf(newText)});
+      changes.push_back({path, *fl::filesystem::stampOf(path), digestOf(newText)});
     }
     return changes;
   }
 
-  RunStore::Lock lock() { return *store_.lock(console_, always); }
-  cli::BatchResult write(const GoesOn& goesOn) {
-    return cli::writeFiles(
-        store_, lock(), changes(), [](auto) { return std::string(newText); }, goesOn);
+  RunStore::Lock lock() {
+    return *store_.lock([] {}, always);
   }
-  cli::RestoreResult undoLast(const GoesOn& goesOn) {
+  BatchResult write(const GoesOn& goesOn) {
+    return writeFiles(store_, lock(), changes(), [](auto) { return std::string(newText); }, goesOn);
+  }
+  RestoreResult undoLast(const GoesOn& goesOn) {
     const auto held = lock();
     Journal journal(store_.folderOf(store_.runs().back()));
-    return cli::undoRun(journal, goesOn);
+    return undoRun(journal, goesOn);
   }
-  std::vector<cli::RunNumber> repair() { return cli::repairRuns(store_, lock(), console_, always); }
+  std::vector<RepairedRun> repair() { return repairRuns(store_, lock(), always); }
   StateType stateOfLast() const { return Journal(store_.folderOf(store_.runs().back())).state(); }
 
   const std::vector<std::string> names_ = {"a/A", "a/B", "b/C", "b/D"};
   const Workspace space_;
   std::map<std::string, std::string> start_;
-  cli::Console console_{::open("/dev/null", O_WRONLY), ::open("/dev/null", O_WRONLY)};
   RunStore store_;
 };
 
@@ -205,7 +202,7 @@ TEST_F(JournalTest, OldTextThatTheDiskHasChangedIsNotPutBack) {
 TEST_F(JournalTest, TheNewestRunsAreKept) {
   write(always);
   undoLast(always);
-  for (cli::RunNumber run = 2; run < 24; ++run) fs::copy(store_.folderOf(1), store_.folderOf(run));
+  for (RunNumber run = 2; run < 24; ++run) fs::copy(store_.folderOf(1), store_.folderOf(run));
   write(always);
   auto runs = store_.runs();
   EXPECT_EQ(runs.size(), RunStore::mostRuns);
@@ -223,7 +220,7 @@ TEST_F(JournalTest, WhoeverHoldsTheLockIsNotTakenForInterrupted) {
   write([&] {
     // Another store is another process as far as the lock goes.
     EXPECT_TRUE(RunStore().isLocked());
-    EXPECT_FALSE(RunStore().lock(console_, stopAt(1)).has_value());
+    EXPECT_FALSE(RunStore().lock([] {}, stopAt(1)).has_value());
     return ++steps > 0;
   });
   EXPECT_FALSE(RunStore().isLocked());

@@ -17,9 +17,8 @@ namespace soca::testing {
 namespace {
 
 namespace fs = std::filesystem;
-using cli::FileWriter;
 
-cli::Replacement replacementFor(const fs::path& path) {
+Replacement replacementFor(const fs::path& path) {
   return {path, "new", fl::filesystem::stampOf(path).value()};
 }
 
@@ -101,7 +100,7 @@ TEST(Writing, AFileThatIsNoLongerTheOneThatWasReadIsLeftAlone) {
     EXPECT_EQ(writer.flush(), std::nullopt);
     replace(space.path() / "one");
     const auto type = fs::symlink_status(space.path() / "one").type();
-    EXPECT_EQ(writer.commit(0), cli::changedReason);
+    EXPECT_EQ(writer.commit(0), changedReason);
     EXPECT_EQ(writer.commit(1), std::nullopt);
     EXPECT_NE(writer.stage(2, one), std::nullopt);
     writer.discardRest();
@@ -112,8 +111,8 @@ TEST(Writing, AFileThatIsNoLongerTheOneThatWasReadIsLeftAlone) {
 }
 
 TEST(Writing, SpoolGivesBackWhatWasPut) {
-  cli::Spool spool;
-  std::vector<std::pair<cli::Spool::Place, std::string>> texts;
+  Spool spool;
+  std::vector<std::pair<Spool::Place, std::string>> texts;
   for (std::size_t i = 0; i < 40; ++i) {
     const std::string text(i % 7 == 0 ? 900'000 : i * 11, static_cast<char>('a' + i % 26));
     texts.emplace_back(spool.put(text), text);

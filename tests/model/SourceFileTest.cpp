@@ -208,27 +208,27 @@ TEST(SourceFile, StartBehindTheLineThrows) {
 
 TEST(TextSearch, FindsLineEndsAmongUnitsThatHoldTheirByte) {
   const fl::ustring text = u"\u0A0A\u0A00\u010A\n\u0A0A\n";
-  EXPECT_EQ(findLineEnd(text, 0), 3U);
-  EXPECT_EQ(findLineEnd(text, 3), 3U);
-  EXPECT_EQ(findLineEnd(text, 4), 5U);
-  EXPECT_EQ(findLineEnd(text, 6), fl::ustring_view::npos);
-  EXPECT_TRUE(areEqualTexts({}, u""));
-  EXPECT_FALSE(areEqualTexts(u"ab", u"a\u0162"));
+  EXPECT_EQ(fl::findLineEnd(text, 0), 3U);
+  EXPECT_EQ(fl::findLineEnd(text, 3), 3U);
+  EXPECT_EQ(fl::findLineEnd(text, 4), 5U);
+  EXPECT_EQ(fl::findLineEnd(text, 6), fl::ustring_view::npos);
+  EXPECT_TRUE(fl::areEqualTexts({}, u""));
+  EXPECT_FALSE(fl::areEqualTexts(u"ab", u"a\u0162"));
 }
 
 TEST(TextSearch, FindsTheFirstOccurrenceOnly) {
-  EXPECT_EQ(TextFinder(u"aXa").find(u"aaXaXa", 2), 3U);
-  EXPECT_EQ(TextFinder(u"aXa").find(u"aaXaXa", 4), fl::ustring_view::npos);
-  EXPECT_EQ(TextFinder(u"").find(u"ab", 2), 2U);
-  EXPECT_EQ(findBehindDot(u"a.Mode2 + b.Mode", u"Mode"), 6U);
-  EXPECT_EQ(findBehindDot(u"Mode.Mod ..Mode", u"Mode"), 15U);
-  EXPECT_EQ(findBehindDot(u"Mode", u"Mode"), fl::ustring_view::npos);
-  EXPECT_EQ(findBehindDot(u"", u"Mode"), fl::ustring_view::npos);
+  EXPECT_EQ(fl::TextFinder(u"aXa").find(u"aaXaXa", 2), 3U);
+  EXPECT_EQ(fl::TextFinder(u"aXa").find(u"aaXaXa", 4), fl::ustring_view::npos);
+  EXPECT_EQ(fl::TextFinder(u"").find(u"ab", 2), 2U);
+  EXPECT_EQ(fl::findBehindDot(u"a.Mode2 + b.Mode", u"Mode"), 6U);
+  EXPECT_EQ(fl::findBehindDot(u"Mode.Mod ..Mode", u"Mode"), 15U);
+  EXPECT_EQ(fl::findBehindDot(u"Mode", u"Mode"), fl::ustring_view::npos);
+  EXPECT_EQ(fl::findBehindDot(u"", u"Mode"), fl::ustring_view::npos);
   // Units that share their low byte do not make it step over an occurrence.
-  EXPECT_EQ(findBehindDot(u"\u014D\u014F.\u014Dode", u"\u014Dode"), 7U);
+  EXPECT_EQ(fl::findBehindDot(u"\u014D\u014F.\u014Dode", u"\u014Dode"), 7U);
   const fl::ustring name(255, u'x');
   const fl::ustring text = fl::ustring(300, u'y') + u'.' + fl::ustring(254, u'x') + u'.' + name;
-  EXPECT_EQ(findBehindDot(text + u"x", name), 811U);
+  EXPECT_EQ(fl::findBehindDot(text + u"x", name), 811U);
 }
 
 TEST(DotIndex, FindsWhatASearchFinds) {
@@ -237,7 +237,7 @@ TEST(DotIndex, FindsWhatASearchFinds) {
                                                u"\u00C9t", u"B",    u"Ab", u"No",     u"AbcSetX"};
   const DotIndex index(text, names);
   for (const fl::ustring_view name : names) {
-    EXPECT_EQ(index.findBehind(name), findBehindDot(text, name)) << fl::i18n::to_string(name);
+    EXPECT_EQ(index.findBehind(name), fl::findBehindDot(text, name)) << fl::i18n::to_string(name);
   }
 }
 

@@ -6,8 +6,8 @@
 
 #include "cli/terminal/MessageText.h"
 #include "conversions/LineDiff.h"
-#include "reports/FileNames.h"
-#include "reports/UnifiedDiff.h"
+#include "reports/text/FileNames.h"
+#include "reports/text/UnifiedDiff.h"
 #include "tests/cli/ProgramRunner.h"
 
 namespace soca::cli {

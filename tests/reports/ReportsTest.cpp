@@ -54,13 +54,13 @@ TEST(Reports, EveryIdIsExplained) {
     EXPECT_EQ(page.exitCode, 0);
     EXPECT_NE(page.out.find(part), std::string::npos) << page.out;
   };
-  for (const auto& rule : fl::i18n::ruleExplanations()) expectExplained(rule.id, "\nBefore:\n");
-  for (const auto& message : fl::i18n::messageExplanations()) {
+  for (const auto& rule : ruleExplanations()) expectExplained(rule.id, "\nBefore:\n");
+  for (const auto& message : messageExplanations()) {
     expectExplained(message.id, message.fullId);
     const auto byFullId = space.soca({"explain", std::string(message.fullId)});
     EXPECT_NE(byFullId.out.find("\nRemedy:\n"), std::string::npos) << byFullId.out;
   }
-  for (const auto& message : fl::i18n::programExplanations()) {
+  for (const auto& message : programExplanations()) {
     expectExplained(message.id, "\nCause:\n");
   }
 }

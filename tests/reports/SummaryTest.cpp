@@ -9,13 +9,13 @@ TEST(Summary, CountsByKindInLinesThatFit) {
   Summary summary;
   EXPECT_EQ(formatDetails(summary, 80), "");
   ClassOutcome outcome;
-  outcome.changed = true;
-  outcome.editCounts[RuleFamilyType::attributes] = 3;
-  outcome.editCounts[RuleFamilyType::impl] = 12;
-  outcome.findings = {{.id = "a:ImplSignatureMismatch"}, {.id = "Rare"}, {.id = "Rare"}, {}};
+  outcome.update.changed = true;
+  outcome.update.editCounts[RuleFamilyType::attributes] = 3;
+  outcome.update.editCounts[RuleFamilyType::impl] = 12;
+  outcome.update.findings = {{.id = "a:ImplSignatureMismatch"}, {.id = "Rare"}, {.id = "Rare"}, {}};
   summary.add(outcome);
-  outcome.refusal = "no";
-  outcome.findings.clear();
+  outcome.update.refusal = "no";
+  outcome.update.findings.clear();
   summary.add(outcome);
   summary.addFailure({.id = "VELUM:system:Analyzer:SyntaxError"});
   EXPECT_EQ(formatDetails(summary, 80),

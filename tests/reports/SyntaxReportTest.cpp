@@ -1,4 +1,4 @@
-#include "reports/SyntaxReport.h"
+#include "reports/text/SyntaxReport.h"
 
 #include <gtest/gtest.h>
 

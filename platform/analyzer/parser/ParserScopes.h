@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "platform/analyzer/Analyzer.h"
 #include "platform/analyzer/parser/Parser.h"
+#include "platform/analyzer/tree/Ast.h"
 
 namespace ca {
 

@@ -1,10 +1,10 @@
-#include "reports/FileNames.h"
+#include "reports/text/FileNames.h"
 
 #include <fmt/core.h>
 
 #include "platform/paths/NativePath.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 // The letter behind the backslash for a character that has one; 0 otherwise.
@@ -75,4 +75,4 @@ std::string quoteForDiff(std::string_view name) {
   return needsQuotes ? '"' + quoted + '"' : quoted;
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -1,4 +1,4 @@
-#include "reports/SyntaxReport.h"
+#include "reports/text/SyntaxReport.h"
 
 #include <fmt/core.h>
 
@@ -7,7 +7,7 @@
 
 #include "platform/text/Conversions.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 // Code units on either side of an error that are shown of a line.
@@ -106,4 +106,4 @@ std::string formatSyntaxErrors(std::string_view file, const ca::AnalysisResult& 
   return text;
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -6,7 +6,7 @@
 
 #include "files/targets/ClassRoots.h"
 
-namespace soca::cli {
+namespace soca {
 
 // Absolute paths as they are shown.
 class FileNames {
@@ -30,4 +30,4 @@ class FileNames {
 // quotes or backslashes, as version control writes it.
 std::string quoteForDiff(std::string_view name);
 
-}  // namespace soca::cli
+}  // namespace soca

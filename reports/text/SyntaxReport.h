@@ -11,7 +11,7 @@
 
 #include "platform/analyzer/AnalysisResult.h"
 
-namespace soca::cli {
+namespace soca {
 
 // At most `limit` of the analysis's errors, and how many more there are. `file` is the name that
 // stands in front. Lines and columns are one-based, columns in UTF-16 code units. Of a long line
@@ -19,4 +19,4 @@ namespace soca::cli {
 std::string formatSyntaxErrors(std::string_view file, const ca::AnalysisResult& analysis,
                                std::size_t limit);
 
-}  // namespace soca::cli
+}  // namespace soca

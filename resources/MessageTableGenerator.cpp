@@ -1,6 +1,7 @@
-// Writes the data file of messages as a header of constant tables.
+// Writes the data file of messages as headers of constant tables: the texts of the catalog for the
+// platform, and what they mean for people.
 //
-//   soca_message_table messages.json MessageTable.h
+//   soca_message_table messages.json MessageTable.h ExplanationTable.h
 //
 // The file has the catalog's name and three lists: "messages" of the catalog, "program" for what
 // the program reports on its own, and "rules". Pieces of source are lists of lines, and what is to
@@ -48,6 +49,19 @@ std::string kindOf(const Json& entry) {
   const auto kind = entry.at("kind").get<std::string>();
   if (kind != "error" && kind != "finding") throw std::runtime_error("unknown kind " + kind);
   return "MessageKindType::" + kind;
+}
+
+void writeCatalog(const Json& data, std::ostream& out) {
+  const Json& entries = data.at("messages");
+  out << "struct CatalogEntry {\n  std::string_view id;\n  std::string_view text;\n};\n\n"
+      << "inline constexpr std::string_view catalogName = "
+      << quote(data.at("catalog").get<std::string>()) << ";\n\n"
+      << "inline constexpr std::array<CatalogEntry, " << entries.size() << "> catalogEntries{{\n";
+  for (const Json& entry : entries) {
+    out << "    {" << quote(entry.at("id").get<std::string>()) << ",\n     "
+        << quote(entry.at("text").get<std::string>()) << "},\n";
+  }
+  out << "}};\n\n";
 }
 
 void writeMessages(const char* table, const Json& entries, const std::string& catalog,
@@ -104,26 +118,39 @@ void writeRules(const Json& rules, std::ostream& out) {
   out << "}};\n\n";
 }
 
-void generate(const char* from, const char* to) {
+// A header in the given namespace, which includes `types`.
+template <class WriteTables>
+void writeHeader(const char* path, const char* types, const char* nameSpace,
+                 const WriteTables& writeTables) {
+  std::ofstream out(path);
+  out << "// Made from messages.json.\n#pragma once\n\n#include <array>\n\n#include " << types
+      << "\n\nnamespace " << nameSpace << " {\n\n";
+  writeTables(out);
+  out << "}  // namespace " << nameSpace << "\n";
+  out.close();
+  if (!out) throw std::runtime_error(std::string(path) + " can't be written");
+}
+
+void generate(const char* from, const char* catalog, const char* explanations) {
   std::ifstream in(from);
   const Json data = Json::parse(in);
-  std::ofstream out(to);
-  out << "// Made from messages.json.\n#pragma once\n\n#include <array>\n\n"
-         "#include \"reports/explanations/MessageExplanations.h\"\n\nnamespace fl::i18n {\n\n";
-  writeMessages("messageTable", data.at("messages"), data.at("catalog").get<std::string>(), out);
-  writeMessages("programTable", data.at("program"), "", out);
-  writeRules(data.at("rules"), out);
-  out << "}  // namespace fl::i18n\n";
-  out.close();
-  if (!out) throw std::runtime_error(std::string(to) + " can't be written");
+  writeHeader(catalog, "<string_view>", "fl::i18n",
+              [&](std::ostream& out) { writeCatalog(data, out); });
+  writeHeader(explanations, "\"reports/explanations/MessageExplanations.h\"", "soca",
+              [&](std::ostream& out) {
+                writeMessages("messageTable", data.at("messages"),
+                              data.at("catalog").get<std::string>(), out);
+                writeMessages("programTable", data.at("program"), "", out);
+                writeRules(data.at("rules"), out);
+              });
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3) return 2;
+  if (argc != 4) return 2;
   try {
-    generate(argv[1], argv[2]);
+    generate(argv[1], argv[2], argv[3]);
   } catch (const std::exception& failure) {
     std::cerr << argv[1] << ": " << failure.what() << "\n";
     return 1;

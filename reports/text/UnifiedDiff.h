@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace soca::cli {
+namespace soca {
 
 // `name` is the file's name without the prefixes `a/` and `b/`. The bytes of the lines stand in the
 // diff as they are, whatever their encoding and line ends. Empty if the files are equal.
@@ -14,4 +14,4 @@ std::string unifiedDiff(std::string_view name, std::string_view oldBytes,
 // The same diff with colours for a terminal.
 std::string colorDiff(std::string_view diff);
 
-}  // namespace soca::cli
+}  // namespace soca

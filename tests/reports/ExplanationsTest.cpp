@@ -21,9 +21,6 @@
 namespace soca {
 namespace {
 
-using fl::i18n::MessageExplanation;
-using fl::i18n::MessageKindType;
-
 // What came of updating one class file: its text, and the ids of the failure or of the findings.
 struct Outcome {
   std::string text;
@@ -62,7 +59,7 @@ bool showsItsFault(const MessageExplanation& entry) {
 }
 
 TEST(Explanations, TheSourceBeforeRaisesTheIdAndTheSourceAfterRaisesNone) {
-  for (const auto entries : {fl::i18n::messageExplanations(), fl::i18n::programExplanations()}) {
+  for (const auto entries : {messageExplanations(), programExplanations()}) {
     for (const MessageExplanation& entry : entries) {
       if (!showsItsFault(entry)) continue;
       EXPECT_EQ(updateMixer(entry.before).ids, std::vector<std::string>{std::string(entry.id)});
@@ -72,7 +69,7 @@ TEST(Explanations, TheSourceBeforeRaisesTheIdAndTheSourceAfterRaisesNone) {
 }
 
 TEST(Explanations, TheSourceAfterARuleIsWhatTheUpdateMakes) {
-  for (const fl::i18n::RuleExplanation& rule : fl::i18n::ruleExplanations()) {
+  for (const RuleExplanation& rule : ruleExplanations()) {
     const Outcome outcome = updateMixer(rule.before);
     EXPECT_EQ(outcome.text, rule.after) << rule.id;
     EXPECT_EQ(outcome.ids, std::vector<std::string>{}) << rule.id;
@@ -80,18 +77,18 @@ TEST(Explanations, TheSourceAfterARuleIsWhatTheUpdateMakes) {
 }
 
 TEST(Explanations, NothingIsLeftOut) {
-  EXPECT_GE(fl::i18n::messageExplanations().size(), 18U);
+  EXPECT_GE(messageExplanations().size(), 18U);
   for (const RuleFamily& family : ruleFamilies) {
-    EXPECT_NE(fl::i18n::findRuleExplanation(family.name), nullptr) << family.name;
+    EXPECT_NE(findRuleExplanation(family.name), nullptr) << family.name;
   }
-  for (const auto entries : {fl::i18n::messageExplanations(), fl::i18n::programExplanations()}) {
+  for (const auto entries : {messageExplanations(), programExplanations()}) {
     for (const MessageExplanation& entry : entries) {
       for (const std::string_view text :
            {entry.text, entry.meaning, entry.cause, entry.fix, entry.before, entry.after}) {
         EXPECT_FALSE(text.empty()) << entry.id;
       }
       EXPECT_EQ(entry.rule.empty(), entry.kind == MessageKindType::error) << entry.id;
-      EXPECT_TRUE(entry.rule.empty() || fl::i18n::findRuleExplanation(entry.rule)) << entry.id;
+      EXPECT_TRUE(entry.rule.empty() || findRuleExplanation(entry.rule)) << entry.id;
     }
   }
 }
@@ -107,15 +104,15 @@ TEST(Explanations, AreFoundByShortAndFullId) {
       {"std::out_of_range", "std::out_of_range"},
   };
   for (const auto& c : cases) {
-    const MessageExplanation* entry = fl::i18n::findMessageExplanation(c.asked);
+    const MessageExplanation* entry = findMessageExplanation(c.asked);
     ASSERT_NE(entry, nullptr) << c.asked;
     EXPECT_EQ(entry->fullId, c.found);
   }
   for (const char* id : {"", "syntaxerror", "Analyzer:SyntaxError", "mixins"}) {
-    EXPECT_EQ(fl::i18n::findMessageExplanation(id), nullptr) << id;
+    EXPECT_EQ(findMessageExplanation(id), nullptr) << id;
   }
-  ASSERT_NE(fl::i18n::findRuleExplanation("mixins"), nullptr);
-  EXPECT_EQ(fl::i18n::findRuleExplanation("SyntaxError"), nullptr);
+  ASSERT_NE(findRuleExplanation("mixins"), nullptr);
+  EXPECT_EQ(findRuleExplanation("SyntaxError"), nullptr);
 }
 
 }  // namespace

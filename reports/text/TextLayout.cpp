@@ -1,8 +1,8 @@
-#include "reports/TextLayout.h"
+#include "reports/text/TextLayout.h"
 
 #include <algorithm>
 
-namespace soca::cli {
+namespace soca {
 
 std::string wrap(std::string_view text, std::string_view indent, std::string_view firstIndent) {
   std::string result;
@@ -28,4 +28,4 @@ std::string wrap(std::string_view text, std::string_view indent) {
   return wrap(text, indent, indent);
 }
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace soca::cli {
+namespace soca {
 
 // How many characters a line may have.
 constexpr std::size_t lineWidth = 80;
@@ -14,4 +14,4 @@ constexpr std::size_t lineWidth = 80;
 std::string wrap(std::string_view text, std::string_view indent, std::string_view firstIndent);
 std::string wrap(std::string_view text, std::string_view indent);
 
-}  // namespace soca::cli
+}  // namespace soca

@@ -1,4 +1,4 @@
-#include "reports/UnifiedDiff.h"
+#include "reports/text/UnifiedDiff.h"
 
 #include <fmt/core.h>
 
@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "conversions/LineDiff.h"
-#include "reports/FileNames.h"
+#include "reports/text/FileNames.h"
 
-namespace soca::cli {
+namespace soca {
 namespace {
 
 using Lines = std::vector<std::string_view>;
@@ -120,4 +120,4 @@ std::string colorDiff(std::string_view diff) {
   return text;
 }
 
-}  // namespace soca::cli
+}  // namespace soca

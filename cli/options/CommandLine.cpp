@@ -1,24 +1,26 @@
-#include "cli/options/Options.h"
+#include "cli/options/CommandLine.h"
 
 #include <fmt/ranges.h>
-#include <sched.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <functional>
 #include <iterator>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <variant>
 
 #include "cli/options/OptionTable.h"
+#include "cli/options/OptionValues.h"
 #include "files/targets/NearestName.h"
+#include "files/targets/UsageError.h"
 #include "platform/text/Conversions.h"
 #include "platform/text/FileText.h"
 
 namespace soca::cli {
 namespace {
-
-constexpr unsigned mostJobs = 1024;
 
 template <class Rows, class Projection>
 std::vector<std::string_view> namesIn(const Rows& rows, Projection nameOf) {
@@ -27,130 +29,40 @@ std::vector<std::string_view> namesIn(const Rows& rows, Projection nameOf) {
   return names;
 }
 
-// What the word stands for that the option was given.
-std::uint64_t valueOf(std::string_view text, OptionType type, std::string_view what) {
-  const std::span<const OptionWord> words = optionRow(type).words;
-  const auto word = std::ranges::find(words, text, &OptionWord::text);
-  if (word != words.end()) return word->value;
-  throw UsageError(fmt::format("unknown {} '{}'; known are: {}{}", what, text,
-                               fmt::join(namesIn(words, &OptionWord::text), ", "),
-                               didYouMean(text, words, &OptionWord::text)));
-}
+// Declares the option of a row to the parser. A value that a reader takes goes to `rawValue`.
+class OptionAdder {
+ public:
+  OptionAdder(CLI::App* app, std::string flags, Options* options, std::string* rawValue)
+      : app_(app), flags_(std::move(flags)), options_(options), rawValue_(rawValue) {}
 
-UpdateMask parseRules(std::string_view list) {
-  UpdateMask mask = 0;
-  while (true) {
-    const std::size_t comma = list.find(',');
-    mask |= valueOf(list.substr(0, comma), OptionType::rules, "rule");
-    if (comma == std::string_view::npos) return mask;
-    list.remove_prefix(comma + 1);
+  // A switch is given or not.
+  void operator()(bool Options::* member) const {
+    app_->add_flag(flags_, options_->*member)->disable_flag_override();
   }
-}
-
-unsigned parseJobs(const std::string& text) {
-  unsigned jobs = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), jobs);
-  const bool isNumber = error == std::errc() && end == text.data() + text.size();
-  if (!isNumber || jobs == 0 || jobs > mostJobs) {
-    throw UsageError(
-        fmt::format("--jobs takes a number from 1 to {}, and not '{}'", mostJobs, text));
+  void operator()(std::string Options::* member) const {
+    app_->add_option(flags_, options_->*member)->take_last();
   }
-  return jobs;
-}
+  // One value for each time that it is given: what follows it is an argument of the command.
+  void operator()(std::vector<std::string> Options::* member) const {
+    app_->add_option(flags_, options_->*member)->allow_extra_args(false)->type_name("DIR");
+  }
+  void operator()(OptionReader) const { app_->add_option(flags_, *rawValue_)->take_last(); }
 
-unsigned numberOfProcessors() {
-  cpu_set_t processors;
-  CPU_ZERO(&processors);
-  if (sched_getaffinity(0, sizeof(processors), &processors) != 0) return 1;
-  return static_cast<unsigned>(std::max(1, CPU_COUNT(&processors)));
-}
-
-// The options as the parser sees them, before their values are read.
-struct RawOptions {
-  std::string rules, jobs, color, format;
-  bool help = false;
+ private:
+  CLI::App* app_;
+  std::string flags_;
+  Options* options_;
+  std::string* rawValue_;
 };
 
-void addOption(CLI::App& app, const OptionRow& row, Options& options, RawOptions& raw) {
-  const std::string flags(row.flags);
-  switch (row.type) {
-    case OptionType::path:
-      // One folder for each `-p`: what follows it is an argument of the command.
-      app.add_option(flags, options.roots)->allow_extra_args(false)->type_name("DIR");
-      return;
-    case OptionType::rules:
-      app.add_option(flags, raw.rules)->take_last();
-      return;
-    case OptionType::superclasses:
-      app.add_flag(flags, options.includeSuperclasses);
-      return;
-    case OptionType::write:
-      app.add_flag(flags, options.write);
-      return;
-    case OptionType::check:
-      app.add_flag(flags, options.check);
-      return;
-    case OptionType::allowDirty:
-      app.add_flag(flags, options.allowDirty);
-      return;
-    case OptionType::stats:
-      app.add_flag(flags, options.stats);
-      return;
-    case OptionType::noIgnore:
-      app.add_flag(flags, options.noIgnore);
-      return;
-    case OptionType::list:
-      app.add_flag(flags, options.list);
-      return;
-    case OptionType::format:
-      app.add_option(flags, raw.format)->take_last();
-      return;
-    case OptionType::edits:
-      app.add_flag(flags, options.edits);
-      return;
-    case OptionType::stdinPath:
-      app.add_option(flags, options.stdinPath)->take_last();
-      return;
-    case OptionType::classTable:
-      app.add_option(flags, options.classTable)->take_last();
-      return;
-    case OptionType::jobs:
-      app.add_option(flags, raw.jobs)->take_last();
-      return;
-    case OptionType::quiet:
-      app.add_flag(flags, options.quiet);
-      return;
-    case OptionType::verbose:
-      app.add_flag(flags, options.verbose);
-      return;
-    case OptionType::color:
-      app.add_option(flags, raw.color)->take_last();
-      return;
-    case OptionType::help:
-      app.add_flag(flags, raw.help);
-      return;
-  }
-}
-
-void readValues(const CLI::App& app, const RawOptions& raw, Options& options) {
-  const auto isGiven = [&](const char* name) {
-    const CLI::Option* option = app.get_option_no_throw(name);
-    return option != nullptr && option->count() > 0;
-  };
-  if (isGiven("--rules")) options.rules = parseRules(raw.rules);
-  if (isGiven("--color")) {
-    options.color =
-        static_cast<ColorType>(valueOf(raw.color, OptionType::color, "value of --color"));
-  }
-  if (isGiven("--format")) {
-    options.format = static_cast<FormatType>(valueOf(raw.format, OptionType::format, "format"));
-  }
-  options.jobs = isGiven("--jobs") ? parseJobs(raw.jobs) : numberOfProcessors();
-  if (isGiven("--stdin-path") && options.stdinPath.empty()) {
-    throw UsageError("--stdin-path takes the path of a class file");
-  }
-  if (isGiven("--class-table") && options.classTable.empty()) {
-    throw UsageError("--class-table takes the name of a file");
+// The values that were given go to their readers.
+void readValues(const CLI::App& app, const std::vector<std::string>& rawValues, Options& options) {
+  for (std::size_t i = 0; i < rawValues.size(); ++i) {
+    const OptionRow& row = optionRows()[i];
+    const auto* reader = std::get_if<OptionReader>(&row.target);
+    if (reader == nullptr) continue;
+    const auto* option = app.get_option_no_throw(std::string(namesOf(row).back()));
+    if (option != nullptr && option->count() > 0) (*reader)(rawValues[i], options);
   }
 }
 
@@ -178,13 +90,12 @@ void checkOptions(const CommandRow& command, const Options& options) {
   if (options.write && options.check) {
     throw UsageError("--write and --check can't be had together: --check changes nothing");
   }
-  if (options.edits && options.format == FormatType::text) {
+  if (options.edits && !options.format->takesEdits) {
     throw UsageError("--edits belongs to the data for programs: add --format json");
   }
-  if (options.write && options.format == FormatType::sarif) {
-    throw UsageError(
-        "--format sarif and --write can't be had together: it tells places in the files as they "
-        "stand; run it first, and then --write");
+  if (options.write && !options.format->whyNotWritten.empty()) {
+    throw UsageError(fmt::format("--format {} and --write can't be had together: {}",
+                                 options.format->name, options.format->whyNotWritten));
   }
   if (options.edits && options.write) {
     throw UsageError("--edits and --write can't be had together: written files need no edits");
@@ -260,14 +171,12 @@ void parseCommandLine(const CommandRow& command, const std::vector<std::string>&
   CLI::App app;
   app.set_help_flag();
   app.allow_extras();
-  RawOptions raw;
-  for (const OptionRow& row : optionRows()) {
-    if (!isFor(command.type, row)) continue;
-    addOption(app, row, options, raw);
-    // A switch is given or not.
-    if (row.value.empty()) {
-      app.get_option(std::string(namesOf(row).back()))->disable_flag_override();
-    }
+  const std::span<const OptionRow> rows = optionRows();
+  std::vector<std::string> rawValues(rows.size());
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (!isFor(command.type, rows[i])) continue;
+    std::visit(OptionAdder(&app, std::string(rows[i].flags), &options, &rawValues[i]),
+               rows[i].target);
   }
   app.add_option("arguments", options.arguments)->type_name("argument");
   try {
@@ -280,12 +189,13 @@ void parseCommandLine(const CommandRow& command, const std::vector<std::string>&
   for (const std::string& extra : app.remaining()) {
     if (extra != "--") throw unknownOption(command, extra);
   }
-  if (raw.help) {
+  if (options.help) {
     options.helpSubject = command.type;
     options.command = CommandType::help;
     return;
   }
-  readValues(app, raw, options);
+  options.jobs = numberOfProcessors();
+  readValues(app, rawValues, options);
   checkOptions(command, options);
 }
 
@@ -310,9 +220,7 @@ ColorType findColor(const std::vector<std::string>& arguments) {
     word.remove_prefix(flag.size());
     if (word.empty() && i + 1 < arguments.size()) word = arguments[i + 1];
     if (word.starts_with('=')) word.remove_prefix(1);
-    for (const OptionWord& row : optionRow(OptionType::color).words) {
-      if (row.text == word) color = static_cast<ColorType>(row.value);
-    }
+    color = parseColor(word).value_or(color);
   }
   return color;
 }

@@ -1,0 +1,59 @@
+#include "cli/commands/RepairNotes.h"
+
+#include <fmt/core.h>
+
+#include <string>
+
+#include "cli/terminal/Signals.h"
+
+namespace soca::cli {
+namespace {
+
+bool goesOn() { return !wasInterrupted(); }
+
+std::string describe(const RepairedRun& repaired) {
+  const auto& [run, type, result] = repaired;
+  std::string text = type == RepairedRun::Type::undoCompleted
+                         ? fmt::format("the undo of run {} was interrupted", run)
+                         : fmt::format("run {} was interrupted", run);
+  const std::size_t count = result.restored.size();
+  if (result.isCutShort) return text + "; putting its files back was interrupted, too";
+  if (count == 0) return text + "; it had left no changed file, and what else it left is removed";
+  return text + fmt::format("; {} as before the run now",
+                            count == 1 ? "1 file that it had changed is"
+                                       : fmt::format("{} files that it had changed are", count));
+}
+
+void print(const RepairedRun& repaired, Console& console) {
+  if (repaired.type == RepairedRun::Type::notBegun) {
+    console.tell(fmt::format("run {} was interrupted before it changed a file", repaired.run));
+    return;
+  }
+  console.tell(describe(repaired));
+  for (const LeftFile& file : repaired.result.changed) {
+    console.complain(fmt::format("'{}' is left as it is: {}", file.path, file.reason));
+  }
+  for (const LeftFile& file : repaired.result.failed) {
+    console.complain(
+        fmt::format("'{}': {}; this is tried again with the next run", file.path, file.reason));
+  }
+}
+
+}  // namespace
+
+std::optional<RunStore::Lock> lockRuns(const RunStore& store, Console& console) {
+  return store.lock([&] { console.tell("another soca is changing files; waiting for it to end"); },
+                    goesOn);
+}
+
+std::vector<RunNumber> repairAndReport(const RunStore& store, const RunStore::Lock& lock,
+                                       Console& console) {
+  std::vector<RunNumber> runs;
+  for (const RepairedRun& repaired : repairRuns(store, lock, goesOn)) {
+    print(repaired, console);
+    runs.push_back(repaired.run);
+  }
+  return runs;
+}
+
+}  // namespace soca::cli

@@ -1,0 +1,31 @@
+// The values of options: how each is read, and the words that it can be.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli/options/Options.h"
+
+namespace soca::cli {
+
+std::vector<std::string_view> ruleWords();
+std::vector<std::string_view> formatWords();
+std::vector<std::string_view> colorWords();
+
+// They set the member that the option stands for. All throw UsageError.
+void readRules(const std::string& value, Options& options);
+void readFormat(const std::string& value, Options& options);
+void readColor(const std::string& value, Options& options);
+void readJobs(const std::string& value, Options& options);
+void readStdinPath(const std::string& value, Options& options);
+void readClassTable(const std::string& value, Options& options);
+
+// Nothing for a word that is none of `colorWords`.
+std::optional<ColorType> parseColor(std::string_view word);
+
+// One job for each processor that the process may use.
+unsigned numberOfProcessors();
+
+}  // namespace soca::cli

@@ -1,0 +1,86 @@
+#include "conversions/ClassUpdate.h"
+
+#include <exception>
+#include <utility>
+
+#include "conversions/Checks.h"
+#include "conversions/ClassMembers.h"
+#include "model/NameIndex.h"
+#include "platform/analyzer/Analyzer.h"
+#include "platform/analyzer/FileAnalysis.h"
+#include "platform/paths/Overlay.h"
+#include "platform/text/Conversions.h"
+#include "platform/text/TextSearch.h"
+
+namespace soca {
+namespace {
+
+using fl::i18n::to_string;
+
+// The names in the first list that the second does not have.
+std::vector<std::string> namesWithout(const std::vector<DeclaredMethod>& methods,
+                                      const std::vector<DeclaredMethod>& others) {
+  NameIndex<DeclaredMethod> known;
+  known.add(others);
+  known.finish();
+  std::vector<std::string> names;
+  for (const DeclaredMethod& method : methods) {
+    if (known.find(method.name) == nullptr) names.push_back(to_string(method.name));
+  }
+  return names;
+}
+
+// The methods that have another name, or do not exist, after the update.
+MethodNameChanges findChangedMethods(const std::vector<DeclaredMethod>& before,
+                                     const ca::AnalysisResult& updated) {
+  const auto after = declaredMethods(updated);
+  return {namesWithout(after, before), namesWithout(before, after)};
+}
+
+// A second update, of the new text.
+RepeatedUpdate updateAgain(const PlannedClass& planned, UpdateMask rules) {
+  const fl::filesystem::OverlayScope overlay(to_string(planned.result.fileName), planned.newText);
+  try {
+    return repeatUpdate(planned.result.className, rules);
+  } catch (const std::exception&) {
+    // Whatever makes the second update fail: it does not leave the text as it is.
+    return {ca::analyzeText(fl::ustring(planned.text())), true};
+  }
+}
+
+}  // namespace
+
+ClassUpdate describeUpdate(const PlannedClass& planned, const FindingsListener& listener,
+                           FindingPlacesType places) {
+  ClassUpdate update;
+  update.className = to_string(planned.result.className);
+  update.file = to_string(planned.result.fileName);
+  update.updated = planned.result.updated;
+  update.changed = planned.result.updated && !fl::areEqualTexts(planned.text(), *planned.oldText);
+  update.findings = listener.findingsOf(planned, places);
+  for (const PlannedAction& action : planned.actions) ++update.editCounts[action.family];
+  return update;
+}
+
+void checkUpdate(PlannedClass& planned, UpdateMask rules, PlanNeeds needs, ClassUpdate& update) {
+  const NewTextCheck check(planned);
+  const bool editsMethods = update.editCounts[RuleFamilyType::impl] > 0;
+  std::vector<DeclaredMethod> methods;
+  if (editsMethods) methods = declaredMethods(*planned.analysis);
+  // The tree of the old text and that of the new one, which may be three times as large, need not
+  // exist at once. The names of the methods are views into the text.
+  if (!needs.analysis) planned.analysis.reset();
+  if (!needs.actions) std::vector<PlannedAction>().swap(planned.actions);
+  {
+    const RepeatedUpdate second = updateAgain(planned, rules);
+    if (auto reason = check.findReasonToRefuse(*second.analysis)) {
+      update.refusal = std::move(*reason);
+      return;
+    }
+    update.changesAgain = second.changesAgain;
+    if (editsMethods) update.methods = findChangedMethods(methods, *second.analysis);
+  }
+  ca::forgetLastAnalysis();
+}
+
+}  // namespace soca

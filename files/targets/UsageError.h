@@ -1,0 +1,14 @@
+// A fault of the command line.
+#pragma once
+
+#include <stdexcept>
+
+namespace soca {
+
+// A command line that asks for nothing that the program does, or for something that does not exist.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+}  // namespace soca

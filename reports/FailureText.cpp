@@ -1,0 +1,25 @@
+#include "reports/FailureText.h"
+
+#include <fmt/core.h>
+
+namespace soca {
+
+void printFailure(ReportOutput& output, const Failure& failure) {
+  output.complain(fmt::format("{}: {}", failure.id, failure.message));
+  std::string text = failure.excerpt;
+  // With superclasses the message may be about another class than the one that was asked for.
+  const bool namesClass = failure.message.find(failure.className) != std::string::npos;
+  if (failure.argument != failure.className && !namesClass) {
+    text += fmt::format("  in the update of class '{}'\n", failure.className);
+  }
+  text += hintLines(failure.hints);
+  if (!text.empty()) output.printMessages(text);
+}
+
+std::string hintLines(const std::vector<std::string>& hints) {
+  std::string text;
+  for (const std::string& hint : hints) text += fmt::format("  hint: {}\n", hint);
+  return text;
+}
+
+}  // namespace soca
