@@ -1,4 +1,4 @@
-// The class table that a client has set.
+// The class table that the client has set.
 #pragma once
 
 #include "platform/runtime/ClassTable.h"

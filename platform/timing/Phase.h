@@ -1,4 +1,4 @@
-// Where the time of a run goes.
+// Measures the time that a run spends in each phase.
 #pragma once
 
 #include <array>
@@ -8,7 +8,8 @@
 
 namespace fl::timing {
 
-// What a thread is at. The platform itself knows of `read` and `analyse`; the rest is for clients.
+// The activity of a thread. The platform itself uses `read` and `analyse`; the others are for
+// clients.
 enum class PhaseType { none, walk, read, analyse, rules, checks, git, diff, print, write };
 constexpr std::size_t phaseCount = 10;
 
@@ -18,15 +19,15 @@ struct PhaseTime {
   std::int64_t processor = 0;
 };
 
-// From now on phases are timed. To be called before there are other threads.
+// Starts to time phases. To be called before any other thread starts.
 void startTiming();
 
-// What was spent in each phase so far, by the number of its type. A phase that lasts counts up to
-// the last one that began or ended in it.
+// The time spent in each phase so far, indexed by type. A current phase is counted up to the last
+// nested phase that began or ended.
 std::array<PhaseTime, phaseCount> timesOfPhases();
 
-// As long as it lives, the thread's time counts for this phase, and not for the one around it.
-// Costs nothing to speak of while phases are not timed.
+// During its life, the thread's time counts for this phase, and not for the outer one. Costs one
+// relaxed load while phases are not timed.
 class Phase {
  public:
   explicit Phase(PhaseType type) : outer_(isTiming() ? enter(type) : PhaseType::none) {}
@@ -40,7 +41,7 @@ class Phase {
   friend void startTiming();
 
   static bool isTiming() { return timing.load(std::memory_order_relaxed); }
-  // Gives the phase that the thread was in.
+  // Returns the previous phase of the thread.
   static PhaseType enter(PhaseType type);
 
   static std::atomic<bool> timing;
