@@ -155,7 +155,7 @@ constexpr std::array<Cause, 8> causes = {{
     {"a class without a default value", hasClassWithoutDefault},
     {"validators without a default value", hasValidatorsWithoutDefault},
     {"a size over three lines", replacesThreeLines},
-    {"a size in front of a continuation", replacesInFrontOfContinuation},
+    {"a size before a continuation", replacesInFrontOfContinuation},
 }};
 
 }  // namespace
