@@ -1,4 +1,4 @@
-// What the explanations show is what the system does.
+// The examples of the explanations match the behaviour of the system.
 #include "reports/explanations/MessageExplanations.h"
 
 #include <gtest/gtest.h>
@@ -24,13 +24,14 @@ namespace {
 using fl::i18n::MessageExplanation;
 using fl::i18n::MessageKindType;
 
-// What came of updating one class file: its text, and the ids of the failure or of the findings.
+// The result of an update of one class file: its text, and the ids of the failure or of the
+// findings.
 struct Outcome {
   std::string text;
   std::vector<std::string> ids;
 };
 
-// Updates the class Mixer, whose file has this text.
+// Updates the class Mixer with this text.
 Outcome updateMixer(std::string_view source) {
   const std::string& root = PathDispatcher::getDispatcher().classPath().front();
   const fl::filesystem::OverlayScope overlay(root + "/Mixer.vlm", fl::i18n::to_ustring(source));
@@ -51,7 +52,7 @@ Outcome updateMixer(std::string_view source) {
   return outcome;
 }
 
-// Whether the piece of source before the fix is a class that shows the fault by itself.
+// Whether the source before the fix is a class that shows the fault without further files.
 bool showsItsFault(const MessageExplanation& entry) {
   const std::set<std::string_view> others{"NoFileForClass",        "PFileExists",
                                           "CodeAnalyzerError",     "soca:HiddenFile",
@@ -79,7 +80,7 @@ TEST(Explanations, TheSourceAfterARuleIsWhatTheUpdateMakes) {
   }
 }
 
-TEST(Explanations, NothingIsLeftOut) {
+TEST(Explanations, AreComplete) {
   EXPECT_GE(fl::i18n::messageExplanations().size(), 18U);
   for (const RuleFamily& family : ruleFamilies) {
     EXPECT_NE(fl::i18n::findRuleExplanation(family.name), nullptr) << family.name;
