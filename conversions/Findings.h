@@ -1,4 +1,4 @@
-// The messages of an update with what their finished texts no longer tell: their ids and places.
+// The messages of an update with the ids and places that their finished texts do not have.
 #pragma once
 
 #include <unordered_map>
@@ -12,11 +12,11 @@
 
 namespace soca::cli {
 
-// How much is found out about a message besides its text and id: nothing, the place of the member
-// that it is about, or also the places of what stands in the way.
+// The places to determine for a message: none, that of the member concerned, or also those of the
+// members that prevent the conversion.
 enum class FindingPlacesType { none, members, related };
 
-// Hears, while it lives, which messages this thread makes texts of.
+// During its life, receives the messages of which this thread makes texts.
 class FindingsListener {
  public:
   FindingsListener();
