@@ -6,8 +6,8 @@
 
 namespace soca::cli {
 
-// Sets both for the process, as the options say, and gives the roots. Throws UsageError for a root
-// that is no folder and for a file that is no class table; nothing is set then.
+// Sets both for the process from the options, and returns the roots. Throws UsageError, without
+// setting anything, for a root that is no folder and for a file that is no class table.
 ClassRoots setClassPath(const Options& options);
 
 }  // namespace soca::cli

@@ -1,4 +1,4 @@
-// Puts right what interrupted runs have left.
+// Repairs what interrupted runs have left.
 #pragma once
 
 #include <vector>
@@ -8,8 +8,8 @@
 
 namespace soca::cli {
 
-// Takes back all runs that were interrupted, completes an undo that was, and says so. Gives the
-// runs in question. Throws JournalError.
+// Reverts all interrupted runs, completes an interrupted undo, and prints messages about both.
+// Returns these runs. Throws JournalError.
 std::vector<RunNumber> repairRuns(const RunStore& store, const RunStore::Lock& lock,
                                   Console& console, const GoesOn& goesOn);
 

@@ -1,4 +1,4 @@
-// Checksums by which a file is known again.
+// Checksums that identify files.
 #pragma once
 
 #include <string>
