@@ -1,4 +1,5 @@
-// A list of JSON values that is only printed at the end: it may be as long as a tree of classes.
+// A list of JSON values that is printed at the end, and may be as long as a tree of classes is
+// large.
 #pragma once
 
 #include <algorithm>
@@ -18,7 +19,7 @@ class SpooledList {
     size_ += spool_.put(value).size;
   }
 
-  // In brackets.
+  // Prints the list in brackets.
   void print(Console& console) {
     console.print("[");
     for (std::uint64_t offset = 0; offset < size_; offset += stretch) {

@@ -1,4 +1,4 @@
-// How an update is shown.
+// The output formats of an update.
 #pragma once
 
 #include <memory>
@@ -13,8 +13,8 @@
 
 namespace soca::cli {
 
-// One format. What is said of a class comes in two parts: data for standard output, which can be
-// made by any thread, and notes for people.
+// One format. The output for a class has two parts: data for standard output, which any thread can
+// make, and notes for users.
 class UpdateReport {
  public:
   virtual ~UpdateReport() = default;
@@ -26,7 +26,7 @@ class UpdateReport {
   virtual void printNotes(const ClassOutcome& outcome) = 0;
   virtual void addFailure(const Failure& failure) = 0;
   virtual void addSkipped(const Failure& failure) = 0;
-  // Prints what belongs behind everything else. The run is to end with this code.
+  // Prints the end of the output. `exitCode` is the exit code of the run.
   virtual void finish(ExitCodeType exitCode) = 0;
 };
 

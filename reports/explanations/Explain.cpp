@@ -22,7 +22,7 @@ std::string paragraph(std::string_view title, std::string_view text) {
   return fmt::format("{}:\n{}\n", title, wrap(text, "  "));
 }
 
-// Source text, line for line.
+// Source text with its line ends.
 std::string source(std::string_view title, std::string_view text) {
   if (text.empty()) return {};
   std::string result = fmt::format("{}:\n", title);
@@ -40,7 +40,7 @@ std::string beforeAndAfter(std::string_view before, std::string_view after) {
   return text + '\n';
 }
 
-// A list of points, each a line of the text.
+// A list of points, one in each line of the text.
 std::string points(std::string_view title, std::string_view lines) {
   std::string result = fmt::format("{}:\n", title);
   while (!lines.empty()) {
@@ -117,7 +117,7 @@ std::string explain(std::string_view id) {
   if (const MessageExplanation* message = fl::i18n::findMessageExplanation(id)) {
     return explainMessage(*message);
   }
-  // The program's own ids begin with its name.
+  // The full ids of the program's own messages begin with `soca:`.
   if (const auto* message = fl::i18n::findMessageExplanation(fmt::format("soca:{}", id))) {
     return explainMessage(*message);
   }

@@ -1,4 +1,4 @@
-// The texts of what the program itself reports, beside the messages of the service.
+// The texts of the program's own messages, which are not those of the service.
 #pragma once
 
 #include <initializer_list>
@@ -7,7 +7,7 @@
 
 namespace soca::cli {
 
-// The text that belongs to the id, with its placeholders filled in; the id for one without a text.
+// The text of the id with its placeholders filled in; the id itself if it has no text.
 std::string programMessage(std::string_view id, std::initializer_list<std::string_view> arguments);
 
 }  // namespace soca::cli

@@ -13,7 +13,7 @@ std::string hintLines(const std::vector<std::string>& hints) {
   return text;
 }
 
-// "3 attributes, 1 mixins", or that there is none.
+// "3 attributes, 1 mixins", or a text for no edits.
 std::string editsOf(const ClassOutcome& outcome) {
   std::string text;
   for (const RuleFamily& family : ruleFamilies) {
@@ -71,7 +71,7 @@ void TextReport::addSkipped(const Failure& failure) {
 void TextReport::printFailure(Console& console, const Failure& failure) {
   console.complain(fmt::format("{}: {}", failure.id, failure.message));
   std::string text = failure.excerpt;
-  // With superclasses the message may be about another class than the one that was asked for.
+  // With superclasses the message may be about another class than the named one.
   const bool namesClass = failure.message.find(failure.className) != std::string::npos;
   if (failure.argument != failure.className && !namesClass) {
     text += fmt::format("  in the update of class '{}'\n", failure.className);

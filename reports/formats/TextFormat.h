@@ -1,5 +1,5 @@
-// An update for people: the diffs, or the names of what would change, and what there is to say of
-// the classes.
+// An update for users: the diffs, or the names of the classes that would change, and the messages
+// about the classes.
 #pragma once
 
 #include <string>
@@ -21,7 +21,7 @@ class TextReport : public UpdateReport {
   void addSkipped(const Failure& failure) override;
   void finish(ExitCodeType) override {}
 
-  // "soca: <id>: <message>", the lines in question, and the hints.
+  // "soca: <id>: <message>", the source lines concerned, and the hints.
   static void printFailure(Console& console, const Failure& failure);
 
  private:

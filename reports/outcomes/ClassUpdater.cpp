@@ -30,7 +30,7 @@ using fl::i18n::to_ustring;
 using fl::timing::Phase;
 using fl::timing::PhaseType;
 
-// A failure with a text of the program's own.
+// A failure with one of the program's own texts.
 Failure makeFailure(const Target& target, std::string_view id,
                     std::initializer_list<std::string_view> arguments) {
   Failure failure;
@@ -40,7 +40,7 @@ Failure makeFailure(const Target& target, std::string_view id,
   return failure;
 }
 
-// --- targets that are no classes, and classes that are none of ours ---
+// --- targets without a class, and classes that are no System objects ---
 
 TargetOutcome outcomeOfHidden(const Target& target) {
   TargetOutcome outcome;
@@ -69,14 +69,15 @@ TargetOutcome outcomeOfMisnamed(const Target& target) {
 
 bool hasShortId(const Failure& failure, std::string_view id) { return failure.id.ends_with(id); }
 
-// Whether the failure is about the class that was asked for, and not about a superclass.
+// Whether the failure is about the named class, and not about a superclass.
 bool isAboutItself(const Failure& failure, const Target& target) {
   const auto stem = stemOfClassFile(target.path);
   return failure.argument == target.className ||
          (stem && failure.argument == fmt::format("{}.vlm", *stem));
 }
 
-// A tree holds much that is none of ours: what no argument names is then no failure.
+// A tree has many classes that are no System objects: these are failures only if an argument names
+// them.
 void addFailure(const Target& target, Failure failure, TargetOutcome& outcome) {
   const bool isNoneOfOurs =
       (hasShortId(failure, ":NotASystemObject") || hasShortId(failure, ":PFileExists")) &&
@@ -106,7 +107,7 @@ void countEdits(const PlannedClass& planned, ClassOutcome& outcome) {
   }
 }
 
-// The names in the first list that the second does not have.
+// The names in the first list that are not in the second.
 std::vector<std::string> namesWithout(const std::vector<DeclaredMethod>& methods,
                                       const std::vector<DeclaredMethod>& others) {
   NameIndex<DeclaredMethod> known;
@@ -123,7 +124,7 @@ bool editsMethods(const ClassOutcome& outcome) {
   return outcome.editCounts[RuleFamilyType::impl] > 0;
 }
 
-// The methods that are called differently, or are gone, afterwards.
+// Lists the methods that are renamed or deleted.
 void listChangedMethods(const std::vector<DeclaredMethod>& before,
                         const ca::AnalysisResult& updated, ClassOutcome& outcome) {
   const auto after = declaredMethods(updated);
@@ -131,13 +132,13 @@ void listChangedMethods(const std::vector<DeclaredMethod>& before,
   outcome.deletedMethods = namesWithout(before, after);
 }
 
-// A second update, of the new text.
+// Updates the new text once more.
 RepeatedUpdate updateAgain(const PlannedClass& planned, UpdateMask rules) {
   const fl::filesystem::OverlayScope overlay(to_string(planned.result.fileName), planned.newText);
   try {
     return repeatUpdate(planned.result.className, rules);
   } catch (const std::exception&) {
-    // Whatever keeps the second update from ending well: it does not leave the text as it is.
+    // For any failure of the second update, the text counts as changed.
     return {ca::analyzeText(fl::ustring(planned.text())), true};
   }
 }
@@ -228,8 +229,8 @@ void ClassUpdater::checkNewText(PlannedClass& planned, ClassOutcome& outcome) co
   const NewTextCheck check(planned);
   std::vector<DeclaredMethod> methods;
   if (editsMethods(outcome)) methods = declaredMethods(*planned.analysis);
-  // The tree of the old text and that of the new one, which may be three times as large, need not
-  // be there at once. The names of the methods stand in the text.
+  // The tree of the old text is freed before that of the new one is made, which may be three times
+  // as large. The names of the methods point into the text.
   if (!wishes_.conversions) planned.analysis.reset();
   if (!wishes_.edits) std::vector<PlannedAction>().swap(planned.actions);
   {

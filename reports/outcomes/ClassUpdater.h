@@ -1,4 +1,4 @@
-// The update of one class, computed and checked but not yet shown or written.
+// The update of one class, computed and checked but not yet printed or written.
 #pragma once
 
 #include <string>
@@ -18,7 +18,7 @@
 
 namespace soca::cli {
 
-// What to compute, and what of the outcome somebody wants to see; the rest is left empty.
+// The parts of the outcome to compute; the others stay empty.
 struct UpdateWishes {
   UpdateMask rules = allFamilies;
   bool includeSuperclasses = false;
@@ -26,36 +26,36 @@ struct UpdateWishes {
   bool text = false;
   bool hints = false;
   bool newBytes = false;
-  // The single replacements, and what tells which file they are for.
+  // The single replacements, and the identification of their file.
   bool edits = false;
   // The conversions that the edits belong to.
   bool conversions = false;
   FindingPlacesType places = FindingPlacesType::none;
-  // A text that lies over the file of the class and is taken for it; null for none.
+  // An overlay text for the file of the class; null for none.
   const StandardInput* input = nullptr;
 };
 
-// What the options ask for, but for the diffs and the new bytes.
+// The wishes of the options, without the diffs and the new bytes.
 UpdateWishes makeWishes(const Options& options);
 
-// May be used by several threads at once.
+// Safe to use from several threads.
 class ClassUpdater {
  public:
   // Both pointers must outlive this object.
   ClassUpdater(const ClassRoots* roots, const FileNames* names, UpdateWishes wishes)
       : roots_(roots), names_(names), wishes_(wishes), describer_(roots, names) {}
 
-  // Never throws: what goes wrong becomes a failure of the target's class.
+  // Never throws: any fault becomes a failure of the target's class.
   TargetOutcome update(const Target& target) const;
 
  private:
   TargetOutcome updateClass(const Target& target) const;
-  // Takes from the plan what is no longer needed once it was looked at.
+  // Moves from the plan what is not needed afterwards.
   ClassOutcome makeOutcome(PlannedClass& planned, const FindingsListener& listener) const;
-  // Fills in what there is only for a changed text.
+  // Sets the fields that are only for a changed text.
   void checkNewText(PlannedClass& planned, ClassOutcome& outcome) const;
   fl::filesystem::FileState oldFileOf(const PlannedClass& planned, const std::string& path) const;
-  // What only the bytes of the file tell.
+  // Sets the fields that depend on the bytes of the file.
   void addFile(const PlannedClass& planned, ClassOutcome& outcome) const;
 
   const ClassRoots* roots_;

@@ -1,4 +1,4 @@
-// What became of the classes that an update looked at.
+// The results for the classes of an update.
 #pragma once
 
 #include <cstddef>
@@ -20,8 +20,8 @@ namespace soca::cli {
 
 // All texts are UTF-8.
 
-// A stretch of one line of the file as it stands. All are one-based, columns count UTF-16 code
-// units, and `endColumn` is the one behind it. A line of 0 is a place that is not known.
+// A part of one line of the current file. All are one-based, columns count UTF-16 code units, and
+// `endColumn` is the one after it. Line 0 is an unknown place.
 struct LinePlace {
   std::uint64_t line = 0;
   std::uint64_t column = 0;
@@ -33,37 +33,37 @@ struct RelatedPlace : LinePlace {
   std::string text;
 };
 
-// One message of the service beside its edits, at the name of the member that it is about.
+// One message of the service, at the name of the member that it concerns.
 struct Finding : LinePlace {
   // The short id; empty if it is not known.
   std::string id;
   std::string text;
-  // What fills the placeholders of the text.
+  // The arguments for the placeholders of the text.
   std::vector<std::string> arguments;
   // In the order of the file.
   std::vector<RelatedPlace> related;
 };
 
-// A class that could not be updated, or was passed over.
+// A class that could not be updated, or was skipped.
 struct Failure {
-  // The class that was asked for, also when a superclass failed.
+  // The class of the call, also when a superclass failed.
   std::string className;
   // A full message id, or one of the program's own.
   std::string id;
   std::string message;
-  // What the message is about: a class name or a path.
+  // The class name or path that the message is about.
   std::string argument;
-  // For what is no System object, what its file turned out to be.
+  // For a class that is no System object, the contents of its file.
   FileVerdict::Type file = FileVerdict::Type::holdsClass;
-  // The syntax errors of the file in question.
+  // The syntax errors of the file concerned.
   std::vector<ca::Diagnostic> diagnostics;
-  // The same as people read them, with the lines in question.
+  // The same in the form for users, with the source lines.
   std::string excerpt;
-  // What the program knows besides, one sentence each.
+  // Further details, one sentence each.
   std::vector<std::string> hints;
 };
 
-// What is told of a file besides its text.
+// Facts about a file besides its text.
 struct FileBytes {
   // The checksum, in hexadecimal digits.
   std::string sha256;
@@ -74,38 +74,39 @@ struct FileBytes {
 struct ClassOutcome {
   std::string className;
   std::string file;
-  // The service's word, and whether the text differs.
+  // The result of the service, and whether the text differs.
   bool updated = false;
   bool changed = false;
-  // The service's text.
+  // The text of the service.
   std::string text;
   std::vector<Finding> findings;
   std::vector<std::string> hints;
-  // Why the program does not take the new text; empty if it does.
+  // The reason why the program refuses the new text; empty if it does not.
   std::string refusal;
-  // Why `--write` would not take it, where that is known in a dry run.
+  // The reason why `--write` would refuse it, if it is known in a dry run.
   std::string writeRefusal;
   // Only for a text that differs and is not refused.
   std::string diff;
-  // What is printed of the class on standard output.
+  // The output for the class on standard output.
   std::string data;
-  // Likewise: the file's new bytes, and the stamp of the file that they were computed from.
+  // For the same texts: the file's new bytes, and the stamp of the file from which they were
+  // computed.
   std::string newBytes;
   fl::filesystem::FileStamp stamp;
   FileEdits edits;
   std::vector<Conversion> conversions;
-  // Of the file as it stands, only if edits are asked for.
+  // Of the current file, only if edits are requested.
   std::optional<FileBytes> bytes;
-  // How many edits each rule family made.
+  // The number of edits of each rule family.
   PerFamily<std::size_t> editCounts;
   // Whether an update of the new text would change it again.
   bool changesAgain = false;
-  // The methods that the update brings in by another name, and those that it deletes.
+  // The new names of methods that the update renames, and the methods that it deletes.
   std::vector<std::string> gainedMethods;
   std::vector<std::string> deletedMethods;
 
   bool isRefused() const { return !refusal.empty(); }
-  // Drops what there is only of a text that is not refused.
+  // Drops the fields that are only for a text that is not refused.
   void refuse(std::string reason) {
     refusal = std::move(reason);
     diff.clear();
@@ -118,13 +119,13 @@ struct ClassOutcome {
   bool hasNewFile() const { return changed && !isRefused(); }
 };
 
-// What became of one target.
+// The result for one target.
 struct TargetOutcome {
   std::vector<ClassOutcome> classes;
   std::vector<Failure> failures;
-  // A class below a named folder that is none of ours.
+  // A class in a named folder that is no System object.
   std::optional<Failure> skipped;
-  // Whether the target turned out to be a file without a class.
+  // Whether the target is a file without a class.
   bool hasNoClass = false;
 };
 
