@@ -1,4 +1,4 @@
-// Work on a sequence of items by several threads, with the results in the order of the items.
+// Processes a sequence of items by several threads, with the results in the order of the items.
 #pragma once
 
 #include <algorithm>
@@ -13,20 +13,20 @@
 
 namespace soca::cli {
 
-// Takes items from `next` until it gives nothing, makes a result of each with `work`, and hands the
-// results to `consume` in the order of the items. `next` and `consume` return false or nothing to
+// Takes items from `next` until it returns none, makes a result of each with `work`, and passes the
+// results to `consume` in the order of the items. `next` and `consume` return none or false to
 // stop; they need no lock of their own. `work` runs on `jobs` threads at once. The calling thread
-// is one of them, and `consume` runs on it alone: a thread for that would have to be woken for each
-// result.
+// is one of them, and is the only one for `consume`: a separate thread would have to be woken for
+// each result.
 //
-// No more than a few items for each job are under way, so memory does not grow with the sequence.
+// At most a few items for each job are in progress, so that memory does not grow with the sequence.
 // None of the three may throw.
 template <class Item, class Result>
 class OrderedWorkers {
  public:
   using Next = std::function<std::optional<Item>()>;
   using Work = std::function<Result(const Item&)>;
-  // May take the result apart.
+  // May move parts out of the result.
   using Consume = std::function<bool(Result&)>;
 
   OrderedWorkers(unsigned jobs, Next next, Work work, Consume consume)
@@ -86,7 +86,7 @@ class OrderedWorkers {
     resultIsThere_.notify_one();
   }
 
-  // The lock is given up while the work is done.
+  // The lock is released during the work.
   void workOnNext(Lock& lock) {
     const std::optional<Item> item = next_();
     if (!item) return stop();
@@ -98,8 +98,8 @@ class OrderedWorkers {
     if (number == consumed_) resultIsThere_.notify_one();
   }
 
-  // The lock is given up meanwhile; nobody else touches a finished result. Returns whether to go
-  // on.
+  // The lock is released meanwhile, because no other thread uses a finished result. Returns whether
+  // to continue.
   bool consumeNext(Lock& lock) {
     std::optional<Result>& result = finishedAt(consumed_);
     lock.unlock();
@@ -119,13 +119,13 @@ class OrderedWorkers {
   std::mutex mutex_;
   std::condition_variable roomIsThere_;
   std::condition_variable resultIsThere_;
-  // Numbers of items: taken from the sequence, and handed to `consume`.
+  // Numbers of items: taken from the sequence, and passed to `consume`.
   std::size_t taken_ = 0;
   std::size_t consumed_ = 0;
   bool stopped_ = false;
-  // The ring of the results that wait, each at its number modulo the size.
+  // A ring buffer of the finished results, each at its number modulo the size.
   std::vector<std::optional<Result>> finished_;
-  // Threads besides the calling one.
+  // The number of threads other than the calling one.
   unsigned otherThreads_;
 };
 

@@ -1,4 +1,4 @@
-// `update --stdin-path PATH -`: the update of a text that no file holds yet.
+// `update --stdin-path PATH -`: the update of a text from standard input.
 #pragma once
 
 #include <string>
@@ -11,18 +11,18 @@
 
 namespace soca::cli {
 
-// The text of one class, to be taken for that of its file, which need not be there.
+// The text of one class, which replaces that of its file; the file need not exist.
 struct StandardInput {
-  // Absolute, as the class path names it.
+  // Absolute, as on the class path.
   std::string path;
   fl::filesystem::FileState file;
 };
 
-// Reads the text of the class from standard input and prints what becomes of it: the new bytes, or
-// those that came in. Of the class itself nothing is read from a disk. On failure nothing is
-// printed but complaints, and in the formats for programs what they have for failures.
+// Reads the text of the class from standard input and prints the new bytes, or the same bytes if
+// nothing changes. Does not read the file of the class. On failure it prints only messages, and in
+// the formats for programs their form of failures.
 //
-// Throws UsageError for a path that no class has.
+// Throws UsageError for a path without a class.
 ExitCodeType updateStandardInput(const Options& options, const ClassRoots& roots, Console& console);
 
 }  // namespace soca::cli

@@ -11,7 +11,7 @@
 namespace soca::cli {
 namespace {
 
-// In the order of PhaseType, less its first.
+// In the order of PhaseType, without its first.
 constexpr std::array<std::string_view, fl::timing::phaseCount - 1> phaseNames = {
     "walk", "read", "analyse", "rules", "checks", "git", "diff", "print", "write"};
 

@@ -77,7 +77,7 @@ void UpdateRun::countTargets(const std::stop_token& stop, Progress& progress) {
     while (!stop.stop_requested() && targets.next()) ++total;
     if (!stop.stop_requested()) progress.setTotal(total);
   } catch (const std::exception&) {
-    // The update itself will tell what is wrong.
+    // The update itself will report the fault.
   }
 }
 
@@ -150,7 +150,7 @@ void UpdateRun::take(TargetOutcome& outcome) {
 void UpdateRun::takeClass(ClassOutcome& outcome) {
   summary_.add(outcome);
   if (!options_->quiet) methodChanges_.add(outcome);
-  // A file that several classes stand for, over links, changes once.
+  // A file that several classes share by links is changed once.
   const bool isFirst =
       !outcome.hasNewFile() || files_[outcome.stamp.device].insert(outcome.stamp.inode).second;
   if (!isFirst && options_->format == FormatType::text) outcome.data.clear();
@@ -177,7 +177,7 @@ void UpdateRun::writeAll() {
   takeWritten();
 }
 
-// What was not written is no result.
+// Files that were not written do not count as results.
 void UpdateRun::takeWritten() {
   const auto& entries = queue_->entries();
   const bool isPartlyWritten = queue_->result().writtenCount > 0;

@@ -1,4 +1,4 @@
-// The commands and their options, as data: the parser and the help are both made from it.
+// The commands and their options, as data from which the parser and the help are made.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ namespace soca::cli {
 struct CommandRow {
   CommandType type;
   std::string_view name;
-  // What stands behind the options.
+  // The arguments after the options.
   std::string_view arguments;
   bool needsArguments;
   std::string_view summary;
@@ -42,7 +42,7 @@ enum class OptionType {
   help,
 };
 
-// One of the words that an option takes, and what it stands for, as a number.
+// One of the words that an option accepts, and its value as a number.
 struct OptionWord {
   template <class Value>
   constexpr OptionWord(std::string_view word, Value meaning)
@@ -57,12 +57,12 @@ struct OptionRow {
   // `-p,--path` or `--write`.
   std::string_view flags;
   // The name of the option's value; empty for a switch. DIR is a folder, FILE and PATH are files,
-  // and of LIST there may be several, parted by commas.
+  // and LIST is a list separated by commas.
   std::string_view value;
-  // The commands that know it, as a sum of `bitOf`.
+  // The commands that have it, as a sum of `bitOf`.
   unsigned commands;
   std::string_view text;
-  // All the words that the value can be; none if it is no such word.
+  // All possible words of the value; empty if the value is not a word.
   std::span<const OptionWord> words = {};
 };
 
@@ -75,7 +75,7 @@ struct ExitCodeRow {
 
 constexpr unsigned bitOf(CommandType command) { return 1U << static_cast<unsigned>(command); }
 
-// Whether the row is one for the command.
+// Whether the row is valid for the command.
 template <class Row>
 constexpr bool isFor(CommandType command, const Row& row) {
   return (row.commands & bitOf(command)) != 0;
@@ -89,7 +89,7 @@ std::span<const CommandRow> commandRows();
 std::span<const OptionRow> optionRows();
 std::span<const ExitCodeRow> exitCodeRows();
 
-// The row of the command; null for a name that is none.
+// The row of the command; null for an unknown name.
 const CommandRow* findCommand(std::string_view name);
 const CommandRow& commandRow(CommandType type);
 const OptionRow& optionRow(OptionType type);

@@ -27,7 +27,7 @@ std::vector<std::string_view> namesIn(const Rows& rows, Projection nameOf) {
   return names;
 }
 
-// What the word stands for that the option was given.
+// The value of the word that was given for the option.
 std::uint64_t valueOf(std::string_view text, OptionType type, std::string_view what) {
   const std::span<const OptionWord> words = optionRow(type).words;
   const auto word = std::ranges::find(words, text, &OptionWord::text);
@@ -65,7 +65,7 @@ unsigned numberOfProcessors() {
   return static_cast<unsigned>(std::max(1, CPU_COUNT(&processors)));
 }
 
-// The options as the parser sees them, before their values are read.
+// The options as parsed, before their values are converted.
 struct RawOptions {
   std::string rules, jobs, color, format;
   bool help = false;
@@ -75,7 +75,7 @@ void addOption(CLI::App& app, const OptionRow& row, Options& options, RawOptions
   const std::string flags(row.flags);
   switch (row.type) {
     case OptionType::path:
-      // One folder for each `-p`: what follows it is an argument of the command.
+      // One folder for each `-p`: the word after it is an argument of the command.
       app.add_option(flags, options.roots)->allow_extra_args(false)->type_name("DIR");
       return;
     case OptionType::rules:
@@ -154,7 +154,7 @@ void readValues(const CLI::App& app, const RawOptions& raw, Options& options) {
   }
 }
 
-// What goes with a text that comes in on standard input.
+// Checks the options that are valid with a text from standard input.
 void checkStandardInput(const Options& options) {
   const bool isNamed = std::ranges::find(options.arguments, "-") != options.arguments.end();
   if (options.stdinPath.empty()) {
@@ -205,8 +205,8 @@ void checkOptions(const CommandRow& command, const Options& options) {
   }
 }
 
-// The option was given without its value, or with one that it does not take. The parser's message
-// begins with its name, which may lack the dashes.
+// The option has no value, or an invalid one. The parser's message begins with its name, which may
+// lack the dashes.
 UsageError wrongValue(std::string_view message) {
   const auto withoutDashes = [](std::string_view name) {
     return name.substr(std::min(name.find_first_not_of('-'), name.size()));
@@ -220,7 +220,7 @@ UsageError wrongValue(std::string_view message) {
   return UsageError(std::string(message));
 }
 
-// `given` is no option of the command.
+// The error for `given`, which is no option of the command.
 UsageError unknownOption(const CommandRow& command, std::string_view given) {
   const std::string_view name = given.substr(0, given.find('=', 2));
   std::vector<std::string_view> names;
@@ -241,7 +241,7 @@ UsageError unknownOption(const CommandRow& command, std::string_view given) {
                                 didYouMean(name, names, std::identity())));
 }
 
-// `given` stands where a command should.
+// The error for `given`, which is no command.
 UsageError unknownCommand(std::string_view given) {
   if (given.starts_with('-')) {
     const std::array<std::string_view, 2> alone = {"--help", "--version"};
@@ -264,7 +264,7 @@ void parseCommandLine(const CommandRow& command, const std::vector<std::string>&
   for (const OptionRow& row : optionRows()) {
     if (!isFor(command.type, row)) continue;
     addOption(app, row, options, raw);
-    // A switch is given or not.
+    // A switch has no value.
     if (row.value.empty()) {
       app.get_option(std::string(namesOf(row).back()))->disable_flag_override();
     }
@@ -289,7 +289,7 @@ void parseCommandLine(const CommandRow& command, const std::vector<std::string>&
   checkOptions(command, options);
 }
 
-// Names of files and classes have to be text.
+// Names of files and classes must be UTF-8.
 void checkEncoding(const std::vector<std::string>& arguments) {
   for (const std::string& argument : arguments) {
     const fl::DecodedText decoded = fl::decodeFileText(argument);

@@ -17,9 +17,9 @@ enum class FormatType { text, json, sarif };
 
 struct Options {
   CommandType command = CommandType::help;
-  // With CommandType::help, the command that help is wanted for; `help` itself for all of them.
+  // With CommandType::help, the command to print help on; `help` itself for the whole program.
   CommandType helpSubject = CommandType::help;
-  // As they were given. Without roots the current folder is the only one.
+  // In the given form. Without roots the current folder is the only one.
   std::vector<std::string> arguments;
   std::vector<std::string> roots;
   std::string classTable;
@@ -32,29 +32,29 @@ struct Options {
   bool includeSuperclasses = false;
   bool write = false;
   bool check = false;
-  // Whether files may be changed that git could not bring back.
+  // Whether files that git could not restore may be changed.
   bool allowDirty = false;
-  // Whether a folder stands for what git ignores, hidden folders and links to folders too.
+  // Whether a folder includes ignored files, hidden folders and links to folders.
   bool noIgnore = false;
   bool list = false;
-  // Whether to tell what the run took.
+  // Whether to print the cost of the run.
   bool stats = false;
   FormatType format = FormatType::text;
   bool edits = false;
-  // The path of the class whose text comes in on standard input; empty for none.
+  // The path of the class whose text is read from standard input; empty for none.
   std::string stdinPath;
 };
 
-// A command line that asks for nothing that the program does, or for something that is not there.
+// A command line that is not valid, or that names something that does not exist.
 class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// The colours that the arguments ask for, also if there is something wrong with them.
+// The colours that the arguments select, also if the arguments are not valid.
 ColorType findColor(const std::vector<std::string>& arguments);
 
-// `arguments` are those behind the program's name. Throws UsageError.
+// `arguments` are without the program's name. Throws UsageError.
 Options parseOptions(const std::vector<std::string>& arguments);
 
 }  // namespace soca::cli
