@@ -1,6 +1,6 @@
-// The least that it takes to replace files safely: each is read, written anew beside itself, all
-// are brought to the disk by one call, and each is renamed. What `soca update --write` costs is
-// held against this.
+// The lower bound for replacing files safely: each is read and written to a new file beside it, all
+// are flushed to the disk by one call, and each is renamed. `soca update --write` is compared with
+// this.
 //   bare_write FOLDER
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -212,7 +212,7 @@ class ClassWriter : private LineWriter {
 
   const ClassShape& shape_;
   Dice dice_;
-  // Words that the text comes back to.
+  // Words that the text uses repeatedly.
   std::string_view mode_;
   std::string_view switch_;
 };

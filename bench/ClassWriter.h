@@ -1,4 +1,4 @@
-// Writes the text of one made-up class, such as people write them.
+// Writes the text of one generated class with a realistic form.
 #pragma once
 
 #include <cstddef>
@@ -11,16 +11,16 @@
 namespace bench {
 
 enum class FormType {
-  current,   // nothing is to be changed
-  outdated,  // something of each kind that can be converted
+  current,   // needs no changes
+  outdated,  // has one of each kind that can be converted
 };
 
 struct ClassShape {
   std::string name;  // without its package
-  std::string base;  // with its package; empty for a class directly below the environment's
+  std::string base;  // with its package; empty for a direct subclass of the environment's base
   FormType form = FormType::current;
   std::uint64_t seed = 0;
-  // Methods are added until the text has this many bytes. 5000 makes about 150 lines.
+  // Methods are added until the text has this many bytes. 5000 gives about 150 lines.
   std::size_t minimumBytes = 0;
 };
 

@@ -1,4 +1,4 @@
-// Random choices that come out the same on every machine.
+// Random choices that are the same on every machine.
 #pragma once
 
 #include <array>
@@ -8,8 +8,8 @@
 
 namespace bench {
 
-// The standard fixes the numbers of this engine but not those of its distributions, so none is
-// used.
+// The standard specifies the numbers of this engine but not those of its distributions, so no
+// distribution is used.
 class Dice {
  public:
   explicit Dice(std::uint64_t seed) : engine_(seed) {}

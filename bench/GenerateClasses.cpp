@@ -1,9 +1,9 @@
-// Writes trees of made-up class files, the same ones for the same seed:
+// Writes trees of generated class files, the same ones for the same seed:
 //   generate_classes --seed 1 --count 2000 --out DIR     a tree of classes, half of them outdated
 //   generate_classes --seed 1 --bytes 10000000 --out DIR one class of that size, DIR/Large.vlm
 //   generate_classes --members method --count 1000 --out DIR
-//                                                        one class of so many members of a kind
-// and JavaScript classes of the same build with --language javascript.
+//                                                        one class with that many members of a kind
+// and JavaScript classes of the same form with --language javascript.
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
@@ -27,7 +27,7 @@ constexpr std::size_t kClassesPerFolder = 40;
 constexpr std::size_t kBases = 8;
 
 enum class LanguageType { velum, javaScript };
-// Which of the classes of a tree want to be changed.
+// The share of the classes in a tree that need changes.
 enum class MixType { half, all, none };
 
 struct Options {
@@ -64,8 +64,8 @@ bench::FormType formOf(const Options& options, std::size_t number) {
 
 std::string baseName(std::size_t number) { return fmt::format("Base{}", number); }
 
-// The classes that the others derive from, in a folder of their own; up to date, since many read
-// them and few change them.
+// The base classes, in a folder of their own; up to date, because usually many classes use a base
+// and few change it.
 void writeBases(const Options& options) {
   for (std::size_t i = 0; i < kBases; ++i) {
     const bench::ClassShape shape{.name = baseName(i),

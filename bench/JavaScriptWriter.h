@@ -1,5 +1,5 @@
-// Writes the text of one made-up JavaScript class, of the same build and size as the Velum ones:
-// for tools of the same trade, which read that language.
+// Writes the text of one generated JavaScript class, of the same form and size as the Velum ones:
+// for comparable tools, which read that language.
 #pragma once
 
 #include <string>
@@ -8,8 +8,8 @@
 
 namespace bench {
 
-// `shape.base` names a class of the same folder tree, with `.` between the folders. An outdated
-// class has a handful of places that linters offer to mend.
+// `shape.base` names a class in the same folder tree, with `.` between the folders. An outdated
+// class has a few places that linters report.
 std::string writeJavaScriptClass(const ClassShape& shape);
 
 }  // namespace bench

@@ -1,4 +1,4 @@
-// Text that is made line by line.
+// Text that is written line by line.
 #pragma once
 
 #include <fmt/format.h>
@@ -20,7 +20,7 @@ class LineWriter {
     fmt::format_to(std::back_inserter(text_), format, std::forward<Args>(args)...);
     text_ += '\n';
   }
-  // A line that holds braces of its own.
+  // A line that contains braces.
   void verbatim(std::size_t level, std::string_view code) { line(level, "{}", code); }
   void blank() { text_ += '\n'; }
 

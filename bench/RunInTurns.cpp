@@ -1,8 +1,8 @@
-// Runs commands in turns and prints what each took: what a machine does besides then falls on all
-// of them alike, and the ratios hold where the times don't.
+// Runs commands in turns and prints the cost of each: other load on the machine then affects all of
+// them alike, so that ratios are stable where times are not.
 //   run_in_turns [--runs 5] [--bytes N] [--before COMMAND] NAME COMMAND [NAME COMMAND ...]
-// A command is split at its blanks and gets no shell; what it prints is thrown away. `--before` is
-// a line for the shell that is run before each of the counted runs, and is not counted.
+// A command is split at its blanks and run without a shell; its output is discarded. `--before` is
+// a shell command that is run before each of the counted runs, and is not counted.
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <spawn.h>
@@ -31,7 +31,7 @@ struct Options {
   std::vector<std::string> words;
 };
 
-// What one run took: seconds, and MiB.
+// The cost of one run: seconds, and MiB.
 struct Figures {
   double wall = 0;
   double cpu = 0;
@@ -53,7 +53,7 @@ double secondsOf(const timeval& time) {
   return static_cast<double>(time.tv_sec) + 1e-6 * static_cast<double>(time.tv_usec);
 }
 
-// The command with its output thrown away.
+// Starts the command with its output discarded.
 pid_t start(const std::vector<std::string>& command) {
   std::vector<char*> arguments;
   for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
@@ -78,7 +78,7 @@ Figures run(const std::vector<std::string>& command) {
   rusage usage = {};
   if (wait4(child, &status, 0, &usage) < 0) throw std::runtime_error("the run got lost");
   const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - begin;
-  // Linters end with 1 when they found something; what died or could not start is no run.
+  // Linters exit with 1 when they find something; other failures are not counted as runs.
   if (!WIFEXITED(status) || WEXITSTATUS(status) > 2) {
     throw std::runtime_error("a run failed: " + command.front());
   }
@@ -99,7 +99,7 @@ double median(const std::vector<Figures>& runs, double Figures::* figure) {
   return values[values.size() / 2];
 }
 
-// The median of what the runs took more than the first contender's run of the same turn.
+// The median of the ratios to the first contender's run in the same turn.
 double medianRatio(const Contender& contender, const Contender& first, double Figures::* figure) {
   std::vector<double> ratios;
   for (std::size_t i = 0; i < contender.runs.size(); ++i) {

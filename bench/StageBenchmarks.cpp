@@ -1,5 +1,5 @@
-// What each stage of an update takes, on one made-up class. `bytes_per_second` counts the bytes of
-// its file.
+// The cost of each stage of an update, for one generated class. `bytes_per_second` counts the bytes
+// of its file.
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
@@ -28,7 +28,7 @@ namespace {
 constexpr std::size_t kSmall = 5000;
 constexpr std::size_t kLarge = 1000000;
 
-// The class and its texts; its file stands in a folder of its own until the process ends.
+// The class and its texts; its file is in a temporary folder until the process ends.
 class Sample {
  public:
   explicit Sample(std::size_t bytes)
@@ -84,7 +84,7 @@ void encode(benchmark::State& state) {
   countBytes(state, sample);
 }
 
-// The tokens as they come without a parser, which knows more of quotes and commands.
+// The tokens without a parser, which would decide on quotes and commands.
 void scan(benchmark::State& state) {
   const Sample sample = sampleOf(state);
   NoErrors errors;
@@ -108,7 +108,7 @@ void parse(benchmark::State& state) {
   countBytes(state, sample);
 }
 
-// From the class name to the model; the analysis of the file is remembered.
+// From the class name to the model; the analysis of the file is cached.
 void load(benchmark::State& state) {
   const Sample sample = sampleOf(state);
   const soca::ServiceContext context(soca::allFamilies);
@@ -118,7 +118,7 @@ void load(benchmark::State& state) {
   countBytes(state, sample);
 }
 
-// The actions of the families that the mask selects, less the loading.
+// The actions of the families that the mask selects, without loading.
 void collect(benchmark::State& state) {
   const Sample sample = sampleOf(state);
   const soca::ServiceContext context(static_cast<soca::UpdateMask>(state.range(1)));

@@ -25,16 +25,16 @@ using UpdaterComponent =
     cppmicroservices::service::component::detail::ComponentInstanceImpl<soca::UpdaterImpl,
                                                                         std::tuple<soca::Updater>>;
 
-// Lent by the runtime; null outside of it.
+// Owned by the runtime; null without it.
 std::atomic<BundleContextPrivate*> bundleContext = nullptr;
 
 }  // namespace
 
-// The runtime makes these names of the component's and the bundle's.
+// The runtime derives these names from those of the component and the bundle.
 // NOLINTBEGIN(bugprone-reserved-identifier, readability-identifier-naming)
 extern "C" {
 
-// Null if there is no memory. The instance goes back by DeleteInstance_soca_UpdaterImpl.
+// Null if there is no memory. The instance is released by DeleteInstance_soca_UpdaterImpl.
 [[gnu::visibility("default")]] ComponentInstance* NewInstance_soca_UpdaterImpl() {
   return new (std::nothrow) UpdaterComponent;
 }
@@ -48,7 +48,7 @@ _us_set_bundle_context_instance_com_orrery_systemobject_analyzer(BundleContextPr
   bundleContext.exchange(context);
 }
 
-// For the bundle's own code, by which the runtime's headers find the context; not exported.
+// For the bundle's own code: the runtime's headers find the context by this function. Not exported.
 BundleContextPrivate* _us_get_bundle_context_instance_com_orrery_systemobject_analyzer() {
   return bundleContext.load();
 }

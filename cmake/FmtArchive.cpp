@@ -1,4 +1,4 @@
-// The functions of fmt 9 that its headers only declare, for a program that holds them itself.
+// The functions of fmt 9 that its headers only declare, for a program that contains them.
 #include <fmt/format-inl.h>
 
 FMT_BEGIN_NAMESPACE

@@ -1,5 +1,4 @@
-# What is installed and where, the CMake package, and the Debian package. Everything may be moved
-# together once it is installed.
+# The installed files, the CMake package, and the Debian package. The installed tree is relocatable.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -7,10 +6,10 @@ set(SOCA_BUNDLE_DIR ${CMAKE_INSTALL_LIBDIR}/soca)
 set(SOCA_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/soca)
 
 # --- headers ------------------------------------------------------------------------------------
-# Clients include "soca/Updater.h", which needs nothing else. The other headers lie in a folder of
-# their own, through which they are found by their names in this project, such as
-# "platform/paths/PathDispatcher.h". A client of the bundle links the platform alone, so that the
-# service's interface comes with it.
+# Clients include "soca/Updater.h", which needs nothing else. The other headers are in a folder of
+# their own, which is the include path for their names in this project, such as
+# "platform/paths/PathDispatcher.h". A client of the bundle links only the platform, so the
+# service's interface is part of its headers.
 
 target_sources(
   soca_platform
@@ -67,8 +66,8 @@ set_target_properties(soca_core PROPERTIES EXPORT_NAME core)
 add_library(soca::platform ALIAS soca_platform)
 add_library(soca::core ALIAS soca_core)
 
-# The bundle, and a program that holds no copy, find the library beside them, wherever they are. What else
-# was linked from an unusual place, such as the component runtime, stays there.
+# The bundle, and a program that does not contain it, find the library relative to their own place.
+# Libraries from an unusual place, such as the component runtime, keep their path.
 file(RELATIVE_PATH libraries_from_program ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
 set_target_properties(com_orrery_systemobject_analyzer PROPERTIES INSTALL_RPATH "$ORIGIN/.."
                                                                   INSTALL_RPATH_USE_LINK_PATH ON)
@@ -86,7 +85,7 @@ if(TARGET soca_manual_files)
           DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
   install(FILES ${manual}/soca.fish
           DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
-  # Debian's zsh does not look in its own folder of that name.
+  # Debian's zsh does not search the folder of that name below its own.
   install(
     CODE "set(folder site-functions)
           if(CMAKE_INSTALL_PREFIX MATCHES \"/usr$\" AND EXISTS /etc/debian_version)
@@ -129,9 +128,9 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION devel)
-# The dependencies come from the libraries that are linked; that of the package's own is no stranger.
+# The dependencies are those of the linked libraries; the package's own library is known here.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
-# Loaded at run time, where a git repository is met.
+# Loaded at run time when there is a git repository.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "libgit2-1.5")
 include(CPack)

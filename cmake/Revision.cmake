@@ -1,9 +1,9 @@
-# Writes a header with the commit that the sources are of, if it is known: they are in a git work
-# tree of their own, or in an archive that git made. The file changes only when the commit does.
+# Writes a header with the commit of the sources, if it is known: they are the root of a git work
+# tree, or from an archive that git made. The file changes only when the commit does.
 #
 #   cmake -D SOURCE_DIR=... -D OUTPUT=... -P Revision.cmake
 
-# git puts the commit in here when it makes an archive.
+# git replaces this by the commit when it makes an archive.
 set(archived "$Format:%h$")
 
 function(git)
@@ -20,7 +20,7 @@ if(NOT archived MATCHES "Format")
   set(revision ${archived})
 endif()
 
-# The sources may lie in the work tree of something else.
+# The sources may be inside the work tree of another project.
 git(rev-parse --show-toplevel)
 file(REAL_PATH ${SOURCE_DIR} source_dir)
 if(result EQUAL 0 AND output STREQUAL source_dir)

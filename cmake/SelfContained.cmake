@@ -1,20 +1,20 @@
-# A short run spends most of its time on loading shared libraries and looking up what they call of
-# each other. The program therefore holds the platform, fmt and the C++ library, and loads nothing
-# but the C library and the allocator. The bundle, its clients and the tests use the shared platform.
+# A short run spends most of its time on loading shared libraries and resolving their symbols.
+# Therefore the program contains the platform, fmt and the C++ library, and loads only the C library
+# and the allocator. The bundle, its clients and the tests use the shared platform.
 #
-# Libraries that the program and others are made of link soca_PLATFORM and soca_FMT, which are one
-# or the other, depending on who links.
+# Libraries that are part of the program and of other targets link soca_PLATFORM and soca_FMT, which
+# are shared or static depending on the target that links them.
 include(CheckLinkerFlag)
 
 set(self_contained OFF)
-# A sanitizer has its own part in the C++ library.
+# A sanitizer needs the shared C++ library.
 if(SOCA_SELF_CONTAINED AND NOT SOCA_SANITIZE)
   check_linker_flag(CXX "-static-libstdc++;-static-libgcc" SOCA_HAS_CXX_ARCHIVES)
   set(self_contained ${SOCA_HAS_CXX_ARCHIVES})
 endif()
 
 # soca_or_archive(VARIABLE SHARED ARCHIVE)
-# Sets VARIABLE to ARCHIVE for a program that holds its libraries, and to SHARED for all others.
+# Sets VARIABLE to ARCHIVE for a program that contains its libraries, and to SHARED for all others.
 function(soca_or_archive variable shared archive)
   set(own $<BOOL:$<TARGET_PROPERTY:SOCA_SELF_CONTAINED>>)
   set(${variable}
@@ -23,8 +23,8 @@ function(soca_or_archive variable shared archive)
 endfunction()
 soca_or_archive(soca_PLATFORM soca_platform soca_platform_archive)
 
-# Debian has no archive of fmt. That of our own knows what this version consists of; of another one
-# the shared library is linked, which needs that of C++ as well.
+# Debian has no archive of fmt. The one built here matches this version; with another version the
+# shared library is linked, which also needs the shared C++ library.
 get_target_property(fmt_type fmt::fmt TYPE)
 set(soca_FMT fmt::fmt)
 if(self_contained AND fmt_type STREQUAL SHARED_LIBRARY)
@@ -39,7 +39,7 @@ if(self_contained AND fmt_type STREQUAL SHARED_LIBRARY)
 endif()
 
 # soca_hold_libraries(PROGRAM)
-# Makes the program hold its libraries, if they are there as archives.
+# Makes the program contain its libraries, if they are available as archives.
 function(soca_hold_libraries program)
   if(self_contained)
     set_target_properties(${program} PROPERTIES SOCA_SELF_CONTAINED ON SKIP_BUILD_RPATH ON)

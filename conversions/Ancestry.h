@@ -1,4 +1,4 @@
-// The classes that a class derives from.
+// The superclasses of a class, direct and indirect.
 #pragma once
 
 #include <string>
@@ -8,25 +8,25 @@
 
 namespace soca {
 
-// Asks the class runtime for each class once, nearest first, or for all at once where it remembers
+// Queries the class runtime once for each class, nearest first, or once for all if it has cached
 // them. Names are in UTF-8.
 class Ancestry {
  public:
   explicit Ancestry(std::string_view className);
 
-  // A class of which nothing is known.
+  // A class that was not found, or only as a p-file.
   struct Missing {
     std::string name;
-    // The class that names it.
+    // The class that has it as a superclass.
     std::string namedBy;
     bool isPFile = false;
   };
 
   const std::vector<Missing>& missing() const { return missing_; }
-  // Whether the class derives from itself over others.
+  // Whether the class is among its own ancestors.
   bool isCyclic() const { return isCyclic_; }
 
-  // All that the class derives from, nearest first.
+  // All ancestors of the class, nearest first.
   static std::vector<std::string> superClassesOf(std::string_view className);
 
  private:

@@ -19,7 +19,7 @@ namespace {
 
 using fl::i18n::to_string;
 
-// The edits of one family that are no insertions, by where they begin.
+// The edits of one family, without insertions, by their start.
 class EditsByStart {
  public:
   EditsByStart(const PlannedClass& planned, RuleFamilyType family) {
@@ -29,7 +29,7 @@ class EditsByStart {
         if (edit.extent.start != edit.extent.end) edits_.push_back(&edit);
       }
     }
-    // Of two that begin at one place the one that is made first counts.
+    // Of two edits with the same start the one made first is used.
     std::ranges::stable_sort(edits_, {}, startOf);
     const auto same = std::ranges::unique(edits_, {}, startOf);
     edits_.erase(same.begin(), same.end());
@@ -37,16 +37,16 @@ class EditsByStart {
 
   bool empty() const { return edits_.empty(); }
 
-  // The edit that replaces just this extent, or null.
+  // The edit of exactly this extent, or null.
   const PlannedEdit* of(const Extent& extent) const {
     const PlannedEdit* edit = lastAt(extent.start);
     return edit != nullptr && edit->extent == extent ? edit : nullptr;
   }
 
-  // The last edit that begins at the place or in front of it, or null.
+  // The last edit that begins at or before the place, or null.
   const PlannedEdit* lastAt(const SourcePosition& place) const {
-    const auto behind = std::ranges::upper_bound(edits_, place, {}, startOf);
-    return behind != edits_.begin() ? *(behind - 1) : nullptr;
+    const auto after = std::ranges::upper_bound(edits_, place, {}, startOf);
+    return after != edits_.begin() ? *(after - 1) : nullptr;
   }
 
  private:
@@ -128,8 +128,8 @@ std::optional<std::string> NewTextCheck::checkProperties(const ca::AnalysisResul
   return checkDeleted();
 }
 
-// Only companions of sets may go, and their values have to survive the quotes that the new
-// declarations put round them.
+// Only companions of sets may be deleted, and their values must be valid between the quotes of the
+// new declarations.
 std::optional<std::string> NewTextCheck::checkDeleted() const {
   if (deleted_.empty()) return std::nullopt;
   std::unordered_set<fl::ustring_view> others = deleted_;
@@ -150,7 +150,7 @@ std::optional<std::string> NewTextCheck::checkDeleted() const {
 
 // --- methods ---
 
-// The names of the methods as the actions say that they will be.
+// The names of the methods after the actions.
 void NewTextCheck::expectMethods(const PlannedClass& planned) {
   const EditsByStart edits(planned, RuleFamilyType::impl);
   const auto editOf = [&](const ca::astapi::Node& node) {

@@ -1,4 +1,4 @@
-// What a new text has to satisfy before the program shows it as a diff or writes it.
+// The conditions that a new text must meet before the program shows it as a diff or writes it.
 #pragma once
 
 #include <optional>
@@ -12,23 +12,23 @@
 
 namespace soca {
 
-// The new text has to be free of syntax errors; to have the same properties, less deleted
-// companions of sets, each with the default value that it had; the same methods, renamed and
-// deleted as the actions say; and all text outside the actions.
+// The new text must have no syntax errors; the same properties, except deleted companions of sets,
+// with the same default values; the same methods, except those that the actions rename or delete;
+// and all text outside the actions.
 class NewTextCheck {
  public:
-  // Takes down what is expected of the new text. Points into the old text of `planned`, which must
-  // outlive this object; its analysis and its actions need not.
+  // Records what the new text must have. Points into the old text of `planned`, which must outlive
+  // this object; its analysis and its actions need not.
   explicit NewTextCheck(const PlannedClass& planned);
 
-  // Why the program does not take the new text of the class; nothing if it does. `updated` is the
+  // The reason to refuse the new text of the class; empty if there is none. `updated` is the
   // analysis of the new text.
   std::optional<std::string> findReasonToRefuse(const ca::AnalysisResult& updated) const;
 
  private:
   struct Property {
     fl::ustring_view name;
-    // Empty without one.
+    // Empty if there is none.
     fl::ustring_view defaultText;
   };
 

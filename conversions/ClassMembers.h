@@ -9,10 +9,10 @@
 
 namespace soca {
 
-// Valid as long as the analysis that they were taken from.
+// Valid as long as the analysis from which they were read.
 struct DeclaredProperty {
   fl::ustring_view name;
-  // Empty without one.
+  // Empty if there is none.
   fl::ustring_view defaultText;
   const ca::astapi::PropertyNode* node = nullptr;
 };
@@ -24,7 +24,7 @@ struct DeclaredMethod {
   fl::ustring_view nameView() const { return name; }
 };
 
-// In source order, those of all blocks. None if the file holds no class.
+// Those of all blocks, in source order. Empty if the file has no class.
 std::vector<DeclaredProperty> declaredProperties(const ca::AnalysisResult& analysis);
 std::vector<DeclaredMethod> declaredMethods(const ca::AnalysisResult& analysis);
 

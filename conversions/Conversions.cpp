@@ -21,10 +21,10 @@ namespace {
 using fl::i18n::to_string;
 
 constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
-// How many properties a message names.
+// The largest number of properties that a message names.
 constexpr std::size_t mostNames = 8;
 
-// Numbers in groups, each of which one of them stands for.
+// Disjoint sets of numbers; the leader of a set identifies it.
 class Groups {
  public:
   explicit Groups(std::size_t count) : leaders_(count) {
@@ -45,14 +45,14 @@ bool covers(const Extent& outer, const Extent& inner) {
   return outer.start <= inner.start && inner.end <= outer.end;
 }
 
-// A property, method or block, as it lies in the file.
+// A property, method or block, and its place in the file.
 struct PlacedMember {
   fl::ustring_view name;
   Extent extent;
   Extent nameExtent;
 };
 
-// Those that `declared` tells, of which each has a name and a node.
+// The members in `declared`, each of which has a name and a node.
 template <class Declared>
 std::vector<PlacedMember> placeMembers(const ca::AnalysisResult& analysis,
                                        const std::vector<Declared>& declared) {
@@ -73,7 +73,7 @@ std::vector<PlacedMember> placeBlocks(const ca::AnalysisResult& analysis) {
   return blocks;
 }
 
-// Calls `visit` with the index of each of the members, which stand in order, that the extent meets.
+// Calls `visit` with the index of each member that touches the extent. The members are in order.
 template <class Visit>
 void visitMembers(const std::vector<PlacedMember>& members, const Extent& extent,
                   const Visit& visit) {
@@ -134,24 +134,24 @@ class ConversionFinder {
     });
   }
 
-  // Where the end of a block goes and the beginning of a later one, the first block goes on there.
+  // If the end of a block and the beginning of a later one are deleted, the two blocks become one.
   void joinJoinedBlocks() {
-    bool goesOn = false;
+    bool continues = false;
     for (std::size_t i = 0; i < blocks_.size(); ++i) {
       const std::size_t number = planned_.actions.size() + i;
-      if (goesOn) groups_.join(number - 1, number);
+      if (continues) groups_.join(number - 1, number);
       const Extent& extent = blocks_[i].extent;
       const auto atEnd = deletionsByEnd_.find(extent.end);
       const auto atStart = deletionsByStart_.find(extent.start);
       if (atEnd != deletionsByEnd_.end() && extent.start < atEnd->second) {
-        goesOn = true;
+        continues = true;
       } else if (atStart != deletionsByStart_.end() && atStart->second < extent.end) {
-        goesOn = false;
+        continues = false;
       }
     }
   }
 
-  // A property takes over what its companion says, so they go together.
+  // A property takes over the set of its companion, so their edits belong together.
   void joinCompanions() {
     std::unordered_map<fl::ustring_view, std::size_t> deleted;
     for (std::size_t i = 0; i < properties_.size(); ++i) {
@@ -233,7 +233,7 @@ class ConversionFinder {
     });
   }
 
-  // Empty for a method that is deleted.
+  // Empty if the method is deleted.
   std::string newNameOf(const PlacedMember& method) const {
     for (const PlannedAction& action : planned_.actions) {
       if (action.extent == method.nameExtent) return to_string(action.edits.front().text);
@@ -246,15 +246,15 @@ class ConversionFinder {
   std::vector<PlacedMember> properties_;
   std::vector<PlacedMember> methods_;
   std::vector<PlacedMember> blocks_;
-  // Of the actions, and behind them the blocks and the methods.
+  // The sets of the actions, followed by the blocks and the methods.
   Groups groups_;
-  // For each property the first action that edits it, and whether it goes.
+  // For each property the first action that edits it, and whether it is deleted.
   std::vector<std::size_t> actionsOfProperties_;
   std::vector<bool> isDeleted_;
-  // The other end of what the attributes' edits delete.
+  // The other end of each deletion of the attribute rules.
   std::map<SourcePosition, SourcePosition> deletionsByStart_;
   std::map<SourcePosition, SourcePosition> deletionsByEnd_;
-  // The conversion of each group, by its leader.
+  // The index of each group's conversion, by its leader.
   std::unordered_map<std::size_t, std::size_t> numbers_;
   std::vector<Conversion> conversions_;
   // For each conversion its first action and its properties.

@@ -1,4 +1,4 @@
-// What an update does to a class, one conversion at a time.
+// The conversions that an update makes in a class.
 #pragma once
 
 #include <cstddef>
@@ -14,23 +14,23 @@
 
 namespace soca {
 
-// Edits that only make sense together: those of a method, of the list of superclasses, or of blocks
-// of properties that share a property and its companion, or are joined. A file with some of its
-// conversions made is as good as one with none or all of them.
+// Edits that depend on each other: those of a method, of the superclass list, or of properties
+// blocks that are joined or share a property and its companion. The conversions of a file are
+// independent: any subset of them may be made.
 struct Conversion {
   RuleFamilyType family = RuleFamilyType::attributes;
-  // Which of the texts of the family tells it, and what fills the placeholders.
+  // The key of the text in the family, and the arguments for its placeholders.
   std::string_view message;
   std::vector<std::string> arguments;
-  // The first member that it is about, in UTF-8; empty if it is about none.
+  // The first member concerned, in UTF-8; empty if there is none.
   std::string member;
-  // Its name, or what is edited first.
+  // The name of the member, or the first edit.
   Extent place;
   // Indices of the edits of the file, in order.
   std::vector<std::size_t> edits;
 };
 
-// In the order of the file. Every edit belongs to one conversion.
+// In the order of the file. Every edit belongs to exactly one conversion.
 std::vector<Conversion> findConversions(const PlannedClass& planned, const FileEdits& fileEdits);
 
 }  // namespace soca

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t noAction = std::numeric_limits<std::size_t>::max();
 
-// The old text with all actions applied: the record of each line is still there.
+// The old text with all actions applied; it still has one record for each old line.
 SourceFile applyActions(const PlannedClass& planned) {
   SourceFile file(*planned.oldText);
   for (const PlannedAction& action : planned.actions) {
@@ -26,7 +26,7 @@ SourceFile applyActions(const PlannedClass& planned) {
   return file;
 }
 
-// The lines of a text without their line ends; a text that ends in one has an empty last line.
+// The lines of a text without their line ends; after a final line end there is an empty last line.
 std::vector<fl::ustring_view> splitText(fl::ustring_view text) {
   std::vector<fl::ustring_view> lines;
   lines.reserve(static_cast<std::size_t>(std::ranges::count(text, u'\n')) + 1);
@@ -38,7 +38,7 @@ std::vector<fl::ustring_view> splitText(fl::ustring_view text) {
   }
 }
 
-// Words, runs of blanks, and every other character alone. Letters beyond ASCII count as words.
+// Words, runs of blanks, and all other characters singly. Letters beyond ASCII are parts of words.
 std::vector<std::string_view> splitIntoTokens(std::string_view text) {
   const auto kindOf = [](char c) {
     const auto unit = static_cast<unsigned char>(c);
@@ -63,7 +63,7 @@ bool holdsWord(std::string_view text) {
   });
 }
 
-// Changes between which no word stays, and no line ends, are one to people.
+// Joins changes with neither a word nor a line end between them, which are easier to read as one.
 void joinNearChanges(const std::vector<std::string_view>& tokens,
                      std::vector<LineChange>& changes) {
   const auto isKept = [&](const LineChange& last, const LineChange& next) {
@@ -85,7 +85,7 @@ void joinNearChanges(const std::vector<std::string_view>& tokens,
   changes = std::move(joined);
 }
 
-// A place in the old file, which moves forward over its text.
+// A position in the old file that moves forward over its text.
 class Cursor {
  public:
   explicit Cursor(fl::EncodingType encoding) : encoding_(encoding) {}
@@ -120,14 +120,14 @@ class EditFinder {
 
   FileEdits find() {
     findActionsOfLines();
-    // Mostly there is one edit for each action.
+    // Usually there is one edit for each action.
     result_.edits.reserve(planned_.actions.size());
     for (std::size_t line = 0; line < oldLines_.size();) line = compareFrom(line);
     return std::move(result_);
   }
 
  private:
-  // The first action that edits each line; a line that none names has that of the line above.
+  // The first action that edits each line; a line without one has that of the line above.
   void findActionsOfLines() {
     actions_.assign(oldLines_.size(), noAction);
     for (std::size_t i = 0; i < planned_.actions.size(); ++i) {
@@ -162,7 +162,7 @@ class EditFinder {
     return text;
   }
 
-  // Compares the line and those that it came to share a line with; returns the line behind them.
+  // Compares the line and the lines that are joined with it; returns the line after them.
   std::size_t compareFrom(std::size_t line) {
     const std::size_t action = actions_[line];
     std::string before = oldText(line);
@@ -204,7 +204,7 @@ class EditFinder {
     passUntil(oldTokens.size());
   }
 
-  // Lines that go together are one edit.
+  // Adjacent edits are joined.
   void add(FileEdit edit) {
     if (!result_.edits.empty() && result_.edits.back().extent.end == edit.extent.start) {
       FileEdit& last = result_.edits.back();
@@ -220,7 +220,7 @@ class EditFinder {
   const PlannedClass& planned_;
   SourceFile file_;
   std::vector<fl::ustring_view> oldLines_;
-  // For each line, the number of an action.
+  // The number of an action for each line.
   std::vector<std::size_t> actions_;
   Cursor cursor_;
   FileEdits result_;

@@ -17,7 +17,7 @@ using ca::astapi::Identifier;
 using ca::astapi::StringId;
 using fl::i18n::to_ustring;
 
-// How many references to one method are told.
+// The largest number of references to one method that are reported.
 constexpr std::size_t mostReferences = 50;
 
 constexpr auto referenceMessages =
@@ -33,7 +33,7 @@ bool isAboutMethod(const Finding& finding) { return finding.id.find("Impl") != s
 }  // namespace
 
 FindingPlaces::FindingPlaces(const ca::AnalysisResult& analysis) : analysis_(analysis) {
-  // Of two declarations the first counts.
+  // Of two declarations the first is used.
   for (const DeclaredProperty& property : declaredProperties(analysis)) {
     properties_.emplace(property.name, property.node->name);
   }

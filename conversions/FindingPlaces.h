@@ -1,4 +1,4 @@
-// Where in its file a finding belongs.
+// The places of findings in their file.
 #pragma once
 
 #include <string>
@@ -18,11 +18,11 @@ class FindingPlaces {
   // `analysis` must outlive this object.
   explicit FindingPlaces(const ca::AnalysisResult& analysis);
 
-  // The place of each: where the class declares the property or method that is the first argument.
+  // Sets the place of each: the declaration of the property or method that is the first argument.
   void addMembers(std::vector<Finding>& findings) const;
 
-  // What each of them speaks of besides: the companion of a property, its get method, the place
-  // where it is used, the method of the same name, the first references to a method.
+  // Adds the other places of each: the companion of a property, its get method, the place of its
+  // use, the method of the same name, the first references to a method.
   void addRelated(std::vector<Finding>& findings) const;
 
  private:

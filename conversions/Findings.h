@@ -1,4 +1,4 @@
-// The messages of an update with what their finished texts no longer tell: their ids and places.
+// The messages of an update with the ids and places that their finished texts do not have.
 #pragma once
 
 #include <unordered_map>
@@ -12,7 +12,7 @@
 
 namespace soca {
 
-// Hears, while it lives, which messages this thread makes texts of.
+// During its life, receives the messages of which this thread makes texts.
 class FindingsListener {
  public:
   FindingsListener();

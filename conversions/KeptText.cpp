@@ -16,7 +16,7 @@ namespace {
 constexpr fl::ustring_view blanks = u"\t\n\v\f\r ";
 constexpr fl::ustring_view continuation = u"...";
 
-// The lines of a text without their line ends; a text that ends in one has an empty last line.
+// The lines of a text without their line ends; after a final line end there is an empty last line.
 std::vector<fl::ustring_view> splitLines(fl::ustring_view text) {
   constexpr std::size_t usualLineLength = 32;
   std::vector<fl::ustring_view> lines;
@@ -31,18 +31,18 @@ std::vector<fl::ustring_view> splitLines(fl::ustring_view text) {
   return lines;
 }
 
-// A line that is dropped once an edit touched it.
+// Whether the line is deleted if it was edited.
 bool isDropped(fl::ustring_view line) {
   const std::size_t first = line.find_first_not_of(blanks);
   return first == fl::ustring_view::npos || line.substr(first).starts_with(continuation);
 }
 
-// One edit as it lies in the old text.
+// One edit and its place in the old text.
 struct PlacedEdit {
   const PlannedEdit* edit = nullptr;
-  // Behind what the edit takes along.
+  // The position after the delimiters that the edit also removes.
   SourcePosition end;
-  // Of two insertions at one place the one that is made later comes to stand in front.
+  // Of two insertions at one place the later one is first in the text.
   std::size_t number = 0;
 
   const SourcePosition& start() const { return edit->extent.start; }
@@ -81,7 +81,7 @@ class Placer {
     return {&edit, end, number};
   }
 
-  // Where a search for a delimiter ends: behind it, in front of a comment, or at a line's end.
+  // The end of a search for a delimiter: after it, before a comment, or at a line's end.
   SourcePosition behindDelimiter(SourcePosition position, fl::ustring_view delimiters) const {
     while (position.line < lines_.size()) {
       const fl::ustring_view line = lines_[position.line];
@@ -103,7 +103,7 @@ bool isInside(const SourcePosition& position, const std::vector<fl::ustring_view
   return position.line < lines.size() && position.column <= lines[position.line].size();
 }
 
-// What is wrong with the places of the edits.
+// The first edit whose place is not valid; empty if there is none.
 std::optional<std::string> findMisplacedEdit(const std::vector<PlacedEdit>& edits,
                                              const std::vector<fl::ustring_view>& lines) {
   for (std::size_t i = 0; i < edits.size(); ++i) {
@@ -119,19 +119,19 @@ std::optional<std::string> findMisplacedEdit(const std::vector<PlacedEdit>& edit
   return std::nullopt;
 }
 
-// What becomes of some lines of the old text.
+// The new text of some lines of the old text: one edited line, or a run of unedited lines.
 class Stretch {
  public:
-  // Whether an edit took the line end away, so that the next line may follow without one.
+  // Whether an edit removed the line end, so that the next line may follow without one.
   bool mayJoinNext = false;
 
-  // An edited line stands alone.
+  // An edited line is a stretch of its own.
   bool isTouched() const { return isTouched_; }
   bool isDropped() const { return isTouched_ && soca::isDropped(built_); }
   fl::ustring_view text() const { return isTouched_ ? fl::ustring_view(built_) : kept_; }
   std::size_t lineCount() const { return lineCount_; }
 
-  // Text of the old line, or of several, which no edit touches.
+  // Appends text of the old line, or of several, that no edit changes.
   void keep(fl::ustring_view text, std::size_t lineCount = 1) {
     if (isTouched_) {
       built_ += text;
@@ -154,7 +154,7 @@ class Stretch {
   fl::ustring built_;
 };
 
-// Takes piece after piece off the front of the new text. False if it is another text.
+// Consumes the new text from its start. `take` returns false for another text.
 class Matcher {
  public:
   explicit Matcher(fl::ustring_view text) : rest_(text) {}
@@ -164,7 +164,7 @@ class Matcher {
     rest_.remove_prefix(text.size());
     return true;
   }
-  // How many whole lines of `text` stand in front.
+  // The number of whole lines of `text` that are next.
   std::size_t countLines(fl::ustring_view text) const {
     const auto [own, other] = std::ranges::mismatch(text, rest_);
     return static_cast<std::size_t>(std::count(text.begin(), own, u'\n'));
@@ -175,12 +175,12 @@ class Matcher {
   fl::ustring_view rest_;
 };
 
-// Takes the stretches of the edited text, one after the other, off the new text.
+// Matches the stretches of the edited text, in order, against the new text.
 class StretchMatcher {
  public:
   explicit StretchMatcher(fl::ustring_view newText) : matcher_(newText) {}
 
-  // A stretch with another one behind it.
+  // Matches a stretch that is followed by another one.
   void take(const Stretch& stretch) {
     if (mismatch_ || !takeText(stretch) || stretch.isDropped()) return;
     if (matcher_.take(u"\n")) return;
@@ -191,8 +191,8 @@ class StretchMatcher {
     }
   }
 
-  // The last stretch. Gives the number of the first line, counted from 1, that the new text does
-  // not have as it should.
+  // Matches the last stretch. Returns the number of the first line, counted from 1, that differs in
+  // the new text.
   std::optional<std::size_t> takeLast(const Stretch& stretch) {
     if (!mismatch_ && takeText(stretch) && !matcher_.isAtEnd()) mismatch_ = line_;
     return mismatch_;
@@ -213,20 +213,20 @@ class StretchMatcher {
 
   Matcher matcher_;
   std::size_t line_ = 0;
-  // The line that the next stretch has to go on, which then must not be dropped.
+  // The line that the next stretch must continue; that stretch must not be deleted.
   std::optional<std::size_t> joined_;
   std::optional<std::size_t> mismatch_;
 };
 
-// Builds the new text from the old one and its edits, edited lines one by one and what stands
-// between them in one piece, and compares it piece by piece.
+// Builds the new text from the old one and its edits, each edited line as one piece and the lines
+// between them as one piece, and compares it piece by piece.
 class Rebuilder {
  public:
   Rebuilder(const std::vector<fl::ustring_view>& lines, const std::vector<PlacedEdit>& edits,
             fl::ustring_view newText)
       : lines_(lines), edits_(edits), matcher_(newText) {}
 
-  // The number of the first line, counted from 1, that the new text does not have as it should.
+  // The number of the first line, counted from 1, that differs in the new text.
   std::optional<std::size_t> findMismatch() {
     for (const PlacedEdit& edit : edits_) apply(edit);
     copyUntil({lines_.size() - 1, lines_.back().size()});
@@ -250,7 +250,7 @@ class Rebuilder {
     current_ = Stretch();
   }
 
-  // Copies the old text from where the last edit ended.
+  // Copies the old text from the end of the last edit.
   void copyUntil(const SourcePosition& end) {
     if (position_.line < end.line && current_.isTouched()) endLine();
     if (position_.line < end.line) copyLines(end.line);
@@ -264,19 +264,19 @@ class Rebuilder {
     position_ = {position_.line + 1, 0};
   }
 
-  // The lines from the current one on, less the one that they are followed by.
-  void copyLines(std::uint64_t behind) {
+  // Copies the lines from the current one up to `next`, which is not included.
+  void copyLines(std::uint64_t next) {
     const char16_t* const start = lines_[position_.line].data();
-    const fl::ustring_view& last = lines_[behind - 1];
-    current_.keep({start, last.data() + last.size()}, behind - position_.line);
+    const fl::ustring_view& last = lines_[next - 1];
+    current_.keep({start, last.data() + last.size()}, next - position_.line);
     beginNext();
-    position_ = {behind, 0};
+    position_ = {next, 0};
   }
 
   const std::vector<fl::ustring_view>& lines_;
   const std::vector<PlacedEdit>& edits_;
   SourcePosition position_;
-  // The stretch that is being built; those in front of it are compared.
+  // The stretch that is being built; all before it have been compared.
   Stretch current_;
   StretchMatcher matcher_;
 };

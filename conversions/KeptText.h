@@ -1,4 +1,4 @@
-// Whether an edited text is the old one but for its edits.
+// Checks that an edited text is the old one except for its edits.
 #pragma once
 
 #include <optional>
@@ -10,12 +10,13 @@
 
 namespace soca {
 
-// Compares what stands outside the extents of the edits, character for character. Only what the
-// edit engine takes along with an edit may be missing: a delimiter and the blanks in front of it,
-// edited lines that are left blank or hold only a continuation, and a last line that does.
+// Compares the text outside the edits, character by character. Only text that the edit engine
+// removes with an edit may be missing: a delimiter and the blanks before it, edited lines that are
+// left blank or have only a continuation, and such a last line. The engine's rules are implemented
+// here a second time on purpose, so that a fault of the engine cannot hide itself.
 //
-// Gives what is wrong, nothing if all is well. Edits whose extents overlap are wrong too, since
-// they can't all stand where they were meant to.
+// Returns the fault; empty if there is none. Overlapping edits are a fault too, because not all of
+// them can be at their place.
 std::optional<std::string> findLostText(fl::ustring_view oldText, fl::ustring_view newText,
                                         const std::vector<PlannedAction>& actions);
 

@@ -11,16 +11,16 @@
 namespace soca {
 namespace {
 
-// Equal lines have equal ids.
+// Lines have the same id if they are equal.
 using LineIds = std::vector<std::uint32_t>;
 
-// The most lines of a gap between anchors, both sides together, in which the shortest script is
-// looked for.
+// The largest gap between anchors, in lines of both texts together, for which the shortest script
+// is computed.
 constexpr std::size_t largestGap = 400;
-// How often gaps are parted by lines that are unique only inside them.
+// How often gaps are divided at lines that are unique only inside them.
 constexpr unsigned deepestSearch = 8;
 
-// Both texts between two places: [oldStart, oldEnd) and [newStart, newEnd).
+// The parts of both texts between two places: [oldStart, oldEnd) and [newStart, newEnd).
 struct Range {
   std::size_t oldStart, oldEnd, newStart, newEnd;
   unsigned depth = 0;
@@ -29,7 +29,7 @@ struct Range {
   std::size_t newCount() const { return newEnd - newStart; }
 };
 
-// A line of either text that is the same.
+// An equal line of both texts.
 struct Match {
   std::size_t oldLine, newLine;
 };
@@ -46,7 +46,7 @@ class Differ {
   }
 
   std::vector<LineChange> run() {
-    // Ranges still to be looked at, the topmost at the back.
+    // The ranges to be compared; the topmost is last.
     std::vector<Range> pending = {{0, old_.size(), 0, new_.size()}};
     while (!pending.empty()) {
       Range range = pending.back();
@@ -71,7 +71,7 @@ class Differ {
     return ids_.try_emplace(line, static_cast<std::uint32_t>(ids_.size())).first->second;
   }
 
-  // Takes away what is the same at both ends.
+  // Removes the equal lines at both ends.
   void trim(Range& range) const {
     while (range.oldCount() > 0 && range.newCount() > 0 &&
            old_[range.oldStart] == new_[range.newStart]) {
@@ -97,7 +97,7 @@ class Differ {
     changes_.push_back({range.oldStart, range.oldCount(), range.newStart, range.newCount()});
   }
 
-  // The longest rising sequence of lines that occur once on each side of the range.
+  // The longest increasing sequence of lines that occur once on each side of the range.
   std::vector<Match> findAnchors(const Range& range) {
     if (range.depth >= deepestSearch) return {};
     return longestRise(uniqueMatches(range));
@@ -121,8 +121,8 @@ class Differ {
   }
 
   static std::vector<Match> longestRise(const std::vector<Match>& matches) {
-    // For each length of a rise the match with which the lowest one ends, and for each match the
-    // one in front of it.
+    // For each length of an increasing sequence the match with the lowest end, and for each match
+    // its predecessor.
     std::vector<std::size_t> ends;
     std::vector<std::size_t> previous(matches.size());
     for (std::size_t i = 0; i < matches.size(); ++i) {
@@ -185,7 +185,7 @@ class Differ {
   std::unordered_map<std::string_view, std::uint32_t> ids_;
   LineIds old_;
   LineIds new_;
-  // By line id; meaningful only for the ids of the range at hand.
+  // By line id; valid only for the ids of the current range.
   std::vector<Occurrences> occurrences_;
   std::vector<LineChange> changes_;
 };

@@ -1,4 +1,4 @@
-// Which lines of two texts belong together.
+// Compares two texts by lines.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 namespace soca {
 
-// A stretch of lines that was replaced by another; either may be empty. Lines are zero-based.
+// A run of lines that is replaced by another; either may be empty. Lines are zero-based.
 struct LineChange {
   std::size_t oldStart = 0;
   std::size_t oldCount = 0;
@@ -17,14 +17,14 @@ struct LineChange {
   friend bool operator==(const LineChange&, const LineChange&) = default;
 };
 
-// The lines of a text, each with its line feed; the last may have none.
+// The lines of a text, each with its line feed; the last one may have none.
 std::vector<std::string_view> splitIntoLines(std::string_view text);
 
-// The changes from top to bottom, with at least one common line between two of them.
+// The changes from top to bottom, with at least one common line between any two.
 //
-// Lines that occur once on either side and in the same order hold the texts together. The shortest
-// script is looked for only between them, and a stretch that is too large for that counts as
-// replaced as a whole, so the work grows with the number of lines and not with its square.
+// Lines that occur once on each side and in the same order are anchors. The shortest script is
+// computed only between anchors, and a gap too large for that is replaced as a whole, so that the
+// cost is linear in the number of lines.
 std::vector<LineChange> diffLines(const std::vector<std::string_view>& oldLines,
                                   const std::vector<std::string_view>& newLines);
 

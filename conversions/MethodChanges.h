@@ -1,4 +1,4 @@
-// Methods that one class of a run loses and another gains.
+// Methods that one class of a run loses while another one gains them.
 #pragma once
 
 #include <cstddef>
@@ -11,8 +11,8 @@
 
 namespace soca {
 
-// A method is deleted as redundant because no superclass defines it. Should the same run give a
-// superclass a method of that name, the class inherits it from then on, and behaves differently.
+// A method is deleted as redundant if no superclass defines it. If the same run adds a method of
+// that name to a superclass, the class inherits it, and behaves differently.
 class MethodChanges {
  public:
   void add(const ClassUpdate& update);
@@ -21,11 +21,11 @@ class MethodChanges {
   std::vector<std::string> warnings();
 
  private:
-  // Per class so little is kept that a run may be of any size: of what is gained no more than a
-  // hash of class and method, sorted once all are known.
+  // Small for each class, so that a run may have any size: of a gained method only a hash of class
+  // and method, sorted once all are known.
   std::vector<std::size_t> gained_;
   std::set<std::string> gainedNames_;
-  // The classes that lose a method, by the method's name, each with a line end.
+  // The classes that lose a method, by the name of the method, each with a line end.
   std::map<std::string, std::string> losing_;
 };
 

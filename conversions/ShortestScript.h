@@ -1,4 +1,4 @@
-// The shortest way from one short sequence to another.
+// The shortest edit script between two short sequences.
 #pragma once
 
 #include <cstdint>
@@ -8,9 +8,8 @@ namespace soca {
 
 enum class StepType { keepLine, deleteLine, insertLine };
 
-// The steps that make `newIds` of `oldIds`, from front to back, with as few deletions and
-// insertions as possible. Time and memory grow with the product of the lengths and their
-// difference.
+// The steps from `oldIds` to `newIds`, from first to last, with the fewest deletions and
+// insertions. Time and memory are proportional to the lengths times their difference.
 std::vector<StepType> shortestScript(const std::vector<std::uint32_t>& oldIds,
                                      const std::vector<std::uint32_t>& newIds);
 

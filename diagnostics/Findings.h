@@ -1,4 +1,4 @@
-// The texts of findings: what stands beside the actions and ends nothing.
+// The texts of findings, which accompany the actions and do not end the call.
 #pragma once
 
 #include <initializer_list>

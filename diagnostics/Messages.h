@@ -1,4 +1,4 @@
-// The message classes of the catalog "VELUM:system:Analyzer": each bears the short id as its name.
+// The message classes of the catalog "VELUM:system:Analyzer": the name of each is its short id.
 #pragma once
 
 #include <cstddef>
@@ -38,7 +38,7 @@ void fillMessage(resource_core::BaseMsgID& message, const char* id, const Argume
 
 }  // namespace internal
 
-// Failures: each ends the call. `Text` is a 16-bit string, unless stated otherwise.
+// Failures: each ends the call. `Text` is a 16-bit string unless stated otherwise.
 
 // The class's name, or the path of a file without a class.
 struct NotASystemObject : resource_core::BaseMsgID {
@@ -72,7 +72,7 @@ struct NoFileForClass : resource_core::BaseMsgID {
   }
 };
 
-// The path that the class's source file has or would have.
+// The path of the class's source file, whether or not it exists.
 struct PFileExists : resource_core::BaseMsgID {
   template <class Text>
   explicit PFileExists(const Text& sourcePath) {
@@ -88,7 +88,8 @@ struct OverlappingExtent : resource_core::BaseMsgID {
   }
 };
 
-// Findings: each becomes a text beside the actions. Names are pointers to 16-bit characters.
+// Findings: each becomes a text that accompanies the actions. Names are pointers to 16-bit
+// characters.
 
 struct ImplNameConflictAfterConversion : resource_core::BaseMsgID {
   template <class OldName, class NewName>

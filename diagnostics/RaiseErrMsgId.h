@@ -8,8 +8,8 @@
 
 namespace soca {
 
-// Throws `Exception<T, std::exception, void>` over a copy of the message, once the legacy error
-// channel was told. Never returns; the channel may throw something else in its place.
+// Calls the legacy error channel, then throws `Exception<T, std::exception, void>` with a copy of
+// the message. Never returns; the channel may throw another exception instead.
 template <class T>
 [[noreturn]] void raiseErrMsgId(const T& message) {
   const foundation::core::except::Exception<T, std::exception, void> exception(message);

@@ -15,7 +15,7 @@ using ca::astapi::Node;
 using lf::astapi::NodeKind;
 
 std::size_t endOf(const Node& node) {
-  // An empty subtree ends in front of where it begins, which wraps at the start of the text.
+  // An empty subtree ends before its beginning, and wraps at the start of the text.
   return static_cast<std::uint32_t>(node.lastPosition + 1);
 }
 
@@ -50,7 +50,7 @@ class TreeCheck {
   explicit TreeCheck(const ca::AnalysisResult& analysis)
       : analysis_(analysis), size_(analysis.sourceTextView().size()) {}
 
-  // Without recursion, since a tree may be as deep as its text is long.
+  // Not recursive, because a tree may be as deep as its text is long.
   void run() {
     pending_.push_back(analysis_.getRootNode());
     while (!pending_.empty()) {
@@ -64,7 +64,7 @@ class TreeCheck {
 
  private:
   void check(const Node& node) {
-    // Where an expression is missing, two nodes may share what stands for it.
+    // Two nodes may share the placeholder of a missing expression.
     const bool isNew = seen_.insert(&node).second || node.kind == NodeKind::MissingExpression;
     require(isNew, "{} stands in the tree twice", describe(node));
     require(node.position <= endOf(node) && endOf(node) <= size_, "{} lies outside of the text",
@@ -132,11 +132,11 @@ void checkDiagnostics(const ca::AnalysisResult& analysis, fl::ustring_view text)
   std::uint64_t column = 0;
   for (const ca::Diagnostic& diagnostic : diagnostics) {
     require(!diagnostic.message.empty(), "a syntax error has no text");
-    const bool isBehind = std::pair(line, column) <= std::pair<std::uint64_t, std::uint64_t>(
-                                                         diagnostic.line, diagnostic.column);
+    const bool isOrdered = std::pair(line, column) <= std::pair<std::uint64_t, std::uint64_t>(
+                                                          diagnostic.line, diagnostic.column);
     line = diagnostic.line;
     column = diagnostic.column;
-    require(isBehind, "a syntax error in line {} is told of too late", line + 1);
+    require(isOrdered, "a syntax error in line {} is told of too late", line + 1);
     require(line < (end & 0xFFFFFFFFU), "a syntax error lies behind the text");
   }
 }

@@ -1,4 +1,4 @@
-// What holds of the analysis of any text.
+// The properties of the analysis of any text.
 #pragma once
 
 #include <memory>
@@ -10,18 +10,18 @@
 namespace soca::fuzz {
 
 // Throws a Violation unless all of this holds:
-// - the root's text is the analysed text, and every position becomes the line and column that
-//   counting gives;
-// - every node lies in the text, and without syntax errors within its parent and apart from its
+// - the root's text is the analysed text, and every position is converted to the line and column
+//   that counting gives;
+// - every node is inside the text, and without syntax errors inside its parent and apart from its
 //   siblings;
-// - the walk reaches each identifier once, and an identifier's texts are what stands at its place;
-// - diagnostics stand in the text, in its order.
+// - the walk reaches each identifier once, and an identifier's texts are the text at its place;
+// - diagnostics are inside the text, in its order.
 void checkAnalysis(const ca::AnalysisResult& analysis, fl::ustring_view text);
 
 // The analysis of the text, checked; null for one that is nested too deeply.
 std::shared_ptr<ca::AnalysisResult> analyzeChecked(const fl::ustring& text);
 
-// A stretch of a text, in UTF-16 code units.
+// A part of a text, in UTF-16 code units.
 struct Stretch {
   std::size_t position = 0;
   std::size_t length = 0;
@@ -29,7 +29,7 @@ struct Stretch {
   friend auto operator<=>(const Stretch&, const Stretch&) = default;
 };
 
-// The identifiers that the walk meets, in the order of the text.
+// The identifiers that the walk reaches, in the order of the text.
 std::vector<Stretch> identifiersOf(const ca::AnalysisResult& analysis);
 
 }  // namespace soca::fuzz

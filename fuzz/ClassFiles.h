@@ -1,4 +1,4 @@
-// A class path of texts that stand in no file.
+// A class path of overlay texts.
 #pragma once
 
 #include <memory>
@@ -17,13 +17,13 @@ struct ClassFile {
   fl::ustring text;
 };
 
-// While it lives, the files are the class path of this thread. One at a time; the process's class
-// path becomes a folder that does not exist.
+// During its life, the files are the class path of this thread. Only one at a time; the class path
+// of the process is set to a folder that does not exist.
 class ClassFilesScope {
  public:
   explicit ClassFilesScope(const std::vector<ClassFile>& files);
 
-  // Puts `text` in place of what the class had.
+  // Replaces the text of the class.
   void replace(const std::string& className, const fl::ustring& text);
 
   // The native path of the class's text.
@@ -33,10 +33,10 @@ class ClassFilesScope {
   std::vector<std::unique_ptr<fl::filesystem::OverlayScope>> overlays_;
 };
 
-// Files out of the bytes that a fuzzer makes: the text of class C, or, when the first byte is
-// U+001E, texts that each begin with U+001E, the class's name and a line end.
+// The files in the bytes of a fuzzer: the text of class C, or, if the first byte is U+001E, texts
+// that each begin with U+001E, the class's name and a line end.
 std::vector<ClassFile> readClassFiles(std::string_view bytes);
-// The bytes that `readClassFiles` reads.
+// The bytes from which `readClassFiles` returns the files.
 std::string writeClassFiles(const std::vector<ClassFile>& files);
 
 }  // namespace soca::fuzz

@@ -18,7 +18,7 @@ constexpr fl::ustring_view blanks = u"\t\n\v\f\r ";
 constexpr std::array<fl::ustring_view, 8> texts = {
     u"", u"x", u" (1, 1) logical", u"    flag = ~flag;\n", u"...", u" ", u"\u00E9\U0001D49C", u""};
 
-// The edit on this text: inside of it, and with its end not in front of its start.
+// The edit on this text: inside of it, and with its end not before its start.
 PlannedEdit placeEdit(const SourceFile& file, const RawEdit& raw) {
   const auto lengthOf = [&](std::uint64_t line) { return file.getLines()[line].text.size(); };
   const std::uint64_t line = raw.line % file.getNumberOfLines();
@@ -65,14 +65,14 @@ void checkAnyEdits(const fl::ustring& text, const std::vector<PlannedEdit>& edit
   for (const PlannedEdit& edit : edits) {
     if (file.findMissingDelimiter(edit.delimiterFlags, edit.extent)) continue;
     const SourcePosition& start = edit.extent.start;
-    const bool isBehindLine = start.column > file.getLines()[start.line].text.size();
+    const bool isAfterLine = start.column > file.getLines()[start.line].text.size();
     bool failed = false;
     try {
       replace(file, edit);
     } catch (const std::out_of_range&) {
       failed = true;
     }
-    require(failed == isBehindLine, "an edit of line {} fails, or does not", start.line + 1);
+    require(failed == isAfterLine, "an edit of line {} fails, or does not", start.line + 1);
     require(file.getNumberOfLines() == count, "the number of lines changes");
   }
   finish(file);
@@ -80,7 +80,7 @@ void checkAnyEdits(const fl::ustring& text, const std::vector<PlannedEdit>& edit
 
 // --- edits on different lines ---
 
-// Where the edit ends with its delimiters; nothing if one is missing.
+// The end of the edit with its delimiters; empty if one is missing.
 std::optional<SourcePosition> endOf(const SourceFile& file, const PlannedEdit& edit) {
   if (file.findMissingDelimiter(edit.delimiterFlags, edit.extent)) return std::nullopt;
   SourcePosition end = edit.extent.end;
@@ -93,7 +93,7 @@ std::optional<SourcePosition> endOf(const SourceFile& file, const PlannedEdit& e
   return end;
 }
 
-// Those edits of which each begins on a line below the last one.
+// The edits that begin on a line below the previous one.
 std::vector<PlannedEdit> takeApart(const SourceFile& file, std::vector<PlannedEdit> edits) {
   std::ranges::sort(edits, {}, [](const PlannedEdit& edit) { return edit.extent.start; });
   std::vector<PlannedEdit> apart;

@@ -30,7 +30,7 @@ void appendUnit(std::string_view unit, std::size_t number, std::string& text) {
   }
 }
 
-// `opening` as often as fits, numbered, then `middle`, and `closing` as often.
+// `opening` as often as it fits, numbered, then `middle`, and `closing` as often.
 std::string fill(std::string_view opening, std::string_view middle, std::string_view closing,
                  std::size_t bytes) {
   std::string text;
@@ -44,7 +44,7 @@ std::string fill(std::string_view opening, std::string_view middle, std::string_
 
 // --- one class ---
 
-// A class file `head`, `opening` as often as fits, `middle`, `closing` as often, `tail`.
+// A class file: `head`, `opening` as often as it fits, `middle`, `closing` as often, `tail`.
 struct ClassRow {
   const char* name;
   std::string_view head;
@@ -56,7 +56,7 @@ struct ClassRow {
   std::size_t promisedBytes = 10'000'000;
 };
 
-// The frames into which most rows put their text.
+// The frames of the text in most rows.
 #define CLASS "classdef C < velum.System\n"
 #define FUNCTION CLASS "methods (Access = protected)\nfunction stepImpl(obj)\n"
 #define FUNCTION_END "\nend\nend\nend\n"
@@ -65,7 +65,7 @@ struct ClassRow {
 #define BLOCK_END "\nend\nend\n"
 
 const ClassRow classRows[] = {
-    // Nesting, all of it deeper than the analyzer goes.
+    // Nesting, always deeper than the analyzer's limit.
     {"deep parentheses", FUNCTION "x = ", "(", "1", ")", FUNCTION_END},
     {"deep lists", FUNCTION "x = ", "[", "1", "]", FUNCTION_END},
     {"deep cells", FUNCTION "x = ", "{", "1", "}", FUNCTION_END},
@@ -91,7 +91,7 @@ const ClassRow classRows[] = {
     {"deep set values", PROPERTIES "A = 'a'\nASet = velum.system.StringSet(", "{", "'a'", "}",
      ")" BLOCK_END},
 
-    // One line, or one thing, that fills the file.
+    // One line or construct that fills the file.
     {"a long sum", FUNCTION "x = 1", "+1", "", "", FUNCTION_END},
     {"mixed operators", FUNCTION "x = a", "+b*c^d:e<f&g|h&&i||a", "", "", FUNCTION_END},
     {"a chain of fields", FUNCTION "x = a", ".b", "", "", FUNCTION_END},
@@ -123,26 +123,25 @@ const ClassRow classRows[] = {
     {"a long property name", PROPERTIES, "a", " = 1", "", BLOCK_END},
     {"a long method name", METHODS "function ", "a", "\nend", "", BLOCK_END},
 
-    // A great many of something.
+    // A large number of one construct.
     {"many properties", PROPERTIES, "a#=1\n", "", "", BLOCK_END},
     {"many properties to convert", CLASS "properties (Logical)\n", "a#=1\n", "", "", BLOCK_END},
     {"many integers to convert", CLASS "properties (PositiveInteger)\n", "a#=1\n", "", "",
      BLOCK_END},
     {"many properties on a line", PROPERTIES, "a#=1;", "", "", BLOCK_END},
-    {"one property again and again", CLASS "properties (Logical)\n", "a=1\n", "", "", BLOCK_END,
+    {"one property repeated", CLASS "properties (Logical)\n", "a=1\n", "", "", BLOCK_END,
      5'000'000},
     {"many sets", PROPERTIES, "a#='x'\na#Set=velum.system.StringSet({'x'})\n", "", "", BLOCK_END},
     {"many sets that are used", PROPERTIES "z=[obj.a0Set,obj.aSet]\n",
      "a#='x'\na#Set=velum.system.StringSet({'x'})\n", "", "", BLOCK_END},
-    {"many sets that are no direct calls", PROPERTIES, "a#='x'\na#Set=velum.system.StringSet(y)\n",
-     "", "", BLOCK_END},
+    {"many sets without a direct call", PROPERTIES, "a#='x'\na#Set=velum.system.StringSet(y)\n", "",
+     "", BLOCK_END},
     {"properties of one set", PROPERTIES "aSet=velum.system.StringSet({'x'})\n", "a='x'\n", "", "",
      BLOCK_END, 4'000'000},
     {"many values of a set", PROPERTIES "a='x'\naSet=velum.system.StringSet({'x'", ",'v#'", "})",
      "", BLOCK_END},
     {"many attributes", CLASS "properties (Logical", ",A#", ")\nA = 1", "", BLOCK_END},
-    {"one attribute again and again", CLASS "properties (Hidden", ",Logical", ")\nA = 1", "",
-     BLOCK_END},
+    {"one attribute repeated", CLASS "properties (Hidden", ",Logical", ")\nA = 1", "", BLOCK_END},
     {"many validators", CLASS "properties (PositiveInteger)\nA {a", ",v#", "} = 1", "", BLOCK_END},
     {"many empty blocks", CLASS, "properties\nend\n", "", "", "end\n"},
     {"many blocks to join", CLASS, "properties (Logical)\na#=1\nend\n", "", "", "end\n"},
@@ -150,32 +149,32 @@ const ClassRow classRows[] = {
     {"many enumeration members", CLASS "enumeration\n", "a#(1)\n", "", "", BLOCK_END},
     {"many methods", METHODS, "function a#,end\n", "", "", BLOCK_END},
     {"many signatures", METHODS, "a#(x)\n", "", "", BLOCK_END},
-    {"one method again and again", METHODS, "function f=isInputSizeLockedImpl(~,~)\nf=x;\nend\n",
-     "", "", BLOCK_END},
-    {"many ways out of a method", METHODS "function f=isInputSizeLockedImpl(~,~)\n", "return\n",
+    {"one method repeated", METHODS, "function f=isInputSizeLockedImpl(~,~)\nf=x;\nend\n", "", "",
+     BLOCK_END},
+    {"many returns in a method", METHODS "function f=isInputSizeLockedImpl(~,~)\n", "return\n",
      "end", "", BLOCK_END},
     {"many references to a method",
      METHODS "function f=isInputSizeLockedImpl(~,~)\nf=x;\nend\nfunction g\n",
      "isInputSizeLockedImpl()\n", "end", "", BLOCK_END},
     {"many getters", METHODS, "function x=get.a#Set(o),end\n", "", "",
      "\nend\nproperties\nA=1\nASet=velum.system.StringSet({'a'})" BLOCK_END},
-    {"many functions behind the class", CLASS "end\n", "function a#,end\n"},
+    {"many functions after the class", CLASS "end\n", "function a#,end\n"},
     {"many superclasses", "classdef C < velum.system.mixin.CustomIcon", " & a#.B", "\nend\n"},
     {"many mixins", "classdef C < velum.System", " & velum.system.mixin.Propagates", "\nend\n"},
-    {"one superclass again and again", "classdef C < velum.System", " & a.B", "\nend\n"},
+    {"one superclass repeated", "classdef C < velum.System", " & a.B", "\nend\n"},
     {"many inputs", METHODS "function f(a", ",a#", ")\nend", "", BLOCK_END},
     {"many outputs", METHODS "function [a", ",a#", "]=f\nend", "", BLOCK_END},
 
-    // No class at all.
+    // No valid class.
     {"closing parentheses", CLASS, ")\n"},
     {"wrong characters", CLASS, "$"},
     {"wrong members", PROPERTIES, "1\n"},
     {"unfinished statements", FUNCTION, "x=\n"},
-    {"zeros", CLASS, std::string_view("\0", 1)},
+    {"NUL characters", CLASS, std::string_view("\0", 1)},
     {"bytes that are no UTF-8", CLASS "%", "\xFF\xFE"},
     {"open functions", "", "function f\n"},
     {"class after class", "", CLASS "end\n"},
-    {"ends", CLASS, "end\n"},
+    {"extra ends", CLASS, "end\n"},
     {"quotes", FUNCTION, "'\"\n"},
 };
 
@@ -192,15 +191,15 @@ HostileInput inputOf(const ClassRow& row) {
 
 // --- class paths ---
 
-// A class D<number> below the given one.
+// A class D<number> that derives from `base`.
 std::string derivedClass(std::size_t number, const std::string& base) {
   return fmt::format("classdef D{} < {}\nproperties (Logical)\nA = 1\nend\nend\n", number, base);
 }
 
 std::string numberedClass(std::size_t number) { return fmt::format("D{}", number); }
 
-// A chain of 10,000 classes at full size; `last` is what the last one derives from, `others` what
-// the others have behind the next one.
+// A chain of 10,000 classes at full size; `last` is the superclass of the last one, `others` are
+// further superclasses of the others.
 void makeChain(const fs::path& folder, std::size_t bytes, const std::string& last,
                const std::string& others = "") {
   const std::size_t length = bytes / 1000;
@@ -228,7 +227,7 @@ void makeLinks(const fs::path& folder, std::size_t /*bytes*/) {
   fs::create_directory_symlink("..", folder / "sub" / "up");
 }
 
-// A class that only a class table gives superclasses, whose names are none.
+// A class with superclasses from a class table only, with names that are no identifiers.
 void makeWrongNames(const fs::path& folder, std::size_t bytes) {
   write(folder / "C.vlm", CLASS "end\n");
   std::string names;
@@ -254,10 +253,10 @@ std::vector<HostileInput> pathInputs() {
   const std::vector<std::string> withTable = {"update", "--class-table", "table.json", "C"};
   return {
       {"many files", {"update"}, makeManyFiles},
-      {"a chain of superclasses, its end",
+      {"a chain of superclasses, one class",
        {"update", "D0"},
        [](const fs::path& folder, std::size_t bytes) { makeChain(folder, bytes, "velum.System"); }},
-      {"a chain of superclasses, all of it",
+      {"a chain of superclasses, with -s",
        {"update", "-s", "D0"},
        [](const fs::path& folder, std::size_t bytes) { makeChain(folder, bytes, "velum.System"); }},
       {"a chain of superclasses, each class",
@@ -276,7 +275,7 @@ std::vector<HostileInput> pathInputs() {
        [](const fs::path& folder, std::size_t bytes) {
          makeChain(folder, bytes, "velum.System", " & velum.system.mixin.CustomIcon");
        }},
-      {"a chain that ends nowhere, each class",
+      {"a chain to an unknown class, each class",
        {"update"},
        [](const fs::path& folder, std::size_t bytes) { makeChain(folder, bytes, "nowhere.D"); }},
       {"a class report of a chain",
@@ -284,11 +283,11 @@ std::vector<HostileInput> pathInputs() {
        [](const fs::path& folder, std::size_t bytes) { makeChain(folder, bytes, "velum.System"); }},
       {"links that loop", {"update"}, makeLinks},
       {"links that loop, followed", {"update", "--no-ignore"}, makeLinks},
-      {"names that are none", withTable, makeWrongNames},
-      {"arguments that are no names",
+      {"a class table with invalid names", withTable, makeWrongNames},
+      {"arguments that are no class names",
        {"update", "../../etc/passwd", "a%2fb", "a..b", "%00", "/", "", longName(100'000)},
        makeLinks},
-      {"a deep class table", withTable,
+      {"a deeply nested class table", withTable,
        [](const fs::path& folder, std::size_t bytes) { makeTable(folder, "", "[", "", bytes); }},
       {"a class table of many classes", withTable,
        [](const fs::path& folder, std::size_t bytes) {

@@ -1,4 +1,4 @@
-// Inputs that are made to cost much: deep, long, wide, tangled.
+// Inputs with a high cost: deep, long, wide and cyclic.
 #pragma once
 
 #include <cstddef>
@@ -14,9 +14,9 @@ struct HostileInput {
   std::string name;
   // The arguments of the program, which runs in the input's folder.
   std::vector<std::string> arguments;
-  // Makes the files in an empty folder, of about `bytes` bytes altogether.
+  // Makes the files in an empty folder, of about `bytes` bytes in total.
   std::function<void(const std::filesystem::path& folder, std::size_t bytes)> make;
-  // At most so many bytes are promised to stay within the bounds.
+  // The largest input for which the bounds are promised.
   std::size_t promisedBytes = 10'000'000;
 };
 

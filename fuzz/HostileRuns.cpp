@@ -1,7 +1,7 @@
 // Runs the program on hostile inputs and measures it:
 //   hostile_inputs [--bytes N] [--only NAME] [--seconds S] [--mebibytes M]
-// One line an input: time, memory, exit code. The exit code is 1 if a run took more than the
-// bounds, was killed, or printed nothing although it failed.
+// Prints one line for each input: time, memory, exit code. The exit code is 1 if a run exceeded the
+// bounds, was killed, or failed without printing anything.
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/resource.h>
@@ -32,7 +32,7 @@ struct Options {
   double mebibytes = 1024;
 };
 
-// What one run reads and prints, gone with the object.
+// The folder for one run's input and output, deleted with the object.
 class RunFolder {
  public:
   RunFolder() { fs::create_directory(input()); }
@@ -45,14 +45,14 @@ class RunFolder {
 };
 
 struct Measured {
-  // What the process ended with; 128 and the number of the signal that killed it.
+  // The exit code of the process, or 128 plus the number of the signal that killed it.
   int exitCode = 0;
   double seconds = 0;
   double mebibytes = 0;
   bool isSilent = false;
 };
 
-// The program's process: in the folder, with both outputs in one file, killed when it takes
+// Turns this process into the program: in the folder, with both outputs in one file, killed after
 // `seconds` of processor time.
 [[noreturn]] void becomeProgram(const Options& options, const HostileInput& input,
                                 const RunFolder& folder) {
@@ -84,14 +84,14 @@ Measured measure(const Options& options, const HostileInput& input, const RunFol
   };
   Measured measured;
   measured.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-  // What other processes take from this one does not count.
+  // The processor time, if it is less, so that other processes do not count.
   measured.seconds = std::min(time.count(), cpuTime(usage.ru_utime) + cpuTime(usage.ru_stime));
   measured.mebibytes = static_cast<double>(usage.ru_maxrss) / 1024;
   measured.isSilent = fs::file_size(folder.output()) == 0;
   return measured;
 }
 
-// What is wrong with the run; nothing if all is well.
+// The fault of the run; empty if there is none.
 std::string faultOf(const Options& options, const Measured& measured) {
   if (measured.exitCode > 2) return "ended badly";
   if (measured.isSilent && measured.exitCode != 0) return "failed without a word";

@@ -15,7 +15,7 @@ namespace {
 using ca::astapi::PropertiesBlockNode;
 using ca::astapi::PropertyNode;
 
-// The class as the rules saw it.
+// The model of the class before the update.
 struct ClassModel {
   explicit ClassModel(const PlannedClass& plannedClass)
       : planned(plannedClass),
@@ -66,7 +66,7 @@ bool hasSetWithoutMembers(const ClassModel& model) {
   });
 }
 
-// A set's property with some of the class, size and validators, and without a default value.
+// Whether a converted set's property has the part, but no default value.
 bool hasValidationWithoutDefault(const ClassModel& model, bool (Property::*hasPart)() const) {
   return anyEditedProperty(model, [&](const Property& property) {
     return isConvertedSet(property.getConstrainedSetInfo()) && !property.hasDefaultValue() &&
@@ -83,7 +83,7 @@ bool hasValidatorsWithoutDefault(const ClassModel& model) {
   return hasValidationWithoutDefault(model, &Property::hasValidators);
 }
 
-// What is put in place of text on three lines or more.
+// Whether an edit replaces text on three lines or more.
 bool replacesThreeLines(const ClassModel& model) {
   return std::ranges::any_of(model.planned.actions, [](const PlannedAction& action) {
     return action.family == RuleFamilyType::attributes &&
@@ -93,7 +93,7 @@ bool replacesThreeLines(const ClassModel& model) {
   });
 }
 
-// What is put in place of text on several lines, with a continuation right behind it.
+// Whether an edit replaces text on several lines that is directly followed by a continuation.
 bool replacesInFrontOfContinuation(const ClassModel& model) {
   const SourceFile file(model.planned.analysis->sourceTextView());
   return std::ranges::any_of(model.planned.actions, [&](const PlannedAction& action) {
@@ -106,7 +106,7 @@ bool replacesInFrontOfContinuation(const ClassModel& model) {
   });
 }
 
-// --- what only the tree tells ---
+// --- causes that only the tree shows ---
 
 template <class Predicate>
 bool anyBlock(const ClassModel& model, const Predicate& predicate) {
@@ -114,7 +114,7 @@ bool anyBlock(const ClassModel& model, const Predicate& predicate) {
                              predicate);
 }
 
-// What follows the keyword, over blanks and continuations.
+// Whether the keyword is followed by parentheses, after blanks and continuations.
 bool hasEmptyParentheses(const ClassModel& model, const PropertiesBlockNode& block) {
   if (!block.attributes.empty()) return false;
   fl::ustring_view rest = model.planned.analysis->nodeTextView(block);
@@ -155,7 +155,7 @@ constexpr std::array<Cause, 8> causes = {{
     {"a class without a default value", hasClassWithoutDefault},
     {"validators without a default value", hasValidatorsWithoutDefault},
     {"a size over three lines", replacesThreeLines},
-    {"a size in front of a continuation", replacesInFrontOfContinuation},
+    {"a size before a continuation", replacesInFrontOfContinuation},
 }};
 
 }  // namespace

@@ -52,7 +52,7 @@ ProgramResult updateAsJson(const Workspace& space, const char* jobs,
   return result;
 }
 
-// The entries of all classes by their names; what only an unnamed class gets is left out.
+// The entries of all classes by name; results for unnamed classes are omitted.
 std::map<std::string, json> outcomes(const ProgramResult& result) {
   std::map<std::string, json> found;
   const json document = json::parse(result.out);
@@ -80,9 +80,9 @@ void checkWritten(const std::string& name, const std::string& text) {
 }
 
 void checkWriting(const Workspace& space, std::map<std::string, std::string> expected,
-                  const ProgramResult& told) {
+                  const ProgramResult& dryRun) {
   const auto old = expected;
-  for (const auto& [name, entry] : outcomes(told)) {
+  for (const auto& [name, entry] : outcomes(dryRun)) {
     if (!entry.contains("text") || entry.contains("refused")) continue;
     std::string path = name;
     std::ranges::replace(path, '.', '/');

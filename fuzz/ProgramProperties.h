@@ -1,4 +1,4 @@
-// What holds of the program on a folder of classes.
+// The properties of the program on a folder of classes.
 #pragma once
 
 #include <cstdint>
@@ -7,11 +7,11 @@ namespace soca::fuzz {
 
 // Makes the classes of the seeds in one folder and runs the program there. Throws a Violation
 // unless all of this holds:
-// - what it prints is the same for any number of jobs;
+// - the output is the same for any number of jobs;
 // - each class has the same outcome in any order of the arguments;
-// - a dry run writes nothing;
-// - `--write` leaves in each file the text that was told of, or, where the class failed or was
-//   refused, the old one; and none of the new texts has syntax errors.
+// - a dry run writes no file;
+// - `--write` writes to each file the text that the dry run printed, or, if the class failed or was
+//   refused, leaves the old one; and none of the new texts has syntax errors.
 void checkProgram(std::uint64_t firstSeed, std::uint64_t count);
 
 }  // namespace soca::fuzz

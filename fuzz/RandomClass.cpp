@@ -43,7 +43,7 @@ class ClassMaker {
       : out_(dice), code_(&out_), name_(std::move(name)), others_(others) {}
 
   RandomClass make() {
-    // What stands in front of the class line is no more than blank lines and comments.
+    // Only blank lines and comments may be before the class line.
     if (out_.once(6)) out_.lineEnd();
     writeHeader();
     const std::size_t blocks = 1 + out_.dice().roll(6);
@@ -114,7 +114,7 @@ class ClassMaker {
                         u"logical", u"Description", u"Access", u"GetAccess", u"SetAccess"});
     }
     out_.lineEnd();
-    // A block that the attribute rules take needs default values throughout.
+    // A block that the attribute rules convert needs default values for all properties.
     hasDefaults_ = !out_.once(3);
     out_.separated(4, [this] { writeProperty(); });
   }

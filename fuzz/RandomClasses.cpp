@@ -1,7 +1,7 @@
 // Makes random classes and checks all properties on each:
 //   random_classes [--count N] [--seed S] [--folder N] [--print]
-// The same seed makes the same class on every machine. A class on which a property fails is printed
-// behind its seed, and the exit code is 1. The program runs on folders of N of them. With `--print`
+// The same seed gives the same class on every machine. A class on which a property fails is printed
+// after its seed, and the exit code is 1. The program runs on folders of N of them. With `--print`
 // the classes are printed and not checked.
 #include <fmt/format.h>
 
@@ -28,7 +28,7 @@ std::vector<ClassFile> filesOf(const std::vector<RandomClass>& classes) {
   return files;
 }
 
-// A class as it was made: without syntax errors, and with its identifiers.
+// Checks a generated class: no syntax errors, and the identifiers that were generated.
 void checkAsMade(const RandomClass& made) {
   const auto analysis = analyzeChecked(made.file.text);
   require(analysis != nullptr, "class {} is nested too deeply", made.file.className);
@@ -45,7 +45,7 @@ void checkAsMade(const RandomClass& made) {
 
 class Run {
  public:
-  // False if a property failed.
+  // Returns false if a property failed.
   bool check(std::uint64_t seed) {
     const auto classes = makeRandomClasses(seed);
     try {
@@ -89,12 +89,12 @@ struct Options {
   std::uint64_t seed = 1;
   std::uint64_t count = 1000;
   std::uint64_t mostFailures = 1;
-  // How many classes, with those that they need, the program is given at once; 0 for none.
+  // The number of seeds whose classes are in one folder for the program; 0 for no folder.
   std::uint64_t folder = 200;
   bool isPrinting = false;
 };
 
-// False if a property failed.
+// Returns false if a property failed.
 bool checkFolder(std::uint64_t seed, std::uint64_t count) {
   try {
     checkProgram(seed, count);

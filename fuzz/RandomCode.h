@@ -5,25 +5,25 @@
 
 namespace soca::fuzz {
 
-// Writes code without syntax errors, which means nothing. `depth` is how deep what it writes is
-// nested already; from some depth on everything is simple.
+// Writes syntactically correct code without a meaning. `depth` is the current nesting; beyond a
+// limit only simple forms are written.
 class RandomCode {
  public:
   // `writer` must outlive this object.
   explicit RandomCode(SourceWriter* writer) : writer_(writer) {}
 
   void expression(int depth);
-  // What may stand on either side of any operator.
+  // An expression that may be an operand of any operator.
   void operand(int depth);
   // `{...}` or `[...]`
   void list(bool isCell, int depth);
-  // What stands in the brackets of a call or an index, without the brackets.
+  // The arguments of a call or an index, without the brackets.
   void arguments(int depth);
 
   // Up to `most` statements, each with its separator.
   void statements(std::size_t most, int depth);
 
-  // What a function line says: its outputs, its name, its inputs.
+  // The contents of a function line: its outputs, its name, its inputs.
   struct Head {
     std::vector<fl::ustring_view> outputs;
     fl::ustring_view name;

@@ -82,8 +82,8 @@ void RandomCode::expression(int depth) {
   operand(depth + 1);
 }
 
-// Next to an operator there are blanks on both sides or on neither: on one side only, they would
-// make two elements of it in a list, and a command at the start of a statement.
+// An operator has blanks on both sides or on neither: with a blank on one side only it would
+// separate two elements of a list, or begin a command at the start of a statement.
 void RandomCode::binaryOperation(int depth) {
   SourceWriter& out = *writer_;
   operand(depth + 1);
@@ -156,7 +156,7 @@ void RandomCode::arguments(int depth) {
 void RandomCode::anonymousFunction(int depth) {
   SourceWriter& out = *writer_;
   const SourceWriter::ListScope scope(writer_, false);
-  // In parentheses, since its body goes on as far as it can.
+  // In parentheses, because its body extends as far as possible.
   out.put(u"(@(");
   out.commaSeparated(out.dice().roll(3), [&out](std::size_t) {
     out.once(4) ? out.put(u"~") : out.identifier(out.pick({u"a", u"b", u"ModeSet"}));

@@ -1,4 +1,4 @@
-// Writes what the fuzzers begin with, or runs the targets on it without a fuzzer:
+// Writes the initial inputs of the fuzzers, or runs the targets on them without a fuzzer:
 //   fuzz_seeds --out DIR    a folder of files for each target
 //   fuzz_seeds --check      the same inputs, and those in fuzz/inputs/, through their targets
 #include <fmt/format.h>
@@ -58,7 +58,7 @@ std::vector<ClassFile> filesOf(const testing::Case& testCase) {
 
 void addText(const std::string& name, const std::string& bytes, std::vector<Input>& inputs) {
   inputs.push_back({"analysis", name, bytes});
-  // Two edits behind the text.
+  // Two edits after the text.
   inputs.push_back({"edits", name,
                     bytes + std::string("\x02\x05\x00\x04\x01\x01", 6) +
                         std::string("\x07\x00\x01\x00\x03\x00\x02", 7)});
@@ -95,7 +95,7 @@ std::vector<Input> makeInputs() {
   return inputs;
 }
 
-// The inputs that a fuzzer once found something with: fuzz/inputs/<target>/<name>.
+// Inputs with which a fuzzer found a fault: fuzz/inputs/<target>/<name>.
 std::vector<Input> foundInputs() {
   std::vector<Input> inputs;
   for (const auto& entry :
@@ -131,7 +131,7 @@ bool runInput(const Input& input) {
   return true;
 }
 
-// How many causes that excuse a spoiled text are the title of no case in tests/known.
+// The number of known causes that are the title of no case in tests/known.
 std::size_t countUnexplainedCauses() {
   const auto cases = testing::findCases(fs::path(SOCA_SOURCE_DIR) / "tests" / "known");
   std::size_t count = 0;

@@ -40,9 +40,9 @@ void SourceWriter::space() {
 }
 
 void SourceWriter::continuation() {
-  // A point right behind a number belongs to the number.
-  const bool isBehindNumber = u'0' <= text_.back() && text_.back() <= u'9';
-  put(isBehindNumber || once(2) ? u" " : u"");
+  // A point directly after a number is part of the number.
+  const bool isAfterNumber = u'0' <= text_.back() && text_.back() <= u'9';
+  put(isAfterNumber || once(2) ? u" " : u"");
   put(u"...");
   if (once(3))
     put(pick({u" note", u" % note", u" 'open", u" obj.ModeSet", u"...", u" end", u"\t"}));

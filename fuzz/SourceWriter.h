@@ -1,4 +1,4 @@
-// Writes source text with a layout that changes from place to place.
+// Writes source text with a random layout.
 #pragma once
 
 #include <initializer_list>
@@ -11,25 +11,25 @@
 
 namespace soca::fuzz {
 
-// Keeps account of the identifiers that it writes: the tree has to have these and no others.
+// Records the identifiers that it writes: the tree must have exactly these.
 class SourceWriter {
  public:
   // `dice` must outlive this object.
   explicit SourceWriter(bench::Dice* dice);
 
   void put(fl::ustring_view text) { text_ += text; }
-  // Text that is one identifier.
+  // Text that is one identifier in the tree.
   void identifier(fl::ustring_view name);
-  // A dotted name that is one identifier for each word, and has no other dots.
+  // A dotted name in which each word is one identifier, without other dots.
   void dottedIdentifiers(fl::ustring_view name);
 
-  // Where blanks may stand: blanks, continuations, or nothing.
+  // At a place where blanks are allowed: blanks, continuations, or nothing.
   void gap();
-  // Where a blank has to stand.
+  // At a place where a blank is required.
   void space();
   // An operator or a delimiter, with gaps around it.
   void putBetweenGaps(fl::ustring_view mark);
-  // `count` times what `writeOne` writes, with a comma in front of each but the first and gaps.
+  // `count` results of `writeOne`, separated by commas, with gaps.
   template <class WriteOne>
   void commaSeparated(std::size_t count, const WriteOne& writeOne) {
     for (std::size_t number = 0; number < count; ++number) {
@@ -48,18 +48,18 @@ class SourceWriter {
       separator();
     }
   }
-  // A line end, with what may stand in front of it and behind: comments, blank lines.
+  // A line end, with random comments and blank lines before and after it.
   void lineEnd();
-  // Between two statements or members.
+  // A separator between two statements or members.
   void separator();
-  // Where no separator is needed behind a head that a blank ends as well.
+  // After a head that a blank also ends, and which needs no separator.
   void optionalSeparator();
-  // Indentation, as people have it or not.
+  // Random indentation, or none.
   void indent();
-  // What may stand at the end of a file.
+  // Random lines at the end of a file.
   void lastLines();
 
-  // Inside lists blanks separate elements, so that gaps are empty there.
+  // Inside lists blanks separate elements, so gaps are empty there.
   class ListScope {
    public:
     ListScope(SourceWriter* writer, bool isInList)
@@ -90,7 +90,7 @@ class SourceWriter {
 
   bench::Dice* dice_;
   fl::ustring_view lineEnd_;
-  // One in how many places has an odd layout.
+  // One place in this many has an unusual layout.
   std::size_t oddness_;
   bool isInList_ = false;
   fl::ustring text_;

@@ -14,7 +14,7 @@
 namespace soca::fuzz {
 namespace {
 
-// While it lives, the table is the process's class table; text that is none is passed over.
+// During its life, the table is the process's class table; a text that is no table is ignored.
 class ClassTableScope {
  public:
   explicit ClassTableScope(std::string_view json) {
@@ -53,7 +53,7 @@ void fuzzUpdate(std::string_view bytes) {
 }
 
 void fuzzEdits(std::string_view bytes) {
-  // Six bytes make an edit.
+  // Each edit takes six bytes.
   constexpr std::size_t editSize = 6;
   const std::size_t count = bytes.empty() ? 0 : std::min<std::size_t>(bytes.back() & 7, 7);
   const std::size_t editBytes = std::min(bytes.size(), 1 + count * editSize);

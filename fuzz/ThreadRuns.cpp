@@ -1,5 +1,5 @@
-// Calls one updater from many threads, on sets of classes that overlap, and compares what each gets
-// with what one thread gets alone:
+// Calls one updater from many threads, on overlapping sets of classes, and compares the results
+// with those of a single thread:
 //   many_threads [--threads N] [--seeds N] [--seconds S]
 #include <fmt/format.h>
 
@@ -24,7 +24,7 @@
 namespace soca::fuzz {
 namespace {
 
-// All that the three operations say of a class, or what they fail with.
+// The results of the three operations for a class, or the failures.
 fl::ustring answerOf(Updater& updater, const fl::ustring& className) {
   fl::ustring answer;
   for (const bool includeSuperclasses : {false, true}) {
@@ -48,7 +48,7 @@ struct Question {
   fl::ustring answer;
 };
 
-// The classes of as many seeds, as files of the folder.
+// The classes of the seeds, written as files to the folder.
 std::vector<fl::ustring> writeClasses(const testing::Workspace& space, std::uint64_t seeds) {
   std::vector<fl::ustring> names;
   for (std::uint64_t seed = 1; seed <= seeds; ++seed) {
@@ -62,7 +62,7 @@ std::vector<fl::ustring> writeClasses(const testing::Workspace& space, std::uint
   return names;
 }
 
-// Asks again and again, each thread from another place on.
+// Repeats all calls on each thread, each thread beginning at another class.
 bool askFromManyThreads(const std::vector<Question>& questions, std::size_t threads,
                         double seconds) {
   UpdaterImpl updater;

@@ -22,7 +22,7 @@ using fl::i18n::to_string;
 
 constexpr const char* outOfRange = "std::out_of_range";
 
-// What `work` fails with; empty if it does not.
+// The failure of `work`; empty if it succeeds.
 std::string failureOf(const std::function<void()>& work) {
   try {
     work();
@@ -40,7 +40,7 @@ bool isSame(const PlannedClass& planned, const UpdateResult& result) {
          planned.result.messages == result.messages && planned.result.updated == result.updated;
 }
 
-// One call, in the form of its plan.
+// One call of the service, and its plan.
 class Call {
  public:
   Call(fl::ustring className, UpdateMask mask, bool includeSuperclasses)
@@ -70,7 +70,7 @@ class Call {
   std::string failure_;
 };
 
-// The class before its actions are applied; nothing if it can't be loaded.
+// The class before its actions are applied; empty if it cannot be loaded.
 std::optional<PlannedClass> planAlone(const fl::ustring& className, UpdateMask mask) {
   std::optional<PlannedClass> planned;
   failureOf([&] { planned = std::move(planActions(className, mask, false).front()); });
@@ -114,9 +114,9 @@ bool deletesText(const PlannedClass& planned) {
   });
 }
 
-// An update may leave something to the next one where the rules look at the old text only: a method
-// with a new name, or with a turned value, falls under another rule; of two methods with one name
-// each update takes the first; what refers to a name goes with the text that an update deletes.
+// The rules look only at the old text, so an update may leave work to the next one: a method with a
+// new name or a negated value falls under another rule; of two methods with one name each update
+// takes the first; deleted text may have been the last reference to a name.
 bool mayLeaveWork(const PlannedClass& first, const PlannedClass& second) {
   const bool isImplLeft = hasFamily(second, RuleFamilyType::impl);
   const bool isSetLeft = hasFamily(second, RuleFamilyType::attributes);
@@ -127,7 +127,7 @@ bool mayLeaveWork(const PlannedClass& first, const PlannedClass& second) {
 
 constexpr unsigned mostUpdates = 20;
 
-// Updates the class until nothing is left to do.
+// Updates the class until an update has no actions.
 unsigned updateUntilRest(const fl::ustring& className, PlannedClass planned,
                          ClassFilesScope& files) {
   for (unsigned count = 0; count < mostUpdates; ++count) {
@@ -135,7 +135,7 @@ unsigned updateUntilRest(const fl::ustring& className, PlannedClass planned,
     std::vector<PlannedClass> next;
     const std::string failure =
         failureOf([&] { next = planUpdate(className, allFamilies, false); });
-    // Two edits on one line, or a text that the next update spoils.
+    // Overlapping edits, or a text that the next update spoils.
     if (!failure.empty()) return count;
     if (next.front().actions.empty()) return count;
     require(mayLeaveWork(planned, next.front()), "update number {} finds something to do",

@@ -9,7 +9,7 @@
 
 namespace soca::fuzz {
 
-// `what` says which property it is, and where it fails.
+// `what` is the property and the place where it fails.
 class Violation : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

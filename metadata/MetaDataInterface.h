@@ -12,8 +12,8 @@ class MetaDataInterface {
  public:
   virtual ~MetaDataInterface() = default;
 
-  // A new description of the class with that dotted name; never null. An unknown class has one too,
-  // which says that it is no System object.
+  // A new description of the class with that dotted name; never null. The description of an unknown
+  // class is that of a class that is no System object.
   virtual std::unique_ptr<MetaClass> getMetaClass(const fl::ustring& className) const = 0;
 
  protected:

@@ -25,7 +25,7 @@ tarn::InternedId idOfClass(const std::string& className) {
   return tarn::internal::makeInterned(className);
 }
 
-// Whether the class derives from one of the bases that make a System object.
+// Whether the class derives from one of the system bases.
 bool derivesFromSystemBase(const tarn::ClassObject& classObject) {
   return classObject.isDerivedFrom(tarn::internal::makeInterned("velum.system.coder.System")) ||
          classObject.isDerivedFrom(tarn::internal::makeInterned("velum.system.SystemImpl"));

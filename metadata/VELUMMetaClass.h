@@ -1,4 +1,4 @@
-// The class description that the environment's class runtime and path services give.
+// The class description from the environment's class runtime and path services.
 #pragma once
 
 #include <string>
@@ -10,8 +10,8 @@
 
 namespace soca {
 
-// A System object is a class that derives from one of the two system bases. Of any other class
-// nothing is asked of the runtime. Nothing but these fields is kept: each answer is a new question.
+// A System object is a class that derives from one of the two system bases. For any other class the
+// runtime is not queried further. Results are not cached.
 class VELUMMetaClass : public MetaClass {
  public:
   explicit VELUMMetaClass(const fl::ustring& className);
@@ -31,7 +31,7 @@ class VELUMMetaClass : public MetaClass {
   bool systemObject_ = false;
   // Dotted, in UTF-8, as the runtime spells it.
   std::string className_;
-  // Belongs to no class unless this one is a System object.
+  // Refers to no class unless this class is a System object.
   sotarn::MetaClass metaClass_;
 };
 

@@ -1,4 +1,4 @@
-// The source of class descriptions that asks the environment.
+// Class descriptions from the environment.
 #pragma once
 
 #include "metadata/MetaDataInterface.h"

@@ -1,4 +1,4 @@
-// One loaded class: what is known of it, its syntax tree, and its model.
+// One loaded class: its description, its syntax tree, and its model.
 #pragma once
 
 #include <memory>
@@ -10,16 +10,16 @@
 
 namespace soca {
 
-// Complete when it is made; no pointer is ever null. The model points at the analysis and at the
+// Complete once constructed; no pointer is null. The model points to the analysis and to the
 // description, so the fields must be destroyed from the last to the first.
 struct AnalyzedClass {
-  // As loading was asked for it.
+  // The name with which the class was loaded.
   fl::ustring className;
   std::unique_ptr<MetaClass> metaClass;
   std::shared_ptr<ca::AnalysisResult> analysis;
   std::unique_ptr<ClassDefinition> definition;
 
-  // The text of the class's file as the analysis holds it, every character kept.
+  // The text of the class's file from the analysis, with every character.
   fl::ustring getSourceText() const;
   // The same without a copy, valid as long as the analysis.
   fl::ustring_view sourceTextView() const;

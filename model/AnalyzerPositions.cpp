@@ -12,7 +12,7 @@ std::uint32_t highHalf(std::uint64_t pair) { return static_cast<std::uint32_t>(p
 SourcePosition makePosition(const ca::AnalysisResult& analysis, std::uint32_t position,
                             bool pastEnd) {
   const std::uint64_t lineAndColumn = analysis.getLineAndColumn(position);
-  // Both are one-based, so that the column of a character is the zero-based one just behind it.
+  // Both are one-based: the column of a character, read as zero-based, is the place after it.
   const std::uint64_t line = lowHalf(lineAndColumn);
   const std::uint64_t column = highHalf(lineAndColumn);
   return {line - 1, pastEnd ? column : column - 1};

@@ -9,7 +9,7 @@ namespace soca {
 
 struct AttributeText {
   fl::ustring name;
-  // The written value, with the quotes of a literal; absent for a bare name.
+  // The written value, with the quotes of a literal; empty for a bare name.
   std::optional<fl::ustring> value;
   // Written with a leading `~`.
   bool negated = false;

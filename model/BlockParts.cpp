@@ -11,7 +11,7 @@ using lf::astapi::NodeKind;
 
 constexpr std::uint64_t endKeywordLength = 3;
 
-// The written form of a value that is one token; nothing for any other expression.
+// The written form of a value that is one token; empty for any other expression.
 std::optional<fl::ustring_view> tokenText(const ca::astapi::Node& value) {
   switch (value.kind) {
     case NodeKind::Identifier:

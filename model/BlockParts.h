@@ -1,5 +1,5 @@
-// What properties blocks and methods blocks have in common: the parts of their text, and how their
-// attributes are read.
+// Functions that properties blocks and methods blocks share: the extents of their parts, and the
+// reading of their attributes.
 #pragma once
 
 #include <cstdint>
@@ -17,11 +17,11 @@ namespace soca::blockParts {
 using ca::astapi::Attribute;
 using ca::astapi::BlockNode;
 
-// The keyword and, with at least one attribute, all through the closing parenthesis.
+// The keyword and, if there is an attribute, the text through the closing parenthesis.
 Extent openingExtent(const ca::AnalysisResult& analysis, const BlockNode& block,
                      fl::ustring_view keyword);
 
-// The attribute list with its parentheses; without attributes the place just behind the keyword.
+// The attribute list with its parentheses; without attributes the place just after the keyword.
 Extent attributesExtent(const ca::AnalysisResult& analysis, const BlockNode& block,
                         fl::ustring_view keyword);
 
@@ -32,23 +32,23 @@ Extent closingExtent(const ca::AnalysisResult& analysis, const BlockNode& block)
 std::vector<AttributeText> attributeTexts(const ca::AnalysisResult& analysis,
                                           const BlockNode& block);
 
-// Whether the first attribute of that name states a logical value, whichever it is.
+// Whether the first attribute of that name states a logical value, true or false.
 bool hasLogicalAttribute(const BlockNode& block, fl::ustring_view name);
 
 // Whether the first attribute of that name states that value.
 bool hasLogicalAttributeValue(const BlockNode& block, fl::ustring_view name, bool value);
 
-// The index of the attribute's name in `names`; nothing for a name that is not there.
+// The index of the attribute's name in `names`; empty if it is not in there.
 std::optional<std::size_t> indexOfAttribute(const Attribute& attribute,
                                             std::span<const fl::ustring_view> names);
 
-// Takes over into `logicalAttributes` what the attribute says of bit `bit`. False if it states no
-// logical value, in which case nothing changes.
+// Sets bit `bit` of `logicalAttributes` to the logical value of the attribute. Returns false and
+// changes nothing if the attribute states no logical value.
 bool readLogicalValue(const Attribute& attribute, std::size_t bit,
                       std::uint64_t& logicalAttributes);
 
 // The index in `levels` of the access level that the attribute's value names, with or without
-// quotes: 0 for a name that is not there, and the number of levels for any other expression.
+// quotes: 0 for a name that is not in there, and the number of levels for any other expression.
 std::size_t accessLevel(const Attribute& attribute, std::span<const fl::ustring_view> levels);
 
 }  // namespace soca::blockParts

@@ -1,4 +1,4 @@
-// What every part of a class's model asks.
+// The context that all parts of a class's model share.
 #pragma once
 
 #include "metadata/MetaClass.h"
@@ -6,7 +6,7 @@
 
 namespace soca {
 
-// Owns neither. Part of the class definition, at which every block, property and method points.
+// Owns neither. A member of the class definition; every block, property and method points to it.
 struct ClassContext {
   const ca::AnalysisResult* analysis = nullptr;
   const MetaClass* metaClass = nullptr;

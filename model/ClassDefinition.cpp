@@ -13,7 +13,7 @@ ClassDefinition::ClassDefinition(const ca::astapi::Classdef* classdefNode, Class
 
 void ClassDefinition::gatherBlocks() {
   using lf::astapi::NodeKind;
-  // The members point at the blocks, which must stay where they are.
+  // The members point to the blocks, which must not move.
   propertiesBlocks_.reserve(classdefNode_->getPropertiesBlocks().size());
   methodsBlocks_.reserve(classdefNode_->getMethodsBlocks().size());
   members_.reserve(classdefNode_->members.size());

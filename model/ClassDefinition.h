@@ -1,4 +1,4 @@
-// The model of one class file: what the rules read.
+// The model of one class file, which the rules read.
 #pragma once
 
 #include <cstdint>
@@ -13,15 +13,15 @@
 
 namespace soca {
 
-// One block of the class body. For a block that is neither of properties nor of methods both
-// pointers are null.
+// One block of the class body. Both pointers are null for a block that is neither a properties
+// block nor a methods block.
 struct ClassMember {
   const ca::astapi::Node* node = nullptr;
   const PropertiesBlock* propertiesBlock = nullptr;
   const MethodsBlock* methodsBlock = nullptr;
 };
 
-// One name behind the `<` of the class line.
+// One name of the superclass list.
 struct SuperClassReference {
   // The whole dotted name.
   fl::ustring name;
@@ -30,9 +30,9 @@ struct SuperClassReference {
   friend bool operator==(const SuperClassReference&, const SuperClassReference&) = default;
 };
 
-// Complete when it is made, and unchanged from then on. The tree, the analysis and the metadata
-// must outlive it. It neither copies nor moves, since its blocks point at its context and its
-// members at its blocks.
+// Complete once constructed, and never modified. The tree, the analysis and the metadata must
+// outlive it. It is neither copied nor moved, because its blocks point to its context and its
+// members to its blocks.
 class ClassDefinition {
  public:
   ClassDefinition(const ca::astapi::Classdef* classdefNode, ClassContext context);
@@ -51,7 +51,7 @@ class ClassDefinition {
   const Property* findProperty(const fl::ustring& name) const;
   const Method* findMethod(const fl::ustring& name) const;
 
-  // What the class's metadata says.
+  // From the class's metadata.
   bool isStrictDefaultsClass() const;
   bool isMethodDefinedInSuperClass(const fl::ustring& name) const;
 

@@ -17,7 +17,7 @@ DotIndex::DotIndex(fl::ustring_view text, std::vector<fl::ustring_view> names) {
 }
 
 void DotIndex::linkPrefixes() {
-  // What a name begins with stands in front of it, with nothing but its likes in between.
+  // In sorted order, all names between a name and its prefix also begin with that prefix.
   Name* previous = nullptr;
   for (Name& name : names_) {
     while (previous != nullptr && !name.text.starts_with(previous->text)) {
@@ -29,12 +29,13 @@ void DotIndex::linkPrefixes() {
 }
 
 void DotIndex::noteDot(fl::ustring_view text, std::size_t dot) {
-  const fl::ustring_view behind = text.substr(dot + 1);
-  const auto isBehind = [](fl::ustring_view key, const Name& name) { return key < name.text; };
-  const auto next = std::upper_bound(names_.begin(), names_.end(), behind, isBehind);
+  const fl::ustring_view rest = text.substr(dot + 1);
+  const auto isBefore = [](fl::ustring_view key, const Name& name) { return key < name.text; };
+  const auto next = std::upper_bound(names_.begin(), names_.end(), rest, isBefore);
+  // The longest name that begins `rest` is the last name not after it, or a prefix of that one.
   Name* name = next != names_.begin() ? &*(next - 1) : nullptr;
-  while (name != nullptr && !behind.starts_with(name->text)) name = name->prefix;
-  // What a noted name begins with is noted too.
+  while (name != nullptr && !rest.starts_with(name->text)) name = name->prefix;
+  // If a name already has a dot, so have all its prefixes.
   for (; name != nullptr && name->firstDot == fl::ustring_view::npos; name = name->prefix) {
     name->firstDot = dot;
   }

@@ -7,14 +7,14 @@
 
 namespace soca {
 
-// Half-open: `end` is just behind the last code unit; `start == end` is a place to insert at.
-// Nothing is normalised; an extent whose end lies in front of its start stays one.
+// Half-open: `end` is just after the last code unit; `start == end` is a place of insertion. Not
+// normalised: an extent whose end is before its start stays so.
 struct Extent {
   SourcePosition start;
   SourcePosition end;
 
-  // Whether this extent begins on a line that `other` touches. Columns play no part: one line, one
-  // edit.
+  // Whether this extent begins on a line that `other` touches. Columns are ignored, because each
+  // line takes one edit.
   bool startsWithinLinesOf(const Extent& other) const {
     return other.start.line <= start.line && start.line <= other.end.line;
   }

@@ -21,7 +21,7 @@ using lf::astapi::NodeKind;
 
 constexpr std::uint64_t endKeywordLength = 3;
 
-// Visits the nodes of one type in the whole file, on behalf of one method.
+// Visits the nodes of one type in the whole file; the function selects those of the method.
 template <class T>
 class MethodNodeVisitor : public ca::astapi::NodeVisitor<T> {
  public:
@@ -29,11 +29,11 @@ class MethodNodeVisitor : public ca::astapi::NodeVisitor<T> {
                     std::function<void(const T&)> function)
       : ca::astapi::NodeVisitor<T>(std::move(function)), method(visitedFor) {}
 
-  // The walk itself does not stop at the method's bounds.
+  // The walk is not limited to this method.
   const ca::astapi::FunctionDefinition* method;
 };
 
-// The characters of a subtree, by analyzer positions.
+// The first and the last position of a subtree.
 struct Span {
   std::uint64_t first = 0;
   std::uint64_t last = 0;
@@ -45,8 +45,7 @@ struct Span {
   bool contains(const Span& other) const { return first <= other.first && other.last <= last; }
 };
 
-// The functions that are statements of the body itself; those inside other statements are not
-// looked for.
+// The functions that are statements of the body itself, without those inside other statements.
 std::vector<Span> nestedFunctions(const ca::astapi::FunctionDefinition& function) {
   std::vector<Span> spans;
   for (const Node* statement : function.body) {
@@ -76,13 +75,13 @@ bool isOutput(const Node* target, const fl::ustring& outputName) {
   return isIdentifier(target, id) || (outputName == u"varargout" && isFirstCell(target, id));
 }
 
-// Whether the text of a function has the keyword, as whatever, at all.
+// Whether the text contains the keyword, if only in a comment or a name.
 bool mayReturn(fl::ustring_view text) {
   return fl::TextFinder(u"return").find(text) != fl::ustring_view::npos;
 }
 
-// Whether the text has the name, as whatever, at any other place than its own. Where it has not, no
-// identifier can be there, and no walk has to look for one.
+// Whether the text contains the name at another place than its own, if only in a comment or a
+// literal. Otherwise there is no other identifier of that name, and the tree need not be walked.
 bool standsElsewhere(fl::ustring_view text, const Identifier& name) {
   const fl::TextFinder finder(name.text.view());
   std::size_t place = finder.find(text);
@@ -118,7 +117,7 @@ fl::ustring Method::getOutputName(std::int32_t index) const {
 Extent Method::getBodyExtent() const {
   const ca::astapi::FunctionDefinition& function = definition();
   const Extent full = getFullExtent();
-  // One in front of the `end`; in front of the first column the subtraction wraps round.
+  // One column before the `end`; wraps to the all-ones value before the first column.
   const SourcePosition end = {full.end.line, full.end.column - 1 - endKeywordLength};
   if (function.body.empty()) return {end, end};
   return {makeExtentOfNode(*context_->analysis, *function.body.front()).start, end};

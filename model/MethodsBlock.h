@@ -12,7 +12,7 @@
 
 namespace soca {
 
-// The attributes that are known by name; the values are the bit numbers of a block's logical
+// The attributes that are recognised; the values are the bit numbers of a block's logical
 // attributes.
 enum class MethodAttributeType : std::uint32_t {
   Abstract,
@@ -27,15 +27,15 @@ enum class MethodAccessType : std::uint32_t {
   publicAccess,
   protectedAccess,
   privateAccess,
-  // An expression that is neither a name nor a literal; what it stands for is not known.
+  // An expression that is neither a name nor a literal; its value is not known.
   otherExpression,
 };
 
-// The name as written in source, for all types in front of `Access`.
+// The name as written in source, for the types before `Access`.
 fl::ustring methodAttributeName(MethodAttributeType attribute);
 
-// The twin of PropertiesBlock. Owns its methods. The syntax tree and the context must outlive it.
-// It moves, taking the methods along; it is not copied.
+// Like PropertiesBlock. Owns its methods. The syntax tree and the context must outlive it. It can
+// be moved with its methods, but not copied.
 class MethodsBlock {
  public:
   MethodsBlock(const ca::astapi::MethodsBlockNode* node, const ClassContext* context);
@@ -54,11 +54,11 @@ class MethodsBlock {
   std::vector<AttributeText> getAttributes() const;
   // The access of all methods of the block.
   MethodAccessType getAccess() const { return access_; }
-  // Whether the first attribute of that name states a logical value, whichever it is.
+  // Whether the first attribute of that name states a logical value, true or false.
   bool hasLogicalAttribute(MethodAttributeType attribute) const;
   // Whether the first attribute of that name states that value.
   bool hasLogicalAttributeValue(MethodAttributeType attribute, bool value) const;
-  // The bits of the attributes in force; of two attributes of one name the last counts.
+  // The effective bits of the attributes; of two attributes of one name the last one applies.
   std::uint64_t getLogicalAttributes() const { return logicalAttributes_; }
   bool hasSameLogicalAttributes(std::uint64_t logicalAttributes) const {
     return logicalAttributes_ == logicalAttributes;
@@ -66,16 +66,16 @@ class MethodsBlock {
 
   // From the keyword through `end`.
   Extent getFullExtent() const;
-  // The keyword and, with at least one attribute, all through the closing parenthesis.
+  // The keyword and, if there is an attribute, the text through the closing parenthesis.
   Extent getOpeningExtent() const;
-  // The attribute list with its parentheses; without attributes the place just behind the keyword.
+  // The attribute list with its parentheses; without attributes the place just after the keyword.
   Extent getAttributesExtent() const;
   // The `end` keyword.
   Extent getClosingExtent() const;
 
  private:
   void readAttribute(const ca::astapi::Attribute& attribute);
-  // Points the methods at this block.
+  // Sets the methods' pointers to this block.
   void adoptMethods();
 
   const ca::astapi::MethodsBlockNode* node_;

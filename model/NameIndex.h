@@ -11,11 +11,11 @@
 
 namespace soca {
 
-// Points at the entries (properties or methods) of some blocks, which must stay where they are. Of
-// two entries of one name the one that was added first is found.
+// Points to the entries (properties or methods) of some blocks, which must not move. Of two entries
+// of one name the one added first is found.
 //
-// A class of ordinary size has so few entries that it is searched through; only a large one is
-// sorted, so that looking up every name of a class does not grow with the square of its size.
+// Up to a fixed number of entries are searched linearly; more are sorted, so that the look-up of
+// all names of a class does not take quadratic time.
 template <class Entry>
 class NameIndex {
  public:
@@ -23,12 +23,12 @@ class NameIndex {
     for (const Entry& entry : entries) names_.push_back({entry.nameView(), names_.size(), &entry});
   }
 
-  // To be called once, behind the last `add`.
+  // To be called once, after the last `add`.
   void finish() {
     if (isSorted()) std::ranges::sort(names_, {}, &Name::key);
   }
 
-  // Null for a name that no entry has.
+  // Null if no entry has the name.
   const Entry* find(fl::ustring_view name) const {
     const auto isName = [name](fl::ustring_view text) { return fl::areEqualTexts(text, name); };
     const auto found = isSorted() ? std::ranges::lower_bound(names_, name, {}, &Name::text)

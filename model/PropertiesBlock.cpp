@@ -87,7 +87,7 @@ void PropertiesBlock::adoptProperties() {
 }
 
 void PropertiesBlock::readAttribute(const ca::astapi::Attribute& attribute) {
-  // The language has more attributes than these; what they say plays no part here.
+  // The language has more attributes than these; the others are ignored.
   const auto index = blockParts::indexOfAttribute(attribute, attributeNames);
   if (!index || blockParts::readLogicalValue(attribute, *index, logicalAttributes_)) return;
   const auto type = static_cast<PropertyAttributeType>(*index);

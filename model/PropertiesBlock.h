@@ -12,7 +12,7 @@
 
 namespace soca {
 
-// The attributes that are known by name; the values are the bit numbers of a block's logical
+// The attributes that are recognised; the values are the bit numbers of a block's logical
 // attributes.
 enum class PropertyAttributeType : std::uint32_t {
   AbortSet,
@@ -35,7 +35,7 @@ enum class PropertyAttributeType : std::uint32_t {
   DynamicEnumeration,
   PropertyPortPolicy,
   ControlledDynamicEnumerations,
-  // Those below take an access level.
+  // The types from here on take an access level.
   Access,
   GetAccess,
   SetAccess,
@@ -46,7 +46,7 @@ enum class PropertyAccessType : std::uint32_t {
   protectedAccess,
   privateAccess,
   immutable,
-  // An expression that is neither a name nor a literal; what it stands for is not known.
+  // An expression that is neither a name nor a literal; its value is not known.
   otherExpression,
 };
 
@@ -54,7 +54,7 @@ struct PropertyAccess {
   PropertyAccessType getAccess = PropertyAccessType::publicAccess;
   PropertyAccessType setAccess = PropertyAccessType::publicAccess;
 
-  // An access that is not known equals none, itself included.
+  // An unknown access is unequal to every access, including itself.
   friend bool operator==(const PropertyAccess& left, const PropertyAccess& right) {
     return left.getAccess == right.getAccess && left.setAccess == right.setAccess &&
            left.getAccess != PropertyAccessType::otherExpression &&
@@ -62,11 +62,11 @@ struct PropertyAccess {
   }
 };
 
-// The name as written in source, for all types in front of `Access`.
+// The name as written in source, for the types before `Access`.
 fl::ustring propertyAttributeName(PropertyAttributeType attribute);
 
-// Owns its properties. The syntax tree and the context must outlive it. It moves, taking the
-// properties along; it is not copied.
+// Owns its properties. The syntax tree and the context must outlive it. It can be moved with its
+// properties, but not copied.
 class PropertiesBlock {
  public:
   PropertiesBlock(const ca::astapi::PropertiesBlockNode* node, const ClassContext* context);
@@ -83,10 +83,10 @@ class PropertiesBlock {
   std::uint64_t getNumberOfAttributes() const { return node_->attributes.size(); }
   // In source order, as written.
   std::vector<AttributeText> getAttributes() const;
-  // The bits of the attributes in force; of two attributes of one name the last counts.
+  // The effective bits of the attributes; of two attributes of one name the last one applies.
   std::uint64_t getLogicalAttributes() const { return logicalAttributes_; }
   const PropertyAccess& getAccess() const { return access_; }
-  // Whether the first attribute of that name states a logical value, whichever it is.
+  // Whether the first attribute of that name states a logical value, true or false.
   bool hasLogicalAttribute(PropertyAttributeType attribute) const;
   // Whether the first attribute of that name states that value.
   bool hasLogicalAttributeValue(PropertyAttributeType attribute, bool value) const;
@@ -97,16 +97,16 @@ class PropertiesBlock {
 
   // From the keyword through `end`.
   Extent getFullExtent() const;
-  // The keyword and, with at least one attribute, all through the closing parenthesis.
+  // The keyword and, if there is an attribute, the text through the closing parenthesis.
   Extent getOpeningExtent() const;
-  // The attribute list with its parentheses; without attributes the place just behind the keyword.
+  // The attribute list with its parentheses; without attributes the place just after the keyword.
   Extent getAttributesExtent() const;
   // The `end` keyword.
   Extent getClosingExtent() const;
 
  private:
   void readAttribute(const ca::astapi::Attribute& attribute);
-  // Points the properties at this block.
+  // Sets the properties' pointers to this block.
   void adoptProperties();
 
   const ca::astapi::PropertiesBlockNode* node_;

@@ -15,7 +15,7 @@ using lf::astapi::NodeKind;
 constexpr fl::ustring_view stringSetClass = u"velum.system.StringSet";
 constexpr fl::ustring_view getAccessorPrefix = u"get.";
 
-// The name of a validator that is a plain name or a call of one; empty for any other.
+// The name of a validator that is a plain name or a call of one; empty for any other validator.
 fl::ustring_view validatorName(const Node* validator) {
   if (validator->kind == NodeKind::CallOrIndex) {
     validator = static_cast<const ca::astapi::CallOrIndex*>(validator)->base;
@@ -24,7 +24,7 @@ fl::ustring_view validatorName(const Node* validator) {
   return static_cast<const ca::astapi::Identifier*>(validator)->text.view();
 }
 
-// Whether the node is one of the literals that may make up a set.
+// Whether the node is a literal that may be part of a set.
 bool isSetLiteral(const Node* node) {
   return node->kind == NodeKind::CellLiteral || node->kind == NodeKind::MatrixLiteral ||
          node->kind == NodeKind::StringLiteral;
@@ -42,7 +42,7 @@ bool isGetAccessor(const ca::astapi::FunctionDeclaration& function, fl::ustring_
          name.starts_with(getAccessorPrefix) && name.ends_with(propertyName);
 }
 
-// Whether the class, which has all functions in methods blocks, has a get accessor of that name.
+// Whether the class has a get accessor of that name in a methods block.
 bool definesGetAccessor(const ca::astapi::Classdef& classdef, fl::ustring_view propertyName) {
   const auto hasIt = [&](const Node* member) {
     return member->kind == NodeKind::MethodsBlockNode &&
@@ -95,7 +95,7 @@ bool Property::hasStringSetDefault() const {
   const Node* value = node_->defaultValue;
   if (value == nullptr || value->kind != NodeKind::CallOrIndex) return false;
   const auto& call = static_cast<const ca::astapi::CallOrIndex&>(*value);
-  // Only the beginning is compared, so that a longer name passes too.
+  // Compares only the beginning, so that a longer name is accepted too.
   if (!context_->analysis->nodeTextView(*call.base).starts_with(stringSetClass)) return false;
   return std::all_of(call.arguments.begin(), call.arguments.end(), isSetLiteral);
 }
@@ -113,10 +113,10 @@ bool Property::isReferencedThroughDot(const DotIndex& index) const {
   return isReferencedInFrontOf(index.findBehind(nameView()));
 }
 
-bool Property::isReferencedInFrontOf(std::size_t behind) const {
+bool Property::isReferencedInFrontOf(std::size_t next) const {
   const fl::ustring_view text = context_->analysis->sourceTextView();
-  if (behind == fl::ustring_view::npos || hasGetAccessor()) return false;
-  return behind == text.size() || !isAsciiAlphanumeric(text[behind]);
+  if (next == fl::ustring_view::npos || hasGetAccessor()) return false;
+  return next == text.size() || !isAsciiAlphanumeric(text[next]);
 }
 
 Extent Property::getFullExtent() const { return makeExtentOfNode(*context_->analysis, *node_); }

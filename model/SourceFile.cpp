@@ -35,7 +35,7 @@ void markDeleted(Line& line) {
   line.flags |= SourceFile::LineDeleted;
 }
 
-// Finds the line ends of a text for the splitting of it.
+// Finds the line ends for make_split_iterator.
 struct LineEndFinder {
   template <class Iterator>
   boost::iterator_range<Iterator> operator()(Iterator begin, Iterator end) const {
@@ -54,15 +54,16 @@ std::vector<Line> splitTextIntoLines(fl::ustring_view text) {
   for (; !pieces.eof(); ++pieces) {
     lines.push_back({fl::ustring_view(pieces->begin(), pieces->end())});
   }
-  // The last line counts as edited, so that the empty one behind a final line end goes away again.
+  // The last line is treated as edited, so that an empty one after a final line end is removed
+  // again.
   lines.back().flags = SourceFile::LineNoNewline | SourceFile::LineModified;
   return lines;
 }
 
 }  // namespace
 
-// How a search for a delimiter ends: behind it or where the search stops without one, or at a
-// character that must not stand there.
+// The result of a search for a delimiter: the position after it, the position where the search
+// ended without one, or that of a character that is not allowed there.
 struct SourceFile::DelimiterSearch {
   SourcePosition position;
   bool isMissing = false;
@@ -80,7 +81,7 @@ fl::ustring SourceFile::getText() const {
   text.reserve(length);
   for (auto line = lines_.begin(); line != lines_.end(); ++line) {
     if (line->flags == 0) {
-      // Untouched lines still stand one behind the other, each with its line end.
+      // Consecutive untouched lines are contiguous in the old text, including their line ends.
       const auto first = line;
       while ((line + 1)->flags == 0) ++line;
       text.append(first->text.data(), line->text.data() + line->text.size() + 1);
@@ -108,7 +109,7 @@ SourceFile::DelimiterSearch SourceFile::searchDelimiter(SourcePosition position,
     if (unit == u'%') return {{position.line, column}};
     if (delimiters.find(unit) != fl::ustring_view::npos) return {{position.line, column + 1}};
     if (unit != u'.') return {{position.line, column}, true};
-    // Behind a continuation on the last line nothing more can stand.
+    // A continuation on the last line is followed by nothing.
     if (position.line + 1 == lines_.size()) return {{position.line, text.size()}};
     position = {lineBehindContinuation(position.line), 0};
   }
@@ -164,13 +165,13 @@ void SourceFile::replace(const fl::ustring& text, std::uint64_t options, Extent 
 }
 
 void SourceFile::cutFollowingLines(const Extent& extent) {
-  // What is left of the last line goes on behind the first, in a record of its own.
+  // The rest of the last line follows the first in the text, as a record of its own.
   lines_[extent.start.line].flags |= LineNoNewline | LineModified;
   for (std::uint64_t line = extent.start.line + 1; line < extent.end.line; ++line) {
     markDeleted(lines_[line]);
   }
   Line& last = lines_[extent.end.line];
-  // The all-ones column takes all of the line.
+  // The all-ones column removes the whole line.
   last.text.remove_prefix(std::min<std::uint64_t>(extent.end.column, last.text.size()));
   last.flags |= LineModified;
 }
@@ -187,14 +188,14 @@ void SourceFile::replaceInLine(Line& line, std::uint64_t column, std::uint64_t c
   line.text = *line.edited;
 }
 
-// Where the edited lines had gone before, the blank lines on both sides of them meet: one is
-// enough.
+// If the first of the edited lines was deleted before, the blank lines before and after them become
+// adjacent: keeps one of them.
 void SourceFile::closeGapBehind(const Extent& extent) {
   if (extent.start.line == 0 || extent.end.line + 1 == lines_.size()) return;
   const Line& before = lines_[extent.start.line - 1];
-  Line& behind = lines_[extent.end.line + 1];
-  if (has(before, LineDeleted) || has(behind, LineDeleted)) return;
-  if (isBlank(before) && isBlank(behind)) markDeleted(behind);
+  Line& after = lines_[extent.end.line + 1];
+  if (has(before, LineDeleted) || has(after, LineDeleted)) return;
+  if (isBlank(before) && isBlank(after)) markDeleted(after);
 }
 
 void SourceFile::removeEmptiedLines() {
@@ -202,7 +203,7 @@ void SourceFile::removeEmptiedLines() {
     if (!has(line, LineModified)) continue;
     if (isBlank(line) || isBareContinuation(line)) markDeleted(line);
   }
-  // A line that was to go on in one that no longer exists gets its line end back.
+  // A line whose next line was deleted gets its line end back.
   for (std::size_t i = 0; i + 1 < lines_.size(); ++i) {
     if (has(lines_[i + 1], LineDeleted)) lines_[i].flags &= ~LineNoNewline;
   }

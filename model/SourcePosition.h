@@ -10,8 +10,8 @@ namespace soca {
 // Both are zero-based; lines are separated by U+000A only, and the column counts UTF-16 code units
 // in the line. Positions are ordered by line, then by column.
 //
-// A column may hold the all-ones value: the place one in front of the first column, which is what
-// lies in front of an `end` that begins its line. Adding one to it gives column 0.
+// A column may have the all-ones value: the place one before the first column, which is the place
+// before an `end` that begins its line. Adding one to it gives column 0.
 struct SourcePosition {
   std::uint64_t line = 0;
   std::uint64_t column = 0;
@@ -20,7 +20,7 @@ struct SourcePosition {
   friend auto operator<=>(const SourcePosition&, const SourcePosition&) = default;
 };
 
-// Prints "(line,column)". The stream's locale must know how to print numbers in 16-bit characters.
+// Prints "(line,column)". The stream's locale must support numbers in 16-bit characters.
 std::basic_ostream<char16_t>& operator<<(std::basic_ostream<char16_t>& out,
                                          const SourcePosition& position);
 

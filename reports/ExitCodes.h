@@ -1,4 +1,4 @@
-// How the program ends.
+// The exit codes of the program.
 #pragma once
 
 namespace soca {

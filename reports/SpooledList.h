@@ -1,4 +1,5 @@
-// A list of JSON values that is only printed at the end: it may be as long as a tree of classes.
+// A list of JSON values that is printed at the end, and may be as long as a tree of classes is
+// large.
 #pragma once
 
 #include <algorithm>

@@ -14,7 +14,7 @@ std::string counted(std::size_t count, std::string_view one, std::string_view ma
   return fmt::format("{} {}", count, count == 1 ? one : many);
 }
 
-// The kinds with their numbers, the most frequent first.
+// The kinds with their counts, the most frequent first.
 using Counts = std::vector<std::pair<std::string_view, std::size_t>>;
 
 Counts sorted(Counts counts) {
@@ -23,7 +23,7 @@ Counts sorted(Counts counts) {
   return counts;
 }
 
-// "  findings: 12 SyntaxError, 1 NoFileForClass", broken into lines where it has to be.
+// "  findings: 12 SyntaxError, 1 NoFileForClass", wrapped into lines.
 std::string listing(std::string_view name, const Counts& counts, std::size_t width) {
   std::string text;
   std::size_t column = 0;
@@ -47,7 +47,7 @@ Counts countsOf(const std::map<std::string, std::size_t>& countsById) {
   return {countsById.begin(), countsById.end()};
 }
 
-// The id without what is in front of its last colon.
+// The part of the id after its last colon.
 std::string shortId(const std::string& id) { return id.substr(id.rfind(':') + 1); }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// What a run came to, in numbers.
+// The results of a run in numbers.
 #pragma once
 
 #include <cstddef>
@@ -11,22 +11,22 @@
 namespace soca {
 
 struct Summary {
-  // Classes that the service updated or left alone, and those of them that change.
+  // The classes that the service processed, and those of them that change.
   std::size_t classes = 0;
   std::size_t changed = 0;
   std::size_t refused = 0;
-  // Classes with a failure, and folders that could not be read.
+  // The classes with a failure, and the folders that could not be read.
   std::size_t failed = 0;
   std::size_t skipped = 0;
   std::size_t filesWithoutClass = 0;
   std::size_t changesAgain = 0;
   std::size_t findings = 0;
-  // Of a dry run, the classes that change and that `--write` would refuse.
+  // In a dry run, the classes that change and that `--write` would refuse.
   std::size_t uncommitted = 0;
 
-  // Of the classes that change, how many edits each rule family makes.
+  // The number of edits of each rule family in the classes that change.
   PerFamily<std::size_t> conversions;
-  // How many findings and failures there are of each id, in its short form.
+  // The number of findings and failures of each id, in its short form.
   std::map<std::string, std::size_t> findingsById;
   std::map<std::string, std::size_t> failuresById;
 
@@ -39,8 +39,8 @@ enum class TenseType { wouldChange, changed };
 // One line without a line end: "looked at 15 classes: 12 would change, 3 stay as they are".
 std::string formatSummary(const Summary& summary, TenseType tense);
 
-// What stands below that line: conversions, findings and failures by their kinds, the most frequent
-// first, each in lines of their own, if there are any. `width` is that of the screen, in columns.
+// The lines after that one: conversions, findings and failures by kind, the most frequent first,
+// each on lines of its own, if there are any. `width` is that of the screen, in columns.
 std::string formatDetails(const Summary& summary, std::size_t width);
 
 }  // namespace soca

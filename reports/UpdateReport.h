@@ -15,8 +15,8 @@
 
 namespace soca {
 
-// One format. What is said of a class comes in two parts: data for standard output, which can be
-// made by any thread, and notes for people.
+// One format. The output for a class has two parts: data for standard output, which any thread can
+// make, and notes for users.
 class UpdateReport {
  public:
   virtual ~UpdateReport() = default;

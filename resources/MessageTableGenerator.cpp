@@ -3,9 +3,9 @@
 //
 //   soca_message_table messages.json MessageTable.h ExplanationTable.h
 //
-// The file has the catalog's name and three lists: "messages" of the catalog, "program" for what
-// the program reports on its own, and "rules". Pieces of source are lists of lines, and what is to
-// be said of a rule is a list of points.
+// The file has the catalog's name and three lists: "messages" of the catalog, "program" for the
+// messages of the program itself, and "rules". Pieces of source are lists of lines; the details and
+// limits of a rule are lists of points.
 #include <exception>
 #include <fstream>
 #include <initializer_list>
@@ -18,7 +18,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-// The text as a literal. Beyond ASCII the source file is UTF-8, as the literal is.
+// The text as a UTF-8 literal.
 std::string quote(const std::string& text) {
   std::string literal = "\"";
   for (const char c : text) {

@@ -1,4 +1,4 @@
-// A rule family: what it sees in a class, it says as actions and messages.
+// A rule family: the edits and messages for the deprecated forms in a class.
 #pragma once
 
 #include <list>
@@ -10,11 +10,11 @@ namespace soca {
 
 struct AnalyzedClass;
 
-// What one rule family gives back for one class.
+// The result of one rule family for one class.
 struct RuleResult {
   // In the order in which they are to be applied. They must not outlive the class.
   ActionList actions;
-  // Finished texts of what can't be converted or needs a person's attention.
+  // Finished texts about what cannot be converted or needs a person's attention.
   std::list<fl::ustring> messages;
 };
 
@@ -22,7 +22,7 @@ class AbstractActionFactory {
  public:
   virtual ~AbstractActionFactory() = default;
 
-  // Keeps nothing of the class. What the class's metadata throws goes through.
+  // Keeps nothing of the class. Exceptions of the class's metadata are passed on.
   virtual RuleResult createActions(const AnalyzedClass& analyzedClass) const = 0;
 
  protected:

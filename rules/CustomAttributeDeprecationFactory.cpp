@@ -23,7 +23,7 @@
 namespace soca {
 namespace {
 
-// The keyword `properties` and the attribute list, if it holds an attribute.
+// The keyword `properties` and the attribute list, if it has an attribute.
 struct GetOpeningExtent {
   Extent operator()(const PropertiesBlock& block) const { return block.getOpeningExtent(); }
 };
@@ -38,7 +38,7 @@ using DeleteBlock = ReplaceEntity<PropertiesBlock, GetExtent<PropertiesBlock>>;
 using DeleteOpening = ReplaceEntity<PropertiesBlock, GetOpeningExtent>;
 using DeleteEnd = ReplaceEntity<PropertiesBlock, GetEndExtent>;
 
-// Adds the edits of one property to the record of its block.
+// Adds the edits of one property to the update of its block.
 using MakePropertyActions = void (*)(const Property&, BlockUpdate&);
 
 void makePositiveIntegerActions(const Property& property, BlockUpdate& update) {
@@ -57,7 +57,7 @@ void makeLogicalActions(const Property& property, BlockUpdate& update) {
   update.addGroup(std::move(actions));
 }
 
-// Whether the property stands against converting its block, which a message then tells.
+// Whether the property prevents the conversion of its block; adds a message if so.
 bool reportUnconvertibleProperty(const Property& property, BlockUpdate& update) {
   if (reportAbstractProperty(property, update)) return true;
   if (property.hasDefaultValue()) return false;
@@ -65,8 +65,8 @@ bool reportUnconvertibleProperty(const Property& property, BlockUpdate& update) 
   return true;
 }
 
-// A block is converted completely or not at all; the first property that stands against it ends
-// the matter, and takes along what an earlier attribute did to the block.
+// A block is converted completely or not at all: the first property that prevents it drops all
+// edits of the block, including those for an earlier attribute.
 void applyAttributeRule(BlockUpdate& update, PropertyAttributeType attribute,
                         MakePropertyActions makePropertyActions) {
   const PropertiesBlock& block = *update.block;
@@ -91,7 +91,7 @@ void applyAttributeRule(std::vector<BlockUpdate>& updates, PropertyAttributeType
   for (BlockUpdate& update : updates) applyAttributeRule(update, attribute, makePropertyActions);
 }
 
-// The names of the companions that are no longer needed, as often as they are found.
+// The names of the companions that are no longer needed, with duplicates.
 std::vector<fl::ustring> convertStringSets(const AnalyzedClass& analyzedClass,
                                            std::vector<BlockUpdate>& updates) {
   const ClassDefinition& classDefinition = *analyzedClass.definition;
@@ -118,7 +118,7 @@ void deleteCompanions(std::vector<BlockUpdate>& updates,
   }
 }
 
-// A block that never had a property goes too.
+// Includes the blocks that never had a property.
 void deleteEmptyBlocks(std::vector<BlockUpdate>& updates) {
   for (BlockUpdate& update : updates) {
     if (update.remainingProperties != 0) continue;
@@ -133,16 +133,17 @@ bool areAlike(const BlockUpdate& left, const BlockUpdate& right) {
          left.block->getAccess() == right.block->getAccess();
 }
 
-// Takes away the `end` of the first block and the opening of the second, and with the opening
-// whatever was to change in it.
+// Deletes the `end` of the first block and the opening of the second. Deleting the opening replaces
+// all other edits of it.
 void join(BlockUpdate& first, BlockUpdate& second) {
   first.endActions.push_back(std::make_unique<DeleteEnd>(first.block, u"", 0));
   second.attributeActions.clear();
   second.attributeActions.push_back(std::make_unique<DeleteOpening>(second.block, u"", 0));
 }
 
-// Joins blocks that follow each other and came to be alike by what changes in one of them. Deleted
-// blocks between them are no obstacle, blocks of other keywords are.
+// Joins each block with the previous one if both will have equal attributes and access, and at
+// least one of them has edits. Deleted blocks between them are ignored; blocks of other keywords
+// separate them.
 void joinNeighbours(const ClassDefinition& classDefinition, std::vector<BlockUpdate>& updates) {
   std::map<const PropertiesBlock*, BlockUpdate*> updateOf;
   for (BlockUpdate& update : updates) updateOf.emplace(update.block, &update);

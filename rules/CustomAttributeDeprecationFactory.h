@@ -5,8 +5,8 @@
 
 namespace soca {
 
-// Moves what a block's attributes, or a companion property that holds a StringSet, say of a
-// property into the property's own declaration:
+// Replaces attributes of a block, and companion properties that hold a StringSet, by validation
+// syntax in the declarations of the properties concerned:
 //
 //   properties (PositiveInteger)                      properties
 //       Count = 3;                               ->       Count (1, 1) {mustBePositive, ...} = 3;
@@ -17,8 +17,8 @@ namespace soca {
 //   Mode = 'a';                                       Mode (1, :) char {velum.system.mustBeMember(
 //   ModeSet = velum.system.StringSet({'a', 'b'});  ->     Mode, {'a', 'b'})} = 'a';
 //
-// A block that is or becomes empty goes; a block that comes to equal its neighbour joins it. What
-// can't be converted is left as it is, with a message.
+// A block that is or becomes empty is deleted; a block that becomes equal to its neighbour is
+// joined with it. What cannot be converted stays unchanged, with a message.
 class CustomAttributeDeprecationFactory : public AbstractActionFactory {
  public:
   RuleResult createActions(const AnalyzedClass& analyzedClass) const override;

@@ -24,7 +24,7 @@ using VELUM::system::Analyzer::ImplNameConflictAfterConversion;
 using VELUM::system::Analyzer::ImplSignatureMismatch;
 using VELUM::system::Analyzer::LegacyImplReferenced;
 
-// What the rules decide about one method. The three lists of actions are handed out in this order.
+// The result of the rules for one method. The lists of actions are applied in this order.
 struct ImplConversion {
   const Method* method;
   ActionList renameActions;
@@ -37,11 +37,11 @@ struct ImplConversion {
 
 struct RedundantMethod {
   const char16_t* name;
-  // The object counts.
+  // Includes the object.
   std::uint64_t inputs;
 };
 
-// What a class with strict defaults need not say, if it says `false`.
+// Methods that are redundant in a class with strict defaults if they return `false`.
 constexpr RedundantMethod kRedundantMethods[] = {
     {u"isInputDataTypeMutableImpl", 2},           {u"isInputSizeMutableImpl", 2},
     {u"isInputComplexityMutableImpl", 2},         {u"isDiscreteStateSpecificationMutableImpl", 1},
@@ -57,15 +57,15 @@ void addDeleteAction(ImplConversion& conversion) {
   conversion.deleteActions.push_back(std::make_unique<DeleteMethodAction>(conversion.method));
 }
 
-// Negates the output in front of the closing `end`, then of the `return` statements from the last
-// to the first.
+// Negates the output before the closing `end`, then before the `return` statements from the last to
+// the first.
 void addNegationLines(ImplConversion& conversion, const fl::ustring& target) {
   const Method& method = *conversion.method;
   const auto add = [&](SourcePosition position, bool atMethodEnd) {
     conversion.negationActions.push_back(
         std::make_unique<NegateReturnValueAction>(target, position, &method, atMethodEnd));
   };
-  // The body ends one column in front of `end`; the sum is 0 for an `end` that begins its line.
+  // The body ends one column before `end`; for an `end` in the first column the sum wraps to 0.
   SourcePosition closing = method.getBodyExtent().end;
   closing.column += 1;
   add(closing, true);
@@ -73,7 +73,7 @@ void addNegationLines(ImplConversion& conversion, const fl::ustring& target) {
   for (const Extent& statement : std::views::reverse(returns)) add(statement.start, false);
 }
 
-// For a method with an output.
+// The method must have an output.
 void addNegationActions(ImplConversion& conversion) {
   const Method& method = *conversion.method;
   const fl::ustring output = method.getOutputName(0);
@@ -91,7 +91,7 @@ bool isProtected(const Method& method) {
   return method.getBlock().getAccess() == MethodAccessType::protectedAccess;
 }
 
-// Whether the method is a protected query: so many inputs, the object included, and one output.
+// Whether the method is a protected query: `inputs` inputs, including the object, and one output.
 bool isQuery(const Method& method, std::uint64_t inputs) {
   return method.getNumberOfInputs() == inputs && method.getNumberOfOutputs() == 1 &&
          isProtected(method);
@@ -101,7 +101,7 @@ bool isChangeHandler(const Method& method) {
   return method.getNumberOfInputs() >= 2 && method.getNumberOfOutputs() == 0 && isProtected(method);
 }
 
-// Whether the body says nothing but `false`.
+// Whether the body only returns `false`.
 bool returnsFalse(const Method& method) {
   bool constant = true;
   SourcePosition start;
@@ -110,12 +110,12 @@ bool returnsFalse(const Method& method) {
          !constant;
 }
 
-// The rules over one class. No rule sees what another did.
+// Applies the rules to one class. Each rule works on the unedited class.
 class ImplRules {
  public:
   explicit ImplRules(const ClassDefinition& definition) : definition_(definition) {}
 
-  // For a query whose new name asks the opposite.
+  // For a query whose new name has the opposite meaning.
   void negateAndRename(const char16_t* oldName, const char16_t* newName) {
     ImplConversion* conversion = takeUp(oldName);
     if (conversion == nullptr || reportConflict(*conversion, oldName, newName)) return;
@@ -139,7 +139,7 @@ class ImplRules {
     addRenameAction(*conversion, newName);
   }
 
-  // Whatever the body says, and in spite of references.
+  // Deletes the method even if it is referenced, whatever its body is.
   void deleteObsolete(const char16_t* name) {
     ImplConversion* conversion = takeUp(name);
     if (conversion == nullptr) return;
@@ -151,7 +151,7 @@ class ImplRules {
     addDeleteAction(*conversion);
   }
 
-  // The signature and the references are judged in a class without strict defaults too.
+  // Checks the signature and the references even in a class without strict defaults.
   void deleteRedundant(const RedundantMethod& rule) {
     ImplConversion* conversion = takeUp(rule.name);
     if (conversion == nullptr) return;
@@ -179,14 +179,14 @@ class ImplRules {
   }
 
  private:
-  // A new record for the method that the name finds; null if it finds none, or a mere signature.
+  // A new record for the method of that name; null if there is none or only a signature.
   ImplConversion* takeUp(const char16_t* name) {
     const Method* method = definition_.findMethod(name);
     if (method == nullptr || !method->isFunctionDefinition()) return nullptr;
     return &conversions_.emplace_back(*method);
   }
 
-  // Whether the class has a method of the new name, be it a mere signature.
+  // Whether the class has a method of the new name, if only a signature; adds a message if so.
   bool reportConflict(ImplConversion& conversion, const char16_t* oldName,
                       const char16_t* newName) const {
     if (definition_.findMethod(newName) == nullptr) return false;
@@ -207,7 +207,7 @@ class ImplRules {
   }
 
   const ClassDefinition& definition_;
-  // In the order in which the rules took the methods up.
+  // In the order of the rules.
   std::list<ImplConversion> conversions_;
 };
 

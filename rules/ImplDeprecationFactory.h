@@ -6,15 +6,15 @@
 
 namespace soca {
 
-// Renames the methods that have a new name, turning the result round where the new name asks the
-// opposite; deletes those that are obsolete; and deletes those that strict defaults make redundant:
+// Renames the methods that have a new name, and negates the result if the new name has the opposite
+// meaning; deletes those that are obsolete; and deletes those that strict defaults make redundant:
 //
 //   function flag = isInputSizeLockedImpl(~, ~)        function flag = isInputSizeMutableImpl(~, ~)
 //       flag = false;                             ->       flag = true;
 //   end                                                end
 //
-// A method that is not as expected is left as it is, with a message. References to a method are
-// never changed; a message tells of them.
+// A method without the expected signature stays unchanged, with a message. References to a method
+// are never changed; a message reports them.
 class ImplDeprecationFactory : public AbstractActionFactory {
  public:
   explicit ImplDeprecationFactory(MetaDataInterface* metaData) : metaData_(metaData) {}
@@ -22,8 +22,8 @@ class ImplDeprecationFactory : public AbstractActionFactory {
   RuleResult createActions(const AnalyzedClass& analyzedClass) const override;
 
  private:
-  // Given to every family that may ask about other classes. These rules get along with what the
-  // class's own description says.
+  // All families that may need other classes have this parameter. These rules need only the class's
+  // own description.
   [[maybe_unused]] MetaDataInterface* metaData_;
 };
 

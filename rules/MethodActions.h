@@ -1,4 +1,4 @@
-// Edits of a method. Part of ImplDeprecationFactory.cpp, and included by nothing else.
+// Edits of a method. Included only by ImplDeprecationFactory.cpp.
 #pragma once
 
 #include <cstddef>
@@ -27,7 +27,7 @@ class RenameMethodAction : public SingleAction {
   const Method* method_;
 };
 
-// Deletes a method. The blanks in front of it and the line end behind it stay.
+// Deletes a method, but not the blanks before it and the line end after it.
 class DeleteMethodAction : public SingleAction {
  public:
   explicit DeleteMethodAction(const Method* method) : method_(method) {}
@@ -39,15 +39,15 @@ class DeleteMethodAction : public SingleAction {
   const Method* method_;
 };
 
-// Puts a line that turns the result round in front of a `return` or of the closing `end`, which
-// then stands at its old column on a line of its own:
+// Inserts a line that negates the result before a `return` or the closing `end`, which moves to a
+// line of its own with its old indentation:
 //
 //                                   flag = ~flag;
 //           return           ->     return
 class NegateReturnValueAction : public SingleAction {
  public:
-  // `outputName` is what to assign to. In front of the closing `end`, `atMethodEnd` indents the new
-  // line as far as the statements of the body.
+  // `outputName` is the variable to negate. With `atMethodEnd`, for the closing `end`, the new line
+  // is indented like the statements of the body.
   NegateReturnValueAction(fl::ustring outputName, SourcePosition position, const Method* method,
                           bool atMethodEnd)
       : outputName_(std::move(outputName)),
@@ -69,7 +69,7 @@ class NegateReturnValueAction : public SingleAction {
   bool atMethodEnd_;
 };
 
-// Turns the one constant round that a method gives back.
+// Negates the constant that a method returns.
 class NegateReturnValueActionSimpleAssignment : public SingleAction {
  public:
   NegateReturnValueActionSimpleAssignment(Extent extent, const Method* method, bool newValue)

@@ -23,7 +23,7 @@ constexpr std::array<fl::ustring_view, 5> deprecatedMixins = {
 
 constexpr fl::ustring_view systemBase = u"velum.System";
 
-// Writes the superclass list anew. The list breaks where its next name would reach the limit:
+// Replaces the superclass list. The list breaks before a name that would reach the limit:
 //
 //   velum.System & first.pkg.name.BaseClassOne & ...
 //           second.pkg.BaseClassTwo
@@ -61,7 +61,7 @@ class RewriteSuperClasses : public SingleAction {
   static constexpr std::uint64_t lineLimit = 77;
   static constexpr std::uint64_t indentation = 8;
 
-  // The column at which the new line goes on.
+  // Returns the column at which the new line continues.
   static std::uint64_t breakLine(fl::ustring& text) {
     text += u"...\n";
     text.append(indentation, u' ');
@@ -77,14 +77,14 @@ bool isDeprecated(const SuperClassReference& superClass) {
   return std::ranges::find(deprecatedMixins, superClass.name) != deprecatedMixins.end();
 }
 
-// Whether nothing but the deprecated mixins makes the class a System object.
+// Whether the class is a System object only because of the deprecated mixins.
 bool needsSystemBase(const SuperClasses& superClasses, const MetaDataInterface& metaData) {
   return std::ranges::none_of(superClasses, [&](const SuperClassReference& superClass) {
     return !isDeprecated(superClass) && metaData.getMetaClass(superClass.name)->isSystemObject();
   });
 }
 
-// The names that stay, with the system base in the place of the first mixin if it is needed.
+// The remaining names, with the system base in place of the first mixin if it is needed.
 std::vector<fl::ustring> newSuperClassNames(const SuperClasses& superClasses,
                                             bool isSystemBaseNeeded) {
   std::vector<fl::ustring> names;

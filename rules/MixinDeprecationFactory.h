@@ -6,13 +6,13 @@
 
 namespace soca {
 
-// Takes the deprecated mixins out of the superclass list. Where nothing else in the list makes the
-// class a System object, the base class takes the place of the first mixin:
+// Removes the deprecated mixins from the superclass list. If no other superclass makes the class a
+// System object, the system base replaces the first mixin:
 //
 //   classdef Mixer < MyBase & velum.system.mixin.CustomIcon   ->   classdef Mixer < MyBase &
 //   velum.System
 //
-// There is one action at most, which writes the whole list anew, and never a message.
+// Makes at most one action, which replaces the whole list, and no messages.
 class MixinDeprecationFactory : public AbstractActionFactory {
  public:
   // `metaData` must outlive the factory.

@@ -1,5 +1,4 @@
-// What becomes of one properties block. Part of CustomAttributeDeprecationFactory.cpp, and included
-// by nothing else.
+// The update of one properties block. Included only by CustomAttributeDeprecationFactory.cpp.
 #pragma once
 
 #include <cstdint>
@@ -15,20 +14,20 @@
 namespace soca {
 namespace {
 
-// The working record of one properties block. The four lists stand in the order in which they are
-// handed out.
+// The edits and messages for one properties block. The four lists of actions are applied in their
+// order here.
 struct BlockUpdate {
   const PropertiesBlock* block;
-  // What the block's logical attributes will be.
+  // The block's logical attributes after the update.
   std::uint64_t attributeMask;
   std::uint64_t remainingProperties;
-  // What changes the opening of the block, its `end`, its properties, and the block as a whole.
+  // The edits of the block's opening, its `end`, its properties, and the whole block.
   ActionList attributeActions;
   ActionList endActions;
   ActionList propertyActions;
   ActionList blockActions;
   std::list<fl::ustring> messages;
-  // The block goes away as a whole.
+  // Whether the whole block is deleted.
   bool deleted = false;
 
   explicit BlockUpdate(const PropertiesBlock& propertiesBlock)
@@ -53,7 +52,7 @@ struct BlockUpdate {
   }
 };
 
-// Whether the property is abstract in some class, which a message then tells.
+// Whether the property is abstract in any class; adds a message if so.
 bool reportAbstractProperty(const Property& property, BlockUpdate& update) {
   if (!property.isAbstract()) return false;
   update.messages.push_back(findingText("CustomAttributeAbstractBaseClass", {property.getName()}));

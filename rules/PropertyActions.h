@@ -1,5 +1,5 @@
-// Edits of a property's declaration and of a block's attribute list. Part of
-// CustomAttributeDeprecationFactory.cpp, and included by nothing else.
+// Edits of a property's declaration and of a block's attribute list. Included only by
+// CustomAttributeDeprecationFactory.cpp.
 #pragma once
 
 #include <cstdint>
@@ -16,21 +16,21 @@
 namespace soca {
 namespace {
 
-// Where a default value is to go in. Behind validation syntax that stands without a default value
-// there is no such place: the extent spans that syntax, and the edit takes it away.
+// The place of a default value. Validation syntax without a default value has no such place: the
+// extent is then that of the syntax, and the edit deletes it.
 Extent initializerExtent(const Property& property) {
   if (!property.hasDefaultValue()) return property.getValidationExtent();
   const SourcePosition end = property.getValidatorsExtent().end;
   return {end, end};
 }
 
-// Nothing in the value is escaped.
+// Does not escape the value.
 fl::ustring inQuotes(const fl::ustring& value, bool isString) {
   const char16_t quote = isString ? u'"' : u'\'';
   return quote + value + quote;
 }
 
-// Writes the class of a property, in place of one that it has.
+// Writes the class of a property, in place of an existing one.
 class ClassValidation : public SingleAction {
  public:
   ClassValidation(const Property* property, fl::ustring className)
@@ -46,8 +46,8 @@ class ClassValidation : public SingleAction {
   fl::ustring className_;
 };
 
-// Writes the size of a property, in place of one that it has. There is always one row; `size` is
-// the second dimension.
+// Writes the size of a property, in place of an existing one: one row, and `size` as the second
+// dimension.
 class SizeValidation : public SingleAction {
  public:
   SizeValidation(const Property* property, fl::ustring size)
@@ -63,7 +63,7 @@ class SizeValidation : public SingleAction {
   fl::ustring size_;
 };
 
-// Gives a property that has no default value the smallest positive integer.
+// Gives a property without a default value the smallest positive integer.
 class PositiveIntegerInitializer : public SingleAction {
  public:
   explicit PositiveIntegerInitializer(const Property* property) : property_(property) {}
@@ -75,13 +75,14 @@ class PositiveIntegerInitializer : public SingleAction {
   const Property* property_;
 };
 
-// Adds those of `validators` that the property does not have yet.
+// Adds the `validators` that the property does not have yet.
 class AddValidators : public SingleAction {
  public:
   AddValidators(const Property* property, std::vector<fl::ustring> validators)
       : property_(property), validators_(std::move(validators)) {}
 
-  // In front of the closing brace, or where the braces go in. Empty braces do not count as braces.
+  // Before the closing brace, or at the place of missing braces. Empty braces are treated as
+  // missing.
   Extent getExtent() const override {
     const Extent extent = property_->getValidatorsExtent();
     if (!property_->hasValidators()) return extent;
@@ -110,7 +111,7 @@ class AddValidators : public SingleAction {
   std::vector<fl::ustring> validators_;
 };
 
-// Writes the attribute list of a block anew, without one attribute:
+// Replaces the attribute list of a block by one without the attribute:
 //
 //   (Access=private, Logical, ~Hidden)   ->   (Access = private, ~Hidden)
 class RemoveLogicalAttributeAction : public SingleAction {
@@ -138,8 +139,8 @@ class RemoveLogicalAttributeAction : public SingleAction {
   const PropertiesBlock* block_;
 };
 
-// Gives a property that needs a default value the first member of its set. A dependent property
-// needs none.
+// Gives a property without a default value the first member of its set. A dependent property needs
+// no default value.
 class MustBeMemberInitializer : public SingleAction {
  public:
   MustBeMemberInitializer(const Property* property, fl::ustring firstValue, bool isString)

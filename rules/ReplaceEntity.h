@@ -10,17 +10,16 @@
 
 namespace soca {
 
-// The whole extent of an entity.
 template <class Entity>
 struct GetExtent {
   Extent operator()(const Entity& entity) const { return entity.getFullExtent(); }
 };
 
-// Replaces the stretch of the entity that the policy, a function object without state, picks:
+// Replaces the part of the entity that the policy, a function object without state, selects:
 //
 //   ReplaceEntity<Property, GetExtent<Property>>(&property, u"", SourceFile::ConsumeListDelimiter)
 //
-// deletes a property with the terminator behind it. The entity must outlive the action.
+// deletes a property with the terminator after it. The entity must outlive the action.
 template <class Entity, class GetExtentPolicy>
 class ReplaceEntity : public SingleAction {
  public:

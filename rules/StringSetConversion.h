@@ -1,5 +1,5 @@
-// From a companion property that holds a StringSet to a validator. Part of
-// CustomAttributeDeprecationFactory.cpp, and included by nothing else.
+// Converts a companion property that holds a StringSet into a validator. Included only by
+// CustomAttributeDeprecationFactory.cpp.
 #pragma once
 
 #include <cstddef>
@@ -36,8 +36,8 @@ constexpr SetForm kCharForm{u"char", u":", u"{", u"}"};
 
 bool holdsStrings(const ConstrainedSetInfo& set) { return set.valueType == 2; }
 
-// Whether a validator can stand in for the set: all but none at all and the kinds that have a
-// meaning of their own.
+// Whether a validator can replace the set: not for a property without a set, and not for the kinds
+// with another meaning.
 bool isReplaceableSet(const ConstrainedSetInfo& set) {
   switch (set.kind) {
     case 0:  // none
@@ -52,8 +52,8 @@ bool isReplaceableSet(const ConstrainedSetInfo& set) {
   }
 }
 
-// Tells of companions whether the source code uses them. The first few are looked for one by one;
-// for more, all of the class's properties are looked for in one pass over the text.
+// Finds out whether the source code uses a companion. Searches the text for each of the first few;
+// after that, searches it once for all properties of the class.
 class CompanionUses {
  public:
   // Both must outlive this object.
@@ -83,7 +83,7 @@ class CompanionUses {
   std::optional<DotIndex> index_;
 };
 
-// Whether nothing stands against deleting the companion; messages tell what does.
+// Whether the companion can be deleted; adds a message for each reason against it.
 bool canDeleteCompanion(const Property& property, const Property& companion, CompanionUses& uses,
                         BlockUpdate& update) {
   const auto report = [&](const char* id) {
@@ -98,7 +98,7 @@ bool canDeleteCompanion(const Property& property, const Property& companion, Com
   return !hasGetter && isDirect && !isUsed;
 }
 
-// The members as a list, such as `{'auto', 'manual'}`; nothing for a set without members.
+// The members as a list, such as `{'auto', 'manual'}`; empty for a set without members.
 fl::ustring memberList(const ConstrainedSetInfo& set, const SetForm& form) {
   if (set.values.empty()) return {};
   fl::ustring text = form.openingBracket;
@@ -109,7 +109,7 @@ fl::ustring memberList(const ConstrainedSetInfo& set, const SetForm& form) {
   return text + form.closingBracket;
 }
 
-// From right to left in the declaration.
+// Ordered from right to left in the declaration.
 ActionList makeMemberActions(const Property& property, const ConstrainedSetInfo& set) {
   const SetForm& form = holdsStrings(set) ? kStringForm : kCharForm;
   const fl::ustring validator =
@@ -123,14 +123,14 @@ ActionList makeMemberActions(const Property& property, const ConstrainedSetInfo&
   return actions;
 }
 
-// Whether the first member of the set has to become the default value, and there is no member.
+// Whether the first member of the set would become the default value, but the set is empty.
 bool lacksFirstValue(const Property& property, const ConstrainedSetInfo& set) {
   return set.values.empty() && !property.hasDefaultValue() && !property.isDependent();
 }
 
-// Declares the members of the property's set on the property itself, and adds the name of the
-// companion, which is thereby free to go, to `setProperties`. A message tells what stands against
-// it.
+// Declares the members of the property's set in the property itself, and adds the name of the
+// companion, which is then no longer needed, to `setProperties`. Otherwise adds a message with the
+// reason.
 void convertStringSet(const ClassDefinition& classDefinition, const Property& property,
                       CompanionUses& uses, BlockUpdate& update,
                       std::vector<fl::ustring>& setProperties) {

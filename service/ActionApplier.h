@@ -1,4 +1,4 @@
-// Carries out the actions of one class.
+// Applies the actions of one class.
 #pragma once
 
 #include <optional>
@@ -12,21 +12,20 @@
 
 namespace soca {
 
-// Each action claims its extent, a group as a whole; none may begin on a line that an earlier one
-// claimed. So the columns of an action stay valid, and lines never move. The test looks at nothing
-// but where the new extent begins: what begins above a claim may run over it.
+// Each action claims its extent, a group as a whole; an action must not begin on a line that an
+// earlier one has claimed. So the columns of each action stay valid. Only the beginning of the new
+// extent is tested: an extent that begins above a claimed one may overlap it.
 class ActionApplier {
  public:
-  // `file` must outlive this object; `fileName` is what an error names.
+  // `file` must outlive this object; errors name `fileName`.
   ActionApplier(SourceFile* file, fl::ustring fileName);
 
-  // Raises OverlappingExtent. Throws std::out_of_range, or ends the process, where
-  // SourceFile::replace does. What was edited until then stays edited.
+  // Raises OverlappingExtent. Throws std::out_of_range, or ends the process, as SourceFile::replace
+  // does. Edits made before that are kept.
   void apply(const Action& action);
 
-  // The same for an action that was asked before. Stops in front of an edit that would end the
-  // process for want of a delimiter, and returns the place where it looks for one; nothing if there
-  // was no such edit.
+  // The same for a planned action. Stops before an edit that would end the process because of a
+  // missing delimiter, and returns the place of the search; empty if there was no such edit.
   std::optional<SourcePosition> applyUnlessDelimiterMissing(const PlannedAction& action);
 
  private:
@@ -35,9 +34,9 @@ class ActionApplier {
 
   SourceFile* file_;
   fl::ustring fileName_;
-  // False exactly while the children of a group are applied.
+  // False only while the children of a group are applied.
   bool checkOverlap_ = true;
-  // Those of a group's children are not among them.
+  // Without those of the children of groups.
   ClaimedExtents claimedExtents_;
 };
 

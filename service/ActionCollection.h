@@ -1,4 +1,4 @@
-// Which classes a call is about, and what the rule families say of each.
+// The classes of a call, and the results of the rule families for each.
 #pragma once
 
 #include <cstddef>
@@ -16,8 +16,8 @@ namespace soca {
 
 using ClassList = std::list<std::unique_ptr<AnalyzedClass>>;
 
-// One class with all that the families want to do to it, one family after the other. The actions
-// point at the class, so the fields must be destroyed from the last to the first.
+// One class with the results of all families, in the order of the families. The actions point to
+// the class, so the fields must be destroyed from the last to the first.
 struct ClassActions {
   std::unique_ptr<AnalyzedClass> analyzedClass;
   ActionList actions;
@@ -25,12 +25,12 @@ struct ClassActions {
 };
 
 // The named class, and with `includeSuperclasses` all its superclasses, breadth first, each once.
-// What loading a class raises goes through, for a superclass that is no System object too.
+// Exceptions of loading a class are passed on, also for a superclass that is no System object.
 ClassList collectClasses(const fl::ustring& className, MetaDataInterface* metaData,
                          bool includeSuperclasses);
 
-// Runs each factory on each class. An entry is made for every class, in their order. Takes the
-// classes out of `classes` and leaves as many null pointers there.
+// Runs each factory on each class. The result has an entry for every class, in their order. Moves
+// the classes out of `classes`, which then holds null pointers.
 std::list<ClassActions> collectActions(ClassList& classes, const FactoryList& factories);
 
 // The same for one class. `actionCounts` gets the number of actions of each factory, in order.

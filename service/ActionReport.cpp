@@ -11,10 +11,10 @@ namespace {
 
 using Stream = std::basic_ostream<char16_t>;
 
-// Appends what is printed to a text, or only counts it.
+// Appends the printed text to a string, or only counts its code units.
 class Sink : public std::basic_streambuf<char16_t> {
  public:
-  // Null to count.
+  // A null `text` only counts.
   explicit Sink(fl::ustring* text) : text_(text) {}
 
   std::size_t size() const { return size_; }
@@ -59,7 +59,7 @@ void printAction(Stream& out, const Action& action) {
   }
 }
 
-// Prints the entries. `done` is told of each action that was printed, and gives the next one.
+// Prints the entries. `done` is called after each action is printed, and returns the next one.
 template <class Done>
 void printReport(Sink& sink, std::list<ClassActions>& entries, const Done& done) {
   Stream out(&sink);
@@ -77,8 +77,8 @@ void printReport(Sink& sink, std::list<ClassActions>& entries, const Done& done)
 
 }  // namespace
 
-// The report of a great many actions takes as much memory as they do. So it is measured first, and
-// what was printed goes.
+// The report takes as much memory as the actions. Measuring it first avoids a reallocation, and
+// each action is freed once it is printed.
 fl::ustring formatActionReport(std::list<ClassActions> entries) {
   using Place = ActionList::iterator;
   Sink counter(nullptr);

@@ -8,8 +8,8 @@
 
 namespace soca {
 
-// What `update` would do, without the messages. Extents and texts stand as the actions give them,
-// with no test for overlaps; lines end at U+000A.
+// The actions that `update` would apply, without the messages. Extents and texts are those of the
+// actions, not tested for overlaps; lines end with U+000A.
 //
 //   CLASS: foo.Bar
 //
@@ -18,8 +18,8 @@ namespace soca {
 //   Range: From (4,8) to (4,15)
 //   Replacement: "x = 1"
 //
-// The actions of `entries` go while they are printed. What looking up a file or an action's answers
-// raises goes through.
+// Frees the actions of `entries` while printing. Exceptions of looking up a file or of an action
+// are passed on.
 fl::ustring formatActionReport(std::list<ClassActions> entries);
 
 }  // namespace soca

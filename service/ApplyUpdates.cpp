@@ -19,8 +19,7 @@ fl::ustring takeText(SourceFile& file) {
 
 UpdateResult applyClassUpdate(const ClassActions& entry) {
   UpdateResult result = makeResult(entry);
-  // Without actions the text stays as it is, to the character: no file is made, since cleaning it
-  // up can take away a last line.
+  // Without actions the text stays exactly the same: a SourceFile could remove the last line.
   if (entry.actions.empty()) {
     result.text = entry.analyzedClass->getSourceText();
     return result;

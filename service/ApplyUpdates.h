@@ -12,19 +12,19 @@
 
 namespace soca {
 
-// One result a class, in the order of collecting. All loading and all rules are done with, for all
-// the classes, before the first edit is made; texts are edited in copies, and nothing is written.
-// Any failure ends the call.
+// One result for each class, in the order of collection. All classes are loaded, and all rules have
+// run, before the first edit is made. Texts are edited in copies; no file is written. Any failure
+// ends the call.
 std::vector<UpdateResult> applyUpdates(const fl::ustring& className, MetaDataInterface* metaData,
                                        const FactoryList& factories, bool includeSuperclasses);
 
-// One class's part of the above.
+// The result of `applyUpdates` for one class.
 UpdateResult applyClassUpdate(const ClassActions& entry);
 
-// The result of one class but for its text: what it is, and the messages.
+// The result of one class without its text: its names and the messages.
 UpdateResult makeResult(const ClassActions& entry);
 
-// Ends the editing of a file and takes its text.
+// Finishes the editing of a file and returns its text.
 fl::ustring takeText(SourceFile& file);
 
 }  // namespace soca

@@ -6,15 +6,15 @@
 namespace soca {
 
 bool ClaimedExtents::collidesWith(const Extent& extent) const {
-  const auto behind = stretches_.upper_bound(extent.start.line);
-  return behind != stretches_.begin() && extent.start.line <= std::prev(behind)->second;
+  const auto next = stretches_.upper_bound(extent.start.line);
+  return next != stretches_.begin() && extent.start.line <= std::prev(next)->second;
 }
 
 void ClaimedExtents::add(const Extent& extent) {
   std::uint64_t first = extent.start.line;
   std::uint64_t last = extent.end.line;
   if (last < first) return;
-  // What the new stretch meets becomes part of it.
+  // Merges the new range of lines with all that it overlaps.
   auto from = stretches_.lower_bound(first);
   if (from != stretches_.begin() && std::prev(from)->second >= first) first = (--from)->first;
   const auto to = stretches_.upper_bound(last);

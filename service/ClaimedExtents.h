@@ -8,8 +8,8 @@
 
 namespace soca {
 
-// Keeps of the extents what a later one is tested against, which is their lines. An extent that
-// ends in front of its start, as that of a group of none does, has no line.
+// Keeps only the lines of the extents, against which later ones are tested. An extent that ends
+// before its start, such as that of an empty group, has no lines.
 class ClaimedExtents {
  public:
   // Whether the extent begins on a line that an earlier one touches.
@@ -17,7 +17,7 @@ class ClaimedExtents {
   void add(const Extent& extent);
 
  private:
-  // First and last line of each stretch; no two overlap.
+  // First and last line of each range; ranges never overlap, so one look-up tests an extent.
   std::map<std::uint64_t, std::uint64_t> stretches_;
 };
 

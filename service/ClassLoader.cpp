@@ -11,7 +11,7 @@ namespace {
 
 namespace analyzerMessages = VELUM::system::Analyzer;
 
-// The analyzer's factory settings.
+// The analyzer's options, as its factory sets them.
 ca::AnalysisOptions makeAnalysisOptions() {
   ca::AnalysisOptions options;
   options.codeGeneration = std::make_shared<ca::CodeGenerationSupport>();
@@ -35,7 +35,7 @@ std::shared_ptr<ca::AnalysisResult> parseClassFile(const fl::ustring& path) {
   const auto analyzer = ca::createSingleFileAnalyzer();
   auto analysis = analyze(*analyzer, path, options);
   if (analysis->hasSyntaxError()) raiseErrMsgId(analyzerMessages::SyntaxError(path));
-  // The id that a class name gets elsewhere comes with a path here.
+  // This id is otherwise raised with a class name; here it has the path.
   if (analysis->getClassdef() == nullptr) raiseErrMsgId(analyzerMessages::NotASystemObject(path));
   return analysis;
 }

@@ -9,17 +9,17 @@
 
 namespace soca {
 
-// Made for one call of `load`, and dropped.
+// Made for one call of `load`.
 struct ClassLoader {
   fl::ustring className;
   // Not owned.
   MetaDataInterface* metaData = nullptr;
 
-  // Never null. Nothing is cached: each call asks the metadata and the code analyzer anew.
+  // Never null. Not cached: each call queries the metadata and the code analyzer.
   //
-  // Raises NotASystemObject for a class that is none or does not exist, and with the path for a
-  // file without a class; CodeAnalyzerError for a file that can't be analysed; SyntaxError; and
-  // what the look-up of the file raises.
+  // Raises NotASystemObject for a class that does not exist or is no System object, and with the
+  // path for a file without a class; CodeAnalyzerError for a file that cannot be analysed;
+  // SyntaxError; and the exceptions of the look-up of the file.
   std::unique_ptr<AnalyzedClass> load() const;
 };
 

@@ -13,7 +13,7 @@ namespace {
 
 using Stream = std::basic_ostringstream<char16_t>;
 
-// By the code of the kind; 0 is no set at all.
+// Indexed by the code of the kind; 0 is no set.
 constexpr std::array<fl::ustring_view, 7> setKindNames = {u"",
                                                           u"StringSet",
                                                           u"StringSetGF",
@@ -99,7 +99,7 @@ fl::ustring formatClassReport(const fl::ustring& className) {
     const auto superClassNames = metaClass->getSuperClassNames();
     printSuperClasses(out, superClassNames);
     walk.add(superClassNames);
-    // Whatever the class in turn is, the model is that of the class that was asked for.
+    // For every class in the walk, this prints the model of the class named in the call.
     if (metaClass->isSystemObject()) printModel(out, *ClassLoader{className, &metaData}.load());
     out << u'\n';
   }

@@ -1,4 +1,4 @@
-// The walk from a class up to its superclasses.
+// The walk from a class through its superclasses.
 #pragma once
 
 #include <queue>
@@ -9,16 +9,16 @@
 
 namespace soca {
 
-// Breadth first, each name once, at the place where it was met first; a cycle does no harm. Names
-// are compared exactly.
+// Breadth first, each name once, at its first place; cycles are allowed. Names are compared
+// exactly.
 class ClassWalk {
  public:
   explicit ClassWalk(const fl::ustring& className) { add({className}); }
 
   bool isDone() const { return pending_.empty(); }
-  // The next class. The walk must not be done.
+  // The next class. Requires `!isDone()`.
   fl::ustring next();
-  // Adds the superclasses of a class, less those that were met before.
+  // Adds the superclasses of a class, without those added before.
   void add(const std::vector<fl::ustring>& superClassNames);
 
  private:

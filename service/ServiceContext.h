@@ -1,4 +1,4 @@
-// What one call of the service needs and throws away again.
+// The objects that one call of the service needs.
 #pragma once
 
 #include <list>
@@ -12,13 +12,13 @@ namespace soca {
 
 using FactoryList = std::list<std::unique_ptr<AbstractActionFactory>>;
 
-// The factories point at the metadata, so the fields must be destroyed from the last to the first.
+// The factories point to the metadata, so the fields must be destroyed from the last to the first.
 struct ServiceContext {
-  // Makes a source of metadata that asks the environment, and the factories that `mask` selects.
+  // Makes the metadata of the environment, and the factories that `mask` selects.
   explicit ServiceContext(const UpdateMask& mask);
 
   std::unique_ptr<MetaDataInterface> metaData;
-  // In running order, which is that of `selectRuleFamilies`.
+  // In the order in which they run, which is that of `selectRuleFamilies`.
   FactoryList factories;
 };
 

@@ -14,7 +14,7 @@
 namespace soca {
 namespace {
 
-// A class with its actions, and how many of them each family gave.
+// A class with its actions, and the number of actions of each family.
 struct CountedActions {
   ClassActions entry;
   std::vector<std::size_t> actionCounts;
@@ -38,7 +38,7 @@ std::vector<PlannedEdit> makeEdits(const Action& action) {
   return edits;
 }
 
-// Takes each action out when its plan is made, so that a great many are not there twice.
+// Frees each action once it is planned, so that memory does not hold all actions twice.
 std::vector<PlannedAction> takeActions(CountedActions& counted,
                                        const std::vector<RuleFamilyType>& families) {
   ActionList& left = counted.entry.actions;
@@ -54,7 +54,7 @@ std::vector<PlannedAction> takeActions(CountedActions& counted,
   return actions;
 }
 
-// The text after the actions, up to the first for which a delimiter is missing: then none.
+// The text after the actions; empty if a delimiter is missing for one of them.
 std::optional<fl::ustring> applyActions(const PlannedClass& planned,
                                         std::optional<SourcePosition>& missingDelimiter) {
   SourceFile file(planned.analysis->sourceTextView());
@@ -66,7 +66,7 @@ std::optional<fl::ustring> applyActions(const PlannedClass& planned,
   return takeText(file);
 }
 
-// Takes the class apart: of all that is known of it, no more stays than goes into the plan.
+// Frees everything of the class that is not part of the plan.
 PlannedClass planWithoutText(CountedActions& counted, const std::vector<RuleFamilyType>& families) {
   PlannedClass planned;
   planned.result = makeResult(counted.entry);
@@ -99,8 +99,7 @@ RepeatedUpdate repeatClass(CountedActions& counted, const std::vector<RuleFamily
   return repeated;
 }
 
-// Collects the classes and makes what `plan` says of each. All are collected before the first is
-// planned.
+// Collects all classes, and then calls `plan` for each.
 template <class Planned>
 std::vector<Planned> planEach(const fl::ustring& className, const UpdateMask& mask,
                               bool includeSuperclasses,

@@ -1,4 +1,4 @@
-// What an update does to each class, told action by action: for clients in this process that name
+// The effect of an update on each class, action by action: for clients in this process that report
 // lines, count conversions, or print edits.
 #pragma once
 
@@ -16,8 +16,8 @@
 
 namespace soca {
 
-// One replacement. The extent is that of the action as it stands; the edit engine may take a
-// delimiter behind it too, as `delimiterFlags` say.
+// One replacement. The extent is that of the action; with `delimiterFlags`, the edit engine also
+// replaces the delimiter after it.
 struct PlannedEdit {
   Extent extent;
   fl::ustring text;
@@ -33,44 +33,44 @@ struct PlannedAction {
 };
 
 struct PlannedClass {
-  // As `Updater::update` returns it, but without its text.
+  // The result of `Updater::update`, without its text.
   UpdateResult result;
-  // The class's file as it was analysed.
+  // The analysis of the class's file before the update.
   std::shared_ptr<ca::AnalysisResult> analysis;
   // Its text before the update; never null.
   std::shared_ptr<const fl::ustring> oldText;
-  // The file of that text, as the analysis knows it.
+  // The file of that text, from the analysis.
   std::optional<fl::filesystem::FileState> oldFile;
   // The text after the update; null if no action was applied.
   std::shared_ptr<const fl::ustring> newText;
   // In the order in which they are applied.
   std::vector<PlannedAction> actions;
-  // Where the edit engine would look for a delimiter and find something else, which would end the
-  // process. The update of such a class stops in front of that edit: it has no new text, and
+  // The place at which the edit engine would find another character than a delimiter, which would
+  // end the process. The update of such a class stops before that edit: it has no new text, and
   // `updated` is false.
   std::optional<SourcePosition> missingDelimiter;
 
-  // The text of the result: the new one if there is one, else that before the update.
+  // The text of the result: the new text if there is one, otherwise the old one.
   fl::ustring_view text() const { return newText ? *newText : *oldText; }
 };
 
-// The classes of the same call of `Updater::update`, with the same results, and what it throws.
+// The classes and results of `Updater::update` with the same arguments; throws the same exceptions.
 std::vector<PlannedClass> planUpdate(const fl::ustring& className, const UpdateMask& mask,
                                      bool includeSuperclasses);
 
-// The same classes and actions with none of them applied, so that nothing is raised where two meet:
-// none has a new text.
+// The same classes and actions, but not applied: overlaps raise nothing, and there are no new
+// texts.
 std::vector<PlannedClass> planActions(const fl::ustring& className, const UpdateMask& mask,
                                       bool includeSuperclasses);
 
-// How an update ends of a class that was just updated.
+// The result of updating again a class that was just updated.
 struct RepeatedUpdate {
   std::shared_ptr<ca::AnalysisResult> analysis;
-  // Whether it changes the text again, or can't be made to its end for want of a delimiter.
+  // Whether the update changes the text again, or stops because of a missing delimiter.
   bool changesAgain = false;
 };
 
-// What `planUpdate` would come to for the class alone. Throws what that throws.
+// Updates the class alone, as `planUpdate` does, and throws the same exceptions.
 RepeatedUpdate repeatUpdate(const fl::ustring& className, const UpdateMask& mask);
 
 }  // namespace soca

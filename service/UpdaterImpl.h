@@ -5,7 +5,7 @@
 
 namespace soca {
 
-// Has no state: one object serves every client.
+// Has no state: one object serves all clients.
 class UpdaterImpl : public Updater {
  public:
   std::vector<UpdateResult> update(const fl::ustring& className, const UpdateMask& mask,

@@ -34,7 +34,7 @@ std::string programHelp() {
   return text + exitCodeLines([](const ExitCodeRow&) { return true; });
 }
 
-// `-p, --path DIR`, with room for a short form where there is none.
+// `-p, --path DIR`, with a gap in place of a missing short form.
 std::string optionUsage(const OptionRow& row) {
   const auto names = namesOf(row);
   std::string flags = names.size() > 1 ? fmt::format("{}, {}", names[0], names[1])

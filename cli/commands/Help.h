@@ -1,4 +1,4 @@
-// What `--help` prints.
+// The output of `--help`.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace soca::cli {
 
-// Help on a command, or with CommandType::help on the program as a whole.
+// Help on a command, or with CommandType::help on the whole program.
 std::string helpText(CommandType subject);
 
 }  // namespace soca::cli

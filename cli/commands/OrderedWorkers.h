@@ -1,4 +1,4 @@
-// Work on a sequence of items by several threads, with the results in the order of the items.
+// Processes a sequence of items by several threads, with the results in the order of the items.
 #pragma once
 
 #include <algorithm>
@@ -14,11 +14,11 @@
 
 namespace soca::cli {
 
-// Takes items from `next` until it gives nothing, makes a result of each with `work`, and hands the
-// results to `consume` in the order of the items. `next` and `consume` return false or nothing to
+// Takes items from `next` until it returns none, makes a result of each with `work`, and passes the
+// results to `consume` in the order of the items. `next` and `consume` return none or false to
 // stop; they need no lock of their own. `work` runs on `jobs` threads at once. The calling thread
-// is one of them, and `consume` runs on it alone: a thread for that would have to be woken for each
-// result.
+// is one of them, and is the only one for `consume`: a separate thread would have to be woken for
+// each result.
 //
 // No more than a few items for each job are under way, so memory does not grow with the sequence.
 // What one of the three throws stops the work as well, and leaves `run` once all threads have
@@ -28,7 +28,7 @@ class OrderedWorkers {
  public:
   using Next = std::function<std::optional<Item>()>;
   using Work = std::function<Result(const Item&)>;
-  // May take the result apart.
+  // May move parts out of the result.
   using Consume = std::function<bool(Result&)>;
 
   OrderedWorkers(unsigned jobs, Next next, Work work, Consume consume)
@@ -119,8 +119,8 @@ class OrderedWorkers {
     if (number == consumed_) resultIsThere_.notify_one();
   }
 
-  // The lock is given up meanwhile; nobody else touches a finished result. Returns whether to go
-  // on.
+  // The lock is released meanwhile, because no other thread uses a finished result. Returns whether
+  // to continue.
   bool consumeNext(Lock& lock) {
     std::optional<Result>& result = finishedAt(consumed_);
     lock.unlock();
@@ -147,14 +147,14 @@ class OrderedWorkers {
   std::mutex mutex_;
   std::condition_variable roomIsThere_;
   std::condition_variable resultIsThere_;
-  // Numbers of items: taken from the sequence, and handed to `consume`.
+  // Numbers of items: taken from the sequence, and passed to `consume`.
   std::size_t taken_ = 0;
   std::size_t consumed_ = 0;
   bool stopped_ = false;
   std::exception_ptr failure_;
   // The ring of the results that wait, each at its number modulo the size.
   std::vector<std::optional<Result>> finished_;
-  // Threads besides the calling one.
+  // The number of threads other than the calling one.
   unsigned otherThreads_;
 };
 

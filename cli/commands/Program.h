@@ -9,8 +9,8 @@
 
 namespace soca::cli {
 
-// Does what the arguments, those behind the program's name, ask for. Sets signal handlers and the
-// class path of the process.
+// Runs the command of the arguments, which are without the program's name. Sets signal handlers and
+// the class path of the process.
 ExitCodeType runProgram(const std::vector<std::string>& arguments, Console& console);
 
 }  // namespace soca::cli

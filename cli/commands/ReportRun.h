@@ -1,4 +1,4 @@
-// The commands `actions` and `classes`: the service's reports as they stand.
+// The commands `actions` and `classes`, which print the service's reports.
 #pragma once
 
 #include "cli/options/Options.h"

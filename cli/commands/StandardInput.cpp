@@ -25,7 +25,7 @@
 namespace soca::cli {
 namespace {
 
-// Up to the end of standard input, or to an interrupt.
+// Reads up to the end of standard input, or until an interrupt.
 std::string readAll() {
   std::string bytes;
   std::array<char, std::size_t{1} << 16U> buffer;
@@ -46,7 +46,7 @@ std::string readAll() {
   return bytes;
 }
 
-// The class that the path would have, be there a file or not.
+// The class of the path, whether or not the file exists.
 Target targetOf(const Options& options, const ClassRoots& roots) {
   if (!stemOfClassFile(options.stdinPath) || options.stdinPath.ends_with(".p")) {
     throw UsageError(
@@ -54,7 +54,7 @@ Target targetOf(const Options& options, const ClassRoots& roots) {
                     "and not '{}'",
                     options.stdinPath));
   }
-  // With a slash it can't be the name of a class.
+  // A path with a slash cannot be taken for the name of a class.
   return *Targets(&roots, {fl::filesystem::makeAbsoluteLexically(options.stdinPath)}).next();
 }
 

@@ -1,4 +1,4 @@
-// `update --stdin-path PATH -`: the update of a text that no file holds yet.
+// `update --stdin-path PATH -`: the update of a text from standard input.
 #pragma once
 
 #include <string>
@@ -14,7 +14,7 @@ namespace soca::cli {
 // those that came in. Of the class itself nothing is read from a disk. On failure nothing is
 // printed but complaints, and in the formats for programs what they have for failures.
 //
-// Throws UsageError for a path that no class has.
+// Throws UsageError for a path without a class.
 ExitCodeType updateStandardInput(const Options& options, const ClassRoots& roots, Console& console);
 
 }  // namespace soca::cli

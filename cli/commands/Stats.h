@@ -1,4 +1,4 @@
-// What a run took: time, by what it was spent on, and memory.
+// The cost of a run: time by phase, and memory.
 #pragma once
 
 #include <chrono>
@@ -6,12 +6,12 @@
 
 namespace soca::cli {
 
-// Counts from its making. To be made before there are other threads.
+// Measures from its construction, which must precede the start of other threads.
 class Stats {
  public:
   Stats();
 
-  // Some lines: the whole run, then each phase with the sums over all threads.
+  // Several lines: the whole run, then each phase with the sums over all threads.
   std::string text() const;
 
  private:

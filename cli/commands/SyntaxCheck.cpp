@@ -25,13 +25,13 @@ namespace {
 struct CheckedFile {
   // The syntax errors.
   std::string report;
-  // Why the file could not be analysed.
+  // The reason why the file could not be analysed.
   std::string failure;
 };
 
 CheckedFile checkFile(const std::string& file) {
   const std::string path = fl::filesystem::makeAbsoluteLexically(file);
-  // The argument is text, but the current folder may have any name.
+  // The argument is UTF-8, but the path of the current folder may not be.
   const fl::DecodedText decoded = fl::decodeFileText(path);
   if (decoded.encoding != fl::EncodingType::utf8) {
     return {{}, fmt::format("the path '{}' is not UTF-8", fl::i18n::to_string(decoded.text))};

@@ -1,4 +1,4 @@
-// The command `check`: the syntax errors of files, wherever they lie.
+// The command `check`: the syntax errors of files at any place.
 #pragma once
 
 #include "cli/options/Options.h"

@@ -84,7 +84,7 @@ RunNumber runOf(const std::string& argument) {
   throw UsageError(fmt::format("'{}' is no number of a run; {}", argument, listAdvice));
 }
 
-// Throws JournalError if the run is none that can be undone.
+// Throws JournalError if the run cannot be undone.
 void checkUndoable(RunNumber run, const Journal& journal) {
   switch (journal.state()) {
     case Journal::StateType::undone:
@@ -134,7 +134,7 @@ ExitCodeType undo(RunNumber run, Journal& journal, const Options& options, Conso
   return journal.pending().empty() ? ExitCodeType::done : ExitCodeType::failed;
 }
 
-// What `undo` comes to when the run was one that had to be repaired: that has undone it.
+// The result of `undo` for a run that had to be repaired, which has undone it.
 ExitCodeType exitCodeOfRepaired(const RunStore& store, RunNumber run) {
   if (wasInterrupted()) return interruptExitCode();
   const auto journal = openJournal(store.folderOf(run));
@@ -157,7 +157,7 @@ ExitCodeType runUndo(const Options& options, Console& console) {
   const auto all = store.runs();
   const auto repaired = repairAndReport(store, *lock, console);
   if (wasInterrupted()) return interruptExitCode();
-  // Whoever asks for the last run to be undone means the one that was interrupted.
+  // Without a number, the last run is the interrupted one if there was one.
   if (!run && !repaired.empty() && repaired.back() == all.back()) run = repaired.back();
   if (run && std::ranges::find(repaired, *run) != repaired.end()) {
     return exitCodeOfRepaired(store, *run);

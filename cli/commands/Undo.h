@@ -7,7 +7,7 @@
 
 namespace soca::cli {
 
-// Puts back what a run has changed, or lists the runs. Throws UsageError for what is no run, and
+// Restores the files of a run, or lists the runs. Throws UsageError for an invalid run number, and
 // JournalError.
 ExitCodeType runUndo(const Options& options, Console& console);
 

@@ -78,7 +78,7 @@ void UpdateRun::countTargets(const std::stop_token& stop, Progress& progress) {
     while (!stop.stop_requested() && targets.next()) ++total;
     if (!stop.stop_requested()) progress.setTotal(total);
   } catch (const std::exception&) {
-    // The update itself will tell what is wrong.
+    // The update itself will report the fault.
   }
 }
 
@@ -180,7 +180,7 @@ void UpdateRun::writeAll() {
   takeWritten();
 }
 
-// What was not written is no result.
+// Files that were not written do not count as results.
 void UpdateRun::takeWritten() {
   const auto& entries = queue_->entries();
   const bool isPartlyWritten = queue_->result().writtenCount > 0;

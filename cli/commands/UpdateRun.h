@@ -29,8 +29,8 @@
 
 namespace soca::cli {
 
-// Computes and checks the updates of all targets, by several threads, and shows them in the order
-// of the arguments. With `--write` everything is put aside until the last class is done; then the
+// Computes and checks the updates of all targets in several threads, and prints them in the order
+// of the arguments. With `--write` the new files are stored until the last class is done; then all
 // files are replaced.
 class UpdateRun {
  public:
@@ -42,19 +42,19 @@ class UpdateRun {
  private:
   void computeAll();
   WalkType walkType() const;
-  // Tells the progress how many targets there are.
+  // Reports the number of targets to the progress.
   void countTargets(const std::stop_token& stop, Progress& progress);
   TargetOutcome work(const Target& target);
-  // Refuses to change what git could not bring back; in a dry run only notes that.
+  // Refuses to change files that git could not restore; in a dry run only records that.
   void checkUncommitted(ClassOutcome& outcome);
-  // Both run in the order of the targets.
+  // Both are called in the order of the targets.
   void take(TargetOutcome& outcome);
   void takeClass(ClassOutcome& outcome);
 
   void addFailure(const Failure& failure);
   void writeAll();
   void takeWritten();
-  // Takes the edits of a class that was not written out of the summary.
+  // Removes the edits of a class that was not written from the summary.
   void dropConversions(const WriteQueue::Entry& entry);
   void finish();
   void printWarnings();
@@ -64,7 +64,7 @@ class UpdateRun {
   const Options* options_;
   const ClassRoots* roots_;
   Console* console_;
-  // All is computed from the files as they stand before the run.
+  // All results are computed from the state of the files before the run.
   fl::filesystem::FileView view_;
   FileNames names_;
   Git git_;
@@ -75,20 +75,20 @@ class UpdateRun {
 
   // Only with `--stats`.
   std::optional<Stats> stats_;
-  // Whether it matters what is committed to git.
+  // Whether changes that are not committed to git prevent the writing.
   bool asksGit_ = false;
   Summary summary_;
   MethodChanges methodChanges_;
-  // With superclasses, the classes that were shown.
+  // With superclasses, the classes that were printed.
   std::unordered_set<std::string> shown_;
   // The files that change: their inodes by their devices.
   std::map<std::uint64_t, std::unordered_set<std::uint64_t>> files_;
   // Only with `--write`.
   std::optional<WriteQueue> queue_;
-  // Whether the writing came to its end, and how many files it left out if it did not.
+  // Whether the writing finished, and the number of files that it omitted if it did not.
   bool isWritten_ = false;
   std::size_t leftOut_ = 0;
-  // What keeps the run as a whole from going on.
+  // A fault that ends the whole run.
   std::string fatalError_;
 };
 

@@ -1,4 +1,4 @@
-// What the program was built from.
+// The version of the program and of its parts.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 namespace soca::cli {
 
 // The version alone on the first line; then the commit, if it is known, the compiler and the
-// libraries. Holds no date and no path, so that the same sources give the same program.
+// libraries. Contains no date and no path, so that the same sources give the same program.
 std::string versionText();
 
 }  // namespace soca::cli

@@ -14,7 +14,7 @@ bool goesOn() { return !wasInterrupted(); }
 }  // namespace
 
 WriteQueue::WriteQueue(Console* console) : console_(console) {
-  // Somebody has to take away what lies beside the files, whoever has stopped reading.
+  // The files beside the class files must be deleted even if the reader of the output is gone.
   ignoreBrokenPipes();
   if (const auto lock = lockRuns(store_, *console_)) repairAndReport(store_, *lock, *console_);
 }
@@ -56,7 +56,7 @@ void WriteQueue::write() {
   }
   const auto newBytes = [this](std::size_t change) {
     std::string bytes = newBytes_.take(entries_[changes_[change]].newBytes);
-    // What was put aside would be flushed together with the new files.
+    // Otherwise the stored bytes would be flushed together with the new files.
     if (change + 1 == changes_.size()) newBytes_.drop();
     return bytes;
   };

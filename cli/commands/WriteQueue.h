@@ -1,4 +1,4 @@
-// What a run with `--write` puts aside until its last class is done, and then writes.
+// The new files of a run with `--write`, stored until its last class is done and then written.
 #pragma once
 
 #include <cstddef>
@@ -23,31 +23,30 @@ class WriteQueue {
     std::string file;
     Spool::Place data;
     bool hasNewFile = false;
-    // Only for a new file.
+    // Only for an entry with a new file.
     Spool::Place newBytes;
     fl::filesystem::FileStamp stamp;
     Digest newDigest;
-    // How many edits each rule family made.
+    // The number of edits of each rule family.
     PerFamily<std::uint32_t> editCounts;
   };
 
-  // What became of an entry.
+  // The result for an entry.
   enum class FateType { hasNoNewFile, written, failed, leftOut };
 
-  // Puts right what an earlier run has left, if it was interrupted, so it has to come before the
-  // first class is read. `console` must outlive the queue. Throws JournalError if there is no place
-  // for a journal.
+  // Repairs interrupted runs first, so it must be constructed before the first class is read.
+  // `console` must outlive the queue. Throws JournalError if there is no folder for a journal.
   explicit WriteQueue(Console* console);
 
-  // Both throw std::runtime_error if what is put aside can't be written or read.
+  // Both throw std::runtime_error if the stored data cannot be written or read.
   void add(const ClassOutcome& outcome, bool hasNewFile);
   std::string dataOf(const Entry& entry) { return data_.take(entry.data); }
 
-  // Writes all new files. Throws JournalError and std::runtime_error; nothing is written then.
+  // Writes all new files. If it throws JournalError or std::runtime_error, no file was written.
   void write();
 
   const std::vector<Entry>& entries() const { return entries_; }
-  // After `write`.
+  // To be called after `write`.
   FateType fateOf(std::size_t entry) const;
   const std::string& reasonOfFailure(std::size_t entry) const;
   const BatchResult& result() const { return result_; }
@@ -58,7 +57,7 @@ class WriteQueue {
   Spool data_;
   Spool newBytes_;
   std::vector<Entry> entries_;
-  // The entries with a new file; the changes of the batch stand in this order.
+  // The entries with a new file; the changes of the batch are in this order.
   std::vector<std::size_t> changes_;
   // For each entry the number of its change.
   std::vector<std::size_t> changeOf_;

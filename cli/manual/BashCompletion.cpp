@@ -6,7 +6,7 @@
 namespace soca::cli {
 namespace {
 
-// Everything that does not depend on the options. A word in `COMPREPLY` is a completion.
+// The part that does not depend on the options. Each word in `COMPREPLY` is a completion.
 constexpr std::string_view helpers = R"(# Completes lines of the program soca in bash.
 
 # The folders and classes that begin with the word, by the roots on the line.

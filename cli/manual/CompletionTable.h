@@ -1,4 +1,4 @@
-// The table of options as shells need it.
+// The table of options in the form that shells need.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace soca::cli {
 
-// What a value or an argument is completed to. A command may take several.
+// The kind of completion for a value or an argument. A command may accept several.
 enum class CompletionType { nothing, words, wordList, folder, file, classOrFile, className, id };
 
 CompletionType completionOf(const OptionRow& row);
@@ -17,14 +17,14 @@ CompletionType completionOf(const CommandRow& row);
 
 std::string joinWords(const OptionRow& row, std::string_view separator);
 
-// The ids that `explain` knows, rules first, without what stands in front of a colon; those with
-// a colon in the rest are left out, since shells part words at one.
+// The ids that `explain` accepts, rules first, without the part before a colon; ids with a further
+// colon are omitted, because shells split words at colons.
 std::vector<std::string_view> completedIds();
 
-// The names of the commands that know the option.
+// The names of the commands that have the option.
 std::vector<std::string_view> commandsOf(const OptionRow& row);
 
-// `text` between single quotes, for every one of the shells.
+// `text` in single quotes, valid in all of the shells.
 std::string quoteForShell(std::string_view text);
 
 }  // namespace soca::cli

@@ -1,4 +1,4 @@
-// What completes command lines of the program, as scripts for shells.
+// Completion scripts for shells.
 #pragma once
 
 #include <string>

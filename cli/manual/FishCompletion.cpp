@@ -45,7 +45,7 @@ end
 complete -c soca -f
 )";
 
-// What follows the condition and completes the value.
+// The flags after the condition that complete the value.
 std::string valueFlags(const OptionRow& row) {
   switch (completionOf(row)) {
     case CompletionType::words:

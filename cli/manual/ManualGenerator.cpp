@@ -1,4 +1,4 @@
-// Writes the manual page and what completes command lines.
+// Writes the manual page and the completion scripts.
 //
 //   soca_manual FOLDER
 #include <exception>

@@ -11,7 +11,7 @@
 namespace soca::cli {
 namespace {
 
-// As the text stands in the page: roff has other ideas of dashes, quotes and backslashes.
+// The text with roff's escapes for dashes, quotes and backslashes.
 std::string escape(std::string_view text) {
   std::string escaped;
   if (text.starts_with('.') || text.starts_with('\'')) escaped += "\\&";
@@ -47,7 +47,7 @@ std::string italic(std::string_view text) { return fmt::format("\\fI{}\\fR", esc
 
 std::string section(std::string_view title) { return fmt::format(".SH {}\n", title); }
 
-// A sentence of what begins with a small letter and has no point at its end.
+// A sentence made of a text without a capital letter and a full stop.
 std::string sentence(std::string_view text) {
   std::string result(text);
   if (result.front() >= 'a' && result.front() <= 'z') {
@@ -56,7 +56,7 @@ std::string sentence(std::string_view text) {
   return escape(result) + ".\n";
 }
 
-// A tagged paragraph; `text` is lines of the page.
+// A tagged paragraph; `text` consists of lines of the page.
 std::string entry(std::string_view tag, std::string_view text) {
   return fmt::format(".TP\n{}\n{}", tag, text);
 }
@@ -95,7 +95,7 @@ std::string optionTag(const OptionRow& row) {
 std::string options() {
   std::string text = section("OPTIONS");
   for (const OptionRow& row : optionRows()) {
-    // What begins with a word to be typed keeps its small letter.
+    // A text that begins with a literal word keeps its small letter.
     std::string body =
         completionOf(row) == CompletionType::words ? escape(row.text) + ".\n" : sentence(row.text);
     body += details(row.details);

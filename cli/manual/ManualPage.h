@@ -5,8 +5,8 @@
 
 namespace soca::cli {
 
-// The page soca(1) as roff with the macros of man(7). Holds no date, so that the same sources give
-// the same page.
+// The page soca(1) as roff with the macros of man(7). Contains no date, so that the same sources
+// give the same page.
 std::string manualPage();
 
 }  // namespace soca::cli

@@ -1,4 +1,4 @@
-// What the manual says of commands and options beyond their line in the help.
+// The texts of the manual about commands and options, in addition to their line in the help.
 #pragma once
 
 #include <span>
@@ -8,10 +8,10 @@
 
 namespace soca::cli {
 
-// Empty if there is no more to say.
+// Empty if there is none.
 std::string_view detailsOf(const CommandRow& row);
 
-// A name and what there is to say of it.
+// A name and its description.
 struct ManualEntry {
   std::string_view name;
   std::string_view text;
@@ -20,7 +20,7 @@ struct ManualEntry {
 std::span<const std::string_view> description();
 std::span<const ManualEntry> environmentVariables();
 std::span<const ManualEntry> files();
-// Command lines, and what they do.
+// Command lines and their effects.
 std::span<const ManualEntry> examples();
 
 }  // namespace soca::cli

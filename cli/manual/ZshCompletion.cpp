@@ -42,7 +42,7 @@ _soca_targets() {
 
 )";
 
-// What describes an option must not close its bracket.
+// Escapes brackets and backslashes in the description of an option.
 std::string bracketed(std::string_view text) {
   std::string result;
   for (const char character : text) {
@@ -52,7 +52,7 @@ std::string bracketed(std::string_view text) {
   return result;
 }
 
-// `:DIR:_files -/`, nothing for a switch.
+// `:DIR:_files -/`; empty for a switch.
 std::string valueAction(const OptionRow& row) {
   if (row.value.empty()) return {};
   switch (completionOf(row)) {
@@ -69,7 +69,7 @@ std::string valueAction(const OptionRow& row) {
   }
 }
 
-// One line for each name of the option, which may be given once, but for folders.
+// One line for each name of the option. Only options for folders may be repeated.
 std::string optionSpecs(const OptionRow& row) {
   const auto names = namesOf(row);
   const std::string front = completionOf(row) == CompletionType::folder

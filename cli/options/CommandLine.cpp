@@ -66,7 +66,7 @@ void readValues(const CLI::App& app, const std::vector<std::string>& rawValues, 
   }
 }
 
-// What goes with a text that comes in on standard input.
+// Checks the options that are valid with a text from standard input.
 void checkStandardInput(const Options& options) {
   const bool isNamed = std::ranges::find(options.arguments, "-") != options.arguments.end();
   if (options.stdinPath.empty()) {
@@ -116,8 +116,8 @@ void checkOptions(const CommandRow& command, const Options& options) {
   }
 }
 
-// The option was given without its value, or with one that it does not take. The parser's message
-// begins with its name, which may lack the dashes.
+// The option has no value, or an invalid one. The parser's message begins with its name, which may
+// lack the dashes.
 UsageError wrongValue(std::string_view message) {
   const auto withoutDashes = [](std::string_view name) {
     return name.substr(std::min(name.find_first_not_of('-'), name.size()));
@@ -131,7 +131,7 @@ UsageError wrongValue(std::string_view message) {
   return UsageError(std::string(message));
 }
 
-// `given` is no option of the command.
+// The error for `given`, which is no option of the command.
 UsageError unknownOption(const CommandRow& command, std::string_view given) {
   const std::string_view name = given.substr(0, given.find('=', 2));
   std::vector<std::string_view> names;
@@ -152,7 +152,7 @@ UsageError unknownOption(const CommandRow& command, std::string_view given) {
                                 didYouMean(name, names, std::identity())));
 }
 
-// `given` stands where a command should.
+// The error for `given`, which is no command.
 UsageError unknownCommand(std::string_view given) {
   if (given.starts_with('-')) {
     const std::array<std::string_view, 2> alone = {"--help", "--version"};
@@ -199,7 +199,7 @@ void parseCommandLine(const CommandRow& command, const std::vector<std::string>&
   checkOptions(command, options);
 }
 
-// Names of files and classes have to be text.
+// Names of files and classes must be UTF-8.
 void checkEncoding(const std::vector<std::string>& arguments) {
   for (const std::string& argument : arguments) {
     const fl::DecodedText decoded = fl::decodeFileText(argument);

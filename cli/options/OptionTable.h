@@ -1,4 +1,4 @@
-// The commands and their options, as data: the parser and the help are both made from it.
+// The commands and their options, as data from which the parser and the help are made.
 #pragma once
 
 #include <span>
@@ -15,7 +15,7 @@ namespace soca::cli {
 struct CommandRow {
   CommandType type;
   std::string_view name;
-  // What stands behind the options.
+  // The arguments after the options.
   std::string_view arguments;
   bool needsArguments;
   std::string_view summary;
@@ -35,7 +35,7 @@ struct OptionRow {
   // The name of the option's value; empty for a switch. DIR is a folder, FILE and PATH are files,
   // and of LIST there may be several, separated by commas.
   std::string_view value;
-  // The commands that know it, as a sum of `bitOf`.
+  // The commands that have it, as a sum of `bitOf`.
   unsigned commands;
   // For the help, and what the manual page says besides; empty if that is nothing.
   std::string text;
@@ -54,7 +54,7 @@ struct ExitCodeRow {
 
 constexpr unsigned bitOf(CommandType command) { return 1U << static_cast<unsigned>(command); }
 
-// Whether the row is one for the command.
+// Whether the row is valid for the command.
 template <class Row>
 constexpr bool isFor(CommandType command, const Row& row) {
   return (row.commands & bitOf(command)) != 0;
@@ -68,7 +68,7 @@ std::span<const CommandRow> commandRows();
 std::span<const OptionRow> optionRows();
 std::span<const ExitCodeRow> exitCodeRows();
 
-// The row of the command; null for a name that is none.
+// The row of the command; null for an unknown name.
 const CommandRow* findCommand(std::string_view name);
 const CommandRow& commandRow(CommandType type);
 

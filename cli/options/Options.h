@@ -15,7 +15,7 @@ enum class CommandType { update, actions, classes, check, explain, undo, help, v
 
 struct Options {
   CommandType command = CommandType::help;
-  // With CommandType::help, the command that help is wanted for; `help` itself for all of them.
+  // With CommandType::help, the command to print help on; `help` itself for the whole program.
   CommandType helpSubject = CommandType::help;
   // Whether help on the command is wanted in place of a run.
   bool help = false;
@@ -34,14 +34,14 @@ struct Options {
   bool check = false;
   // Whether files may be changed that git could not restore.
   bool allowDirty = false;
-  // Whether a folder stands for what git ignores, hidden folders and links to folders too.
+  // Whether a folder includes ignored files, hidden folders and links to folders.
   bool noIgnore = false;
   bool list = false;
   // Whether to print the time and memory that the run took.
   bool stats = false;
   const ReportFormat* format = &reportFormats().front();
   bool edits = false;
-  // The path of the class whose text comes in on standard input; empty for none.
+  // The path of the class whose text is read from standard input; empty for none.
   std::string stdinPath;
 
   // What a report needs of them.

@@ -62,7 +62,7 @@ void Output::writeThrough(std::string_view text) {
     if (written >= 0) {
       text.remove_prefix(static_cast<std::size_t>(written));
     } else if (errno != EINTR || wasInterrupted()) {
-      // Nobody may be reading any more when the user wants the program to end.
+      // After an interrupt there may be no reader any more.
       error_ = errno;
     }
   }
@@ -89,7 +89,7 @@ bool Console::hasStatusLine() const { return err_.isTerminal() && !isDumbTermina
 
 void Console::showStatus(std::string_view line) {
   if (out_.isTerminal()) out_.flush();
-  // Written over the last one in one go, so that it does not flicker.
+  // Written over the previous one by a single call, so that it does not flicker.
   err_.write("\r");
   err_.write(line);
   err_.write(clearToLineEnd);

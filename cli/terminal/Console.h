@@ -1,4 +1,4 @@
-// Where the program prints: data to standard output, all else to standard error.
+// The output of the program: data to standard output, everything else to standard error.
 #pragma once
 
 #include <string>
@@ -8,22 +8,22 @@
 
 namespace soca::cli {
 
-// A stream to a file descriptor, which it does not own. What is left in the buffer at the end is
-// lost unless `flush` was called.
+// A stream to a file descriptor that it does not own. Buffered text is lost unless `flush` is
+// called.
 class Output {
  public:
   explicit Output(int descriptor) : descriptor_(descriptor) {}
   Output(const Output&) = delete;
   Output& operator=(const Output&) = delete;
 
-  // A failure to write is remembered, and from then on everything is dropped.
+  // After a failure to write, the error is kept and all further text is dropped.
   void write(std::string_view text);
   void flush();
 
-  // The number of the first error, 0 if all went well.
+  // The number of the first error, or 0.
   int error() const { return error_; }
   bool isTerminal() const;
-  // Of the terminal, in columns; 0 if it is none, or won't tell.
+  // The width of the terminal in columns; 0 if there is no terminal or its width is unknown.
   std::size_t width() const;
 
  private:
@@ -42,17 +42,17 @@ class Console : public ReportOutput {
  public:
   Console(int outDescriptor, int errDescriptor) : out_(outDescriptor), err_(errDescriptor) {}
 
-  // Decides about colours. Unless there are to be some always or never, the environment has a say,
-  // then the terminals: none with NO_COLOR, some with FORCE_COLOR, otherwise on a terminal that is
-  // not dumb. An empty variable counts as none.
+  // Decides whether to use colours. Unless `color` is always or never, this depends on the
+  // environment and the terminals: NO_COLOR disables them, FORCE_COLOR enables them; otherwise a
+  // terminal that is not dumb has them. An empty variable is treated as not set.
   void setColor(ColorType color);
   bool colorsOut() const override { return colorsOut_; }
   // For lines that are broken on standard error: of the terminal, or what reads well in a file.
   std::size_t width() const;
 
-  // Whether standard error is a terminal on which a line can be taken away again.
+  // Whether standard error is a terminal on which a line can be erased.
   bool hasStatusLine() const;
-  // `line` is printable ASCII and shorter than the terminal is wide.
+  // `line` must be printable ASCII and shorter than the width of the terminal.
   void showStatus(std::string_view line);
   void clearStatus();
 
@@ -65,7 +65,7 @@ class Console : public ReportOutput {
   void complain(std::string_view what) override;
   void tell(std::string_view what) override;
 
-  // Sends everything out. False, with a complaint, if some of the data could not be written.
+  // Flushes both streams. Returns false, after a message, if some data could not be written.
   bool finish();
 
  private:
@@ -75,7 +75,7 @@ class Console : public ReportOutput {
   Output err_;
   bool colorsOut_ = false;
   bool colorsErr_ = false;
-  // The status line, while it is shown.
+  // The current status line.
   std::string status_;
 };
 

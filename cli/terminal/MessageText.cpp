@@ -14,7 +14,7 @@ constexpr std::string_view plain = "\x1b[m";
 constexpr std::string_view caretColor = "\x1b[1;32m";
 
 struct Severity {
-  // As it stands behind the place that a message is about.
+  // The mark after the place of a message.
   std::string_view mark;
   std::string_view color;
 };
@@ -29,19 +29,19 @@ bool isControl(char character) {
   return (byte < 0x20 && byte != '\n' && byte != '\t') || byte == 0x7F;
 }
 
-// U+0080 to U+009F, of which one introduces a sequence of controls.
+// U+0080 to U+009F, one of which begins a control sequence.
 bool isControlPair(std::string_view text) {
   return text.size() > 1 && text[0] == '\xC2' && static_cast<unsigned char>(text[1]) < 0xA0;
 }
 
-// Whether the line is the one below a line of source, with nothing but a caret in it.
+// Whether the line has only a caret, below a line of source.
 bool isCaretLine(std::string_view line) {
   const std::size_t first = line.find_first_not_of(' ');
   return first != std::string_view::npos && line.substr(first).starts_with("| ") &&
          line.ends_with("^\n") && line.find_first_not_of(" \t", first + 1) == line.size() - 2;
 }
 
-// The first of the marks in the line counts: what follows may be text of a person's file.
+// Only the first of the marks in the line is coloured: the following text may be from a file.
 void addColored(std::string_view line, std::string& text) {
   std::size_t first = std::string_view::npos;
   const Severity* severity = nullptr;
@@ -55,7 +55,7 @@ void addColored(std::string_view line, std::string& text) {
     text += line;
     return;
   }
-  // The mark begins with two characters that are no part of the word.
+  // The mark begins with two characters that are not part of the word.
   text.append(line.substr(0, first + 2)).append(severity->color);
   text.append(severity->mark.substr(2)).append(plain);
   text.append(line.substr(first + severity->mark.size()));

@@ -1,4 +1,4 @@
-// Messages as a terminal gets them.
+// Messages in the form for a terminal.
 #pragma once
 
 #include <string>
@@ -6,12 +6,12 @@
 
 namespace soca::cli {
 
-// The text with U+FFFD in place of what a terminal would obey; line ends and tabs stay. Names of
-// files and classes may hold anything.
+// The text with U+FFFD in place of control characters; line ends and tabs stay. Names of files and
+// classes may have any characters.
 std::string withoutControls(std::string_view text);
 
-// Lines of messages with the word that says how grave each one is, `error:`, `warning:`, `note:` or
-// `hint:`, and the caret below a line in colour.
+// Lines of messages with colours for the word of severity, `error:`, `warning:`, `note:` or
+// `hint:`, and for the caret below a line.
 std::string colorMessages(std::string_view lines);
 
 }  // namespace soca::cli

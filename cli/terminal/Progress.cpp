@@ -38,13 +38,13 @@ std::string bar(double share) {
 std::string formatProgress(const ProgressState& state, std::size_t width) {
   const double rate = state.seconds > 0 ? static_cast<double>(state.done) / state.seconds : 0;
   std::string text = grouped(state.done);
-  // The parts that are left out where there is no room.
+  // The parts that are omitted if there is no room.
   std::string tail;
   double share = 0;
   if (state.total) {
     const std::size_t total = std::max<std::size_t>({*state.total, state.done, 1});
     share = static_cast<double>(state.done) / static_cast<double>(total);
-    // What grows has room to, so that the rest of the line stands still.
+    // Numbers that grow have a fixed width, so that the rest of the line does not move.
     const std::string all = grouped(total);
     text = fmt::format("{:>{}} of {} {} {:3}%", text, all.size(), all, state.things,
                        static_cast<int>(share * 100));
@@ -78,7 +78,7 @@ void Progress::advance(Clock::time_point now) {
   ProgressState state{.things = things_, .done = done_, .total = std::nullopt, .seconds = 0};
   if (const std::size_t total = total_; total > 0) state.total = total;
   state.seconds = std::chrono::duration<double>(now - start_).count();
-  // The last column stays empty: some terminals begin a new line behind it.
+  // The last column stays empty, because some terminals begin a new line after it.
   console_->showStatus(formatProgress(state, console_->width() - 1));
 }
 

@@ -1,4 +1,4 @@
-// How far a run has come, for a person at a terminal.
+// Shows the progress of a run on a terminal.
 #pragma once
 
 #include <atomic>
@@ -12,29 +12,29 @@
 
 namespace soca::cli {
 
-// What is known at some moment.
+// The state of a run at one moment.
 struct ProgressState {
-  // What is counted, in the plural.
+  // The plural of the things that are counted.
   std::string_view things;
   std::size_t done = 0;
-  // Not known at first.
+  // Empty at first.
   std::optional<std::size_t> total;
   double seconds = 0;
 };
 
-// One line of printable ASCII: count, share, bar, rate and time left, as far as they are known and
-// fit into `width` columns.
+// One line of printable ASCII: count, share, bar, rate and remaining time, as far as they are known
+// and fit into `width` columns.
 std::string formatProgress(const ProgressState& state, std::size_t width);
 
-// Keeps the console's status line up to date, a few times a second, and not in the first moment, so
-// that a short run shows nothing. Where the console has no such line, nothing happens.
+// Updates the console's status line several times a second, but not at the beginning, so that a
+// short run shows nothing. Does nothing if the console has no such line.
 class Progress {
  public:
   using Clock = std::chrono::steady_clock;
 
   // `console` must outlive the progress; `things` is a literal.
   Progress(Console* console, std::string_view things, Clock::time_point now = Clock::now());
-  // Takes the line away.
+  // Removes the line.
   ~Progress();
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
@@ -42,7 +42,7 @@ class Progress {
   // May be called by any thread.
   void setTotal(std::size_t total) { total_ = total; }
 
-  // One thing more is done. Only for the thread that prints.
+  // Counts one more finished thing. Only for the thread that prints.
   void advance(Clock::time_point now = Clock::now());
 
  private:

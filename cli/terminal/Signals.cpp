@@ -16,10 +16,10 @@ extern "C" void noteSignal(int signal) { caughtSignal = signal; }
 void catchInterrupts() {
   struct sigaction action = {};
   action.sa_handler = noteSignal;
-  // No SA_RESTART: a write that nobody reads must not keep the program alive.
+  // No SA_RESTART, so that a blocked write does not keep the program alive.
   action.sa_flags = static_cast<int>(SA_RESETHAND);
   for (const int signal : {SIGINT, SIGTERM}) {
-    // A signal that whoever started the program ignores stays ignored.
+    // A signal that was ignored when the program started stays ignored.
     struct sigaction old = {};
     if (sigaction(signal, nullptr, &old) == 0 && old.sa_handler == SIG_IGN) continue;
     sigaction(signal, &action, nullptr);

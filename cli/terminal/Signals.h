@@ -1,21 +1,22 @@
-// A clean end when the user or the system wants the program to stop.
+// An orderly exit after a signal.
 #pragma once
 
 #include "reports/ExitCodes.h"
 
 namespace soca::cli {
 
-// From now on the first SIGINT or SIGTERM is only noted; a second one ends the process at once.
-// A file that would exceed the limit on its size is an error of the write, and no signal.
+// After this the first SIGINT or SIGTERM is only recorded; a second one ends the process
+// immediately. Exceeding the limit of the file size becomes an error of the write instead of a
+// signal.
 void catchInterrupts();
 
-// Whether one came. What goes on for long asks now and then, and stops.
+// Whether a signal was received. Long operations check this at intervals and stop.
 bool wasInterrupted();
 
-// The exit code for the signal that came.
+// The exit code for the received signal.
 ExitCodeType interruptExitCode();
 
-// From now on a reader of the output that goes away does not end the process.
+// After this, a closed reader of the output does not end the process.
 void ignoreBrokenPipes();
 
 }  // namespace soca::cli

@@ -1,4 +1,4 @@
-// Says what is known of a class, what an update would do to it, and what comes of the update.
+// Prints the facts about a class, the actions of an update, and the result of the update.
 //
 //   soca_client examples radio.GainControl
 #include <cppmicroservices/Bundle.h>
@@ -24,7 +24,7 @@ namespace {
 
 using fl::i18n::to_string;
 
-// A framework that runs as long as this object lives.
+// A framework that runs during the life of this object.
 class RunningFramework {
  public:
   RunningFramework() : framework_(cppmicroservices::FrameworkFactory().NewFramework()) {
@@ -45,7 +45,7 @@ class RunningFramework {
   std::shared_ptr<soca::Updater> updater() {
     const auto reference = context().GetServiceReference<soca::Updater>();
     if (!reference) throw std::runtime_error("nobody offers soca::Updater");
-    // The first client has the object made; a failure of that gives a null pointer.
+    // The runtime makes the object for the first client; if that fails, the pointer is null.
     auto service = context().GetService(reference);
     if (!service) throw std::runtime_error("soca::Updater could not be made");
     return service;

@@ -33,7 +33,7 @@ void checkRoot(const std::string& root) {
   if (!S_ISDIR(status.st_mode)) throw UsageError(fmt::format("the root '{}' is no folder", root));
 }
 
-// The folder as an absolute path. The current folder may have a name that is no text.
+// The folder as an absolute path. The path of the current folder may not be UTF-8.
 std::string absoluteRoot(const std::string& root) {
   std::string path = fl::filesystem::makeAbsoluteLexically(root);
   if (!path.starts_with('/')) throw UsageError("the current folder does not exist any more");

@@ -16,7 +16,7 @@ bool isThere(const std::string& path) {
   return ::stat(path.c_str(), &status) == 0;
 }
 
-// `a.b.` for `a/b`; nothing if a segment is no identifier.
+// `a.b.` for `a/b`; empty if a segment is no identifier.
 std::optional<std::string> packagePrefix(std::string_view relativeFolder) {
   std::string prefix;
   while (!relativeFolder.empty()) {
@@ -37,8 +37,8 @@ std::string join(std::string_view folder, std::string_view relative) {
   return path.append(relative);
 }
 
-// The path of a folder without links. Of a file only its folder is looked at: the file may be a
-// link to somewhere else.
+// The path of a folder without links. Of a file only the folder is resolved, because the file may
+// be a link to another place.
 std::optional<std::string> resolveFolderOf(const std::string& path) {
   struct stat status = {};
   if (::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) return resolveLinks(path);

@@ -27,7 +27,7 @@ bool isUtf8(const std::string& path) {
   return fl::decodeFileText(path).encoding == fl::EncodingType::utf8;
 }
 
-// The place of an entry of the folder that stands at `folder`.
+// The place of an entry of the folder at `folder`.
 std::string placeIn(const GitPlace& folder, const std::string& name) {
   return folder.path.empty() ? name : folder.path + '/' + name;
 }
@@ -41,8 +41,8 @@ unsigned char typeOf(const struct stat& status) {
   return static_cast<unsigned char>(IFTODT(status.st_mode));
 }
 
-// DT_DIR, DT_REG, or another type of entry. A link to a file counts as that file, and one to a
-// folder stays a link; one that leads nowhere counts as a file, which then can't be read.
+// DT_DIR, DT_REG, or another type of entry. A link to a file is treated as that file, and a link to
+// a folder stays a link; a dangling link is treated as a file, which then cannot be read.
 unsigned char entryType(const std::string& path, unsigned char type) {
   struct stat status = {};
   if (type == DT_UNKNOWN) {
@@ -148,12 +148,12 @@ std::vector<FolderWalk::Entry> FolderWalk::readEntries(const Level& level) {
                             .className = {},
                             .reason = std::strerror(errno)};
   }
-  // The file of a class comes before the folder of a package with its name, as `a.B` does before
-  // `a.B.C`; taken from the back, so the other way round.
+  // The file of a class precedes the folder of a package with its name, as `a.B` precedes `a.B.C`.
+  // The entries are taken from the back, so the order is reversed.
   std::ranges::sort(entries, std::ranges::greater(), [](const Entry& entry) {
     return std::tie(entry.name, entry.isFolder, entry.hasSource);
   });
-  // A source file and the p-file behind it are one class.
+  // A source file and the p-file after it are one class.
   const auto isSameClass = [](const Entry& source, const Entry& pFile) {
     return !source.isFolder && !pFile.isFolder && source.name == pFile.name;
   };

@@ -1,4 +1,4 @@
-// The class files below a folder of the class path, one after the other.
+// The class files below a folder of the class path, in order.
 #pragma once
 
 #include <optional>
@@ -13,38 +13,37 @@ namespace soca {
 
 struct FoundFile {
   enum class Type {
-    // `.vlm` or `.p`, in a place and with a name that make it the file of a class. Whether it holds
-    // one was not looked at.
+    // `.vlm` or `.p`, with a place and a name of a class file. The contents are not checked.
     classFile,
-    // A `.vlm` or `.p` that the class path has no name for, or that is no regular file.
+    // A `.vlm` or `.p` without a class name on the class path, or that is no regular file.
     noClass,
-    // A `.vlm` or `.p` in a place where there are classes, whose path is no text.
+    // A `.vlm` or `.p` in the place of a class, whose path is not UTF-8.
     misnamed,
-    // A folder; `reason` says why it could not be read.
+    // A folder; `reason` is why it could not be read.
     unreadable,
   };
 
   Type type = Type::classFile;
-  // The source file, if it is there beside a p-file.
+  // The source file, even if there is also a p-file.
   std::string path;
   std::string className;
-  // The number of the root by which the class has its name.
+  // The number of the root that gives the class its name.
   std::size_t root = 0;
   std::string reason;
 };
 
-// What a walk leaves out: what git ignores, hidden folders, and links to folders; or nothing of it.
+// What a walk omits: files that git ignores, hidden folders, and links to folders; or nothing.
 enum class WalkType { filtered, everything };
 
-// Reads each folder when it comes to it, and keeps no more than the names of those that it is in.
-// Classes come in the byte order of their names. Folders whose names no class name can have are
-// left out, unless a root lies in them.
+// Reads each folder when the walk reaches it, and keeps only the entries of the folders on its
+// path. Classes come in the byte order of their names. A folder that cannot be a package is
+// omitted, unless there is a root below it.
 //
-// The folder itself and the roots in it are walked whatever git says of them. Where git ignores
-// such a folder, its rules say nothing of what lies below, and all of that is walked.
+// The folder itself and the roots in it are walked even if git ignores them. Git's rules do not
+// apply below such an ignored folder, so everything in it is walked.
 //
-// A walk of everything follows a link to a folder that lies outside of the walk, each such folder
-// once. What lies inside is come to anyway.
+// A walk of everything follows links to folders outside of the walk, each folder once. Folders
+// inside are reached without links.
 class FolderWalk {
  public:
   // `roots` and `git` must outlive the walk. `folder` is absolute.
@@ -52,10 +51,10 @@ class FolderWalk {
 
   std::optional<FoundFile> next();
 
-  // The folder that is walked, without links.
+  // The folder of the walk, without links.
   const std::string& folder() const { return start_; }
 
-  // Why git's rules could not be asked, once for each repository, as far as the walk has come.
+  // The reasons why git's rules could not be read, one for each repository reached so far.
   const std::vector<std::string>& warnings() const { return warnings_; }
 
  private:
@@ -63,31 +62,31 @@ class FolderWalk {
     // Without the extension of a class file.
     std::string name;
     bool isFolder = false;
-    // Whether the folder is behind a link.
+    // Whether the folder is a link.
     bool isLink = false;
     bool isRegular = true;
-    // Of a class file, whether it is the `.vlm`.
+    // For a class file, whether it is the `.vlm`.
     bool hasSource = false;
   };
 
-  // A folder under way; its entries stand in reverse order.
+  // A folder of the current path; its entries are in reverse order.
   struct Level {
     std::string folder;
     std::optional<ClassRoots::Package> package;
-    // Whether it has no package only because its path is no UTF-8.
+    // Whether it has no package only because its path is not UTF-8.
     bool isMisnamed = false;
     std::vector<Entry> entries;
-    // Whose rules hold in the folder, and its place there.
+    // The repository whose rules apply in the folder, and the folder's place in it.
     GitPlace git;
   };
 
-  // Enters a folder that is walked whatever git says of it.
+  // Enters a folder that is walked even if git ignores it.
   void enterAnyway(std::string folder);
   void enterFolderIn(const Level& level, const Entry& entry);
   void enter(std::string folder, GitPlace git);
   GitPlace askGit(const std::string& folder);
   static bool isIgnored(const Level& level, const Entry& entry);
-  // Whether the link leads to a folder that the walk would not come to without it.
+  // Whether the link leads to a folder that the walk would not reach otherwise.
   bool isNewFolder(const std::string& link);
   std::vector<Entry> readEntries(const Level& level);
   void addEntry(const Level& level, const std::string& name, unsigned char type,
@@ -101,10 +100,10 @@ class FolderWalk {
   WalkType type_;
   std::string start_;
   std::vector<Level> levels_;
-  // The folders, without links, that links led to.
+  // The folders that links led to, without links.
   std::unordered_set<std::string> linked_;
   std::vector<std::string> warnings_;
-  // A folder that could not be read, to be told of next.
+  // A folder that could not be read, to be returned next.
   std::optional<FoundFile> unreadable_;
 };
 

@@ -28,7 +28,7 @@ GitPlace Git::placeOfFolder(const std::string& path) {
       const Opened& opened = open(folder);
       if (!opened.problem.empty()) return {.path = {}, .problem = opened.problem};
       if (opened.repository != nullptr) {
-        // The repository may say that its work tree is elsewhere.
+        // The repository may have its work tree at another place.
         const auto relative = relativeTo(opened.repository->workFolder(), path);
         if (!relative) return {};
         return {

@@ -1,4 +1,4 @@
-// The git repositories that a run meets.
+// The git repositories of a run.
 #pragma once
 
 #include <memory>
@@ -11,43 +11,43 @@
 
 namespace soca {
 
-// Where a folder or file stands in version control.
+// The place of a folder or file in version control.
 struct GitPlace {
-  // The repository of the innermost work tree that it lies in, owned by the `Git` that was asked;
-  // null if there is none, or none that can be asked.
+  // The repository of the innermost work tree that contains it, owned by the `Git` object; null if
+  // there is none, or if it cannot be read.
   GitRepository* repository = nullptr;
   // Relative to the work folder; empty for that folder itself.
   std::string path;
-  // Why the repository can't be asked, in words.
+  // The reason why the repository cannot be read.
   std::string problem;
 };
 
-// Opens each repository once. May be used by several threads at once.
+// Opens each repository once. Safe to use from several threads.
 class Git {
  public:
-  // `path` is absolute and without links. Nothing is loaded where no `.git` stands above.
+  // `path` is absolute and without links. The library is only loaded if there is a `.git` above it.
   GitPlace placeOfFolder(const std::string& path);
 
-  // Why git could not bring back what the file holds now, with what to do; nothing if it could, or
-  // if the file is in no work tree. Links are followed. Files come folder by folder, so the place
-  // of the last folder is kept.
+  // The reason why git could not restore the current contents of the file, with advice; empty if it
+  // could, or if the file is in no work tree. Links are followed. The place of the last folder is
+  // cached, because files are queried folder by folder.
   std::optional<std::string> findUncommitted(const std::string& file);
 
  private:
-  // One of the two is set; neither for what only looks like a repository.
+  // One of the two is set; neither if the folder is no repository.
   struct Opened {
     std::unique_ptr<GitRepository> repository;
     std::string problem;
   };
 
-  // Nothing for a file that is not there.
+  // Empty if the file does not exist.
   std::optional<GitPlace> placeOfFile(const std::string& file);
-  // The same, of a folder that may stand behind links.
+  // The same for a folder whose path may have links.
   std::optional<GitPlace> placeBehindLinks(const std::string& folder);
   const Opened& open(const std::string& folder);
 
   std::mutex mutex_;
-  // By the folder in which `.git` stands.
+  // By the folder that has the `.git`.
   std::unordered_map<std::string, Opened> opened_;
   std::string lastFolder_;
   std::optional<GitPlace> lastPlace_;

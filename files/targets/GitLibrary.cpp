@@ -8,7 +8,7 @@
 namespace soca {
 namespace {
 
-// All versions in which what is used here is the same, the one that the headers belong to first.
+// All versions with the same interface for what is used here; first the one of the headers.
 constexpr auto libraryNames = std::to_array<const char*>(
     {"libgit2.so.1.5", "libgit2.so.1.9", "libgit2.so.1.8", "libgit2.so.1.7", "libgit2.so.1.6",
      "libgit2.so.1.4", "libgit2.so.1.3", "libgit2.so.1.1"});

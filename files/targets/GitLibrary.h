@@ -1,11 +1,11 @@
-// The library that reads git repositories, loaded only when a repository is met.
+// The library that reads git repositories, loaded when the first repository is found.
 #pragma once
 
 #include <git2.h>
 
 namespace soca {
 
-// The functions of libgit2 that the program uses, by their names there.
+// The functions of libgit2 that the program uses, by their names in the library.
 struct GitLibrary {
   decltype(&::git_libgit2_init) libgit2_init = nullptr;
   decltype(&::git_error_last) error_last = nullptr;
@@ -25,8 +25,8 @@ struct GitLibrary {
   decltype(&::git_oid_equal) oid_equal = nullptr;
 };
 
-// Loaded by the first call and kept until the process ends; null if no libgit2 is installed. May be
-// called by several threads at once.
+// Loads the library on the first call and keeps it until the process ends; null if libgit2 is not
+// installed. Safe to call from several threads.
 const GitLibrary* gitLibrary();
 
 }  // namespace soca

@@ -20,8 +20,8 @@ std::string lastError(const GitLibrary& git) {
   return error == nullptr || error->message == nullptr ? "unknown error" : error->message;
 }
 
-// Where no folder is said to be safe, some versions can't find that list instead of saying what
-// is wrong.
+// Without a list of safe folders, some versions report that the list is missing instead of the
+// fault.
 bool isOthers(const GitLibrary& git, int error) {
   if (error == GIT_EOWNER) return true;
   const git_error* last = git.error_last();

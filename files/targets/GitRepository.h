@@ -1,4 +1,4 @@
-// What git knows of the files in one work tree.
+// The state of the files in one git work tree.
 #pragma once
 
 #include <memory>
@@ -11,31 +11,31 @@
 
 namespace soca {
 
-// A repository that can't be asked; `what` says why, and what to do about it.
+// A repository that cannot be read; `what` is the reason and the remedy.
 class GitError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
 enum class GitStateType {
-  // The content is that of the last commit, in the index too.
+  // The contents are those of the last commit, in the index too.
   committed,
   changed,
-  // Not in the index, be it ignored or not.
+  // Not in the index, whether ignored or not.
   untracked,
 };
 
-// Reads the index once; what is committed or added later goes unseen. Writes nothing. May be used
-// by several threads at once. All paths are relative to the work folder.
+// Reads the index once, so later commits and additions are not seen. Writes nothing. Safe to use
+// from several threads. All paths are relative to the work folder.
 class GitRepository {
  public:
-  // The repository whose work tree the folder lies in, or null. Throws GitError.
+  // The repository whose work tree contains the folder, or null. Throws GitError.
   static std::unique_ptr<GitRepository> open(const std::string& folder);
 
   // The top folder of the work tree, without links and without a slash at its end.
   const std::string& workFolder() const { return workFolder_; }
 
-  // What has tracked files in it is not ignored, whatever the rules say of it.
+  // A folder or file is not ignored if it has tracked files, for any rules.
   bool isFolderIgnored(const std::string& path);
   bool isFileIgnored(const std::string& path);
 
@@ -57,7 +57,7 @@ class GitRepository {
   GitRepository(const GitLibrary* git, Repository repository);
 
   bool matchesRules(const std::string& path);
-  // The file's content in the last commit; null if it has none there.
+  // The contents of the file in the last commit; null if it is not in there.
   const git_oid* committedContent(const std::string& path);
   bool isConflicted(const std::string& path) const;
 
@@ -66,8 +66,8 @@ class GitRepository {
   Repository repository_;
   Index index_;
   std::string workFolder_;
-  // The folder of the last commit that was looked into last, null if it is not there: files come
-  // folder by folder.
+  // The last folder of the commit that was looked up, or null if it does not exist; cached because
+  // files are queried folder by folder.
   bool hasTree_ = false;
   std::string treeFolder_;
   Object tree_;

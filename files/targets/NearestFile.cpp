@@ -17,13 +17,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// So many entries of a folder are looked at.
+// The largest number of entries of a folder that are checked.
 constexpr int mostEntries = 20'000;
 
-// Under which name an entry of a folder may be meant; empty if it can't be.
+// The name with which an entry of a folder is compared; empty if it is not a candidate.
 using NameOf = std::function<std::string(const fs::directory_entry& entry, bool isLastPart)>;
 
-// A name that there is, and how many letters it is away from the one that was looked for.
+// An existing name, and its distance from the requested one in letters.
 struct Correction {
   std::vector<std::string> parts;
   std::size_t distance = 0;
@@ -34,7 +34,7 @@ bool isFolder(const fs::directory_entry& entry) {
   return entry.is_directory(ignored);
 }
 
-// The names of the entries go to `offer`.
+// Passes the names of the entries to `offer`.
 template <class Offer>
 void listFolder(const std::string& folder, const Offer& offer) {
   std::error_code error;
@@ -56,7 +56,7 @@ std::vector<std::string> split(std::string_view text, char separator) {
   return parts;
 }
 
-// Goes down from the folder, at each part to the entry that is nearest to it.
+// Follows the parts from the folder, at each part to the nearest entry.
 std::optional<Correction> correct(std::string folder, const std::vector<std::string>& parts,
                                   const NameOf& nameOf) {
   Correction correction;
@@ -72,7 +72,7 @@ std::optional<Correction> correct(std::string folder, const std::vector<std::str
       });
     }
     if (!isThere && nearest.name().empty()) return std::nullopt;
-    // Another case of letters is a difference too.
+    // A difference in case also counts.
     if (!isThere) correction.distance += nearest.distance() + 1;
     correction.parts.push_back(isThere ? parts[i] : nearest.name());
     folder += '/' + correction.parts.back();
@@ -89,7 +89,7 @@ std::string join(const std::vector<std::string>& parts, char separator) {
   return text;
 }
 
-// Names that are not text are not for people to type.
+// A name that is not UTF-8 cannot be typed, so it is not offered.
 std::string nameOfEntry(const fs::directory_entry& entry) {
   std::string name = entry.path().filename().string();
   return fl::decodeFileText(name).encoding == fl::EncodingType::utf8 ? name : std::string();
@@ -108,7 +108,7 @@ std::string correctPath(std::string_view path, const NameOf& nameOf) {
   return join(correction->parts, '/') + (path.ends_with('/') ? "/" : "");
 }
 
-// The first class below the root with that name, in whatever package.
+// The first class below the root with that name, in any package.
 std::string findInPackages(const std::string& root, std::string_view simpleName) {
   std::error_code error;
   int count = 0;
@@ -146,7 +146,7 @@ std::string nearestClass(std::string_view className, const ClassRoots& roots) {
   std::optional<Correction> best;
   for (const std::string& root : roots.all()) {
     auto correction = correct(root, parts, nameOfClass);
-    // A file that is there and still not the class's is a link that leads nowhere.
+    // A file that exists but is not the class's is a dangling link.
     if (!correction || correction->distance == 0) continue;
     if (!best || correction->distance < best->distance) best = correction;
   }

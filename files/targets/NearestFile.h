@@ -1,5 +1,5 @@
-// What somebody may have meant by a path or a class that there is not. Lists the folders along the
-// name, so it is for the moment in which something failed.
+// Suggestions for paths and classes that do not exist. Lists the folders along the name, so it is
+// to be used only after a failure.
 #pragma once
 
 #include <string>
@@ -9,12 +9,12 @@
 
 namespace soca {
 
-// The path with what is not there replaced by the nearest names in the folders, part by part; empty
-// if some part has none, or if all of it is there.
+// The path with each missing part replaced by the nearest name in its folder; empty if a part has
+// no near name, or if the whole path exists.
 std::string nearestPath(std::string_view path);
 std::string nearestFolder(std::string_view path);
 
-// The class with the nearest name on the roots, or else one in another package that has its name;
+// The class with the nearest name on the roots, or else a class of that name in another package;
 // empty if there is neither.
 std::string nearestClass(std::string_view className, const ClassRoots& roots);
 

@@ -11,13 +11,13 @@
 namespace soca {
 namespace {
 
-// Names that are longer are files of a machine, and nobody typed them.
+// Longer names are generated, not typed.
 constexpr std::size_t longestName = 200;
 
-// How many letters somebody types of a name that they don't type to its end.
+// The shortest beginning of a name that is completed.
 constexpr std::size_t shortestBeginning = 2;
 
-// As it is compared: without the dashes of an option, and with small letters.
+// The form for comparison: without the dashes of an option, and in lower case.
 fl::ustring fold(std::string_view name) {
   name.remove_prefix(std::min(name.find_first_not_of('-'), name.size()));
   fl::ustring folded = fl::i18n::to_ustring(name);
@@ -27,10 +27,10 @@ fl::ustring fold(std::string_view name) {
   return folded;
 }
 
-// The number of letters to be added, deleted, changed, or swapped with the next one, no letter
-// twice, to make one word of the other.
+// The number of letters to add, delete, change, or swap with the next one, each letter once at
+// most, to turn one word into the other.
 std::size_t distanceBetween(fl::ustring_view left, fl::ustring_view right) {
-  // Rows of the table of distances between the beginnings of both: the current one and two before.
+  // Rows of the table of distances between prefixes of both: the current one and two before it.
   std::vector<std::size_t> current(right.size() + 1);
   std::vector<std::size_t> previous(current.size());
   std::vector<std::size_t> beforePrevious(current.size());
@@ -63,7 +63,7 @@ void NearestName::offer(std::string_view name) {
   if (misspelt_.size() >= shortestBeginning && folded.starts_with(misspelt_)) {
     if (completions_++ == 0) completion_ = name;
   }
-  // Nothing is left of a name in which every letter is wrong.
+  // The names must have at least one letter in common.
   const std::size_t limit = std::min({distance_, misspelt_.size(), folded.size()});
   const auto [shorter, longer] = std::minmax({misspelt_.size(), folded.size()});
   if (longer - shorter >= limit) return;

@@ -1,4 +1,4 @@
-// What somebody may have meant by a name that there is not.
+// Suggestions for names that do not exist.
 #pragma once
 
 #include <cstddef>
@@ -10,10 +10,10 @@
 
 namespace soca {
 
-// Of the names that it is offered, keeps the one that is most likely meant by a misspelt one: the
-// nearest, by letters that are missing, too many, wrong or swapped with a neighbour. One letter in
-// three may be wrong; the case of ASCII letters and dashes in front don't count. If no name is that
-// near, the only one that begins with the misspelt one is meant. Of equals the first one wins.
+// Keeps the best candidate for a misspelt name: the nearest one, by letters that are missing,
+// added, wrong or swapped with a neighbour. One letter in three may be wrong; the case of ASCII
+// letters and leading dashes are ignored. If no name is that near, a name that begins with the
+// misspelt one is used, if it is the only one. Of equal candidates the first is used.
 class NearestName {
  public:
   // Both names are UTF-8.
@@ -21,9 +21,9 @@ class NearestName {
 
   void offer(std::string_view name);
 
-  // Empty if nothing is near.
+  // Empty if no name is near.
   const std::string& name() const;
-  // How many letters are wrong in `name`.
+  // The number of wrong letters compared with `name`.
   std::size_t distance() const { return distance_; }
 
  private:
@@ -31,15 +31,15 @@ class NearestName {
   std::size_t limit_;
   std::string nearest_;
   std::size_t distance_;
-  // What begins with the misspelt name, and how many names do.
+  // The first name that begins with the misspelt one, and the number of such names.
   std::string completion_;
   std::size_t completions_ = 0;
 };
 
-// "; did you mean 'name'?", or nothing for an empty name.
+// "; did you mean 'name'?", or empty for an empty name.
 std::string didYouMean(std::string_view name);
 
-// The same for the one of the names that is nearest, if there is one.
+// The same for the nearest of the names, if there is one.
 template <class Names, class Projection>
 std::string didYouMean(std::string_view misspelt, const Names& names, Projection nameOf) {
   NearestName nearest(misspelt);

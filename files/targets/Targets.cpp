@@ -21,7 +21,7 @@ bool isFolder(const std::string& path) {
   return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-// Also for a link that leads nowhere.
+// True for a dangling link too.
 bool exists(const std::string& path) {
   struct stat status = {};
   return ::lstat(path.c_str(), &status) == 0;
@@ -42,12 +42,12 @@ Target makeClassTarget(const std::string& className) {
   return target;
 }
 
-// A path as text, whatever its bytes are.
+// A path as text for any bytes.
 std::string shownName(const std::string& path) {
   return fl::i18n::to_string(fl::decodeFileText(path).text);
 }
 
-// What no two targets have in common.
+// The key by which equal targets are found.
 std::string keyOf(const Target& target) {
   return target.type == Target::Type::aClass ? target.className : target.path;
 }
@@ -116,12 +116,12 @@ Targets::Argument Targets::makeArgument(const std::string& argument) const {
   if (argument.empty()) throw UsageError("an argument is empty");
   if (!isPath(argument)) return makeClassTarget(argument);
   const std::string absolute = fl::filesystem::makeAbsoluteLexically(argument);
-  // The argument is text, but the current folder may have any name.
+  // The argument is UTF-8, but the path of the current folder may not be.
   if (fl::decodeFileText(absolute).encoding != fl::EncodingType::utf8) {
     throw UsageError(fmt::format("the path '{}' is not UTF-8", shownName(absolute)));
   }
   const std::string path = roots_->underRoot(absolute);
-  // A folder with the name of a class file stands where a class should.
+  // A folder with the name of a class file is in place of a class.
   if (const auto stem = stemOfClassFile(fileNameOf(path))) {
     return makeFileTarget(argument, path, *stem);
   }

@@ -1,4 +1,4 @@
-// What the arguments of a command stand for: classes, one after the other, each once.
+// The classes that the arguments of a command select, in order and each once.
 #pragma once
 
 #include <cstddef>
@@ -17,11 +17,11 @@ namespace soca {
 struct Target {
   enum class Type {
     aClass,
-    // A class file that the class path does not lead to: it has the file `hiddenBy` for that name.
+    // A class file that is hidden by another file of that class on the class path, `hiddenBy`.
     hidden,
-    // A file that holds no class by its name or place.
+    // A file without a class, by its name or place.
     noClass,
-    // A class file whose path is no UTF-8.
+    // A class file whose path is not UTF-8.
     misnamed,
     // A folder that could not be read.
     unreadable,
@@ -30,37 +30,37 @@ struct Target {
   Type type = Type::aClass;
   // Dotted, in UTF-8; without a class the path, as far as it can be shown.
   std::string className;
-  // Whether an argument names the class or the file, rather than a folder that it lies in.
+  // Whether an argument names the class or the file, and not a folder that contains it.
   bool isNamed = false;
   // The file or folder that was found or named; empty for a class name.
   std::string path;
   std::string hiddenBy;
-  // Why a folder can't be read.
+  // The reason why a folder cannot be read.
   std::string reason;
 };
 
 // Arguments are class names, class files and folders. An existing file or folder, and anything with
-// a slash, is a path. No argument stands for all roots.
+// a slash, is a path. Without arguments all roots are selected.
 class Targets {
  public:
-  // Takes no folders. Throws UsageError for an argument that is on no root, or is a folder. `roots`
-  // must outlive the targets.
+  // Accepts no folders. Throws UsageError for an argument that is on no root, or is a folder.
+  // `roots` must outlive the targets.
   Targets(const ClassRoots* roots, const std::vector<std::string>& arguments);
 
-  // Takes folders too, which are walked as `walk` says. `git` must outlive the targets.
+  // Accepts folders too; `walk` selects the type of their walk. `git` must outlive the targets.
   Targets(const ClassRoots* roots, const std::vector<std::string>& arguments, WalkType walk,
           Git* git);
 
-  // Whether there is one target at most, as far as that can be known before it is asked for.
+  // Whether there is one target at most, as far as the arguments show.
   bool isOneClass() const;
 
-  // Whether some of them are looked for in folders.
+  // Whether any of them is searched in folders.
   bool haveFolders() const;
 
   // In the order of the arguments.
   std::optional<Target> next();
 
-  // What went wrong without keeping anything from going on, each once.
+  // Problems that do not stop the run, each once.
   std::vector<std::string> warnings() const;
 
  private:
@@ -73,19 +73,19 @@ class Targets {
   std::optional<Target> nextOf(Argument& argument);
   Target makeTarget(FoundFile file) const;
   bool haveNestedFolders() const;
-  // Whether the target was not given out yet.
+  // Whether the target was not returned before.
   bool isNew(const Target& target);
 
   const ClassRoots* roots_;
   WalkType walk_ = WalkType::filtered;
-  // Null where folders are refused.
+  // Null if folders are not accepted.
   Git* git_ = nullptr;
   std::vector<Argument> arguments_;
   std::size_t current_ = 0;
-  // The classes, and the files that are hidden, that arguments name.
+  // The classes, and the hidden files, that arguments name.
   std::unordered_set<std::string> named_;
-  // Whether a folder is walked that lies in another one. Otherwise only what an argument names can
-  // come up twice, and little has to be kept.
+  // Whether a folder of the walks is inside another one. Otherwise only a target that an argument
+  // names can occur twice, and few have to be recorded.
   bool mayRepeat_ = false;
   std::unordered_set<std::string> seen_;
 };

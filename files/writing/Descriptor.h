@@ -1,4 +1,4 @@
-// A file descriptor that is closed with its owner.
+// A file descriptor that is closed by its owner.
 #pragma once
 
 #include <unistd.h>
@@ -12,7 +12,7 @@ namespace soca {
 class Descriptor {
  public:
   Descriptor() = default;
-  // -1 stands for none, as the system's calls return it.
+  // -1 means none, as in the results of system calls.
   explicit Descriptor(int number) : number_(number) {}
   ~Descriptor() { close(); }
   Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
@@ -24,7 +24,7 @@ class Descriptor {
   bool isOpen() const { return number_ >= 0; }
   int number() const { return number_; }
 
-  // Writes all of it; false, with errno, if that fails.
+  // Writes all bytes; returns false and sets errno on failure.
   bool write(std::string_view bytes) const {
     while (!bytes.empty()) {
       const ssize_t written = ::write(number_, bytes.data(), bytes.size());
@@ -36,7 +36,7 @@ class Descriptor {
   }
 
  private:
-  // Leaves errno to whoever asks for the reason of a failure.
+  // Keeps errno, for the reason of an earlier failure.
   void close() const {
     if (number_ < 0) return;
     const int error = errno;

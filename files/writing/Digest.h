@@ -1,4 +1,4 @@
-// Short values that stand for bytes.
+// Short values that identify bytes.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 
 namespace soca {
 
-// Tells texts apart that nobody made to be alike.
+// Distinguishes texts, but is not safe against texts made to collide.
 struct Digest {
   std::uint64_t size = 0;
   std::uint64_t low = 0;
@@ -18,7 +18,7 @@ struct Digest {
 
 Digest digestOf(std::string_view bytes);
 
-// Shows whether bytes came back from the disk as they were written.
+// Detects whether bytes read from the disk are those that were written.
 std::uint64_t checksumOf(std::string_view bytes);
 
 // The SHA-256 of the bytes, as 64 small hexadecimal digits.

@@ -14,7 +14,7 @@ namespace {
 constexpr std::int64_t second = 1'000'000'000;
 constexpr std::string_view accessList = "system.posix_acl_access";
 
-// The names, each ended by NUL. A file system without attributes has no names.
+// The names, each terminated by NUL. A file system without attributes has no names.
 std::vector<std::string> splitNames(std::string_view bytes) {
   std::vector<std::string> names;
   while (!bytes.empty()) {
@@ -77,7 +77,7 @@ bool isOf(const struct stat& status, const fl::filesystem::FileStamp& stamp) {
 bool copyAttributes(const std::string& path, const struct stat& old, int newFile) {
   struct stat own = {};
   if (::fstat(newFile, &own) != 0) return false;
-  // Owner first, since a change of the owner can take permissions away.
+  // The owner first, because changing it may remove permissions.
   const bool isSameOwner = own.st_uid == old.st_uid && own.st_gid == old.st_gid;
   if (!isSameOwner && ::fchown(newFile, old.st_uid, old.st_gid) != 0) return false;
   if (!copyExtendedAttributes(path, newFile)) return false;

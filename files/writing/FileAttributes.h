@@ -1,4 +1,4 @@
-// What a file has besides its name and its bytes.
+// The attributes of a file besides its name and its bytes.
 #pragma once
 
 #include <sys/stat.h>
@@ -10,16 +10,17 @@
 
 namespace soca {
 
-// Nanoseconds since 1970, and back.
+// Nanoseconds since 1970 from and to the system's type.
 std::int64_t nanosecondsOf(const timespec& time);
 timespec timeOf(std::int64_t nanoseconds);
 
-// Whether the status is that of the file with the stamp, in the state that it had then.
+// Whether the status is that of the file with the stamp, unchanged since.
 bool isOf(const struct stat& status, const fl::filesystem::FileStamp& stamp);
 
-// Gives the open new file the owner, the permissions and the extended attributes, access lists
-// among them, of the old one at `path`, whose status is `old`. False, with errno, if the owner or
-// something that grants or denies access can't be had; of the rest, what can.
+// Sets the owner, the permissions and the extended attributes, including access lists, of the open
+// new file to those of the old one at `path`, whose status is `old`. Returns false and sets errno
+// if the owner, or an attribute that grants or denies access, cannot be copied; others are copied
+// if possible.
 bool copyAttributes(const std::string& path, const struct stat& old, int newFile);
 
 }  // namespace soca

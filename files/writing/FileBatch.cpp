@@ -19,7 +19,7 @@
 namespace soca {
 namespace {
 
-// A run's folder, which goes away again unless something was written.
+// A run's folder, which is deleted unless a file was written.
 class NewRun {
  public:
   NewRun(const RunStore* store, const RunStore::Lock* lock)
@@ -41,10 +41,10 @@ class NewRun {
   bool isKept_ = false;
 };
 
-// Finds the files that paths lead to. Files of one folder follow each other.
+// Resolves the links of paths. Files of one folder follow each other, so the last folder is cached.
 class LinkResolver {
  public:
-  // The path itself if it leads nowhere.
+  // The path itself if it does not exist.
   std::string resolve(const std::string& path) {
     const std::size_t slash = path.rfind('/') + 1;
     if (path.compare(0, slash, folder_) != 0) {
@@ -63,13 +63,13 @@ class LinkResolver {
   std::string resolvedFolder_;
 };
 
-// A file that goes into the journal.
+// A file to be saved in the journal.
 struct OldFile {
   SavedFile file;
   std::string bytes;
 };
 
-// Reads so many bytes, or fewer if the file ends before.
+// Reads `size` bytes, or fewer if the file ends before.
 std::string readBytes(const Descriptor& file, std::uint64_t size) {
   std::string bytes(size, '\0');
   std::size_t count = 0;
@@ -83,7 +83,7 @@ std::string readBytes(const Descriptor& file, std::uint64_t size) {
   return bytes;
 }
 
-// Nothing if the file is not the one that the new bytes were computed from any more.
+// Empty if the file is no longer the one from which the new bytes were computed.
 std::optional<OldFile> readOldFile(std::string path, const FileChange& change) {
   const Descriptor file(
       ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY | O_NOFOLLOW));
@@ -121,7 +121,7 @@ class Batch {
   }
 
  private:
-  // A file of the journal.
+  // A file in the journal.
   struct Saved {
     std::size_t change = 0;
     std::string path;
@@ -145,7 +145,7 @@ class Batch {
   const GoesOn* goesOn_;
   LinkResolver resolver_;
   std::vector<Saved> saved_;
-  // The numbers in the journal of what the writer has staged.
+  // The numbers in the journal of the files that the writer has staged.
   std::vector<std::size_t> staged_;
   BatchResult result_;
 };

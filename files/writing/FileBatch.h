@@ -1,4 +1,4 @@
-// The writing part of a run: all files at once, with a journal.
+// Writes all files of a run together, with a journal.
 #pragma once
 
 #include <cstddef>
@@ -13,35 +13,35 @@
 
 namespace soca {
 
-// A file that is to be replaced.
+// A file to be replaced.
 struct FileChange {
   // Absolute; links are followed.
   std::string path;
-  // Of the file that the new bytes were computed from.
+  // The stamp of the file from which the new bytes were computed.
   fl::filesystem::FileStamp stamp;
   Digest newDigest;
 };
 
-// Changes are told apart by their numbers, from 0.
+// Changes are identified by their numbers, from 0.
 struct BatchResult {
-  // By which what was written can be taken back; 0 if nothing was.
+  // The run by which the changes can be undone; 0 if no file was written.
   RunNumber run = 0;
   std::vector<bool> isWritten;
   std::size_t writtenCount = 0;
-  // The reasons for those that could not be written.
+  // The reasons for the files that could not be written.
   std::map<std::size_t, std::string> failures;
-  // Whether it ended before all that can be written was.
+  // Whether it stopped before all possible files were written.
   bool isCutShort = false;
-  // What went wrong behind the last file; empty if nothing did.
+  // A fault after the last file; empty if there was none.
   std::string problem;
 };
 
-// Replaces the files. `newBytes` gives the new bytes of the change with a number; it is asked
-// once for each and in their order. `goesOn` is asked in front of each step; when it says no, the
-// step and all others are left out, and every file is the old one or the new one.
+// Replaces the files. `newBytes` returns the new bytes of the change with a number; it is called
+// once for each, in order. `goesOn` is called before each step; if it returns false, that step and
+// all later ones are omitted, and every file is either the old one or the new one.
 //
-// If the process dies meanwhile, `repairRuns` puts back what it has written so far. Throws
-// JournalError and what `newBytes` throws.
+// If the process is killed meanwhile, `repairRuns` restores what it has written. Throws
+// JournalError and the exceptions of `newBytes`.
 BatchResult writeFiles(const RunStore& store, const RunStore::Lock& lock,
                        const std::vector<FileChange>& changes,
                        const std::function<std::string(std::size_t)>& newBytes,

@@ -1,4 +1,4 @@
-// Replaces files, each as a whole or not at all.
+// Replaces files, each completely or not at all.
 #pragma once
 
 #include <cstddef>
@@ -12,51 +12,51 @@
 
 namespace soca {
 
-// A file that is to get new bytes.
+// A file and its new bytes.
 struct Replacement {
   // Absolute, without links.
   std::string path;
   std::string_view bytes;
-  // Of the file that the new bytes were computed from.
+  // The stamp of the file from which the new bytes were computed.
   fl::filesystem::FileStamp stamp;
-  // In nanoseconds since 1970, if the new file is not to have that of its making.
+  // In nanoseconds since 1970; if empty, the new file has the current time.
   std::optional<std::int64_t> modificationTime = std::nullopt;
 };
 
-// Why the file at the path can't be replaced by another; nothing if it can. Links are followed.
+// The reason why the file at the path cannot be replaced; empty if it can. Links are followed.
 std::optional<std::string> findReasonNotToReplace(const std::string& path);
 
-// What is said of a file that is not the one that was read any more.
+// The reason for a file that is no longer the one that was read.
 inline constexpr std::string_view changedReason = "it changed since it was read";
 
-// A batch of files that are replaced together: all are staged, then flushed, then committed, then
-// the folders flushed. A file that can't be written stays as it was and does not keep the others
-// from being replaced.
+// A batch of files that are replaced together: all are staged, flushed, and committed, and then the
+// folders are flushed. A file that cannot be written stays unchanged, and the others are still
+// replaced.
 class FileWriter {
  public:
-  // The token tells the temporary files of this batch from those of any other.
+  // The token distinguishes the temporary files of this batch from all others.
   explicit FileWriter(std::string token) : token_(std::move(token)) {}
   ~FileWriter() { discardRest(); }
   FileWriter(const FileWriter&) = delete;
   FileWriter& operator=(const FileWriter&) = delete;
 
   // Writes the new file beside the old one, at `temporaryPath` for the number, with the old one's
-  // owner, permissions and attributes. Gives the reason if that is impossible; the file is then
-  // left alone.
+  // owner, permissions and attributes. Returns the reason if that fails; the old file is then
+  // unchanged.
   std::optional<std::string> stage(std::size_t number, const Replacement& replacement);
 
-  // Brings all staged files to the disk: many at once cost far less than one by one. Gives the
-  // reason if that fails; none is to be committed then.
+  // Flushes all staged files to the disk, which is much faster for many files together than for
+  // each. Returns the reason if that fails; no file must be committed then.
   std::optional<std::string> flush() const;
 
-  // Puts the new file in place of the old one, unless that changed since it was read: then gives
-  // the reason. `index` counts the files that were staged with success.
+  // Replaces the old file by the new one, unless it changed since it was read; then returns the
+  // reason. `index` counts the files that were staged successfully.
   std::optional<std::string> commit(std::size_t index);
 
-  // Takes away what was staged and not committed.
+  // Deletes the staged files that were not committed.
   void discardRest();
 
-  // Brings to the disk what the folders of the files hold now.
+  // Flushes the folders of the files to the disk.
   std::optional<std::string> flushFolders() const;
 
   std::size_t size() const { return staged_.size(); }
@@ -66,7 +66,7 @@ class FileWriter {
     std::string target;
     std::string temporary;
     fl::filesystem::FileStamp stamp;
-    // Whether the temporary file is there.
+    // Whether the temporary file exists.
     bool isPending = true;
   };
 

@@ -1,4 +1,4 @@
-// Brings files and folders to the disk.
+// Flushes files and folders to the disk.
 #pragma once
 
 #include <string>
@@ -6,11 +6,11 @@
 
 namespace soca {
 
-// What the file or folder holds. False, with errno, if that fails.
+// Flushes the contents of the file or folder. Returns false and sets errno on failure.
 bool flushPath(const std::string& path);
 
-// All of them, files or folders, each named once: a few one by one; of many, which is far quicker,
-// the file systems that they are on. False, with errno, if one fails.
+// Flushes all files or folders, each named once: a few singly; for many, the file systems that
+// contain them, which is much faster. Returns false and sets errno if one fails.
 bool flushPaths(const std::vector<std::string>& paths);
 
 }  // namespace soca

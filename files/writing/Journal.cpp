@@ -15,7 +15,7 @@
 namespace soca {
 namespace {
 
-// Another form of the records below gets another number.
+// To be changed with the form of the records below.
 constexpr std::uint32_t formatVersion = 1;
 
 enum RecordType : std::uint32_t { run = 1, file, begun, done, undoing, undone };
@@ -71,7 +71,7 @@ std::string_view folderOf(std::string_view path) {
   return path.substr(0, std::max<std::size_t>(path.rfind('/'), 1));
 }
 
-// The deepest folder that holds both, or is one of them.
+// The deepest folder that contains both, or is one of them.
 std::string commonFolderOf(std::string_view one, std::string_view other) {
   while (one != other) {
     std::string_view& longer = one.size() > other.size() ? one : other;
@@ -104,7 +104,8 @@ void JournalWriter::save(const SavedFile& file, std::string_view oldBytes) {
 }
 
 void JournalWriter::begin() {
-  // Room for the last word: on a full disk a finished run must not pass for an interrupted one.
+  // Reserves space for the last record, so that on a full disk a finished run is not taken for an
+  // interrupted one.
   state_.reserve(4096 + sizeof(std::uint32_t) * std::uint64_t{count_});
   FieldWriter fields;
   fields.put(count_).put(commonFolder_);
@@ -128,7 +129,7 @@ Journal::Journal(const std::string& folder)
 }
 
 std::string_view Journal::oldBytes(std::size_t number) const {
-  // The first record is the run's own.
+  // The first record is that of the run.
   const Record& record = before_.records()[number + 1];
   if (record.hasIntactData()) return record.data;
   throw JournalError("the journal no longer has its old text, since the disk has changed it");
@@ -173,8 +174,8 @@ void Journal::readState() {
   const RecordFile state(statePath_);
   stateSize_ = state.size();
   if (!hasBegun_) {
-    // The other file was whole on the disk before anything came here, and is the first to go when
-    // the journal is removed.
+    // The file `before` was complete on the disk before anything was written here, and is deleted
+    // first when the journal is removed.
     isRemainder_ = before_.isEmpty() && !state.records().empty();
     if (!before_.isEmpty() && !state.records().empty()) state_ = StateType::damaged;
     return;
@@ -211,7 +212,7 @@ void Journal::dropPending(const FileNumbers& numbers) {
 
 bool isSettled(const std::string& folder) {
   struct stat before = {};
-  // Without that file it is no run any more.
+  // Without that file it is no run.
   if (::stat(beforePath(folder).c_str(), &before) != 0 || before.st_size == 0) return false;
   try {
     const RecordFile state(statePath(folder));

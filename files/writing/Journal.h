@@ -1,4 +1,4 @@
-// What one run changes, kept so that it can be taken back.
+// The changes of one run, recorded so that they can be undone.
 #pragma once
 
 #include <cstddef>
@@ -14,16 +14,16 @@
 namespace soca {
 
 // A journal is a folder with two files of records. `before` has the old bytes of all files that the
-// run is about to change, and is on the disk before the first of them, or anything beside them, is
-// touched. `state` says how far the run, and what took it back, came:
+// run will change, and is on the disk before the first of them, or anything beside them, is
+// changed. `state` records the progress of the run and of its undo:
 //
 //   before:  run, file, file, ..., begun
 //   state:   [done [undoing undone]...]
 //
-// Without `begun`, nothing was touched. With it and without `done`, the run was interrupted; the
-// same with `undoing` and no `undone` behind it.
+// Without `begun`, no file was changed. With `begun` and without `done`, the run was interrupted;
+// the undo was interrupted if there is `undoing` without a following `undone`.
 
-// A file as it was before the run.
+// A file before the run.
 struct SavedFile {
   // Absolute, without links.
   std::string path;
@@ -31,28 +31,28 @@ struct SavedFile {
   // In nanoseconds since 1970.
   std::int64_t modificationTime = 0;
   Digest oldDigest;
-  // Of what the run makes of it.
+  // The digest of the new file.
   Digest newDigest;
 };
 
 // Files by their numbers, from 0 in the order in which they were saved.
 using FileNumbers = std::vector<std::uint32_t>;
 
-// The name, beside the file, of the new file that takes its place. `token` belongs to the run.
+// The name of the new file beside the old one before it replaces that. `token` belongs to the run.
 std::string temporaryPath(const std::string& path, std::string_view token, std::size_t number);
 
-// The journal of a run that is under way. All members throw JournalError.
+// The journal of a current run. All members throw JournalError.
 class JournalWriter {
  public:
-  // The folder exists, is empty, and outlives the journal.
+  // The folder must exist, be empty, and outlive the journal.
   explicit JournalWriter(std::string folder);
 
   const std::string& token() const { return token_; }
 
   void save(const SavedFile& file, std::string_view oldBytes);
-  // Has to come, once, behind all files and before anything is touched.
+  // To be called once, after all files are added and before any file is changed.
   void begin();
-  // Everything has happened, but that the run left these files as they were.
+  // Records the end of the run; the files in `left` were not changed.
   void finish(const FileNumbers& left);
 
  private:
@@ -61,31 +61,31 @@ class JournalWriter {
   RecordWriter before_;
   RecordWriter state_;
   std::uint32_t count_ = 0;
-  // The deepest folder that all files are in.
+  // The deepest folder that contains all files.
   std::string commonFolder_;
 };
 
-// The journal of a run that is over.
+// The journal of a finished or interrupted run.
 class Journal {
  public:
-  // Throws JournalError if it can't be read. One that a crash has torn can.
+  // Throws JournalError if it cannot be read. A journal that is torn by a crash can be read.
   explicit Journal(const std::string& folder);
 
   enum class StateType {
-    // Nothing was touched.
+    // No file was changed.
     notBegun,
-    // Files may have been changed, and temporary files may lie beside them.
+    // Files may have been changed, and there may be temporary files beside them.
     interrupted,
     done,
     partlyUndone,
     undone,
-    // The disk has not kept what is needed to take the run back.
+    // The disk has lost data that an undo of the run needs.
     damaged,
   };
   StateType state() const { return state_; }
-  // Whether the run itself came to its end, whatever became of an undo of it.
+  // Whether the run itself finished, regardless of an undo.
   bool wasDone() const { return wasDone_; }
-  // Whether it is what was left of a journal when its removal was cut short.
+  // Whether it is the rest of a journal whose removal was interrupted.
   bool isRemainder() const { return isRemainder_; }
 
   // In seconds since 1970.
@@ -94,14 +94,15 @@ class Journal {
   const std::string& commonFolder() const { return commonFolder_; }
 
   const std::vector<SavedFile>& files() const { return files_; }
-  // Throws JournalError if they are not what was saved.
+  // Throws JournalError if they are not those that were saved.
   std::string_view oldBytes(std::size_t number) const;
-  // The files that the run changed, or may have changed; and those of them that are not put back.
+  // The files that the run changed or may have changed; and those of them that are not yet
+  // restored.
   std::size_t changedCount() const { return changedCount_; }
   const FileNumbers& pending() const { return pending_; }
 
-  // From now on files are put back; and an end of it, which may leave some. Both throw
-  // JournalError.
+  // Record that the restoring of files begins, and that it ends, possibly without some files. Both
+  // throw JournalError.
   void beginUndo();
   void endUndo(const FileNumbers& restored);
 
@@ -113,7 +114,7 @@ class Journal {
 
   std::string statePath_;
   RecordFile before_;
-  // How much of the other file is whole.
+  // The number of intact bytes of the other file.
   std::uint64_t stateSize_ = 0;
   StateType state_ = StateType::notBegun;
   std::int64_t time_ = 0;
@@ -127,11 +128,11 @@ class Journal {
   FileNumbers pending_;
 };
 
-// Whether the run in the folder came to an end, and so did an undo of it if there was one: then
-// there is nothing to repair. Unlike opening the journal this does not read what was saved.
+// Whether the run in the folder finished, and an undo of it, if any, did too: then there is nothing
+// to repair. Unlike opening the journal this does not read the saved bytes.
 bool isSettled(const std::string& folder);
 
-// Null if the journal can't be read.
+// Null if the journal cannot be read.
 std::unique_ptr<Journal> openJournal(const std::string& folder);
 
 }  // namespace soca

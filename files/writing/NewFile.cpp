@@ -50,7 +50,7 @@ std::string makeBytes(const std::string& path, fl::ustring_view text, fl::Encodi
 }
 
 void checkIsEncodable(const std::string& path, fl::ustring_view text, fl::EncodingType encoding) {
-  // Most texts are ASCII, which is in every encoding; the others are tried.
+  // Most texts are ASCII, which every encoding has; the others are tried.
   const char16_t bits =
       std::accumulate(text.begin(), text.end(), char16_t{0}, std::bit_or<char16_t>());
   if (bits > 0x7F) makeBytes(path, text, encoding);

@@ -1,4 +1,4 @@
-// The new bytes of a class file, and whether they can take the place of the old ones.
+// The new bytes of a class file, and the check whether it can be replaced.
 #pragma once
 
 #include <stdexcept>
@@ -27,12 +27,12 @@ class ClassFault : public std::runtime_error {
   std::vector<std::string> arguments_;
 };
 
-// Whether the stamp has to show any later change of the file: then it may have to wait until the
-// clock has gone on.
+// Whether the stamp must change with any later change of the file; for that the program may have to
+// wait for the next tick of the clock.
 enum class StampType { any, sure };
 
-// The file as it was when it was analysed. It is read again if its stamp does not show that it has
-// the text that was analysed. Throws ClassFault if it no longer has it.
+// The state of the file when it was analysed. It is read again if its stamp does not prove that it
+// still has the analysed text. Throws ClassFault if it has another text.
 fl::filesystem::FileState stateOfOldFile(const std::string& path, const PlannedClass& planned,
                                          StampType stampType);
 
@@ -40,7 +40,7 @@ fl::filesystem::FileState stateOfOldFile(const std::string& path, const PlannedC
 std::string makeBytes(const std::string& path, fl::ustring_view text, fl::EncodingType encoding);
 void checkIsEncodable(const std::string& path, fl::ustring_view text, fl::EncodingType encoding);
 
-// Throws ClassFault if the file can't be replaced by another.
+// Throws ClassFault if the file cannot be replaced.
 void checkIsReplaceable(const std::string& path);
 
 }  // namespace soca

@@ -13,16 +13,16 @@ namespace {
 constexpr std::size_t bufferSize = std::size_t{1} << 20U;
 constexpr std::uint32_t recordMark = 0x61636f73;
 
-// What stands in front of the fields and data of each record.
+// The head before the fields and data of each record.
 struct Head {
   std::uint32_t mark = recordMark;
   std::uint32_t type = 0;
   std::uint64_t fieldsSize = 0;
   std::uint64_t dataSize = 0;
   std::uint64_t dataChecksum = 0;
-  // Of the fields.
+  // The checksum of the fields.
   std::uint64_t fieldsChecksum = 0;
-  // Of all that stands above.
+  // The checksum of all members above.
   std::uint64_t headChecksum = 0;
 };
 
@@ -63,7 +63,7 @@ void RecordWriter::flush() {
 
 void RecordWriter::reserve(std::uint64_t size) {
   const off_t end = ::lseek(file_.number(), 0, SEEK_END);
-  // Only a promise that is refused for want of room tells something.
+  // Only a failure for lack of space is reported.
   if (::fallocate(file_.number(), FALLOC_FL_KEEP_SIZE, end, static_cast<off_t>(size)) != 0 &&
       (errno == ENOSPC || errno == EDQUOT)) {
     fail();

@@ -1,4 +1,4 @@
-// Files of records that are only ever appended, and whose end may be torn by a crash.
+// Files of records that are only appended to, and whose end may be torn by a crash.
 #pragma once
 
 #include <cstddef>
@@ -14,35 +14,35 @@
 
 namespace soca {
 
-// What keeps a journal from being written or read. `what` names the file and the reason.
+// A journal that cannot be written or read. `what` has the file and the reason.
 class JournalError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// A record has fields, which are looked at when the file is opened, and data, which may be large.
+// A record has fields, which are checked when the file is opened, and data, which may be large.
 struct Record {
   std::uint32_t type = 0;
   std::string_view fields;
   std::string_view data;
   std::uint64_t dataChecksum = 0;
 
-  // Whether the data are those that were written; for the fields that always holds.
+  // Whether the data are those that were written; the fields always are.
   bool hasIntactData() const;
 };
 
-// Appends records. They reach the file in large pieces, and the disk with `flush`. All members
-// throw JournalError.
+// Appends records. They are written to the file in large blocks, and to the disk by `flush`. All
+// members throw JournalError.
 class RecordWriter {
  public:
-  // Makes the file, for its owner alone, or goes on behind the first `size` bytes of it. What
-  // stands there is what a crash left, and is cut off.
+  // Creates the file, readable by its owner only, or continues after its first `size` bytes. The
+  // bytes after these were left by a crash, and are removed.
   explicit RecordWriter(std::string path, std::uint64_t size = 0);
 
   void append(std::uint32_t type, std::string_view fields, std::string_view data = {});
   void flush();
-  // So that as many bytes more can be written even if the disk is full by then. Does nothing where
-  // the file system knows no such promise.
+  // Reserves space for as many more bytes, so that they can be written even if the disk becomes
+  // full. Does nothing if the file system does not support this.
   void reserve(std::uint64_t size);
 
  private:
@@ -54,20 +54,20 @@ class RecordWriter {
   std::string buffer_;
 };
 
-// The records of a file up to its end, or to the first one that is not whole.
+// The intact records from the start of a file.
 class RecordFile {
  public:
-  // A file that is not there has no records. Throws JournalError if it can't be read.
+  // A file that does not exist has no records. Throws JournalError if it cannot be read.
   explicit RecordFile(const std::string& path);
   ~RecordFile();
   RecordFile(const RecordFile&) = delete;
   RecordFile& operator=(const RecordFile&) = delete;
 
-  // They lie in the file, and are gone with this object.
+  // They point into the mapped file, and are valid as long as this object.
   const std::vector<Record>& records() const { return records_; }
-  // How many bytes they take.
+  // The number of bytes of the records.
   std::uint64_t size() const { return size_; }
-  // Whether there are no bytes at all, of records or of anything else.
+  // Whether the file has no bytes at all.
   bool isEmpty() const { return bytes_.empty(); }
 
  private:
@@ -78,7 +78,7 @@ class RecordFile {
   std::uint64_t size_ = 0;
 };
 
-// Puts the fields of a record one behind the other.
+// Joins the fields of a record into bytes.
 class FieldWriter {
  public:
   template <class Number>
@@ -99,8 +99,8 @@ class FieldWriter {
   std::string bytes_;
 };
 
-// Takes the fields of a record in the order in which they were put. Throws JournalError where there
-// are none left.
+// Reads the fields of a record in the order in which they were added. Throws JournalError if there
+// are no more.
 class FieldReader {
  public:
   explicit FieldReader(std::string_view bytes) : bytes_(bytes) {}

@@ -17,7 +17,7 @@
 namespace soca {
 namespace {
 
-// What a file of the run is now.
+// The current state of a file of the run.
 struct CurrentFile {
   enum class Type { old, written, changed, failed };
   Type type = Type::failed;
@@ -85,7 +85,7 @@ class Restorer {
 
   RestoreResult takeResult() { return std::move(result_); }
 
-  // The files that need nothing more, in ascending order.
+  // The files that are finished, in ascending order.
   FileNumbers takeDone() {
     std::ranges::sort(done_);
     return std::move(done_);
@@ -136,7 +136,7 @@ class Restorer {
       if (!reason) return staged_.push_back(number);
       result_.failed.push_back({file.path, std::move(*reason)});
     } catch (const JournalError& error) {
-      // Another time it would be no better.
+      // A later attempt would fail too.
       result_.changed.push_back({file.path, error.what()});
     }
   }

@@ -1,4 +1,4 @@
-// Takes back what a run has written.
+// Restores the files that a run has written.
 #pragma once
 
 #include <string>
@@ -9,31 +9,31 @@
 
 namespace soca {
 
-// A file that was not put back, and why.
+// A file that was not restored, and the reason.
 struct LeftFile {
   std::string path;
   std::string reason;
 };
 
 struct RestoreResult {
-  // Files that the run had changed and that are now as they were before, by their numbers in the
+  // The files changed by the run that now are as they were before it, by their numbers in the
   // journal.
   FileNumbers restored;
-  // Files that can't be put back, most often since somebody else has changed them, and files whose
-  // writing failed.
+  // The files that cannot be restored, usually because they were changed since, and the files that
+  // could not be written.
   std::vector<LeftFile> changed;
   std::vector<LeftFile> failed;
   bool isCutShort = false;
 };
 
-// What an interrupted run has left becomes as it was: temporary files go away, and files get their
-// old bytes, permissions and times. Nothing of the run is taken back if `goesOn` says no in
-// between, or if a file could not be written: then it is to be tried again.
+// Restores the state before an interrupted run: temporary files are deleted, and files get their
+// old bytes, permissions and times. If `goesOn` returns false meanwhile, or a file could not be
+// written, the journal stays as it is, so that the repair can be repeated.
 //
-// Both need the store's lock, so that nobody else is at it, and throw JournalError.
+// Both require the store's lock, so that no other process does the same, and throw JournalError.
 RestoreResult repairRun(Journal& journal, const GoesOn& goesOn);
 
-// Takes back a run that is done, or the rest of it. What is left can be undone another time.
+// Undoes a finished run, or the rest of it. Files that are left can be undone later.
 RestoreResult undoRun(Journal& journal, const GoesOn& goesOn);
 
 }  // namespace soca

@@ -95,7 +95,7 @@ RunNumber RunStore::add(const Lock&) const {
 }
 
 void RunStore::remove(const Lock&, RunNumber run) const {
-  // What is left if this is cut short is no run, or one that never began.
+  // If this is interrupted, the rest is no run, or one that never began.
   const std::string folder = folderOf(run);
   for (const char* name : {"/before", "/state"}) ::unlink((folder + name).c_str());
   ::rmdir(folder.c_str());

@@ -11,20 +11,20 @@
 
 namespace soca {
 
-// Asked between two steps; nothing more is begun once it says no.
+// Called between two steps; no further step begins once it returns false.
 using GoesOn = std::function<bool()>;
 
 using RunNumber = unsigned;
 
-// One folder for each run, named by its number; the newest has the greatest. Runs that write or put
-// back hold the lock while they do, so that under it every run that has no end was interrupted.
+// One folder for each run, named by its number; the newest has the highest. Runs that write or
+// restore files hold the lock meanwhile, so that while it is held every unfinished run is an
+// interrupted one.
 class RunStore {
  public:
-  // Throws JournalError if there is no place for it.
+  // Throws JournalError if there is no folder for it.
   RunStore();
 
-  // The right to change files and journals; whoever holds it is the only one of the user's
-  // processes that does.
+  // The right to change files and journals; only one of the user's processes can hold it.
   class Lock {
     friend class RunStore;
     explicit Lock(Descriptor file) : file_(std::move(file)) {}
@@ -42,12 +42,12 @@ class RunStore {
 
   // A new run with an empty folder. Throws JournalError.
   RunNumber add(const Lock& lock) const;
-  // Takes the run's folder away, as far as that can be done.
+  // Deletes the run's folder, as far as possible.
   void remove(const Lock& lock, RunNumber run) const;
-  // Removes the oldest runs beyond the bounds, but neither the newest nor interrupted ones.
+  // Deletes the oldest runs beyond the bounds, but not the newest one and no interrupted ones.
   void prune(const Lock& lock) const;
 
-  // The bounds: so many runs, whose journals take no more than so many bytes together.
+  // The bounds: the number of runs, and the total size of their journals in bytes.
   static constexpr std::size_t mostRuns = 20;
   static constexpr std::uint64_t mostBytes = std::uint64_t{1} << 30U;
 
@@ -55,7 +55,7 @@ class RunStore {
   std::string folder_;
 };
 
-// The number that the text is; nothing if it is none.
+// The number in the text; empty if it is not a number.
 std::optional<RunNumber> parseRunNumber(std::string_view text);
 
 }  // namespace soca

@@ -62,7 +62,7 @@ void Spool::openFile() {
   const std::string folder = temporaryFolder();
   descriptor_ = ::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
   if (descriptor_ >= 0) return;
-  // Not every file system can make a file without a name.
+  // Not every file system supports files without a name.
   std::string path = folder + "/soca-XXXXXX";
   descriptor_ = ::mkostemp(path.data(), O_CLOEXEC);
   if (descriptor_ < 0) fail(fmt::format("no temporary file could be made in '{}'", folder));

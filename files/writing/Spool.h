@@ -1,5 +1,5 @@
-// Texts put aside until the end of a run: small ones in memory, beyond that in a file that nobody
-// else sees and that is gone with the process.
+// Texts stored until the end of a run: a few in memory, more of them in an unnamed file, which is
+// deleted with the process.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@ namespace soca {
 
 class Spool {
  public:
-  // Where a text was put.
+  // The place of a stored text.
   struct Place {
     std::uint64_t offset = 0;
     std::uint64_t size = 0;
@@ -21,11 +21,11 @@ class Spool {
   Spool(const Spool&) = delete;
   Spool& operator=(const Spool&) = delete;
 
-  // A place may also be several that were put one after the other, or a part of them.
+  // A place may also cover several texts that were stored one after the other, or parts of them.
   // Both throw std::runtime_error if the file can't be made, written or read.
   Place put(std::string_view text);
   std::string take(const Place& place);
-  // Forgets all that was put. The file goes away before the system has brought it to the disk.
+  // Drops all texts. The file is deleted before the system writes it to the disk.
   void drop();
 
  private:
@@ -33,7 +33,7 @@ class Spool {
   void writeOut();
 
   int descriptor_ = -1;
-  // How much of what was put stands in the file; the rest stands in the buffer.
+  // The number of bytes in the file; the rest is in the buffer.
   std::uint64_t inFile_ = 0;
   std::string buffer_;
 };

@@ -44,7 +44,7 @@ void makeFolders(const std::string& path) {
       throw JournalError(fmt::format("the folder '{}' for the journal can't be made: {}; {}",
                                      folder, std::strerror(errno), advice));
     }
-    // A folder that can't be flushed has its entry written some time later.
+    // If a folder cannot be flushed, the system writes its entry later.
     if (!isThere) flushPath(path.substr(0, std::max<std::size_t>(path.rfind('/', slash - 1), 1)));
     if (slash == std::string::npos) return;
   }

@@ -1,17 +1,16 @@
-// Where the program keeps what outlives a run.
+// The folder for data that outlives a run.
 #pragma once
 
 #include <string>
 
 namespace soca {
 
-// The absolute path of the user's folder for this: `$XDG_STATE_HOME/soca`, or if that variable is
-// not set or no absolute path, `$HOME/.local/state/soca`. It need not exist. Throws JournalError if
-// the environment tells of no such place.
+// The absolute path of the user's state folder: `$XDG_STATE_HOME/soca`, or if that variable is not
+// set or no absolute path, `$HOME/.local/state/soca`. It need not exist. Throws JournalError if the
+// environment names no such folder.
 std::string stateFolder();
 
-// Makes the folder and those above it, for their owner alone, as far as they are missing. Throws
-// JournalError.
+// Creates the folder and the missing ones above it, for their owner only. Throws JournalError.
 void makeFolders(const std::string& path);
 
 }  // namespace soca

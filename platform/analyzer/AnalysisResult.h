@@ -22,8 +22,8 @@ class AnalysisResult {
  public:
   virtual bool hasSyntaxError() const = 0;
   // One-based line in the low half, one-based column in the high half; the column counts UTF-16
-  // code units. Allowed are the position just behind the text, and the one before its first
-  // character, at which an empty subtree ends there: line 1, column 0.
+  // code units. `position` may also be the one just after the text, and the one before the first
+  // character, at which an empty subtree at the start of the text ends: line 1, column 0.
   virtual std::uint64_t getLineAndColumn(std::uint32_t position) const = 0;
   // The file's text, exactly, whatever the flag.
   virtual fl::ustring getSourceText(bool canonical) const = 0;
@@ -37,13 +37,13 @@ class AnalysisResult {
   // The texts of the two above without a copy, valid as long as the result.
   virtual fl::ustring_view sourceTextView() const = 0;
   virtual fl::ustring_view nodeTextView(const astapi::Node& node) const = 0;
-  // The file's text for who keeps it longer than the result; never null.
+  // The file's text, for a caller that keeps it longer than the result; never null.
   virtual std::shared_ptr<const fl::ustring> sharedSourceText() const = 0;
   // The syntax errors, in the order of the text.
   virtual const std::vector<Diagnostic>& diagnostics() const = 0;
-  // The file that the text was read from, as it was then: while it has this stamp it has this text.
-  // Nothing for a text that lies over a file or stands in none, and for a file that may change once
-  // more and keep its stamp.
+  // The file that the text was read from, with its stamp at that time: a file with the same stamp
+  // has the same text. Empty for an overlay text, for a text of no file, and for a file that was
+  // modified so recently that a later change might leave the stamp the same.
   virtual const std::optional<fl::filesystem::FileState>& file() const = 0;
 
   virtual ~AnalysisResult() = default;

@@ -9,7 +9,7 @@ namespace ca {
 
 namespace {
 
-// `name` is the file, as messages begin with it.
+// `name` is the file name with which the message begins.
 std::shared_ptr<AnalysisResult> refuseTooDeep(std::shared_ptr<SourceAnalysis> analysis,
                                               const std::string& name) {
   if (analysis->isTooDeep()) {

@@ -13,8 +13,8 @@
 
 namespace ca {
 
-// A file that can't be analysed at all: it can't be read, is no regular file, is larger than the
-// analyzer's limit, or is nested too deeply. `what` says which, in UTF-8.
+// A file that cannot be analysed: it cannot be read, is no regular file, is larger than
+// `maximumFileSize`, or is nested too deeply. `what` is the reason, in UTF-8.
 class InvalidAnalysisException : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -33,8 +33,8 @@ class Analyzer {
  public:
   virtual ~Analyzer() = default;
 
-  // Reads and analyses the file at the native path `path`, or the text that lies over it on this
-  // thread. The result may outlive the analyzer. `directory` is not used.
+  // Reads and analyses the file at the native path `path`, or the overlay text that this thread has
+  // set for it. The result may outlive the analyzer. `directory` is not used.
   //
   // Throws InvalidAnalysisException; a syntax error is no failure.
   virtual std::shared_ptr<AnalysisResult> analyze(const fl::ustring& path,
@@ -47,8 +47,7 @@ std::unique_ptr<Analyzer> createSingleFileAnalyzer();
 // What is larger is not analysed. In bytes.
 inline constexpr std::uint64_t maximumFileSize = std::uint64_t{256} << 20U;
 
-// Analyses a text that stands in no file. Throws InvalidAnalysisException for nesting that is too
-// deep.
+// Analyses a text of no file. Throws InvalidAnalysisException if the nesting is too deep.
 std::shared_ptr<AnalysisResult> analyzeText(fl::ustring text);
 
 }  // namespace ca

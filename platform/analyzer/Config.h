@@ -1,4 +1,4 @@
-// The analyzer's settings. It has no others than those of the factory.
+// The analyzer's settings, which are those of its factory.
 #pragma once
 
 #include <memory>
@@ -10,7 +10,7 @@ class CodeGenerationSupport {};
 
 namespace config {
 
-// Where settings come from.
+// The source of settings.
 class ConfigSource {
  public:
   virtual ~ConfigSource() = default;

@@ -1,4 +1,4 @@
-// What the analyzer has to say about a syntax error.
+// A syntax error.
 #pragma once
 
 #include <cstdint>
@@ -10,8 +10,8 @@ struct Diagnostic {
   // Zero-based; the column counts UTF-16 code units in the line.
   std::uint64_t line = 0;
   std::uint64_t column = 0;
-  // One sentence in UTF-8 that says what was expected and what stands there, with no point behind
-  // it: "expected `)` to close `(`, found end of line".
+  // One sentence in UTF-8 without a full stop: what was expected and what was found, such as
+  // "expected `)` to close `(`, found end of line".
   std::string message;
 };
 

@@ -15,14 +15,14 @@ using fl::timing::Phase;
 
 using Analysis = std::shared_ptr<SourceAnalysis>;
 
-// An analysis and what it was made of: the file as it was then, or an overlay text.
+// An analysis and its input: the file with its stamp, or an overlay text.
 struct Remembered {
   std::string path;
   std::shared_ptr<const fl::ustring> overlay;
   Analysis analysis;
 };
 
-// The class runtime and the service ask for the same class one after the other.
+// The class runtime and the service ask for the same class in succession.
 Remembered& lastOfThread() {
   thread_local Remembered last;
   return last;

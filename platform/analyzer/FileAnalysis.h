@@ -8,14 +8,14 @@
 
 namespace ca {
 
-// Analyses the file at the native path `path` (UTF-8), or the text that lies over it on this
-// thread. Nesting that is too deep is no failure here: see SourceAnalysis::isTooDeep. The thread
-// remembers its last analysis and gives it again as long as the file stays the same.
+// Analyses the file at the native path `path` (UTF-8), or the overlay text that this thread has set
+// for it. Nesting that is too deep is no failure here: see SourceAnalysis::isTooDeep. Each thread
+// keeps its last analysis and returns it again while the file is unchanged.
 //
-// Throws InvalidAnalysisException when there is nothing to analyse.
+// Throws InvalidAnalysisException if the file cannot be read.
 std::shared_ptr<SourceAnalysis> analyzeFile(const std::string& path);
 
-// Lets the thread forget its last analysis, for when what follows needs much memory.
+// Drops the thread's last analysis, before work that needs much memory.
 void forgetLastAnalysis();
 
 }  // namespace ca

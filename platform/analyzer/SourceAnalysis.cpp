@@ -35,7 +35,7 @@ SourceAnalysis::SourceAnalysis(std::shared_ptr<const fl::ustring> text, ParserMe
     : text_(std::move(text)), lines_(memory.read(*text_), text_->size()) {
   using Style = Parser::FunctionStyleType;
   Parser::Result result = Parser(*text_, memory, arena_, names_, Style::closed).parse();
-  // In a file without a class all functions may do without their `end`.
+  // In a file without a class all functions may omit their `end`.
   const bool isFaulty = !result.errors.empty() || result.isTooDeep;
   if (result.classdef == nullptr && isFaulty && hasFunction(*result.root)) {
     Parser::Result open = Parser(*text_, memory, arena_, names_, Style::open).parse();
@@ -74,7 +74,7 @@ fl::ustring SourceAnalysis::getSubtreeText(const astapi::Node& node) const {
 }
 
 fl::ustring_view SourceAnalysis::nodeTextView(const astapi::Node& node) const {
-  // An empty subtree ends in front of where it begins, which wraps at the start of the text.
+  // An empty subtree ends before its beginning, and wraps at the start of the text.
   const std::uint32_t length = node.lastPosition + 1 - node.position;
   return fl::ustring_view(*text_).substr(node.position, length);
 }

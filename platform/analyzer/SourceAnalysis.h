@@ -16,7 +16,7 @@ class SourceAnalysis final : public AnalysisResult {
  public:
   explicit SourceAnalysis(fl::ustring text);
   explicit SourceAnalysis(fl::filesystem::SourceFileText file);
-  // Of a text that others read too; never null.
+  // A text that is shared with others; never null.
   explicit SourceAnalysis(std::shared_ptr<const fl::ustring> text);
 
   bool hasSyntaxError() const override { return !diagnostics_.empty(); }
@@ -32,8 +32,8 @@ class SourceAnalysis final : public AnalysisResult {
   const std::vector<Diagnostic>& diagnostics() const override { return diagnostics_; }
   const std::optional<fl::filesystem::FileState>& file() const override { return file_; }
 
-  // Whether the text is nested more deeply than the analyzer goes. The tree then holds what stands
-  // in front of that place, which is enough to read declarations but no basis for anything else.
+  // Whether the text is nested more deeply than the limit. The tree then holds what is before that
+  // place: enough to read declarations, but not a basis for changes.
   bool isTooDeep() const { return isTooDeep_; }
 
  private:

@@ -1,9 +1,11 @@
-// How the component runtime sees a component, for a build without the runtime's own headers.
+// The interface between the component runtime and a component, for a build without the runtime's
+// headers.
 //
-// The runtime reaches a component by the slots of ComponentInstance and the interface map alone, so
-// that a bundle that was built with this header loads in the runtime all the same. That holds as
-// long as the order of the slots, the types of the map and the names are the runtime's own: those
-// of 3.8.8 and later, and without references to other services those from 3.6.1 on.
+// The runtime reaches a component only by the virtual functions of ComponentInstance and the
+// interface map, so a bundle built with this header loads in the runtime as long as the order of
+// the functions, the types of the map and the names are the same as the runtime's. They are the
+// same in 3.8.8 and later; for a component without references to other services, in 3.6.1 and
+// later.
 #pragma once
 
 #include <memory>
@@ -12,7 +14,8 @@
 
 namespace cppmicroservices {
 
-// Services by the name of their interface. The pointer is one to that interface, made void.
+// Services by the name of their interface. The pointer is a pointer to that interface, cast to
+// void.
 using InterfaceMap = std::unordered_map<std::string, std::shared_ptr<void>>;
 using InterfaceMapPtr = std::shared_ptr<InterfaceMap>;
 
@@ -23,7 +26,7 @@ class ComponentContext;
 
 namespace detail {
 
-// Makes, tells and lets go one service object. Called by the runtime, one call at a time.
+// Makes, notifies and releases one service object. Called by the runtime, one call at a time.
 class ComponentInstance {
  public:
   ComponentInstance() = default;
@@ -31,7 +34,6 @@ class ComponentInstance {
   ComponentInstance& operator=(const ComponentInstance&) = delete;
   virtual ~ComponentInstance() noexcept = default;
 
-  // Makes the service object.
   virtual void CreateInstance(const std::shared_ptr<ComponentContext>& context) = 0;
   virtual void BindReferences(const std::shared_ptr<ComponentContext>& context) = 0;
   virtual void UnbindReferences() = 0;

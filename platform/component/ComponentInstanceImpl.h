@@ -22,8 +22,8 @@ std::string interfaceName() {
 template <class Implementation, class Interfaces>
 class ComponentInstanceImpl;
 
-// A component without references and configuration, with an implementation that wants no notice of
-// its life: there is nothing to bind, to activate or to modify.
+// A component without references and configuration, whose implementation needs no notice of its
+// life cycle: there is nothing to bind, to activate or to modify.
 template <class Implementation, class... Interfaces>
 class ComponentInstanceImpl<Implementation, std::tuple<Interfaces...>> final
     : public ComponentInstance {
@@ -41,7 +41,7 @@ class ComponentInstanceImpl<Implementation, std::tuple<Interfaces...>> final
   void InvokeBindMethod(const std::string&, std::shared_ptr<void>) override {}
   InterfaceMapPtr GetInterfaceMap() override {
     auto map = std::make_shared<InterfaceMap>();
-    // Whoever asks for an interface casts its void pointer straight back to that interface.
+    // A client casts the void pointer back to the interface, so it must hold that exact type.
     (map->emplace(interfaceName<Interfaces>(), std::shared_ptr<Interfaces>(service_)), ...);
     return map;
   }

@@ -7,7 +7,7 @@
 namespace foundation::core::except {
 namespace {
 
-// Made without telling the listeners: no one may ever look at it.
+// Does not notify the listeners, because the text may never be read.
 std::string describe(const resource_core::BaseMsgID& message) {
   const fl::ustring text = fl::i18n::MessageCatalog::makeText(message);
   return IMsgIDException::get_error_id(message) + ": " + fl::i18n::to_string(text);

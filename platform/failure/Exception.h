@@ -10,8 +10,8 @@
 
 namespace foundation::core::except {
 
-// The base of all exceptions of the environment. It is no std::exception; those that are thrown
-// derive from one besides.
+// The base of all exceptions of the environment. It does not derive from std::exception; each
+// exception that is thrown also derives from a standard exception.
 class IException {
  public:
   // A heap copy with the same exact type.
@@ -29,14 +29,14 @@ class IException {
 
   virtual fl::ustring convert_str(const fl::ustring& text) const;
   virtual fl::ustring convert_str(const std::string& text) const;
-  // What `what` says, as a 16-bit string.
+  // The text of `what` as a 16-bit string.
   virtual fl::ustring ToUstringImpl() const;
 
  private:
   std::string what_;
 };
 
-// What a client catches: `catch (const IMsgIDException& failure)`.
+// The type to catch: `catch (const IMsgIDException& failure)`.
 class IMsgIDException : public IException {
  public:
   // The full error id, such as "VELUM:system:Analyzer:SyntaxError".
@@ -56,7 +56,7 @@ class IMsgIDException : public IException {
 };
 
 // The exception for the message class `Message`, which derives from BaseMsgID and adds no field.
-// `Base` is the standard exception that it is as well.
+// `Base` is the standard exception from which it also derives.
 template <class Message, class Base, class Unused>
 class Exception : public IMsgIDException, public Base {
  public:

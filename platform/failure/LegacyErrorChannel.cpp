@@ -13,7 +13,7 @@ struct Channel {
   std::shared_ptr<const LegacyErrorHook> hook = std::make_shared<const LegacyErrorHook>();
 };
 
-// Never destroyed: threads may fail while the process ends.
+// Never destroyed, because threads may fail while the process exits.
 Channel& channel() {
   static Channel& instance = *new Channel();
   return instance;

@@ -1,4 +1,4 @@
-// The older way in which failures reach a host: a hook that is told of each exception with a
+// The older way in which failures reach a host: a hook that is called with each exception with a
 // message id before it is thrown.
 #pragma once
 
@@ -8,15 +8,15 @@
 
 namespace foundation::core::except {
 
-// May leave by an exception of its own, which then takes the place of the one that it was told of.
-// It is called on the thread that fails, from several threads at once.
+// May throw an exception of its own, which then replaces the one that it was called with. Called on
+// the thread that fails, so possibly on several threads at once.
 using LegacyErrorHook = std::function<void(const IMsgIDException&)>;
 
-// Sets the hook of the process, in place of the one before; an empty one for none. Returns the old
-// one.
+// Sets the hook of the process in place of the previous one, and returns that; an empty hook
+// removes it.
 LegacyErrorHook setLegacyErrorHook(LegacyErrorHook hook);
 
-// Tells the hook, and returns if there is none or if it returns.
+// Calls the hook, and returns if there is none or if it returns.
 void raiseInLegacyErrorChannel(const IMsgIDException& exception);
 
 }  // namespace foundation::core::except

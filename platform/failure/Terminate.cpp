@@ -16,7 +16,7 @@ TerminateHandler setTerminateHandler(TerminateHandler handler) {
 }
 
 void terminate(const char* message, const char* file, int line, const char* function) noexcept {
-  // Taken out, so that a handler that fails in its turn does not come here for ever.
+  // Removed first, so that a failure in the handler does not call the handler again.
   if (const TerminateHandler handler = currentHandler.exchange(nullptr)) {
     handler(message, file, line, function);
   }

@@ -1,10 +1,10 @@
-// Ends the process when a promise that the code makes to itself is broken.
+// Ends the process when an internal invariant does not hold.
 #pragma once
 
 namespace foundation::core::diag {
 
-// Called on the failing thread before the message is printed, with what `terminate` was given. It
-// may end the process itself; when it returns, `terminate` goes on.
+// Called on the failing thread before the message is printed, with the arguments of `terminate`. It
+// may end the process itself; when it returns, `terminate` continues.
 using TerminateHandler = void (*)(const char* message, const char* file, int line,
                                   const char* function);
 

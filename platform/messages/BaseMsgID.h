@@ -1,4 +1,4 @@
-// A message as a value: an id in a catalog, and what fills the placeholders of its text.
+// A message as a value: an id in a catalog, and the arguments for the placeholders of its text.
 #pragma once
 
 #include <string>

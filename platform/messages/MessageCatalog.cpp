@@ -27,7 +27,7 @@ struct ArgumentText {
   ustring operator()(const ustring& text) const { return text; }
 };
 
-// Whether `{digit}` stands at `index`, for an argument that is there.
+// Whether `{digit}` is at `index`, for an argument that exists.
 bool isPlaceholder(ustring_view pattern, std::size_t index, std::size_t argumentCount) {
   if (index + 2 >= pattern.size() || pattern[index] != u'{' || pattern[index + 2] != u'}') {
     return false;
@@ -36,7 +36,7 @@ bool isPlaceholder(ustring_view pattern, std::size_t index, std::size_t argument
   return digit >= u'0' && digit <= u'9' && static_cast<std::size_t>(digit - u'0') < argumentCount;
 }
 
-// Fills the placeholders in one pass: what looks like one inside an argument stays.
+// Fills the placeholders in one pass, so that a `{0}` inside an argument is not replaced.
 ustring fillIn(ustring_view pattern, const BaseMsgID& message) {
   ustring text;
   for (std::size_t i = 0; i < pattern.size(); ++i) {
@@ -50,7 +50,7 @@ ustring fillIn(ustring_view pattern, const BaseMsgID& message) {
   return text;
 }
 
-// All that there is to say about a message that has no text.
+// The text for a message without an entry: its id and its arguments.
 ustring makeTextWithoutEntry(const BaseMsgID& message) {
   ustring text = u"Message '" + to_ustring(message.catalog + ":" + message.id) + u"'";
   const char16_t* separator = u": ";

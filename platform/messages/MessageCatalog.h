@@ -9,11 +9,11 @@ namespace fl::i18n {
 
 class MessageCatalog {
  public:
-  // The text of the message with its arguments filled in, and tells the listeners of this thread.
-  // An id that the catalog does not have gives a text that names the id and the arguments.
+  // The text of the message with its arguments filled in; notifies the listeners of this thread. An
+  // id that is not in the catalog gives a text that names the id and the arguments.
   static ustring get_message(const resource_core::BaseMsgID& message, const Locale& locale);
 
-  // The same, of which no listener hears.
+  // The same without notifying the listeners.
   static ustring makeText(const resource_core::BaseMsgID& message);
 };
 

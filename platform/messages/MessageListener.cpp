@@ -5,10 +5,10 @@
 namespace fl::i18n {
 namespace {
 
-// The innermost listener of this thread that is not being told something.
+// The innermost listener of this thread whose callback is not running.
 thread_local MessageListener* innermost = nullptr;
 
-// Puts a listener back in its place however its callback ends.
+// Restores the innermost listener, also when a callback throws.
 class Restore {
  public:
   explicit Restore(MessageListener* listener) : listener_(listener) {}

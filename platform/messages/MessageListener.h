@@ -1,4 +1,4 @@
-// Hears which messages the catalog makes texts of: a finished text no longer shows its id.
+// Receives the messages of which the catalog makes texts: a finished text no longer shows its id.
 #pragma once
 
 #include <functional>
@@ -8,10 +8,10 @@
 
 namespace fl::i18n {
 
-// While it lives, its callback gets the message and the text of each text that the catalog makes on
-// the thread that made the listener. Listeners nest: the innermost hears first, then those round
-// it. While a callback runs, neither it nor an inner one hears of texts. To be destroyed on its own
-// thread, inner ones first; what a callback throws reaches the caller of the catalog.
+// During its life, its callback receives the message and the text of each text that the catalog
+// makes on the thread that made the listener. Listeners nest: the innermost is called first, then
+// the outer ones. While a callback runs, neither it nor an inner one is called. To be destroyed on
+// its own thread, inner ones first; an exception of a callback reaches the caller of the catalog.
 class MessageListener {
  public:
   using Callback = std::function<void(const resource_core::BaseMsgID&, const ustring& text)>;
@@ -21,7 +21,7 @@ class MessageListener {
   MessageListener(const MessageListener&) = delete;
   MessageListener& operator=(const MessageListener&) = delete;
 
-  // Tells the listeners of this thread; for the catalog.
+  // Notifies the listeners of this thread; for the catalog.
   static void tell(const resource_core::BaseMsgID& message, const ustring& text);
 
  private:

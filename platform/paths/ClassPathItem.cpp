@@ -21,7 +21,7 @@ bool isClassName(fl::ustring_view name) {
   }
 }
 
-// Whether a file or a folder is at the path, or a text lies over it.
+// Whether there is a file, a folder or an overlay text at the path.
 bool exists(const std::string& path) {
   return fl::filesystem::findOverlay(path) != nullptr || fl::filesystem::stampInView(path);
 }
@@ -72,7 +72,7 @@ std::shared_ptr<ClassPathItem> omGetMatchingClassPathItem(const PathDispatcher& 
     const Roots* roots = nullptr;
     std::shared_ptr<ClassPathItem> item;
   };
-  // Under a view the same item answers all questions of the thread; nobody changes it.
+  // Under a view the thread returns the same item every time; items are never modified.
   thread_local fl::filesystem::ViewMemory<Known, 256> memory;
   const Roots& roots = dispatcher.roots();
   const std::string nativeName = fl::i18n::to_string(className);

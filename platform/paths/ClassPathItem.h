@@ -1,4 +1,4 @@
-// Where on the class path a class has its file.
+// The place of a class's file on the class path.
 #pragma once
 
 #include <memory>
@@ -10,15 +10,14 @@
 // The file of class `a.b.C` under one root of the class path.
 struct ClassPathItem {
   foundation::storage::vfs::AbsoluteIRI base;
-  // The folder below the base with a slash at its end, `a/b/`; empty for a class in no package.
+  // The folder below the base with a trailing slash, `a/b/`; empty for a class in no package.
   fl::ustring folder;
   // The name of the file, `C.vlm` or `C.p`.
   fl::ustring file;
 };
 
-// The first root that holds `<root>/a/b/C.p` or `<root>/a/b/C.vlm`, and in it the p-file if both
-// are there; null if there is none. A text that lies over a path on this thread counts as a file
-// there, and so does a folder of that name. A name whose segments are not all identifiers has no
-// item.
+// The item under the first root that has `<root>/a/b/C.p` or `<root>/a/b/C.vlm`, with the p-file if
+// it has both; null if there is none. An overlay text of this thread counts as a file, and so does
+// a folder of that name. A name with a segment that is no identifier has no item.
 std::shared_ptr<ClassPathItem> omGetMatchingClassPathItem(const PathDispatcher& dispatcher,
                                                           const fl::ustring& className);

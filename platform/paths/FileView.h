@@ -1,20 +1,20 @@
-// A time during which files are taken to stay as they are.
+// A period during which files are assumed not to change.
 #pragma once
 
 #include <cstdint>
 
 namespace fl::filesystem {
 
-// One for each piece of work that reads the files as they stood before it, such as a run of a
-// program: where a class has its file, and what the file is, is then found out once and not at
-// every question. Without a view in force every question goes to the file system.
+// One for each operation that works on the state of the files before it, such as a run of a
+// program: the place and the stamp of each file are then looked up once. Without a view in force
+// each lookup goes to the file system.
 class FileView {
  public:
   FileView();
 
-  // While it lives, the view is in force on the thread that made it: the class path and the class
-  // runtime may answer from what the thread found out under the same view. Texts that lie over
-  // files count as ever. Scopes nest; the innermost counts.
+  // During its life, the view is in force on the thread that made it: the class path and the class
+  // runtime may use what the thread looked up under the same view. Overlay texts are not affected.
+  // Scopes nest; the innermost is in force.
   class Scope {
    public:
     explicit Scope(const FileView& view);
@@ -26,7 +26,7 @@ class FileView {
     std::uint64_t outer_;
   };
 
-  // The number of the view in force on this thread, which no other view ever has; 0 for none.
+  // The unique number of the view in force on this thread; 0 for none.
   static std::uint64_t current();
 
  private:

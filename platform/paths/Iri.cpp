@@ -29,7 +29,7 @@ std::string escape(std::string_view path) {
   return escaped;
 }
 
-// Takes the next segment off `rest`, with the slash behind it off both.
+// Removes and returns the first segment of `rest`; the slash after it is dropped.
 fl::ustring_view takeSegment(fl::ustring_view& rest) {
   const std::size_t slash = rest.find(u'/');
   const fl::ustring_view segment = rest.substr(0, slash);
@@ -37,7 +37,7 @@ fl::ustring_view takeSegment(fl::ustring_view& rest) {
   return segment;
 }
 
-// Takes the last segment off a path that begins with a slash; the root stays.
+// Removes the last segment of a path that begins with a slash; the root stays.
 void removeLastSegment(fl::ustring& path) { path.resize(path.rfind(u'/', path.size() - 2) + 1); }
 
 // Appends `relative` to the folder `path`, which ends in a slash.

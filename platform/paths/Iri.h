@@ -7,9 +7,9 @@
 
 namespace foundation::storage::vfs {
 
-// The identifier of a folder. Its path is in IRI form: parted by `/`, non-ASCII characters as they
-// are, and percent escapes for the ASCII characters that may not stand in a path, `%` itself among
-// them.
+// The identifier of a folder. Its path is in IRI form: segments are separated by `/`, non-ASCII
+// characters are unescaped, and the ASCII characters that are reserved in a path, including `%`,
+// are percent escapes.
 class AbsoluteIRI {
  public:
   AbsoluteIRI() = default;
@@ -23,8 +23,8 @@ class AbsoluteIRI {
   fl::ustring path_;
 };
 
-// The identifier that `relative`, in IRI form, stands for in the folder `base`, without `.` and
-// `..` segments.
+// The identifier of the relative path `relative`, in IRI form, in the folder `base`, without `.`
+// and `..` segments.
 class CanonicalAbsoluteIRI {
  public:
   CanonicalAbsoluteIRI(const AbsoluteIRI& base, const fl::ustring& relative);

@@ -16,7 +16,7 @@ std::optional<unsigned> hexValue(char c) {
   return std::nullopt;
 }
 
-// The byte that the escape at `index` stands for, if there is a whole one.
+// The byte of the percent escape at `index`; empty if the escape is incomplete.
 std::optional<char> escapedByte(const std::string& path, std::size_t index) {
   if (path[index] != '%' || index + 2 >= path.size()) return std::nullopt;
   const std::optional<unsigned> high = hexValue(path[index + 1]);
@@ -25,7 +25,7 @@ std::optional<char> escapedByte(const std::string& path, std::size_t index) {
   return static_cast<char>(*high * 16 + *low);
 }
 
-// Where the extension's point stands; nothing for a path without an extension.
+// The position of the extension's point; empty for a path without an extension.
 std::optional<std::size_t> findPoint(const ustring& path) {
   const std::size_t slash = path.rfind(u'/');
   const std::size_t segment = slash == ustring::npos ? 0 : slash + 1;
@@ -39,7 +39,7 @@ std::optional<std::size_t> findPoint(const ustring& path) {
 std::string makeAbsoluteLexically(std::string_view path) {
   std::filesystem::path absolute(path);
   if (absolute.is_relative()) {
-    // Without a current folder, which can be deleted, the path stays relative and finds nothing.
+    // Without a current folder, because it was deleted, the path stays relative and finds nothing.
     std::error_code error;
     absolute = std::filesystem::current_path(error) / absolute;
   }

@@ -13,10 +13,10 @@ namespace {
 
 using Text = std::shared_ptr<const ustring>;
 
-// The texts over each path, the youngest last; no entry is empty.
+// The overlay texts of each path, the latest last; no entry is empty.
 thread_local std::unordered_map<std::string, std::vector<Text>> overlays;
 
-// Whether the path is `.../a/b/C` and an extension for the class `a.b.C`.
+// Whether the path is `.../a/b/C` with an extension, for the class `a.b.C`.
 bool isPathOfClass(std::string_view path, std::string_view className) {
   path = path.substr(0, path.rfind('.'));
   if (path.size() <= className.size()) return false;

@@ -1,5 +1,5 @@
-// Texts that are read in place of files: the unsaved text of an editor, or the outcome of an update
-// that was not written yet.
+// Overlay texts, which are read in place of files: the unsaved text of an editor, or the result of
+// an update that is not yet written.
 #pragma once
 
 #include <cstddef>
@@ -11,9 +11,9 @@
 
 namespace fl::filesystem {
 
-// While it lives, `text` lies over the native path `path` for the thread that made it, whether or
-// not a file is there. Of several texts over one path the youngest counts. To be destroyed on its
-// own thread.
+// During its life, `text` is the overlay text of the native path `path` for the thread that made
+// it, whether or not there is a file. Of several texts of one path the latest is read. To be
+// destroyed on its own thread.
 class OverlayScope {
  public:
   // The path is in UTF-8 and is made absolute without following links.
@@ -28,19 +28,19 @@ class OverlayScope {
   std::shared_ptr<const ustring> text_;
 };
 
-// The text that lies over the path on this thread; null for none. The path is compared as it
-// stands, so it should be absolute.
+// The overlay text of the path on this thread; null for none. The path is compared as a string, so
+// it should be absolute.
 std::shared_ptr<const ustring> findOverlay(const std::string& path);
 std::shared_ptr<const ustring> findOverlay(const ustring& path);
 
-// Whether any text lies over any path on this thread.
+// Whether any path has an overlay text on this thread.
 bool hasOverlays();
 
-// Over how many paths texts lie on this thread.
+// The number of paths with an overlay text on this thread.
 std::size_t overlayCount();
 
-// Whether a text lies over a path on this thread that may be the file of the class under some root:
-// one with the class's name in its last segments, in front of an extension. `className` is dotted
+// Whether this thread has an overlay text for a path that may be the file of the class under some
+// root: one with the class's name as its last segments, before an extension. `className` is dotted
 // and in UTF-8.
 bool hasOverlayOfClass(std::string_view className);
 

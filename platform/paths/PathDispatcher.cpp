@@ -8,7 +8,7 @@
 using foundation::storage::vfs::AbsoluteIRI;
 
 PathDispatcher& PathDispatcher::getDispatcher() {
-  // Never destroyed: threads may look up classes while the process ends.
+  // Never destroyed, because threads may look up classes while the process exits.
   static PathDispatcher& dispatcher = *new PathDispatcher();
   return dispatcher;
 }

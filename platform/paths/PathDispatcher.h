@@ -1,4 +1,4 @@
-// The class path: the folders under which class files are looked for.
+// The class path: the folders that are searched for class files.
 #pragma once
 
 #include <atomic>
@@ -9,8 +9,8 @@
 
 #include "platform/paths/Iri.h"
 
-// One class path for the process. Reading it takes no lock and may go on while another thread sets
-// it; a lookup sees the old roots or the new ones.
+// The one class path of the process. Reading it takes no lock and may happen while another thread
+// sets it; a lookup uses either the old roots or the new ones.
 class PathDispatcher {
  public:
   // One root folder in its two forms.
@@ -25,12 +25,12 @@ class PathDispatcher {
   PathDispatcher(const PathDispatcher&) = delete;
   PathDispatcher& operator=(const PathDispatcher&) = delete;
 
-  // Sets the roots, in the order in which they are asked: native paths in UTF-8, which need not
+  // Sets the roots, in the order in which they are searched: native paths in UTF-8, which need not
   // exist. They are made absolute without following links.
   void setClassPath(const std::vector<std::string>& roots);
 
-  // The roots as absolute paths. Until a client sets them, the one root is the folder that was
-  // current when the dispatcher was first asked for. The result stays valid and never changes.
+  // The roots as absolute paths. Until a client sets them, the only root is the folder that was
+  // current when the dispatcher was first used. The result stays valid and never changes.
   const std::vector<std::string>& classPath() const { return current_.load()->paths; }
 
   // The same roots in both forms.
@@ -45,7 +45,7 @@ class PathDispatcher {
   PathDispatcher();
 
   std::mutex mutex_;
-  // Every class path that was ever set, each once: readers hold plain references.
+  // Every class path that was ever set; kept because readers hold plain references.
   std::vector<std::unique_ptr<const ClassPath>> history_;
   std::atomic<const ClassPath*> current_ = nullptr;
 };

@@ -16,7 +16,7 @@
 namespace fl::filesystem {
 namespace {
 
-// A file system's clock may stand still for some milliseconds, and two changes then have one time.
+// The clock of a file system may be this coarse; two changes within one tick have the same time.
 constexpr std::int64_t settlingTime = 20'000'000;  // nanoseconds
 
 std::int64_t toNanoseconds(const timespec& time) {
@@ -57,7 +57,7 @@ FileStamp makeStamp(const struct stat& status) {
 class OpenFile {
  public:
   explicit OpenFile(const std::string& path)
-      // Without O_NONBLOCK, opening a pipe waits for somebody who writes to it.
+      // Without O_NONBLOCK, opening a pipe waits for a writer.
       : path_(path),
         descriptor_(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY)) {
     if (descriptor_ < 0) failWithError(path, errno);
@@ -94,7 +94,7 @@ void checkReadable(const std::string& path, const struct stat& status, std::uint
   }
 }
 
-// Bytes that nobody has set to zero before they are read.
+// Bytes that are not zeroed before they are read into.
 struct Bytes {
   std::unique_ptr<char[]> data;
   std::size_t size = 0;
@@ -102,7 +102,7 @@ struct Bytes {
   std::string_view view() const { return {data.get(), size}; }
 };
 
-// Reads to the size that the file had when it was opened, or to its end if that comes first.
+// Reads to the size that the file had when it was opened, or to its end if that is earlier.
 Bytes readBytes(const OpenFile& file, std::size_t size) {
   Bytes bytes{std::unique_ptr<char[]>(new char[size]), 0};
   while (bytes.size < size) {

@@ -1,4 +1,4 @@
-// What a thread found out under a view of the files.
+// A cache for what a thread looks up under a view of the files.
 #pragma once
 
 #include <array>
@@ -14,20 +14,20 @@
 
 namespace fl::filesystem {
 
-// Values by name, in a fixed number of places: a name takes the place of another one that falls on
-// the same. So memory stays bounded, and what is asked for often is mostly there. Belongs to one
-// thread, and forgets everything when another view is in force.
+// A direct-mapped cache: each name has one place, and evicts another name of the same place. So
+// memory is bounded, and frequent names mostly stay. Belongs to one thread, and is emptied when
+// another view is in force.
 template <class Value, std::size_t size>
 class ViewMemory {
  public:
-  // The value under the name; null when it is not known, or when no view is in force.
+  // The value of the name; null if it is not in the cache, or if no view is in force.
   const Value* find(std::string_view name) {
     if (!isUsable()) return nullptr;
     const Place& place = placeOf(name);
     return place.name == name ? &place.value : nullptr;
   }
 
-  // Keeps the value if a view is in force. The name is not empty.
+  // Stores the value if a view is in force. The name must not be empty.
   void keep(std::string_view name, Value value) {
     if (!isUsable()) return;
     Place& place = placeOf(name);
@@ -38,7 +38,7 @@ class ViewMemory {
   void clear() { places_.reset(); }
 
  private:
-  // No name is empty.
+  // An empty name marks a free place.
   struct Place {
     std::string name;
     Value value{};

@@ -20,7 +20,7 @@ class ClassObject {
   ClassObject(const ClassObject&) = delete;
   ClassObject& operator=(const ClassObject&) = delete;
 
-  // Whether the class is the one named, or reaches it over declared superclasses. Survives cycles.
+  // Whether the class has that name or reaches it by declared superclasses, which may form a cycle.
   virtual bool isDerivedFrom(const InternedId& base) const;
   virtual InternedId getID() const;
 
@@ -29,7 +29,7 @@ class ClassObject {
   std::shared_ptr<const sotarn::Hierarchy> hierarchy_;
 };
 
-// Holds a class object, or none for a class that does not exist.
+// Holds a class object; empty for a class that does not exist.
 class COSInterfacePtr {
  public:
   COSInterfacePtr() = default;

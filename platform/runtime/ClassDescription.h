@@ -1,4 +1,4 @@
-// What the class runtime knows of one class, gathered from its declaration.
+// The class runtime's knowledge of one class, gathered from its declaration.
 #pragma once
 
 #include <cstdint>
@@ -23,20 +23,20 @@ struct ConstrainedSetInfo {
   std::vector<fl::ustring> values;
 };
 
-// One property as its class declares it. What is absent is not known of this class.
+// One property as its class declares it. An empty field is not known of this class.
 struct PropertyDescription {
   std::optional<bool> isAbstract;
   std::optional<bool> isDependent;
-  // Null for none. Few properties have one, so the others keep no room for it.
+  // Null for none. Shared, because few properties have one.
   std::shared_ptr<const ConstrainedSetInfo> constrainedSet;
 };
 
-// Where the knowledge of a class comes from.
+// The source of the description of a class.
 enum class ClassOriginType {
   environment,  // the built-in table
   source,       // a class file on the class path
-  pFileOnly,    // a p-file on the class path without its source beside it
-  classTable,   // only the class table names it
+  pFileOnly,    // a p-file on the class path without its source file
+  classTable,   // an entry of the class table only
 };
 
 // Names are dotted and in UTF-8.
@@ -53,8 +53,8 @@ struct ClassDescription {
   std::map<std::string, PropertyDescription, std::less<>> properties;
 };
 
-// What is known of the class: the environment's classes first, then the class path, each with what
-// a class table says in place of it. Null for a class that nobody knows.
+// The description of the class: an environment class, or a class on the class path, each with the
+// values of a class table in place of its own. Null for an unknown class.
 std::shared_ptr<const ClassDescription> describeClass(std::string_view name);
 
 // Whether the name is one of the environment's own classes.

@@ -13,7 +13,7 @@ namespace {
 
 using namespace ancestryFact;
 
-// Beyond so many classes everything is forgotten before the next is added.
+// With more classes than this, everything is dropped before the next one is added.
 constexpr std::size_t mostNodes = 1'000'000;
 
 bool declaresAnyAbstract(const ClassDescription& description) {
@@ -22,7 +22,7 @@ bool declaresAnyAbstract(const ClassDescription& description) {
   });
 }
 
-// What is true of the class itself.
+// The facts that are true of the class itself.
 AncestryFacts ownFacts(const ClassDescription& description) {
   AncestryFacts facts = 0;
   if (description.name == coderSystemName) facts |= isCoderSystem;
@@ -78,7 +78,7 @@ std::optional<LongAncestry> ClassGraph::ancestryOf(std::string_view className) {
     }
     for (const Id id : node.superClasses) {
       Node& superClass = nodes_[id];
-      // What reaches no unknown class leads nowhere.
+      // A class without the fact isUnknown reaches no missing class.
       if (superClass.search == lastSearch_ || (superClass.facts & isUnknown) == 0) continue;
       superClass.search = lastSearch_;
       met.push_back({id, current});
@@ -105,7 +105,7 @@ void ClassGraph::add(std::string_view className) {
   try {
     walk(className);
   } catch (...) {
-    // What was not finished must not pass for known.
+    // An unfinished class must not be found later.
     forget();
     throw;
   }
@@ -161,7 +161,7 @@ void ClassGraph::meet(Id id) {
   node.isPFile = description->origin == ClassOriginType::pFileOnly;
 }
 
-// All behind `first` reach each other, and what they reach besides is finished.
+// The classes from `first` on reach each other; all other classes that they reach are finished.
 void ClassGraph::finishComponent(Id first) {
   const auto begin = std::find(unfinished_.rbegin(), unfinished_.rend(), first).base() - 1;
   ++lastComponent_;
@@ -210,7 +210,7 @@ std::optional<AncestryFacts> ClassGraph::factsUnderText(const ClassDescription& 
       facts |= ownFacts(*description);
       names.insert(names.end(), description->superClasses.begin(), description->superClasses.end());
     } else if (node->component < inFile->component) {
-      // It does not reach the class.
+      // A lower component: the superclass does not reach the class.
       facts |= node->facts;
     } else if (node->component == inFile->component) {
       isInCycle = true;
@@ -219,8 +219,9 @@ std::optional<AncestryFacts> ClassGraph::factsUnderText(const ClassDescription& 
     }
   }
   if (!isInCycle) return facts;
-  // All in the cycle reach the same as before if the class leads to all that it led to. What they
-  // owe to what the class itself was is not told apart.
+  // If the class keeps all its superclasses, the classes of the cycle reach the same as before. A
+  // fact that the class itself has lost may also come from another class of the cycle: the answer
+  // is unknown.
   const AncestryFacts lost = inFile->facts & static_cast<AncestryFacts>(~facts);
   if (!keepsSuperClasses(*inFile, first) || (lost & (hasStrictDefaults | declaresAbstract)) != 0) {
     return std::nullopt;

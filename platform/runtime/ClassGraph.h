@@ -1,4 +1,4 @@
-// Classes with long ancestries, walked once for all that share them.
+// The graph of classes with long ancestries, walked once for all classes that share them.
 #pragma once
 
 #include <cstddef>
@@ -16,7 +16,7 @@
 
 namespace sotarn {
 
-// A set of facts, each of which is in it if it is true of a class or of any that it reaches over
+// A set of facts. A fact is in it if it is true of the class or of any class that it reaches by
 // declared superclasses.
 using AncestryFacts = std::uint8_t;
 namespace ancestryFact {
@@ -24,32 +24,33 @@ constexpr AncestryFacts isCoderSystem = 1;
 constexpr AncestryFacts isSystemImpl = 2;
 constexpr AncestryFacts hasStrictDefaults = 4;
 constexpr AncestryFacts declaresAbstract = 8;
-// Nothing is known of the class, or it is found as a p-file only.
+// The class was not found, or only as a p-file.
 constexpr AncestryFacts isUnknown = 16;
 }  // namespace ancestryFact
 
 constexpr std::string_view coderSystemName = "velum.system.coder.System";
 constexpr std::string_view systemImplName = "velum.system.SystemImpl";
 
-// What a thread found out under a view of the files about classes that reach many others: names,
-// superclasses and facts, so that a chain of classes is walked once and not from each of them.
-// Belongs to one thread. The number of classes is bounded, but for what a single class reaches.
+// The classes that reach many others, as a thread found them under a view of the files: names,
+// superclasses and facts. A chain of classes is walked once instead of once for each of its
+// classes. Belongs to one thread. The number of classes is bounded, except for those that a single
+// class reaches.
 class ClassGraph {
  public:
-  // The one of this thread, for the view in force and the class path of this moment; null when no
-  // view is in force.
+  // The graph of this thread, for the view in force and the current class path; null if no view is
+  // in force.
   static ClassGraph* current();
 
   bool knows(std::string_view className) const { return ids_.contains(className); }
 
-  // Whether the class was looked for and is nowhere. What lies over files does not count.
+  // Whether the class was searched and not found. Overlay texts are ignored.
   bool knowsAsMissing(std::string_view className) const;
 
-  // The facts of the class. Nothing if a text over some file might make them others than those that
-  // the graph can tell.
+  // The facts of the class. Empty if an overlay text might change them in a way that the graph
+  // cannot determine.
   std::optional<AncestryFacts> factsOf(const ClassDescription& first);
 
-  // Of a class that the graph knows; nothing if a text lies over some file.
+  // Of a class that the graph knows; empty if there is any overlay text.
   std::optional<LongAncestry> ancestryOf(std::string_view className);
 
  private:
@@ -58,16 +59,16 @@ class ClassGraph {
   struct Node {
     // The key in `ids_`.
     std::string_view name;
-    // In their order.
+    // In the order of the declaration.
     std::vector<Id> superClasses;
-    // The order in which classes were met; 0 for one that was not walked yet.
+    // The order in which the walk reached the classes; 0 before the walk.
     std::uint32_t number = 0;
-    // The least number of a class that this one reaches and that is not finished.
+    // The lowest number of an unfinished class that this one is known to reach.
     std::uint32_t low = 0;
-    // Classes that reach each other have the same; else it is greater than that of every class
-    // reached. 0 until all that the class reaches was walked.
+    // Classes that reach each other have the same component; it is greater than those of all other
+    // classes that they reach. 0 until the walk of all these is finished.
     std::uint32_t component = 0;
-    // The last search that met the class.
+    // The last search that reached the class.
     std::uint32_t search = 0;
     AncestryFacts facts = 0;
     bool isMissing = false;
@@ -75,7 +76,7 @@ class ClassGraph {
     bool isCyclic = false;
   };
 
-  // One class on the way down to what it reaches.
+  // One class on the current path of the walk.
   struct Step {
     Id id = 0;
     std::size_t nextSuperClass = 0;
@@ -90,16 +91,16 @@ class ClassGraph {
 
   const Node* find(std::string_view className) const;
   Id idOf(std::string_view className);
-  // Walks all that the class reaches, depth first, and finds the strongly connected components in
-  // the way of Tarjan.
+  // Walks all classes that the class reaches, depth first, and finds the strongly connected
+  // components by Tarjan's algorithm.
   void walk(std::string_view className);
-  // Walks it, and forgets everything if that throws.
+  // Calls `walk`, and drops everything if that throws.
   void add(std::string_view className);
   void forget();
   void meet(Id id);
   void finishComponent(Id first);
   bool keepsSuperClasses(const Node& node, const ClassDescription& changed) const;
-  // The class has a text over its file, and no other class has; the graph knows the files.
+  // For a class that is the only one with an overlay text, and whose file is in the graph.
   std::optional<AncestryFacts> factsUnderText(const ClassDescription& first) const;
 
   std::uint64_t view_ = 0;
@@ -109,7 +110,7 @@ class ClassGraph {
   std::uint32_t lastNumber_ = 0;
   std::uint32_t lastComponent_ = 0;
   std::uint32_t lastSearch_ = 0;
-  // Only while classes are added.
+  // Used only during `add`.
   std::vector<Step> path_;
   std::vector<Id> unfinished_;
 };

@@ -29,7 +29,7 @@ namespace {
 using Description = std::shared_ptr<const ClassDescription>;
 using fl::filesystem::FileStamp;
 
-// What is read of a file that is too large to be analysed: enough for the line that names its
+// The bytes that are read of a file too large to analyse: enough for the line that names its
 // superclasses.
 constexpr std::size_t headLength = std::size_t{1} << 20U;
 
@@ -45,19 +45,19 @@ std::string readHead(const std::string& path) {
   const ssize_t length = read(file, head.data(), head.size());
   close(file);
   head.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
-  // Not in the middle of a character.
+  // Cuts at a line end, which is never inside a character.
   head.resize(std::min(head.size(), head.rfind('\n')));
   return head;
 }
 
-// What a file says of its class.
+// The description of a class from its file.
 struct ReadDescription {
   std::shared_ptr<ClassDescription> description;
-  // The state of the file that it comes from; nothing when it must not be kept under that.
+  // The stamp of the file; empty if the description must not be cached under it.
   std::optional<FileStamp> stamp;
 };
 
-// Nothing in it if the file can't be read at all.
+// The description is empty if the file cannot be read.
 ReadDescription readDescription(const std::string& path) {
   try {
     const auto analysis = ca::analyzeFile(path);
@@ -78,14 +78,14 @@ std::int64_t nanosecondsSinceEpoch() {
   return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
 }
 
-// Whether a file with this stamp may change once more at time `now` and keep the stamp: the clock
-// of a file system may stand still for some milliseconds.
+// Whether a file with this stamp may change again after `now` and keep the stamp, because the clock
+// of a file system may have a resolution of some milliseconds.
 bool isRecent(const FileStamp& stamp, std::int64_t now) {
   constexpr std::int64_t resolution = 20'000'000;  // nanoseconds
   return now - std::max(stamp.modificationTime, stamp.changeTime) < resolution;
 }
 
-// What was read from the texts that lie over files on this thread.
+// The descriptions made from this thread's overlay texts.
 class OverlayDescriptions {
  public:
   Description find(const std::string& key, const std::shared_ptr<const fl::ustring>& text) const {
@@ -128,7 +128,7 @@ Description describeFile(const std::string& name, const std::string& path) {
     return describeOverlay(name, path, overlay);
   }
   const std::optional<FileStamp> stamp = fl::filesystem::stampInView(path);
-  // One file may be the file of several classes, under roots inside each other.
+  // With roots inside each other, one file may belong to several classes.
   const std::string key = name + '\0' + path;
   if (stamp) {
     if (Description kept = cache().find(key, *stamp)) return kept;
@@ -163,7 +163,7 @@ Description describePFile(const std::string& name, const ClassPathItem& item) {
   return description;
 }
 
-// What the class path knows of the class.
+// The description of the class from the class path.
 Description describeOnPath(const std::string& name) {
   const auto item =
       omGetMatchingClassPathItem(PathDispatcher::getDispatcher(), fl::i18n::to_ustring(name));
@@ -172,8 +172,8 @@ Description describeOnPath(const std::string& name) {
                         : describeFile(name, nativePath(*item, item->file));
 }
 
-// The same; what a thread learns of a class under a view of the files holds for the whole view,
-// unless a text lies over the class.
+// The same, looked up once by each thread for each view of the files, unless the class has an
+// overlay text.
 Description describeInView(std::string_view name) {
   struct Known {
     const std::vector<PathDispatcher::Root>* roots = nullptr;
@@ -187,7 +187,7 @@ Description describeInView(std::string_view name) {
   const ClassGraph* graph = ClassGraph::current();
   if (graph != nullptr && graph->knowsAsMissing(name)) return nullptr;
   Description description = describeOnPath(std::string(name));
-  // The count of owners of one that all threads share would go back and forth between them.
+  // A separate reference count for each thread, because threads would contend for a shared one.
   if (description != nullptr) {
     description = Description(std::make_shared<Description>(description), description.get());
   }
@@ -200,7 +200,7 @@ void replaceIfGiven(T& value, const std::optional<T>& given) {
   if (given) value = *given;
 }
 
-// The description with what the class table says in place of it.
+// The description with the values of the class table in place of its own.
 Description withTable(std::string_view name, const Description& known,
                       const ClassTableEntry& entry) {
   auto description = known != nullptr ? std::make_shared<ClassDescription>(*known)

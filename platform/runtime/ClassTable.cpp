@@ -18,7 +18,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-// Where in the table a value stands, as a person would name it.
+// The place of a value in the table, as shown in messages.
 using Place = std::string;
 
 [[noreturn]] void fail(const Place& place, const std::string& what) {
@@ -53,7 +53,7 @@ std::vector<std::string> readStrings(const Json& value, const Place& place) {
   return strings;
 }
 
-// Calls the reader of each key that the object has; a key without one is an error.
+// Calls the reader of each key of the object; a key without a reader is an error.
 struct Key {
   std::string_view name;
   std::function<void(const Json& value, const Place& place)> read;
@@ -130,7 +130,7 @@ ClassTableEntry readEntry(const Json& object, const Place& place) {
   return entry;
 }
 
-// "line 2, column 5", both one-based, of a byte counted from one. Columns count bytes.
+// "line 2, column 5", both one-based, for a byte number counted from one. Columns count bytes.
 std::string placeOf(std::size_t byte, std::string_view text) {
   const std::string_view before = text.substr(0, byte == 0 ? 0 : byte - 1);
   const auto lineFeeds = std::ranges::count(before, '\n');
@@ -138,7 +138,8 @@ std::string placeOf(std::size_t byte, std::string_view text) {
   return fmt::format("line {}, column {}", lineFeeds + 1, before.size() - lineStart + 1);
 }
 
-// Read at every question about a class, without a lock: so what was set once is kept for ever.
+// Read for each description of a class without a lock, so a table is never destroyed once it is
+// set.
 std::atomic<const ClassTable*> currentTable = nullptr;
 
 }  // namespace

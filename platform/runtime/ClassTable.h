@@ -1,4 +1,4 @@
-// Facts about classes that source text can't tell, from a JSON file of the client.
+// Facts about classes that the source text does not contain, from a JSON file of the client.
 //
 //   {"classes": {"a.B": {"superclasses": ["..."], "strictDefaults": true, "methods": ["..."],
 //                        "properties": {"Mode": {"abstract": true, "dependent": false,
@@ -19,7 +19,7 @@
 
 namespace sotarn {
 
-// What the table says of one class; what is absent is left to the class's source.
+// The facts about one class; an empty field leaves the fact to the class's source.
 struct ClassTableEntry {
   std::optional<std::vector<std::string>> superClasses;
   std::optional<bool> strictDefaults;
@@ -29,7 +29,7 @@ struct ClassTableEntry {
 
 using ClassTable = std::map<std::string, ClassTableEntry, std::less<>>;
 
-// Text that is no class table; `what` says what is wrong and where.
+// A text that is no class table; `what` gives the fault and its place.
 class ClassTableError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -38,8 +38,8 @@ class ClassTableError : public std::runtime_error {
 // Throws ClassTableError for text that is no JSON, an unknown key, or a value of a wrong type.
 ClassTable parseClassTable(std::string_view json);
 
-// The table that all later answers take into account; to be set before the first call of the
-// service. Null for none.
+// Sets the table that all later descriptions use; null for none. To be called before the first call
+// of the service.
 void setClassTable(std::shared_ptr<const ClassTable> table);
 
 // The one that was set, or null. A table lives as long as the process.

@@ -15,12 +15,12 @@ using lf::astapi::NodeKind;
 
 constexpr fl::ustring_view companionSuffix = u"Set";
 
-// The set classes, each at the place of its kind less one.
+// The set classes; the kind of each is its index plus one.
 constexpr std::array<fl::ustring_view, 6> setClasses{u"StringSet",         u"StringSetGF",
                                                      u"MessageCatalogSet", u"DynamicStringSet",
                                                      u"DataTypeSet",       u"RoundingMethodSet"};
 
-// Takes the word `name` off the end of a chain of names; null when something else stands there.
+// The part of a chain of names before its last name, which must be `name`; null if it is not.
 const Node* chainInFrontOf(const Node* chain, fl::ustring_view name) {
   if (chain == nullptr || chain->kind != NodeKind::FieldReference) return nullptr;
   const auto* field = static_cast<const ca::astapi::PairNode*>(chain);
@@ -33,7 +33,7 @@ bool isName(const Node* node, fl::ustring_view name) {
          static_cast<const ca::astapi::Identifier*>(node)->text.view() == name;
 }
 
-// The kind of the set class that the callee names; 0 for anything else.
+// The kind of the set class that the callee names; 0 if it names none.
 std::uint32_t kindOfSetClass(const Node& callee) {
   for (std::uint32_t index = 0; index < setClasses.size(); ++index) {
     const Node* package = chainInFrontOf(&callee, setClasses[index]);
@@ -44,7 +44,7 @@ std::uint32_t kindOfSetClass(const Node& callee) {
   return 0;
 }
 
-// The text that a literal stands for.
+// The value of a literal.
 fl::ustring unquote(fl::ustring_view literal) {
   fl::ustring value;
   const char16_t quote = literal.front();
@@ -61,7 +61,7 @@ void addLiteral(const Node& literal, ConstrainedSetInfo& info) {
   info.values.push_back(unquote(text.view()));
 }
 
-// The literals among the nodes and in the lists among them.
+// Adds the literals among the nodes and in the lists among them.
 void addLiterals(const lf::astapi::NodeList<Node>& nodes, ConstrainedSetInfo& info) {
   for (const Node* node : nodes) {
     switch (node->kind) {

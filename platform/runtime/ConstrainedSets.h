@@ -1,4 +1,4 @@
-// Constrained sets as source declares them.
+// Constrained sets that the source declares.
 #pragma once
 
 #include "platform/analyzer/tree/Ast.h"
@@ -6,9 +6,9 @@
 
 namespace sotarn {
 
-// Adds to the properties of `description`, which are those of `classdef`, the sets that companions
-// of the same class hold: property `Mode` is a target when `ModeSet` has a call of a set class as
-// its default value.
+// Adds constrained sets to the properties of `description`, which are those of `classdef`. Property
+// `Mode` has a set if the default value of the property `ModeSet` of the same class is a call of a
+// set class.
 void describeConstrainedSets(const ca::astapi::Classdef& classdef, ClassDescription& description);
 
 }  // namespace sotarn

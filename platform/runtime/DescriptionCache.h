@@ -1,4 +1,4 @@
-// Descriptions of classes that were read before, for as long as their files stay the same.
+// A cache of class descriptions, each valid while its file is unchanged.
 #pragma once
 
 #include <memory>
@@ -12,13 +12,13 @@
 
 namespace sotarn {
 
-// Keeps a bounded number of the descriptions last asked for. May be used from several threads.
+// Keeps a bounded number of recently used descriptions. Safe to use from several threads.
 class DescriptionCache {
  public:
   using Description = std::shared_ptr<const ClassDescription>;
 
-  // The description under `key`, which names a file, if it was kept when the file had this stamp,
-  // else null.
+  // The description under `key`, which names a file, if it was stored with the same stamp;
+  // otherwise null.
   Description find(const std::string& key, const fl::filesystem::FileStamp& stamp);
   void keep(const std::string& key, const fl::filesystem::FileStamp& stamp,
             Description description);
@@ -33,8 +33,8 @@ class DescriptionCache {
   void insert(const std::string& key, Entry entry);
 
   std::shared_mutex mutex_;
-  // When the young generation is full it becomes the old one, and what nobody asked for meanwhile
-  // is dropped.
+  // When the young generation is full it becomes the old one, and the entries of the previous old
+  // one that were not used since are dropped.
   Generation young_;
   Generation old_;
 };

@@ -9,7 +9,7 @@ namespace {
 
 struct EnvironmentClass {
   std::string_view name;
-  // Empty for a class without one.
+  // Empty for none.
   std::string_view superClass;
 };
 
@@ -26,7 +26,7 @@ constexpr std::array<EnvironmentClass, 10> environmentClasses{{
     {"velum.system.mixin.FiniteSource", "handle"},
 }};
 
-// Never destroyed, and so without a count of owners that threads would contend for.
+// Never destroyed, so the pointer needs no reference count, for which threads would contend.
 std::shared_ptr<const ClassDescription> describe(const EnvironmentClass& environmentClass) {
   auto* const description = new ClassDescription();
   description->name = environmentClass.name;

@@ -14,14 +14,14 @@ namespace {
 
 using Description = Hierarchy::Description;
 
-// More superclasses make an ancestry a long one.
+// An ancestry with more superclasses than this is a long one.
 constexpr std::size_t mostShort = 32;
 constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
 
-// The names that were met. Few are looked through, many are hashed.
+// A set of names: searched linearly while it is small, hashed once it is large.
 class NameSet {
  public:
-  // Whether the name is a new one. It must outlive the set.
+  // Whether the name is new. The string must outlive the set.
   bool insert(std::string_view name) {
     auto* const end = names_.begin() + count_;
     if (count_ < names_.size()) {
@@ -39,8 +39,8 @@ class NameSet {
   std::unordered_set<std::string_view> hashed_;
 };
 
-// Appends to the one class in `classes` those that it reaches, until `isEnough` says so of a new
-// one. Whether it came to the end; it does not if there are more than `most` names.
+// Appends the classes that the one class in `classes` reaches, up to the first for which `isEnough`
+// is true. Returns false if it stops because there are more than `most` names.
 template <class IsEnough>
 bool appendAncestors(std::vector<Description>& classes, std::size_t most,
                      const IsEnough& isEnough) {

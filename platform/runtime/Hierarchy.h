@@ -12,19 +12,19 @@
 
 namespace sotarn {
 
-// The class itself and then, breadth first, every known class that it reaches over declared
-// superclasses, each once, as they are when the hierarchy is made.
+// The class itself and then, breadth first, every known class that it reaches by declared
+// superclasses, each once, in their state when the hierarchy is made.
 //
-// Under a view of the files they stay as they are, so a long hierarchy is not listed: what is asked
-// of it most is answered from what the thread remembers, and for the rest it is walked.
+// Under a view of the files a long hierarchy is not listed: `contains` and `hasStrictDefaults` use
+// the facts of the ClassGraph for the usual questions, and `find` walks the classes when called.
 class Hierarchy {
  public:
   using Description = std::shared_ptr<const ClassDescription>;
 
-  // Of null, nothing.
+  // The hierarchy of null is empty.
   explicit Hierarchy(Description first);
 
-  // The first class of which `holds` is true; null when there is none.
+  // The first class for which `holds` is true; null if there is none.
   template <class Predicate>
   Description find(const Predicate& holds) const {
     for (const Description& description : classes_) {
@@ -33,19 +33,18 @@ class Hierarchy {
     return facts_ ? findFurther(std::cref(holds)) : nullptr;
   }
 
-  // Whether the class of that name is among them.
   bool contains(std::string_view name) const;
   // Whether any of them has strict defaults.
   bool hasStrictDefaults() const;
-  // Whether any class declares any abstract property, if that is known at once; else true.
+  // False only if it is known that no class declares an abstract property.
   bool mayDeclareAbstract() const;
 
  private:
   Description findFurther(const std::function<bool(const ClassDescription&)>& holds) const;
 
-  // Of a long hierarchy the class alone.
+  // Only the class itself if the hierarchy is long.
   std::vector<Description> classes_;
-  // Only of a long hierarchy.
+  // Empty if the hierarchy is short.
   std::optional<AncestryFacts> facts_;
 };
 

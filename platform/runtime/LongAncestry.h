@@ -1,4 +1,4 @@
-// What the class runtime remembers of a class that derives from very many others.
+// The class runtime's knowledge of a class with a long ancestry.
 #pragma once
 
 #include <optional>
@@ -9,22 +9,22 @@ namespace sotarn {
 
 // The views are valid until the thread asks about another class.
 struct LongAncestry {
-  // A class of which nothing is known.
+  // A class that was not found, or only as a p-file.
   struct Missing {
     std::string_view name;
-    // The nearest class that names it.
+    // The nearest class that has it as a superclass.
     std::string_view namedBy;
     bool isPFile = false;
   };
 
-  // Nearest first, as a walk breadth first meets them.
+  // Nearest first, in breadth-first order.
   std::vector<Missing> missing;
-  // Whether the class derives from itself over others.
+  // Whether the class is among its own ancestors.
   bool isCyclic = false;
 };
 
-// Nothing for a class with a short ancestry, or one that this thread did not ask about under the
-// view of the files in force, or while a text lies over some file.
+// Empty for a class with a short ancestry, for one that this thread has not described under the
+// view of the files in force, and while there is any overlay text.
 std::optional<LongAncestry> findLongAncestry(std::string_view className);
 
 }  // namespace sotarn

@@ -18,9 +18,9 @@ class MetaProperty {
   bool isConstrainedSetTarget() const;
   // The empty record for a property that is no target.
   ConstrainedSetInfo getConstrainedSetInfo() const;
-  // Whether the class or one that it derives from declares the property as abstract.
+  // Whether the class or one of its ancestors declares the property as abstract.
   bool isAbstractInAnyClass() const;
-  // Whether the nearest declaration of the property is a dependent one.
+  // Whether the nearest declaration of the property is dependent.
   bool isDependent() const;
 
  private:
@@ -37,8 +37,8 @@ class MetaProperty {
   std::string name_;
 };
 
-// A class as it was, with all that it derives from, when it was asked for. A default-constructed
-// description belongs to no class and has nothing to tell.
+// A class with its ancestors, in their state when it was made. A default-constructed object belongs
+// to no class and is empty.
 class MetaClass {
  public:
   MetaClass() = default;
@@ -46,20 +46,20 @@ class MetaClass {
   static MetaClass fromID(const tarn::InternedId& id);
 
   std::string getName() const;
-  // The declared superclasses of a System object in their order, less the environment's own
-  // classes; empty for any other class. Classes that can't be found are listed.
+  // The declared superclasses of a System object in their order, without the environment's own
+  // classes; empty for any other class. Includes classes that are not found.
   std::vector<MetaClass> getSuperClasses() const;
   MetaProperty getProperty(const std::string& name) const;
-  // Whether the class or one that it derives from has the class attribute StrictDefaults.
+  // Whether the class or one of its ancestors has the class attribute StrictDefaults.
   bool isStrictDefaultsClass() const;
-  // Whether a class that this one derives from, other than itself and the environment's, defines
-  // the method in a methods block.
+  // Whether an ancestor, other than the class itself and the environment's classes, defines the
+  // method in a methods block.
   bool isMethodDefinedInSuperClass(const std::string& name) const;
 
  private:
   explicit MetaClass(const std::string& name);
 
-  // The class and its ancestors; made anew for a superclass, of which few ask for them.
+  // The class and its ancestors. Made on each call for a superclass, because it is rarely needed.
   std::shared_ptr<const Hierarchy> hierarchy() const;
 
   std::string name_;

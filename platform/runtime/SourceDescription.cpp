@@ -10,7 +10,7 @@ namespace {
 using ca::astapi::Attribute;
 using lf::astapi::NodeKind;
 
-// Whether the last attribute of that name with a logical value says true.
+// Whether the last attribute of that name with a logical value is true.
 bool isTrue(const lf::astapi::NodeList<Attribute>& attributes, fl::ustring_view name) {
   bool value = false;
   for (const Attribute* attribute : attributes) {

@@ -1,4 +1,4 @@
-// What a class file says of its class.
+// The description of a class from its source.
 #pragma once
 
 #include <memory>
@@ -9,8 +9,8 @@
 
 namespace sotarn {
 
-// Describes the class that the analysed file holds; a file without one gives a description with
-// nothing in it. The analysis may have syntax errors: what could be read counts.
+// Describes the class in the analysed file; the description is empty if the file has no class. The
+// analysis may have syntax errors: the description has what could be read.
 std::shared_ptr<ClassDescription> describeAnalysis(const ca::AnalysisResult& analysis);
 
 }  // namespace sotarn

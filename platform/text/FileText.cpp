@@ -34,7 +34,7 @@ bool isAscii(std::string_view bytes) {
 }  // namespace
 
 DecodedText decodeFileText(std::string_view bytes) {
-  // The usual text, made without filling its memory with zeros before.
+  // The usual case, which makes the text without zeroing its memory first.
   if (isAscii(bytes)) return {ustring(bytes.begin(), bytes.end()), EncodingType::utf8};
   DecodedText decoded;
   decoded.text.resize(bytes.size());

@@ -1,4 +1,4 @@
-// The text of a file and the bytes that it stands in.
+// The text of a file and its encoding in bytes.
 #pragma once
 
 #include <optional>
@@ -16,13 +16,13 @@ struct DecodedText {
   EncodingType encoding = EncodingType::utf8;
 };
 
-// The text of a file's bytes, with every character: line ends, NUL and a U+FEFF in front stay.
-// Bytes that are not UTF-8 throughout are read as ISO-8859-1, from the first one on; an overlong
-// form and an encoded surrogate are no UTF-8.
+// The text of a file's bytes with every character: line ends, NUL and a leading U+FEFF stay. If any
+// byte is not UTF-8, the whole file is read as ISO-8859-1; an overlong form and an encoded
+// surrogate are not UTF-8.
 DecodedText decodeFileText(std::string_view bytes);
 
-// The bytes that decode to `text`; nothing when there are none: unpaired surrogates in UTF-8,
-// characters above U+00FF in ISO-8859-1.
+// The bytes that decode to `text`; empty if there are none: for unpaired surrogates in UTF-8, and
+// for characters above U+00FF in ISO-8859-1.
 std::optional<std::string> encodeFileText(ustring_view text, EncodingType encoding);
 
 }  // namespace fl

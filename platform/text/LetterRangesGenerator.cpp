@@ -15,7 +15,7 @@ struct Range {
   std::uint32_t last;
 };
 
-// One line of the database; further fields are not needed.
+// The first fields of one line of the database.
 struct Entry {
   std::uint32_t character = 0;
   std::string name;
@@ -38,8 +38,8 @@ bool isLetter(const Entry& entry) {
          entry.category == "Lm" || entry.category == "Lo";
 }
 
-// Adds a letter behind all others. A large range has lines for its first and its last character
-// only; the name of the latter tells.
+// Adds a letter after all others. A large range has lines for its first and its last character
+// only; the name of the last one ends with ", Last>".
 void addLetter(const Entry& entry, std::vector<Range>& ranges) {
   const bool endsRange = entry.name.ends_with(", Last>");
   if (!ranges.empty() && (endsRange || ranges.back().last + 1 == entry.character)) {

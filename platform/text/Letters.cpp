@@ -17,7 +17,8 @@ constexpr bool isAsciiNamePart(char32_t c) {
   return isAsciiLetter(c) || (c >= U'0' && c <= U'9') || c == U'_';
 }
 
-// The character at `index`, which moves on behind it; an unpaired surrogate stands for itself.
+// The character at `index`, which moves to the next one; an unpaired surrogate is returned as it
+// is.
 char32_t takeCharacter(ustring_view text, std::size_t& index) {
   const char16_t unit = text[index++];
   if (!utf8::isHighSurrogate(unit) || index == text.size()) return unit;

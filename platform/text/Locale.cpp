@@ -6,7 +6,7 @@
 #include <string_view>
 
 // The standard library declares ctype for any character type, but defines it for char and wchar_t
-// only. A stream asks it to widen the blank that it fills with, and the ends of lines.
+// only. Streams need it to widen the fill character and line ends.
 namespace std {
 
 template <>
@@ -91,7 +91,7 @@ namespace {
 
 using Iterator = std::ostreambuf_iterator<char16_t>;
 
-// Prints numbers without the groups and names of a numpunct facet, which char16_t has none of.
+// Prints numbers without a numpunct facet, which does not exist for char16_t.
 class PlainNumbers : public std::num_put<char16_t> {
  public:
   using std::num_put<char16_t>::num_put;
@@ -129,7 +129,7 @@ class PlainNumbers : public std::num_put<char16_t> {
     return putPadded(out, stream, fill, {digits, result.ptr});
   }
 
-  // Fills up to the stream's width, which goes back to 0 as after any output.
+  // Pads to the width of the stream and resets the width to 0, as all formatted output does.
   static Iterator putPadded(Iterator out, std::ios_base& stream, char16_t fill,
                             std::string_view text) {
     const auto length = static_cast<std::streamsize>(text.size());
@@ -141,7 +141,7 @@ class PlainNumbers : public std::num_put<char16_t> {
   }
 };
 
-// A locale never deletes a facet that counts one user more than the locales know.
+// A facet with an additional reference is never deleted by a locale.
 constexpr std::size_t keptForEver = 1;
 
 }  // namespace

@@ -5,7 +5,7 @@
 
 namespace fl::i18n {
 
-// The language of messages. There is one: texts are in English.
+// The language of messages, which is always English.
 class Locale {
  public:
   static const Locale& global();
@@ -26,8 +26,8 @@ std::num_put<char16_t>& numberFacet();
 //   std::basic_ostringstream<char16_t> stream;
 //   stream.imbue(fl::i18n::facet::get_global_std_locale());
 //
-// Made in the library that asks: a stream finds a facet by an id of which each library that hides
-// its symbols has a copy of its own.
+// Inline, because a stream finds a facet by an id, and each library with hidden symbols has its own
+// copy of the id.
 inline std::locale get_global_std_locale() {
   static const std::locale locale(std::locale(std::locale::classic(), &characterFacet()),
                                   &numberFacet());

@@ -1,5 +1,4 @@
-// Searches in the text of a file, and comparisons of texts, that do not look at one character after
-// the other.
+// Fast searches in the text of a file, and comparisons of texts.
 #pragma once
 
 #include <array>
@@ -36,7 +35,7 @@ inline std::size_t findLineEnd(ustring_view text, std::size_t from) {
   return ustring_view::npos;
 }
 
-// Looks for one pattern in any number of texts. The pattern must outlive the finder.
+// Searches one pattern in any number of texts. The pattern must outlive the finder.
 class TextFinder {
  public:
   explicit TextFinder(ustring_view pattern);

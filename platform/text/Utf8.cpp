@@ -3,8 +3,8 @@
 namespace fl::utf8 {
 namespace {
 
-// What may stand behind a first byte: how many bytes in all, and the range of the second one, which
-// is narrower where an overlong form, a surrogate or a character beyond U+10FFFF would begin.
+// The sequence that a first byte begins: its length in bytes, and the range of the second byte,
+// which excludes overlong forms, surrogates and characters beyond U+10FFFF.
 struct Form {
   unsigned length;
   unsigned char lowest;
@@ -22,7 +22,7 @@ Form formOf(unsigned char first) {
   return {0, 0, 0};
 }
 
-// At least as many bytes as the text takes: one for a unit in ASCII, at most three for others.
+// An upper bound of the bytes for the text: one for a unit in ASCII, three for others.
 std::size_t boundOfBytes(ustring_view text) {
   std::size_t bound = text.size();
   const char16_t* next = text.data();
@@ -33,7 +33,7 @@ std::size_t boundOfBytes(ustring_view text) {
   return bound + 2 * static_cast<std::size_t>(end - next);
 }
 
-// Reads the character at `next`, a pair as one, and moves on behind it.
+// Reads the character at `next`, which may be a surrogate pair, and moves `next` after it.
 char32_t takeCharacter(const char16_t*& next, const char16_t* end) {
   const char16_t unit = *next++;
   if (!isHighSurrogate(unit) || next == end || !isLowSurrogate(*next)) return unit;

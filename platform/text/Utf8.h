@@ -1,4 +1,4 @@
-// UTF-8: one character at a time, runs of ASCII many at a time, and whole texts.
+// UTF-8: single characters, runs of ASCII, and whole texts.
 #pragma once
 
 #include <array>
@@ -24,17 +24,17 @@ constexpr char32_t combineSurrogates(char16_t high, char16_t low) {
   return 0x10000 + ((char32_t{high} - 0xD800) << 10U) + (char32_t{low} - 0xDC00);
 }
 
-// A character and the bytes that it takes. For what is no character, `length` is that of the
-// longest beginning of one, at least 1.
+// A character and the number of its bytes. For invalid bytes, `length` is that of the longest
+// prefix of a character, at least 1.
 struct Decoded {
   char32_t character;
   unsigned length;
 };
 
-// The character that begins at `bytes`, of which `available` can be read, at least one.
+// The character that begins at `bytes`; `available` bytes can be read, at least one.
 Decoded decode(const char* bytes, std::size_t available);
 
-// Writes the character, which is no surrogate, and returns the place behind it.
+// Writes the character, which is no surrogate, and returns the position after it.
 inline char* encode(char32_t c, char* out) {
   const auto put = [&out](char32_t byte) { *out++ = static_cast<char>(byte); };
   if (c < 0x80) {
@@ -55,7 +55,7 @@ inline char* encode(char32_t c, char* out) {
   return out;
 }
 
-// Writes the character as one or two code units, and returns the place behind it.
+// Writes the character as one or two code units, and returns the position after it.
 inline char16_t* encode(char32_t c, char16_t* out) {
   if (c < 0x10000) {
     *out++ = static_cast<char16_t>(c);
@@ -66,8 +66,8 @@ inline char16_t* encode(char32_t c, char16_t* out) {
   return out;
 }
 
-// Compilers turn these loops of a fixed length into a few wide instructions: the local copy tells
-// them that source and target do not overlap.
+// Loops of a fixed length compile to a few wide instructions; with the local copy the compiler
+// knows that source and target do not overlap.
 template <std::size_t size>
 inline void widen(const char* from, char16_t* to) {
   std::array<unsigned char, size> bytes;
@@ -82,14 +82,14 @@ inline void narrow(const char16_t* from, char* to) {
   for (std::size_t i = 0; i < size; ++i) to[i] = static_cast<char>(units[i]);
 }
 
-// Eight bytes as one word, wherever they stand.
+// Eight bytes of any alignment as one word.
 inline std::uint64_t loadWord(const void* from) {
   std::uint64_t word = 0;
   std::memcpy(&word, from, sizeof word);
   return word;
 }
 
-// The bits that any of the 32 bytes from `from` on has, by their place in a word.
+// The bitwise or of the 32 bytes from `from` on, as one word.
 template <class Unit>
 inline std::uint64_t bitsOf32Bytes(const Unit* from) {
   constexpr std::size_t step = sizeof(std::uint64_t) / sizeof(Unit);
@@ -101,7 +101,7 @@ inline constexpr std::uint64_t notAsciiBytes = 0x8080808080808080;
 inline constexpr std::uint64_t notAsciiUnits = 0xFF80FF80FF80FF80;
 inline constexpr std::uint64_t notLatin1Units = 0xFF00FF00FF00FF00;
 
-// Copies the ASCII characters at the front of [from, end) and returns how many they are.
+// Copies the leading ASCII characters of [from, end) and returns their number.
 inline std::size_t widenAscii(const char* from, const char* end, char16_t* to) {
   const char* const start = from;
   for (; end - from >= 32 && (bitsOf32Bytes(from) & notAsciiBytes) == 0; from += 32, to += 32) {
@@ -116,8 +116,8 @@ inline std::size_t widenAscii(const char* from, const char* end, char16_t* to) {
   return static_cast<std::size_t>(from - start);
 }
 
-// Copies the units at the front of [from, end) that are not above `last`, 0x7F or 0xFF, and returns
-// how many they are.
+// Copies the leading units of [from, end) up to `last`, which is 0x7F or 0xFF, and returns their
+// number.
 template <char16_t last>
 inline std::size_t narrowRun(const char16_t* from, const char16_t* end, char* to) {
   static_assert(last == 0x7F || last == 0xFF);
@@ -131,14 +131,14 @@ inline std::size_t narrowRun(const char16_t* from, const char16_t* end, char* to
   return static_cast<std::size_t>(from - start);
 }
 
-// What to do about what has no counterpart: write U+FFFD, or give up.
+// How to treat text that cannot be converted: write U+FFFD, or fail.
 enum class FaultType { replace, refuse };
 
-// Writes the text that stands in `bytes` to `to`, which has room for a unit a byte, and returns its
-// length; nothing for a fault that is refused.
+// Writes the text of `bytes` to `to`, which has room for one unit for each byte, and returns its
+// length; empty for a refused fault.
 std::optional<std::size_t> decodeText(std::string_view bytes, FaultType fault, char16_t* to);
 
-// The text in UTF-8; nothing for a fault that is refused.
+// The text in UTF-8; empty for a refused fault.
 std::optional<std::string> encodeText(ustring_view text, FaultType fault);
 
 }  // namespace fl::utf8

@@ -20,7 +20,7 @@ PhaseTime timesNow() {
   return {nanosecondsOf(CLOCK_MONOTONIC), nanosecondsOf(CLOCK_THREAD_CPUTIME_ID)};
 }
 
-// The phase that a thread is in, and its clocks when that began.
+// The current phase of a thread, and the thread's clocks at its start.
 struct Current {
   PhaseType* type = nullptr;
   PhaseTime start;

@@ -1,4 +1,4 @@
-// Where the time of a run goes.
+// Measures the time that a run spends in each phase.
 #pragma once
 
 #include <atomic>

@@ -18,7 +18,7 @@ std::string paragraph(std::string_view title, std::string_view text) {
   return fmt::format("{}:\n{}\n", title, wrap(text, "  "));
 }
 
-// Source text, line for line.
+// Source text with its line ends.
 std::string source(std::string_view title, std::string_view text) {
   if (text.empty()) return {};
   std::string result = fmt::format("{}:\n", title);
@@ -36,7 +36,7 @@ std::string beforeAndAfter(std::string_view before, std::string_view after) {
   return text + '\n';
 }
 
-// A list of points, each a line of the text.
+// A list of points, one in each line of the text.
 std::string points(std::string_view title, std::string_view lines) {
   std::string result = fmt::format("{}:\n", title);
   while (!lines.empty()) {

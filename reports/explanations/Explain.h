@@ -1,4 +1,4 @@
-// The command `explain`: what the rules convert and what the messages mean.
+// The command `explain`: the conversions of the rules and the meaning of the messages.
 #pragma once
 
 #include <string>
@@ -7,13 +7,13 @@
 
 namespace soca {
 
-// The rules and the ids of all messages, each with a line.
+// The rules and the ids of all messages, one line each.
 std::string explainAll();
 
 // The ids of all rules and messages, the latter without their catalog.
 std::vector<std::string_view> explainedIds();
 
-// The rule or message of that id. Throws UsageError for an id that there is none of.
+// The explanation of the rule or message with that id. Throws UsageError for an unknown id.
 std::string explain(std::string_view id);
 
 }  // namespace soca

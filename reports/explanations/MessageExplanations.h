@@ -1,6 +1,6 @@
-// What messages mean and what the rules convert, for people. All texts are UTF-8 and live as long
-// as the process; texts of several lines are parted by "\n", with none at the end. Source code
-// within a sentence stands between backticks; the catalog's texts have none.
+// The meaning of the messages and the conversions of the rules, as texts for users. All texts are
+// UTF-8 and live as long as the process; the lines of a text are separated by "\n", with none at
+// the end. Source code within a sentence is enclosed in backticks; the catalog's texts have none.
 #pragma once
 
 #include <span>
@@ -8,13 +8,13 @@
 
 namespace soca {
 
-// Whether a message ends the work on a class, or stands beside its result.
+// Whether a message ends the work on a class, or accompanies its result.
 enum class MessageKindType { error, finding };
 
 struct MessageExplanation {
-  // "VELUM:system:Analyzer"; empty for what only the program reports.
+  // "VELUM:system:Analyzer"; empty for a message of the program itself.
   std::string_view catalog;
-  // The short id. What the program reports has its full id here.
+  // The short id. A message of the program itself has its full id here.
   std::string_view id;
   // The catalog, a colon and the short id.
   std::string_view fullId;
@@ -23,7 +23,7 @@ struct MessageExplanation {
   std::string_view rule;
   // The catalog's text with its placeholders, `{0}` and `{1}`.
   std::string_view text;
-  // What it means, why it came, and how to get rid of it by hand.
+  // What it means, why it occurs, and how to correct it by hand.
   std::string_view meaning;
   std::string_view cause;
   std::string_view fix;
@@ -32,7 +32,7 @@ struct MessageExplanation {
   std::string_view after;
 };
 
-// An old form, and what becomes of it.
+// An old form, and the form that replaces it.
 struct ConversionExplanation {
   std::string_view from;
   std::string_view to;
@@ -58,7 +58,7 @@ struct RuleExplanation {
   std::span<const ConversionExplanation> conversions;
   // When and how it converts, one point a line.
   std::string_view details;
-  // What it leaves alone, gets wrong or refuses, one point a line.
+  // What it leaves unchanged, gets wrong or refuses, one point a line.
   std::string_view limits;
   std::string_view before;
   std::string_view after;
@@ -67,7 +67,7 @@ struct RuleExplanation {
 // The messages of the catalog, failures first.
 std::span<const MessageExplanation> messageExplanations();
 
-// What the program reports on its own, beyond the catalog.
+// The messages of the program itself, which are not in the catalog.
 std::span<const MessageExplanation> programExplanations();
 
 std::span<const RuleExplanation> ruleExplanations();

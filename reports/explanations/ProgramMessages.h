@@ -1,4 +1,4 @@
-// The texts of what the program itself reports, beside the messages of the service.
+// The texts of the program's own messages, which are not those of the service.
 #pragma once
 
 #include <string>

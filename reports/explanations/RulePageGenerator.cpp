@@ -1,4 +1,4 @@
-// Writes the pages of docs/rules/, or says which of them are not what it would write.
+// Writes the pages of docs/rules/, or with --check prints which of them are out of date.
 //
 //   soca_rule_pages [--check] FOLDER
 #include <algorithm>
@@ -18,7 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 using soca::RulePage;
 
-// The file's text; nothing if there is no such file.
+// The file's text; empty if there is no such file.
 std::string readFile(const fs::path& path) {
   std::ifstream in(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(in), {}};

@@ -21,7 +21,7 @@ constexpr std::string_view header =
 
 // --- pieces of Markdown ---
 
-// Takes the text up to the next `separator`, or all of it, off the front.
+// Removes and returns the text up to the next `separator`, or all of it.
 std::string_view takePart(std::string_view& text, char separator) {
   const std::size_t end = std::min(text.find(separator), text.size());
   const std::string_view part = text.substr(0, end);
@@ -47,13 +47,13 @@ std::string linkTo(const MessageExplanation& message, std::string_view shown) {
   return fmt::format("[`{}`]({}#{})", shown, pageOf(message), anchorOf(message));
 }
 
-// A piece of source within a sentence. A message's id becomes a link to its explanation.
+// Source code within a sentence. A message's id becomes a link to its explanation.
 std::string codeSpan(std::string_view code) {
   const MessageExplanation* message = findMessageExplanation(code);
   return message != nullptr ? linkTo(*message, code) : fmt::format("`{}`", code);
 }
 
-// The words of a text. A piece of source is not parted.
+// The words of a text. Source code in backticks is one word.
 std::vector<std::string> wordsOf(std::string_view text) {
   const std::string_view whole = text;
   std::vector<std::string> words(1);
@@ -73,7 +73,7 @@ std::vector<std::string> wordsOf(std::string_view text) {
   return words;
 }
 
-// The text in lines of words. All lines but the first are indented.
+// The text wrapped into lines. All lines but the first are indented.
 std::string wrap(std::string_view text, std::string_view indent = "") {
   std::string result;
   std::string line;
@@ -95,7 +95,7 @@ std::string inOneLine(std::string_view text) {
   return line;
 }
 
-// A list of the points, which are lines of the text.
+// A Markdown list of the points, which are the lines of the text.
 std::string points(std::string_view lines) {
   std::string list;
   while (!lines.empty()) list += wrap(fmt::format("- {}", takePart(lines, '\n')), "  ");
@@ -115,7 +115,7 @@ std::string messageSection(const MessageExplanation& message) {
          beforeAndAfter(message.before, message.after);
 }
 
-// The explanations of those messages that belong to the rule family, or to none.
+// The explanations of the messages of the rule family, or of those without one.
 std::string messageSections(std::span<const MessageExplanation> messages, std::string_view rule) {
   std::string sections;
   for (const MessageExplanation& message : messages) {

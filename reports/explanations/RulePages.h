@@ -13,8 +13,8 @@ struct RulePage {
   std::string text;
 };
 
-// The index first. All that they say of messages and rules comes from the explanations. Throws
-// std::runtime_error where one of these has a backtick without its counterpart.
+// The index first. All texts about messages and rules come from the explanations. Throws
+// std::runtime_error if one of these has an unpaired backtick.
 std::vector<RulePage> makeRulePages();
 
 }  // namespace soca

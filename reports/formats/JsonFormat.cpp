@@ -31,13 +31,13 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// In one line. What is no UTF-8 can't come here, but must not end the run either.
+// In one line. Text that is not UTF-8 is not expected, but must not end the run.
 std::string dump(const Json& json) {
   return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-// The values that `valueOf` makes of the items, as an array. One by one: there may be a million,
-// and a tree of them takes ten times as much memory as their text.
+// The values that `valueOf` makes of the items, as an array. Printed one by one, because a JSON
+// tree of a million values takes ten times as much memory as their text.
 template <class Items, class ValueOf>
 std::string dumpList(const Items& items, const ValueOf& valueOf) {
   std::string text = "[";

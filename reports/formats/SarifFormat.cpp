@@ -21,7 +21,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// Its format is part of its name: another way to make it gets another number.
+// The version is part of the name: another computation must have another version.
 constexpr const char* fingerprintName = "memberAndRule/v1";
 
 std::string dump(const Json& json) {
@@ -72,7 +72,7 @@ class ClassResults {
     return result;
   }
 
-  // Without a region for null.
+  // Without a region if it is null.
   Json locationOf(const Json& region, const std::string& member) const {
     Json place = {{"artifactLocation", artifact_}};
     if (!region.is_null()) place["region"] = region;
@@ -86,7 +86,7 @@ class ClassResults {
             {"logicalLocations", Json::array({std::move(logical)})}};
   }
 
-  // Knows the result again when lines move: the number counts what is alike in one class.
+  // Identifies the result when lines move: the number counts equal results of one class.
   void addFingerprint(const std::string& member, Json& result) {
     const std::string key = fmt::format("{}\n{}\n{}", outcome_.update.className,
                                         result.at("ruleId").get_ref<const std::string&>(), member);
@@ -140,7 +140,7 @@ Json classLocation(const std::string& className) {
       {"logicalLocations", Json::array({{{"fullyQualifiedName", className}, {"kind", "type"}}})}};
 }
 
-// The syntax errors of the file, or the file, or the class.
+// The places of the syntax errors, or of the file, or of the class.
 Json locationsOf(const Failure& failure, const SarifLocations& locations) {
   if (!failure.argument.starts_with('/')) return Json::array({classLocation(failure.className)});
   const Json artifact = locations.artifactOf(failure.argument);

@@ -17,7 +17,7 @@ constexpr std::string_view currentFolderId = "%SRCROOT%";
 
 std::string rootId(std::size_t root) { return fmt::format("ROOT{}", root + 1); }
 
-// Of a folder, with the slash at its end that makes it one.
+// The URI of a folder, which ends with a slash.
 std::string uriOfFolder(const std::string& path) {
   return fmt::format("file://{}{}", percentEncode(path), path.ends_with('/') ? "" : "/");
 }

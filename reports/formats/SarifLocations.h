@@ -1,4 +1,4 @@
-// How files and places are named in SARIF.
+// The names of files and places in SARIF.
 #pragma once
 
 #include <nlohmann/json_fwd.hpp>
@@ -11,8 +11,9 @@
 
 namespace soca {
 
-// Files are named relative to the current folder, which is not named itself, so that the same tree
-// gives the same log on every machine; only a file outside of it is named relative to its root.
+// Files are named relative to the current folder, whose path is not part of the log, so that the
+// same tree gives the same log on every machine; a file outside of it is named relative to its
+// root.
 class SarifLocations {
  public:
   // `roots` must outlive this object.
@@ -20,7 +21,7 @@ class SarifLocations {
 
   // An `artifactLocation`.
   nlohmann::ordered_json artifactOf(const std::string& path) const;
-  // The `originalUriBaseIds` that these refer to.
+  // The `originalUriBaseIds` to which these refer.
   nlohmann::ordered_json baseIds() const;
 
  private:
@@ -28,12 +29,12 @@ class SarifLocations {
   std::string currentFolder_;
 };
 
-// A `region`. In a file that begins with a byte order mark, which counts as no character here, the
+// A `region`. In a file that begins with a byte order mark, which is not a character in SARIF, the
 // columns of the first line are one less than in the text.
 nlohmann::ordered_json regionOf(const Extent& extent, bool hasByteOrderMark);
 nlohmann::ordered_json regionOf(const LinePlace& place, bool hasByteOrderMark);
 
-// A relative reference in which every character that has a meaning or is not ASCII is escaped.
+// A relative reference in which all reserved and non-ASCII characters are escaped.
 std::string percentEncode(std::string_view path);
 
 }  // namespace soca

@@ -34,7 +34,7 @@ std::string beforeAndAfter(std::string_view before, std::string_view after) {
   return fmt::format("Before:\n\n```\n{}\n```\n\nAfter:\n\n```\n{}\n```\n", before, after);
 }
 
-// The text in both of its forms.
+// The text as plain text and as Markdown.
 Json helpOf(const std::string& text, std::string_view before, std::string_view after) {
   const std::string markdown = fmt::format("{}\n\n{}", text, beforeAndAfter(before, after));
   return {{"text", fmt::format("{}\n\nBefore:\n\n{}\n\nAfter:\n\n{}\n", text, before, after)},
@@ -65,7 +65,7 @@ Json ruleOf(const RuleExplanation& rule) {
           {"help", helpOf(help, rule.before, rule.after)}};
 }
 
-// Letters and digits only, in front of which a name begins anew.
+// Removes `_`; the first letter and each letter after a `_` become capitals.
 std::string nameOf(const MessageExplanation& message) {
   std::string name;
   bool isStart = true;

@@ -1,4 +1,4 @@
-// What SARIF has to say of the program itself: its rules and its failures, with their explanations.
+// The rules and failures of the program in SARIF, with their explanations.
 #pragma once
 
 #include <cstddef>
@@ -13,15 +13,15 @@
 
 namespace soca {
 
-// The `tool`: a rule for each rule family and for each message that stands beside an update, and a
-// notification for each that ends one.
+// The `tool`: a rule for each rule family and for each finding, and a notification for each
+// failure.
 nlohmann::ordered_json sarifTool();
 
-// What refers to a rule: `ruleId`, `ruleIndex`, `level` and `message`.
+// The keys that refer to a rule: `ruleId`, `ruleIndex`, `level` and `message`.
 nlohmann::ordered_json sarifResult(const Conversion& conversion);
 nlohmann::ordered_json sarifResult(const Finding& finding);
 
-// The `descriptor` of a failure by its full id; nothing for one that is not explained.
+// The `descriptor` of a failure by its full id; empty for an id without an explanation.
 std::optional<nlohmann::ordered_json> sarifDescriptor(std::string_view fullId);
 
 }  // namespace soca

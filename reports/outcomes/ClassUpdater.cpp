@@ -34,7 +34,7 @@ Failure makeFailure(const Target& target, const std::string& id,
   return failure;
 }
 
-// --- targets that are no classes, and classes that are none of ours ---
+// --- targets without a class, and classes that are no System objects ---
 
 TargetOutcome outcomeOfHidden(const Target& target) {
   TargetOutcome outcome;
@@ -63,14 +63,15 @@ TargetOutcome outcomeOfMisnamed(const Target& target) {
 
 bool hasShortId(const Failure& failure, std::string_view id) { return failure.id.ends_with(id); }
 
-// Whether the failure is about the class that was asked for, and not about a superclass.
+// Whether the failure is about the named class, and not about a superclass.
 bool isAboutItself(const Failure& failure, const Target& target) {
   const auto stem = stemOfClassFile(target.path);
   return failure.argument == target.className ||
          (stem && failure.argument == fmt::format("{}.vlm", *stem));
 }
 
-// A tree holds much that is none of ours: what no argument names is then no failure.
+// A tree has many classes that are no System objects: these are failures only if an argument names
+// them.
 void addFailure(const Target& target, Failure failure, TargetOutcome& outcome) {
   const bool isNoneOfOurs =
       (hasShortId(failure, ":NotASystemObject") || hasShortId(failure, ":PFileExists")) &&

@@ -1,4 +1,4 @@
-// The update of one class, computed and checked but not yet shown or written.
+// The update of one class, computed and checked but not yet printed or written.
 #pragma once
 
 #include <string>
@@ -38,19 +38,19 @@ struct UpdateRequest {
   const fl::filesystem::FileState* overlaidFile = nullptr;
 };
 
-// May be used by several threads at once.
+// Safe to use from several threads.
 class ClassUpdater {
  public:
   // Both pointers must outlive this object.
   ClassUpdater(const ClassRoots* roots, const FileNames* names, UpdateRequest request)
       : roots_(roots), names_(names), request_(request), describer_(roots, names) {}
 
-  // Never throws: what goes wrong becomes a failure of the target's class.
+  // Never throws: any fault becomes a failure of the target's class.
   TargetOutcome update(const Target& target) const;
 
  private:
   TargetOutcome updateClass(const Target& target) const;
-  // Takes from the plan what is no longer needed once it was looked at.
+  // Moves from the plan what is not needed afterwards.
   ClassOutcome makeOutcome(PlannedClass& planned, const FindingsListener& listener) const;
   fl::filesystem::FileState oldFileOf(const PlannedClass& planned, const std::string& path) const;
   // What depends on the bytes of the file.

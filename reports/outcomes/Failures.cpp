@@ -22,7 +22,7 @@
 namespace soca {
 namespace {
 
-// How many syntax errors of a file are shown.
+// The number of syntax errors of a file that are shown.
 constexpr std::size_t shownErrors = 10;
 
 // The first argument of the message in UTF-8.
@@ -38,7 +38,7 @@ std::shared_ptr<ca::AnalysisResult> analyzeFile(const std::string& path) {
   return ca::createSingleFileAnalyzer()->analyze(fl::i18n::to_ustring(path), {}, {});
 }
 
-// The first two actions that meet on a line, in the order in which they are applied.
+// The first two actions that overlap on a line, in the order in which they are applied.
 std::optional<std::pair<Extent, Extent>> findOverlap(const std::vector<PlannedAction>& actions) {
   ClaimedExtents claimed;
   for (auto later = actions.begin(); later != actions.end(); ++later) {
@@ -59,8 +59,8 @@ std::string linesOf(const Extent& extent) {
   return fmt::format("lines {} to {}", extent.start.line + 1, extent.end.line + 1);
 }
 
-// Runs what looks for details. Should that fail, since the files may have changed meanwhile, the
-// failure itself is known all the same.
+// Runs a search for details. If it fails, because files may have changed meanwhile, the failure is
+// reported without them.
 template <class Explain>
 void explainSafely(Failure& failure, const Explain& explain) {
   try {

@@ -1,4 +1,4 @@
-// From an exception of the service to what the program says of it.
+// Converts exceptions of the service to failures of the report.
 #pragma once
 
 #include <exception>
@@ -22,15 +22,14 @@ struct FailedCall {
   bool includeSuperclasses = false;
 };
 
-// What the failure says, with what the program can find out about it besides. Reads the files in
-// question again.
+// Describes a failure with the details that the program can find. Reads the files concerned again.
 class FailureDescriber {
  public:
   // Both must outlive this object.
   FailureDescriber(const ClassRoots* roots, const FileNames* names)
       : roots_(roots), names_(names) {}
 
-  // To be called in the handler of any exception, which it describes.
+  // Describes the current exception, of any type. To be called in its handler.
   Failure describeCurrentException(const FailedCall& call) const;
 
  private:

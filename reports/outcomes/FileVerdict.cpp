@@ -23,13 +23,13 @@ FileVerdict judgeFile(const std::string& path) {
     const fl::ustring text = readText(path);
     if (text.empty()) return {Type::isEmpty, fmt::format("the file '{}' is empty", path)};
     FileVerdict noClass{Type::holdsNoClass, fmt::format("the file '{}' holds no class", path)};
-    // A look at the text is cheaper than an analysis, and most files without a class have none.
+    // A search is cheaper than an analysis, and excludes most files without a class.
     if (text.find(u"classdef") == fl::ustring::npos) return noClass;
     return ca::analyzeText(text)->getClassdef() == nullptr ? noClass : FileVerdict();
   } catch (const fl::filesystem::ReadError& error) {
     return {Type::isUnreadable, error.what()};
   } catch (const ca::InvalidAnalysisException&) {
-    // There is something in it that only a class can bring that far.
+    // Only a class can cause this failure.
     return {};
   }
 }

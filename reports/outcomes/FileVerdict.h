@@ -1,15 +1,15 @@
-// What a file holds that has the name of a class file.
+// The contents of a file with the name of a class file.
 #pragma once
 
 #include <string>
 
 namespace soca {
 
-// What a file turns out to be that should hold a class.
+// The contents of a file that should have a class.
 struct FileVerdict {
   enum class Type { holdsClass, isEmpty, holdsNoClass, isUnreadable };
   Type type = Type::holdsClass;
-  // In words, for all but a class.
+  // A description, except for a class.
   std::string text;
 };
 

@@ -1,4 +1,4 @@
-// What the program knows besides a message: what could not be found, and where it looked.
+// Details for a message: what could not be found, and where it was searched.
 #pragma once
 
 #include <string>
@@ -10,21 +10,21 @@
 
 namespace soca {
 
-// Why a class counts as no System object.
+// The reasons why a class is treated as no System object.
 struct OtherClassHints {
   std::vector<std::string> hints;
-  // What its file turned out to be, if it has one.
+  // The contents of its file, if it has one.
   FileVerdict::Type file = FileVerdict::Type::holdsClass;
 };
 
 OtherClassHints hintsOnOtherClass(std::string_view className, const ClassRoots& roots);
 
-// Which classes that the class derives from could not be found.
+// Hints about the ancestors of the class that could not be found.
 std::vector<std::string> hintsOnMissingSuperClasses(std::string_view className,
                                                     const ClassRoots& roots);
 
-// What is there in place of the source of a class found as a p-file; `sourcePath` is the path that
-// it should have.
+// Hints about the missing source of a class that is found as a p-file; `sourcePath` is the path
+// that it should have.
 std::vector<std::string> hintsOnPFile(const std::string& sourcePath);
 
 }  // namespace soca

@@ -22,7 +22,7 @@ void sayClass(const char* message, const char*, int, const char*) {
   const std::string text =
       fmt::format("soca: internal error with class '{}' in {}: {}; nothing of this run is kept\n",
                   *currentClass, placeOf(*currentClass), message);
-  // The process ends whether or not anybody can read this.
+  // The process ends even if this cannot be written.
   [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
 }
 

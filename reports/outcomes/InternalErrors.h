@@ -1,4 +1,4 @@
-// Says which class was at work when a broken promise of the system ends the process.
+// Reports the current class when an internal error ends the process.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@ namespace soca {
 // Installs the handler for the process.
 void installInternalErrorHandler();
 
-// While it lives, the class is the one that this thread works on. They nest.
+// During its life, the class is the current one of this thread. Objects may be nested.
 class CurrentClass {
  public:
   // In UTF-8.

@@ -1,4 +1,4 @@
-// What became of the classes that an update looked at.
+// The results for the classes of an update.
 #pragma once
 
 #include <optional>
@@ -20,20 +20,20 @@ namespace soca {
 
 // A class that could not be updated, or was passed over.
 struct Failure {
-  // The class that was asked for, also when a superclass failed.
+  // The class of the call, also when a superclass failed.
   std::string className;
   // A full message id, or one of the program's own.
   std::string id;
   std::string message;
-  // What the message is about: a class name or a path.
+  // The class name or path that the message is about.
   std::string argument;
-  // For what is no System object, what its file turned out to be.
+  // For a class that is no System object, the contents of its file.
   FileVerdict::Type file = FileVerdict::Type::holdsClass;
-  // The syntax errors of the file in question.
+  // The syntax errors of the file concerned.
   std::vector<ca::Diagnostic> diagnostics;
-  // The same as people read them, with the lines in question.
+  // The same in the form for users, with the source lines.
   std::string excerpt;
-  // What the program knows besides, one sentence each.
+  // Further details, one sentence each.
   std::vector<std::string> hints;
 };
 
@@ -80,13 +80,13 @@ struct ClassOutcome {
   }
 };
 
-// What became of one target.
+// The result for one target.
 struct TargetOutcome {
   std::vector<ClassOutcome> classes;
   std::vector<Failure> failures;
   // A class below a named folder that is no System object.
   std::optional<Failure> skipped;
-  // Whether the target turned out to be a file without a class.
+  // Whether the target is a file without a class.
   bool hasNoClass = false;
 };
 

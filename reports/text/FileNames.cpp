@@ -7,7 +7,7 @@
 namespace soca {
 namespace {
 
-// The letter behind the backslash for a character that has one; 0 otherwise.
+// The letter of the escape for a character that has one; otherwise 0.
 char escapeLetter(char character) {
   switch (character) {
     case '\a':
@@ -45,7 +45,7 @@ std::string FileNames::shown(const std::string& path) const {
 }
 
 std::string FileNames::inDiff(const std::string& path) const {
-  // What applies a diff does not look for files behind links.
+  // git and patch do not follow links to the files of a diff.
   if (const auto file = resolveLinks(path)) {
     if (const auto relative = relativeTo(currentFolder_, *file)) return std::string(*relative);
   }

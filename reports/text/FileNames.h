@@ -1,4 +1,4 @@
-// How the program names files in what it prints.
+// The names of files in the output of the program.
 #pragma once
 
 #include <string>
@@ -8,17 +8,17 @@
 
 namespace soca {
 
-// Absolute paths as they are shown.
+// The printed form of absolute paths.
 class FileNames {
  public:
   // `roots` must outlive this object.
   explicit FileNames(const ClassRoots* roots);
 
-  // Relative to the current folder, if the file lies in it.
+  // Relative to the current folder if the file is in it.
   std::string shown(const std::string& path) const;
 
-  // For a diff: the file that the path leads to, relative to the current folder if it lies in it;
-  // otherwise relative to its root.
+  // For a diff: the file without links, relative to the current folder if it is in it, otherwise
+  // relative to its root.
   std::string inDiff(const std::string& path) const;
 
  private:
@@ -27,7 +27,7 @@ class FileNames {
 };
 
 // A name in a diff: in double quotes with escapes if it has characters outside printable ASCII,
-// quotes or backslashes, as version control writes it.
+// quotes or backslashes, as git writes it.
 std::string quoteForDiff(std::string_view name);
 
 }  // namespace soca

@@ -10,18 +10,18 @@
 namespace soca {
 namespace {
 
-// Code units on either side of an error that are shown of a line.
+// The numbers of code units before and after an error that are shown of a line.
 constexpr std::size_t shownBefore = 100;
 constexpr std::size_t shownBehind = 60;
 
 bool isLowSurrogate(char16_t unit) { return (unit & 0xFC00U) == 0xDC00U; }
 
-// Finds lines by number, for numbers that only grow.
+// Finds lines by number, for increasing numbers only.
 class LineReader {
  public:
   explicit LineReader(fl::ustring_view text) : text_(text) {}
 
-  // Without the line end; empty behind the last line.
+  // Without the line end; empty after the last line.
   fl::ustring_view line(std::uint64_t number) {
     for (; number_ < number && start_ != fl::ustring_view::npos; ++number_) {
       const std::size_t end = text_.find(u'\n', start_);
@@ -37,7 +37,7 @@ class LineReader {
   std::size_t start_ = 0;
 };
 
-// Puts U+FFFD in place of what a terminal would obey, or not show at all.
+// Replaces control characters and characters that a terminal does not show by U+FFFD.
 void hideControls(fl::ustring& text) {
   for (char16_t& unit : text) {
     if ((unit < 0x20 && unit != u'\t') || (unit >= 0x7F && unit < 0xA0)) unit = u'\xFFFD';
@@ -50,7 +50,7 @@ std::string withoutControls(const std::string& utf8) {
   return fl::i18n::to_string(text);
 }
 
-// The part of a line that is shown, and where in it the error is.
+// The part of a line that is shown, and the place of the error in it.
 struct Window {
   fl::ustring text;
   std::size_t column = 0;
@@ -71,7 +71,7 @@ Window cutWindow(fl::ustring_view line, std::size_t column) {
   return window;
 }
 
-// Blanks as wide as the text, in characters; tabs stay tabs.
+// Blanks with the width of the text, in characters; tabs stay tabs.
 std::string indentOf(fl::ustring_view text) {
   std::string indent;
   for (const char16_t unit : text) {

@@ -1,4 +1,4 @@
-// Syntax errors as people read them.
+// Syntax errors in the form for users.
 //
 //   pkg/Mixer.vlm:14:9: error: expected `end` to close `methods`, found end of file
 //      14 |         flag = obj.Fixed
@@ -13,9 +13,9 @@
 
 namespace soca {
 
-// At most `limit` of the analysis's errors, and how many more there are. `file` is the name that
-// stands in front. Lines and columns are one-based, columns in UTF-16 code units. Of a long line
-// only the part round the error is shown.
+// At most `limit` of the analysis's errors, and the number of further ones. `file` is the name
+// before each error. Lines and columns are one-based, columns in UTF-16 code units. Of a long line
+// only the part around the error is shown.
 std::string formatSyntaxErrors(std::string_view file, const ca::AnalysisResult& analysis,
                                std::size_t limit);
 

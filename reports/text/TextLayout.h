@@ -1,4 +1,4 @@
-// Text in lines that fit a screen.
+// Text wrapped into lines for a screen.
 #pragma once
 
 #include <cstddef>
@@ -7,10 +7,10 @@
 
 namespace soca {
 
-// How many characters a line may have.
+// The largest number of characters of a line.
 constexpr std::size_t lineWidth = 80;
 
-// The text in lines of words, each line behind `indent`, the first one behind `firstIndent`.
+// The words of the text in lines that begin with `indent`, the first one with `firstIndent`.
 std::string wrap(std::string_view text, std::string_view indent, std::string_view firstIndent);
 std::string wrap(std::string_view text, std::string_view indent);
 

@@ -16,15 +16,15 @@ using Lines = std::vector<std::string_view>;
 
 constexpr std::size_t contextLines = 3;
 
-// `--- a/name`; a name with blanks is followed by a tab, so that its end is known.
+// `--- a/name`; a tab after a name with blanks marks its end.
 std::string headerLine(std::string_view marker, std::string_view prefix, std::string_view name) {
   const std::string path = quoteForDiff(fmt::format("{}{}", prefix, name));
   const bool hasBlank = path.find(' ') != std::string::npos;
   return fmt::format("{} {}{}\n", marker, path, hasBlank ? "\t" : "");
 }
 
-// `12,3`: first line and number of lines; a count of 1 is left out, and in front of nothing stands
-// the line before.
+// `12,3`: first line and number of lines; a count of 1 is omitted, and for a count of 0 the first
+// line is the line before.
 std::string rangeText(std::size_t start, std::size_t count) {
   if (count == 0) return fmt::format("{},0", start);
   if (count == 1) return fmt::format("{}", start + 1);
@@ -40,7 +40,7 @@ void addLines(char marker, const Lines& lines, std::size_t start, std::size_t co
   }
 }
 
-// Changes that share their context, from `first` to `last`, both included.
+// Changes that share their context, from `first` through `last`.
 struct Hunk {
   const LineChange* first;
   const LineChange* last;

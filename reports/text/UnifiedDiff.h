@@ -1,4 +1,4 @@
-// The difference of two files as text that `git apply` and `patch` take.
+// The difference of two files as text that `git apply` and `patch` accept.
 #pragma once
 
 #include <string>
@@ -6,8 +6,8 @@
 
 namespace soca {
 
-// `name` is the file's name without the prefixes `a/` and `b/`. The bytes of the lines stand in the
-// diff as they are, whatever their encoding and line ends. Empty if the files are equal.
+// `name` is the file's name without the prefixes `a/` and `b/`. The bytes of the lines are copied
+// unchanged, in any encoding and with any line ends. Empty if the files are equal.
 std::string unifiedDiff(std::string_view name, std::string_view oldBytes,
                         std::string_view newBytes);
 

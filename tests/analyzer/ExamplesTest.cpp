@@ -1,4 +1,4 @@
-// The example classes: nothing that their texts show is missed.
+// Checks on the example classes that the tree has every name of their texts.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -18,8 +18,8 @@ bool isWordCharacter(char16_t c) {
          c == u'_';
 }
 
-// Blanks out comments and literals, by rules that are coarse but enough for the examples: a quote
-// is a transpose right behind a word, a closing bracket or another quote.
+// Blanks out comments and literals, by simple rules that suffice for the examples: a quote is a
+// transpose directly after a word, a closing bracket or another quote.
 fl::ustring withoutCommentsAndLiterals(fl::ustring text) {
   bool inBlock = false;
   for (std::size_t start = 0, end = 0; start < text.size(); start = end + 1) {
@@ -67,7 +67,7 @@ std::map<std::size_t, std::string> wordsOf(const fl::ustring& text) {
   return words;
 }
 
-// What the texts have as words besides names: keywords, words of blocks, words of commands.
+// Words of the texts that are no names: keywords, words of blocks, words of commands.
 const std::set<std::string> otherWords{
     "break",     "case",   "catch",      "classdef", "continue", "else",
     "elseif",    "end",    "for",        "function", "global",   "if",
@@ -106,7 +106,7 @@ TEST(Examples, EveryNameAndEveryReturnIsReached) {
       if (word == "return") expectedReturns.insert(at);
       if (!otherWords.contains(word)) expected[at] = word;
     }
-    // A word of a command that is a name elsewhere.
+    // This word of a command is a name elsewhere.
     std::erase_if(expected, [&](const auto& word) {
       return word.second == "p" && text.compare(word.first - 6, 6, u"clear ") == 0;
     });

@@ -1,4 +1,4 @@
-// Texts without errors, and the trees that they become.
+// Texts without errors, and their trees.
 #include <gtest/gtest.h>
 
 #include "platform/analyzer/Analyzer.h"
@@ -27,44 +27,44 @@ constexpr Case operators[] = {
     {"powers bind before products, products before sums", "x = a + b * c ^ d'",
      "SimpleAssignment(x BinaryOperation(a BinaryOperation(b UnaryOperation(BinaryOperation(c "
      "d)))))"},
-    {"a sign stands before a power and may stand inside it", "-a^-b",
+    {"a sign before a power and inside it", "-a^-b",
      "UnaryOperation(BinaryOperation(a UnaryOperation(b)))"},
     {"operators group to the left", "x=a-b-c",
      "SimpleAssignment(x BinaryOperation(BinaryOperation(a b) c))"},
-    {"from the loosest to the tightest", "x = a||b&&c|d&e<f:g+h*i",
+    {"from the lowest to the highest precedence", "x = a||b&&c|d&e<f:g+h*i",
      "SimpleAssignment(x BinaryOperation(a BinaryOperation(b BinaryOperation(c BinaryOperation(d "
      "BinaryOperation(e Range(f BinaryOperation(g BinaryOperation(h i)))))))))"},
     {"ranges have two or three parts", "x = [a:b, a:b:c, a:b:c:d]",
      "SimpleAssignment(x MatrixLiteral(ListRow(Range(a b) Range(a b c) Range(Range(a b c) d))))"},
     {"two signs are two operators", "x=a++b",
      "SimpleAssignment(x BinaryOperation(a UnaryOperation(b)))"},
-    {"a transpose, also behind a blank", "x = a ' + b.' + 'c'",
+    {"a transpose, also after a blank", "x = a ' + b.' + 'c'",
      "SimpleAssignment(x BinaryOperation(BinaryOperation(UnaryOperation(a) UnaryOperation(b)) "
      "'c'))"},
-    {"a quote opens a literal where an operand is due", "x = @(a)'b'",
+    {"a quote opens a literal in place of an operand", "x = @(a)'b'",
      "SimpleAssignment(x AnonymousFunction(a 'b'))"},
     {"numbers", "x = 0x1Fu8 + 0B101 + 1e3 + .5 + 3. + 3.*y + 1.5d-3j + 3.'",
      "SimpleAssignment(x BinaryOperation(BinaryOperation(BinaryOperation(BinaryOperation("
      "BinaryOperation(BinaryOperation(BinaryOperation(0x1Fu8 0B101) 1e3) .5) 3.) "
      "BinaryOperation(3 y)) 1.5d-3j) UnaryOperation(3)))"},
-    {"a continuation right behind a number", "x = [1 2...\n 3]",
+    {"a continuation directly after a number", "x = [1 2...\n 3]",
      "SimpleAssignment(x MatrixLiteral(ListRow(1 2 3)))"},
 };
 
 constexpr Case lists[] = {
-    {"a sign behind a blank begins an element", "x = [a -b]",
+    {"a sign after a blank begins an element", "x = [a -b]",
      "SimpleAssignment(x MatrixLiteral(ListRow(a UnaryOperation(b))))"},
-    {"other blanks round operators separate nothing", "x = [a - b, a-b, a *b a :b]",
+    {"other blanks around operators separate nothing", "x = [a - b, a-b, a *b a :b]",
      "SimpleAssignment(x MatrixLiteral(ListRow(BinaryOperation(a b) BinaryOperation(a b) "
      "BinaryOperation(a b) Range(a b))))"},
-    {"a blank behind `~` separates nothing, one in front does", "x = [~ a ~b, a ~= b, a ~=b]",
+    {"a blank after `~` separates nothing, one before does", "x = [~ a ~b, a ~= b, a ~=b]",
      "SimpleAssignment(x MatrixLiteral(ListRow(UnaryOperation(a) UnaryOperation(b) "
      "BinaryOperation(a b) BinaryOperation(a b))))"},
-    {"a quote behind a blank opens a literal", "x = [a ' b' c']",
+    {"a quote after a blank opens a literal", "x = [a ' b' c']",
      "SimpleAssignment(x MatrixLiteral(ListRow(a ' b' UnaryOperation(c))))"},
     {"doubled quotes", "x = ['a''b' \"c\"\"d\"]",
      "SimpleAssignment(x MatrixLiteral(ListRow('a''b' \"c\"\"d\")))"},
-    {"indices need to touch", "x = [f (1) f(1) f {1} f{1}]",
+    {"indices follow without a blank", "x = [f (1) f(1) f {1} f{1}]",
      "SimpleAssignment(x MatrixLiteral(ListRow(f Parenthesized(1) CallOrIndex(f 1) f "
      "CellLiteral(ListRow(1)) CellIndex(f 1))))"},
     {"parentheses and indices in a list are no list", "x = [(a -b) f(a -b) c{a -b}]",
@@ -89,7 +89,7 @@ constexpr Case primaries[] = {
      "BinaryOperation(end 1)) z) FieldReference(w v))"},
     {"`:` and `end` at any depth of an argument list", "y = x(:, [1 end], {:})",
      "SimpleAssignment(y CallOrIndex(x : MatrixLiteral(ListRow(1 end)) CellLiteral(ListRow(:))))"},
-    {"keywords behind a point are names", "a.end = s.if.x",
+    {"keywords after a point are names", "a.end = s.if.x",
      "SimpleAssignment(FieldReference(a end) FieldReference(FieldReference(s if) x))"},
     {"named arguments", "y = f(a, Name=3, b)",
      "SimpleAssignment(y CallOrIndex(f a NamedArgument(Name 3) b))"},
@@ -106,22 +106,24 @@ constexpr Case primaries[] = {
 };
 
 constexpr Case commands[] = {
-    {"a letter decides for a command", "hold on;x = 1",
+    {"a letter after a blank makes a command", "hold on;x = 1",
      "CommandStatement(hold on) | SimpleAssignment(x 1)"},
-    {"a sign that touches what follows, too", "a -b", "CommandStatement(a -b)"},
-    {"a sign between blanks does not", "a - b", "BinaryOperation(a b)"},
-    {"a comparison between blanks does not", "a == b", "BinaryOperation(a b)"},
-    {"a comparison that touches does", "a ==b", "CommandStatement(a ==b)"},
-    {"an assignment never does", "a =b", "SimpleAssignment(a b)"},
+    {"a sign with a blank only before it makes a command", "a -b", "CommandStatement(a -b)"},
+    {"a sign between blanks makes no command", "a - b", "BinaryOperation(a b)"},
+    {"a comparison between blanks makes no command", "a == b", "BinaryOperation(a b)"},
+    {"a comparison with a blank only before it makes a command", "a ==b",
+     "CommandStatement(a ==b)"},
+    {"an assignment is never a command", "a =b", "SimpleAssignment(a b)"},
     {"a point, a brace, an operator at the line's end", "obj .f\na {1}\na -\na (1)",
      "CommandStatement(obj .f) | CommandStatement(a {1}) | CommandStatement(a -) | CallOrIndex(a "
      "1)"},
-    {"words go to a separator outside of quotes", "disp 'a, b' \"c;\" d'e f'g, x",
+    {"words end at a separator outside of quotes", "disp 'a, b' \"c;\" d'e f'g, x",
      "CommandStatement(disp 'a, b' \"c;\" d'e f'g) | x"},
-    {"an unclosed quote goes to the line's end", "disp 'a, b % c\nx",
+    {"an unclosed quote ends with the line", "disp 'a, b % c\nx",
      "CommandStatement(disp 'a, b % c) | x"},
     {"a comment ends a command", "import pkg.* % all", "CommandStatement(import pkg.*)"},
-    {"a continuation continues it", "foo ... one\n a...two\nb\nx", "CommandStatement(foo a b) | x"},
+    {"a continuation continues a command", "foo ... one\n a...two\nb\nx",
+     "CommandStatement(foo a b) | x"},
     {"block words are names of commands outside of a class", "properties on",
      "CommandStatement(properties on)"},
 };
@@ -141,13 +143,13 @@ constexpr Case statements[] = {
     {"switch", "switch x % c\n case 'a'\n a\n case {2, 3}, b\n otherwise\n c\nend",
      "SwitchStatement(x CaseClause('a' a) CaseClause(CellLiteral(ListRow(2 3)) b) "
      "OtherwiseClause(c))"},
-    {"the word behind catch",
+    {"the word after catch",
      "try, a, catch e, b, end\ntry, a, catch e % c\n b, end\ntry\na\ncatch\nb\nend",
      "TryStatement(a CatchClause(e b)) | TryStatement(a CatchClause(e b)) | TryStatement(a "
      "CatchClause(b))"},
-    {"a statement behind catch", "try, a, catch disp(1), end",
+    {"a statement after catch", "try, a, catch disp(1), end",
      "TryStatement(a CatchClause(CallOrIndex(disp 1)))"},
-    {"spmd, global, persistent and the short ones",
+    {"spmd, global, persistent, return, break, continue",
      "spmd (3), x, end\nglobal a b\npersistent n; break, continue, return",
      "SpmdStatement(3 x) | GlobalStatement(a b) | PersistentStatement(n) | break | continue | "
      "return"},
@@ -157,7 +159,7 @@ constexpr Case statements[] = {
      "function [a b] = f(~, x), end\nfunction [] = g, end\nfunction r = h() r = 1; end",
      "FunctionDefinition(f ~ x a b) | FunctionDefinition(g) | FunctionDefinition(h r "
      "SimpleAssignment(r 1))"},
-    {"functions that nothing closes", "function f\nx = 1\nfunction g\nif y, return, end",
+    {"functions without end", "function f\nx = 1\nfunction g\nif y, return, end",
      "FunctionDefinition(f SimpleAssignment(x 1)) | FunctionDefinition(g IfStatement(y return))"},
     {"nested functions in any list of statements", "function f\nif x\nfunction g\nend\nend\nend",
      "FunctionDefinition(f IfStatement(x NestedFunction(g)))"},
@@ -195,7 +197,7 @@ constexpr Case classes[] = {
      "classdef A\nevents (Hidden), E1, E2\nend\nenumeration\nRed (1), Green\nend\nend",
      "Classdef(A EventsBlock(Event(E1) Event(E2) Attribute(Hidden)) EnumerationBlock("
      "EnumerationMember(Red 1) EnumerationMember(Green)))"},
-    {"functions behind the class", "classdef A\nend % c\n;\nfunction f\nend\n... the end",
+    {"functions after the class", "classdef A\nend % c\n;\nfunction f\nend\n... the end",
      "Classdef(A) | FunctionDefinition(f)"},
 };
 

@@ -1,4 +1,4 @@
-// How deep and how long a text may be.
+// The limits of nesting and of the length of a text.
 #include <gtest/gtest.h>
 
 #include "platform/analyzer/Analyzer.h"
@@ -19,7 +19,7 @@ struct Nesting {
   const char* shows;
   const char16_t* opening;
   const char16_t* closing;
-  // The levels of one pair.
+  // The number of levels of one pair.
   unsigned levels;
 };
 
@@ -41,7 +41,7 @@ TEST(Limits, TheThousandthLevelIsTheLast) {
   }
 }
 
-TEST(Limits, WhatStandsInFrontOfABodyIsNotInIt) {
+TEST(Limits, TextBeforeABodyIsOutsideOfIt) {
   const fl::ustring deep = repeat(u"(", maximumNesting) + u"1" + repeat(u")", maximumNesting);
   for (const char16_t* head :
        {u"if ", u"while ", u"switch ", u"for k = ", u"if a\nelseif ", u"classdef (A = "}) {
@@ -62,7 +62,7 @@ TEST(Limits, BodiesAreLevels) {
   EXPECT_THROW(analyzeText(textOf(maximumNesting - 2)), InvalidAnalysisException);
 }
 
-TEST(Limits, WhatStandsInFrontOfTooDeepAPlaceIsRead) {
+TEST(Limits, TextBeforeATooDeepPlaceIsRead) {
   const SourceAnalysis analysis(u"classdef A < p.B\nproperties\nx = 1\ny = " +
                                 repeat(u"[", 100000));
   EXPECT_TRUE(analysis.isTooDeep());
@@ -71,7 +71,8 @@ TEST(Limits, WhatStandsInFrontOfTooDeepAPlaceIsRead) {
   EXPECT_EQ(analysis.getClassdef()->getPropertiesBlocks().front()->members.size(), 2U);
 }
 
-// Chains are no nesting: none of this may need a deep stack, in the parse, the walk or the end.
+// Chains are not nested: the parser, the walk and the destruction must not need a deep stack for
+// them.
 TEST(Limits, ChainsOfAnyLength) {
   constexpr std::size_t length = 200000;
   struct Chain {

@@ -1,4 +1,4 @@
-// Where nodes stand, and what texts they have.
+// The positions and texts of nodes.
 #include <gtest/gtest.h>
 
 #include "platform/analyzer/Analyzer.h"
@@ -30,7 +30,7 @@ using Place = std::pair<unsigned, unsigned>;
 TEST(Positions, LinesEndAtLineFeedsAndColumnsCountCodeUnits) {
   const auto analysis = analyzeText(classText);
   EXPECT_EQ(placeOf(*analysis, 0), Place(1, 1));
-  EXPECT_EQ(placeOf(*analysis, 8), Place(1, 9));  // the line feed, behind two halves of a pair
+  EXPECT_EQ(placeOf(*analysis, 8), Place(1, 9));  // the line feed, after a surrogate pair
   EXPECT_EQ(placeOf(*analysis, 9), Place(2, 1));
   const auto end = static_cast<std::uint32_t>(analysis->sourceTextView().size());
   EXPECT_EQ(placeOf(*analysis, end), Place(9, 4));
@@ -75,13 +75,13 @@ TEST(Positions, ADeclarationEndsWithItsLastPart) {
   EXPECT_EQ(static_cast<const astapi::PropertyNode&>(*block->members[2]).validation, nullptr);
 }
 
-TEST(Positions, AFunctionGoesFromItsKeywordThroughItsEnd) {
+TEST(Positions, AFunctionExtendsFromItsKeywordThroughItsEnd) {
   const auto analysis = analyzeText(classText);
   const auto* method = analysis->getClassdef()->getMethods().front();
   EXPECT_EQ(analysis->getNodeText(*method, true), u"function x = f(obj), x = obj.Gain'; end");
 }
 
-TEST(Positions, IdsOfOneNameAreEqualWhereverTheyComeFrom) {
+TEST(Positions, IdsOfOneNameAreEqual) {
   const auto analysis = analyzeText(u"abc = abd; x = abc");
   std::vector<astapi::StringId> ids;
   astapi::NodeVisitor<astapi::Identifier> visitor(

@@ -1,4 +1,4 @@
-// Texts with errors: where each is, what was expected, and what is found behind it.
+// Texts with errors: the place of each, the expected and the found text.
 #include <gtest/gtest.h>
 
 #include "platform/analyzer/Analyzer.h"
@@ -18,15 +18,15 @@ constexpr Case cases[] = {
      "1:10: expected a blank, `,`, `;` or the closing bracket behind the element, found `b`"},
     {"two commas between elements", "x = [a, , b]",
      "1:11: expected an element between two commas, found `b`"},
-    {"an index behind a transpose", "y = x'(1)",
+    {"an index after a transpose", "y = x'(1)",
      "1:7: expected a line end, `;` or `,` behind the statement, found `(`"},
-    {"a field behind a blank in a list", "x = [c .d]", "1:8: expected an expression, found `.`"},
-    {"targets that are none, each of them", "[a+1, b, 2] = f; a' = 3; [] = g",
+    {"a field after a blank in a list", "x = [c .d]", "1:8: expected an expression, found `.`"},
+    {"several bad targets, each reported", "[a+1, b, 2] = f; a' = 3; [] = g",
      "1:2: expected a name with or without indices in front of `=`, found `a+1`\n"
      "1:10: expected a name with or without indices in front of `=`, found `2`\n"
      "1:18: expected a name with or without indices in front of `=`, found `a'`\n"
      "1:26: expected a name with or without indices in front of `=`, found `[]`"},
-    {"numbers that do not fit, and run into names",
+    {"numbers out of range, and numbers before letters",
      "x = 0x1FFu8; y = 0x10000000000000000\nz = [12ab 3]",
      "1:5: expected a number that fits its type, found `0x1FFu8`\n"
      "1:18: expected a number that fits its type, found `0x10000000000000000`\n"
@@ -36,7 +36,7 @@ constexpr Case cases[] = {
      "2:5: expected `\"` to close the string literal, found end of line"},
     {"an unclosed block comment", "x = 1\n%{\ny",
      "2:1: expected `%}` to close the block comment, found end of file"},
-    {"characters that begin nothing", "x = #3; y = 2\nz = _a",
+    {"characters that begin no token", "x = #3; y = 2\nz = _a",
      "1:5: expected an expression, found the character `#`, which begins nothing\n"
      "2:5: expected an expression, found the character `_`, which begins nothing"},
     {"a parenthesis over a line end", "f(a\nx = 1",
@@ -48,11 +48,10 @@ constexpr Case cases[] = {
     {"an empty argument", "f(a,)", "1:5: expected an expression, found `)`"},
     {"end outside of an index", "if a\nx = {end};\nend",
      "2:6: expected an expression, found `end`"},
-    {"stray words, each with what belongs to it", "else\ncatch x\ncase 1\nend",
+    {"stray keywords with their operands", "else\ncatch x\ncase 1\nend",
      "1:1: expected a statement, found `else`\n2:1: expected a statement, found `catch`\n"
      "3:1: expected a statement, found `case`\n4:1: expected a statement, found `end`"},
-    {"names behind a point are no words of the language",
-     "x = 3 s.end\ny = # s.if\nz = [1 # s.for];",
+    {"names after a point are no keywords", "x = 3 s.end\ny = # s.if\nz = [1 # s.for];",
      "1:7: expected a line end, `;` or `,` behind the statement, found `s`\n"
      "2:5: expected an expression, found the character `#`, which begins nothing\n"
      "3:8: expected an expression, found the character `#`, which begins nothing"},
@@ -63,7 +62,7 @@ constexpr Case cases[] = {
      "1:2: expected a name with or without indices in front of `=`, found `a@B(1)`\n"
      "2:5: expected a name with or without indices in front of `=`, found `a@B(1)`"},
     {"a colon that is not alone", "f(:')", "1:4: expected `)` to close `(`, found `'`"},
-    {"words of the language as a superclass", "x = a@end(1)",
+    {"keywords as a superclass", "x = a@end(1)",
      "1:7: expected the name of a superclass behind `@`, found `end`"},
     {"numbers that are too large", "x = [1e400 1e-400 0.5e400 2e308i]",
      "1:6: expected a number that fits its type, found `1e400`\n"
@@ -71,25 +70,25 @@ constexpr Case cases[] = {
      "1:27: expected a number that fits its type, found `2e308i`"},
     {"an unfinished suffix at the end of the text", "x = 0x1u",
      "1:8: expected an operator or a blank behind the number, found `u`"},
-    {"errors in functions that nothing closes", "function f\nx = 3 4\nfunction g\n",
+    {"errors in functions without end", "function f\nx = 3 4\nfunction g\n",
      "2:7: expected a line end, `;` or `,` behind the statement, found `4`"},
-    {"an unclosed block comment behind another error", "x = (1\n%{\ny",
+    {"an unclosed block comment after another error", "x = (1\n%{\ny",
      "1:7: expected `)` to close `(`, found end of line\n"
      "2:1: expected `%}` to close the block comment, found end of file"},
     {"dynamic fields in declarations", "classdef A\nproperties\nx {a.(b)}\nend\nend",
      "3:6: expected the name of a field behind `.`, found `(`"},
     {"statements in a class body", "classdef A\nif x\ny = 1;\nend\nproperties\nz\nend\nend",
      "2:1: expected `properties`, `methods`, `events`, `enumeration` or `end`, found `if`"},
-    {"what is not closed at the end", "if x\nwhile y\n",
+    {"unclosed statements at the end", "if x\nwhile y\n",
      "3:1: expected `end` to close `while` (opened at line 2), found end of file"},
     {"a declaration without its terminator", "classdef A\nproperties A = 1 end\nend",
      "2:18: expected a line end, `;` or `,` behind the declaration, found `end`"},
-    {"what stands behind a declaration",
+    {"text after a declaration",
      "classdef A\nproperties\nx = 1 2\ny 3\nz = 1; w double double\nend\nend",
      "3:7: expected a line end, `;` or `,` behind the declaration, found `2`\n"
      "4:3: expected a line end, `;` or `,` behind the declaration, found `3`\n"
      "5:17: expected a line end, `;` or `,` behind the declaration, found `double`"},
-    {"sizes that are none", "classdef A\nproperties\nx (1.5, :, a)\ny () double\nend\nend",
+    {"invalid sizes", "classdef A\nproperties\nx (1.5, :, a)\ny () double\nend\nend",
      "3:4: expected a whole number or `:` as a size, found `1.5`\n"
      "3:12: expected a whole number or `:` as a size, found `a`\n"
      "4:4: expected a whole number or `:` as a size, found `)`"},
@@ -100,10 +99,10 @@ constexpr Case cases[] = {
      "4:5: expected a line end, `;` or `,` behind the method, found `function`"},
     {"a dotted class name", "classdef A.b\nend",
      "1:11: expected `<` or the first block behind the name of the class, found `.`"},
-    {"something in front of the class", "x = 1\nclassdef A\nend",
+    {"statements before the class", "x = 1\nclassdef A\nend",
      "2:1: expected only blank lines and comments in front of a class, found `classdef` behind "
      "something else"},
-    {"something behind the class", "classdef A\nend\nx = 3",
+    {"statements after the class", "classdef A\nend\nx = 3",
      "3:1: expected a function or the end of the file behind the class, found `x`"},
     {"a function outside of methods", "classdef A\nfunction f\nend\nend",
      "2:1: expected a block or `end`, found `function` outside of a `methods` block"},
@@ -113,14 +112,14 @@ constexpr Case cases[] = {
      "5:10: expected the name of the function, found `3`"},
 };
 
-TEST(SyntaxError, IsToldOnceWithItsPlace) {
+TEST(SyntaxError, IsReportedOnceWithItsPlace) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.shows);
     EXPECT_EQ(errorText(*analyzeText(fl::i18n::to_ustring(c.text))), c.errors);
   }
 }
 
-TEST(SyntaxError, IsToldOfNulsAndHalvesOfPairsAnywhere) {
+TEST(SyntaxError, IsReportedForNulsAndLoneSurrogatesAnywhere) {
   using namespace std::string_literals;
   fl::ustring text = u"% a\0\nx = '\0'; y = "s;
   text += char16_t{0xD800};
@@ -130,7 +129,7 @@ TEST(SyntaxError, IsToldOfNulsAndHalvesOfPairsAnywhere) {
             "2:14: expected an expression, found half of a surrogate pair (U+D800)");
 }
 
-TEST(SyntaxError, InTheClassLineLeavesNameAndSuperclasses) {
+TEST(SyntaxError, InTheClassLineKeepsNameAndSuperclasses) {
   constexpr const char16_t* texts[] = {
       u"classdef (A,) C < a.B & D\nend",     u"classdef (A B = 'x)') C < a.B & D\nend",
       u"classdef (~A = 3) C < a.B & D\nend", u"classdef (A = ) C < a.B & D\nend",
@@ -145,8 +144,7 @@ TEST(SyntaxError, InTheClassLineLeavesNameAndSuperclasses) {
   }
 }
 
-// A class that is broken in many places keeps what could be read of it.
-TEST(SyntaxError, LeavesTheRestOfTheClass) {
+TEST(SyntaxError, KeepsTheRestOfTheClass) {
   const auto analysis = analyzeText(
       u"classdef A < b.C &\n"
       u"properties (Access = )\nx = (1 +\ny = 2\nend\n"

@@ -32,8 +32,8 @@ class ChildCollector : public lf::astapi::Visitor<ChildCollector, astapi::CA, lf
   std::vector<const astapi::Node*> children_;
 };
 
-// A node without children is its own text; any other is its kind with its children in parentheses.
-// A statement that is an expression, and an input argument, are what they hold.
+// A node without children gives its own text; any other gives its kind with its children in
+// parentheses. A statement that is an expression, and an input argument, give only their contents.
 inline std::string treeText(const AnalysisResult& analysis, const astapi::Node& node) {
   using lf::astapi::NodeKind;
   const auto children = ChildCollector::childrenOf(node);

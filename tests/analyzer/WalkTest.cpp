@@ -1,4 +1,4 @@
-// The walk: that it meets every kind of node, and what it says of broken trees.
+// The walk over all kinds of nodes, and over invalid trees.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -23,7 +23,7 @@ class KindCollector : public lf::astapi::Visitor<KindCollector, astapi::CA, lf::
   std::set<NodeKind> kinds;
 };
 
-// One text with every construct of the language; a new kind of node needs a place here.
+// One text with every construct of the language; to be extended for each new kind of node.
 const char16_t everything[] =
     u"classdef (Sealed) A < B\n"
     u"properties\nx (1, :) double {mustBeX} = [1; 2]\nend\n"
@@ -38,7 +38,7 @@ const char16_t everything[] =
     u"switch a, case 1, otherwise, end\ntry, catch e, end\nspmd, end\nglobal g\npersistent p\n"
     u"end\nend\nend\n";
 
-TEST(Walk, MeetsEveryKind) {
+TEST(Walk, ReachesEveryKind) {
   std::set<NodeKind> all;
 #define ADD_KIND(number, name) all.insert(NodeKind::name);
   LF_ASTAPI_NODE_KINDS(ADD_KIND)
@@ -47,7 +47,7 @@ TEST(Walk, MeetsEveryKind) {
   const auto analysis = analyzeText(everything);
   EXPECT_FALSE(analysis->hasSyntaxError());
   collector(analysis->getRootNode());
-  // Stands only where a syntax error left a gap.
+  // Occurs only in place of a missing expression.
   const auto broken = analyzeText(u"x =");
   KindCollector gaps;
   gaps(broken->getRootNode());
@@ -55,7 +55,7 @@ TEST(Walk, MeetsEveryKind) {
   EXPECT_EQ(collector.kinds, all);
 }
 
-TEST(Walk, GoesThroughAFunctionFromItsNameToItsBody) {
+TEST(Walk, VisitsAFunctionFromItsNameToItsBody) {
   std::string names;
   NodeVisitor<Identifier> visitor([&](const Identifier& name) {
     for (const char16_t c : name.text.view()) names.push_back(static_cast<char>(c));

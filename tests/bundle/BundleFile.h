@@ -1,4 +1,4 @@
-// The files of the bundle that the tests run over.
+// The files of the bundle that the tests use.
 #pragma once
 
 #include <ostream>

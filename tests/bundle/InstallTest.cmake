@@ -1,4 +1,4 @@
-# Installs into a prefix, moves it, and lets a project outside of this one use what is there.
+# Installs into a prefix, moves it, and builds an outside project with the installed files.
 set(first ${WORK_DIR}/first)
 set(moved ${WORK_DIR}/moved/to)
 file(REMOVE_RECURSE ${WORK_DIR})
@@ -7,7 +7,7 @@ file(MAKE_DIRECTORY ${WORK_DIR}/moved)
 # As in RuntimeTest.cpp.
 set(ENV{LSAN_OPTIONS} use_tls=0)
 
-# run(COMMAND...): its output goes to `output`; a failure ends the test.
+# run(COMMAND...): stores the output in `output`; a failure ends the test.
 function(run)
   execute_process(COMMAND ${ARGV} OUTPUT_VARIABLE output ERROR_VARIABLE output RESULT_VARIABLE result)
   if(NOT result EQUAL 0)
@@ -51,7 +51,7 @@ if(EXISTS ${moved}/bin/soca)
   run(${moved}/bin/soca update -p ${EXAMPLES_DIR} radio.GainControl)
   want("classdef GainControl < velum.System & radio.Tuned")
   if(SELF_CONTAINED)
-    # It needs neither the platform nor libraries that take long to load.
+    # The program must run without the platform and the libraries that take long to load.
     file(COPY ${moved}/bin/soca DESTINATION ${WORK_DIR}/alone)
     run(ldd ${WORK_DIR}/alone/soca)
     if(output MATCHES "not found|soca_platform|libfmt|libstdc")
@@ -66,7 +66,7 @@ if(RUNTIME_DIR)
   want("GainControl.vlm \\(updated\\)")
 endif()
 
-# What the package needs of other packages is read from what is linked (Debian: dpkg-dev).
+# The dependencies of the package are read from the linked libraries (Debian: dpkg-dev).
 find_program(DPKG_SHLIBDEPS dpkg-shlibdeps)
 if(DPKG_SHLIBDEPS)
   run(${CMAKE_CPACK_COMMAND} -G DEB --config ${BUILD_DIR}/CPackConfig.cmake -B ${WORK_DIR}/package)

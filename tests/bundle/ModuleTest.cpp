@@ -1,4 +1,4 @@
-// The bundle as the component runtime meets it, step by step, without the runtime.
+// The bundle without the runtime, in the steps in which the runtime uses it.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -42,7 +42,7 @@ std::string outputOf(const std::string& command) {
 
 class BundleModule : public testing::TestWithParam<BundleFile> {
  protected:
-  // Never closed again, as in the runtime.
+  // Never closed, as in the runtime.
   void* library() {
     void* library = ::dlopen(GetParam().path, RTLD_LAZY | RTLD_LOCAL);
     if (library == nullptr) throw std::runtime_error(::dlerror());
@@ -71,7 +71,7 @@ class BundleModule : public testing::TestWithParam<BundleFile> {
   }
 };
 
-TEST_P(BundleModule, HoldsItsManifestAndNothingElse) {
+TEST_P(BundleModule, HasOnlyItsManifest) {
   const auto entries = entriesOfZip(bytesOfSection(bytesOf(GetParam().path), ".us_resources"));
   ASSERT_EQ(entries.size(), 1U);
   EXPECT_EQ(entries.begin()->first, "com_orrery_systemobject_analyzer/manifest.json");
@@ -93,7 +93,7 @@ TEST_P(BundleModule, ExportsThreeFunctions) {
                        "_us_set_bundle_context_instance_com_orrery_systemobject_analyzer"}));
 }
 
-TEST_P(BundleModule, LivesAsTheRuntimeWantsItTo) {
+TEST_P(BundleModule, FollowsTheLifeCycleOfTheRuntime) {
   PathDispatcher::getDispatcher().setClassPath({SOCA_SOURCE_DIR "/examples"});
   auto instance = newInstance();
   ASSERT_NE(instance, nullptr);
@@ -112,9 +112,8 @@ TEST_P(BundleModule, LivesAsTheRuntimeWantsItTo) {
   EXPECT_TRUE(updater->update(u"radio.GainControl", allFamilies, false).at(0).updated);
 }
 
-// What streams, exceptions and tables share with the platform must not be lost because the bundle
-// hides its symbols.
-TEST_P(BundleModule, AnswersAsTheSystemInThisProcess) {
+// The bundle hides its symbols, but must share streams, exceptions and tables with the platform.
+TEST_P(BundleModule, HasTheResultsOfTheSystemInThisProcess) {
   PathDispatcher::getDispatcher().setClassPath({SOCA_SOURCE_DIR "/examples"});
   const auto updater = newUpdater();
   soca::UpdaterImpl own;
@@ -160,7 +159,7 @@ class ChangedFiles : public BundleModule {
     }
   }
 
-  // Whether the answer has the text of the class file and what its base file says.
+  // Whether the result has the text of the class file and the facts from its base file.
   void expectAnswerOf(soca::Updater& updater, const std::string& base,
                       const std::string& property) {
     const soca::UpdateResult result = updater.update(u"C", allFamilies, false).at(0);
@@ -175,14 +174,14 @@ class ChangedFiles : public BundleModule {
 
 TEST_P(ChangedFiles, AreSeenByTheNextCall) {
   const auto updater = newUpdater();
-  // As fast as it goes, with texts of one size.
+  // Without pauses, with texts of the same size.
   for (int round = 0; round < 50; ++round) {
     const std::string base = round % 3 == 0 ? "Abstract" : "Constant";
     const std::string property = round % 2 == 0 ? "One" : "Two";
     write(base, property);
     expectAnswerOf(*updater, base, property);
   }
-  // Old enough to be kept, then changed under the same size and time stamp.
+  // Old enough to be cached, then changed with the same size and time stamp.
   setTimes(1000);
   std::this_thread::sleep_for(std::chrono::milliseconds(50));
   expectAnswerOf(*updater, "Constant", "Two");

@@ -15,8 +15,8 @@
 #include "service/UpdaterImpl.h"
 #include "tests/bundle/BundleFile.h"
 
-// The leak checker, if there is one, falls over threads of the runtime that are just ending while
-// it reads their thread-local memory.
+// The leak checker, if present, crashes when threads of the runtime exit while it reads their
+// thread-local memory.
 extern "C" const char* __lsan_default_options() {  // NOLINT(bugprone-reserved-identifier)
   return "use_tls=0";
 }
@@ -30,7 +30,7 @@ fl::ustring updatedText(soca::Updater& updater) {
   return updater.update(className, allFamilies, false).at(0).text;
 }
 
-// A framework that runs, with the bundle started in it.
+// A running framework in which the bundle is started.
 class RunningBundle {
  public:
   explicit RunningBundle(const char* path)
@@ -48,7 +48,7 @@ class RunningBundle {
 
   cppmicroservices::Bundle& bundle() { return bundle_; }
 
-  // Null when nobody offers it.
+  // Null if the service is not registered.
   std::shared_ptr<soca::Updater> updater() {
     const auto reference = framework_.GetBundleContext().GetServiceReference<soca::Updater>();
     return reference ? framework_.GetBundleContext().GetService(reference) : nullptr;
@@ -76,7 +76,7 @@ class BundleInTheRuntime : public testing::TestWithParam<BundleFile> {
   fl::ustring expected_;
 };
 
-TEST_P(BundleInTheRuntime, LivesTwentyTimesInOneProcess) {
+TEST_P(BundleInTheRuntime, StartsAndStopsTwentyTimes) {
   for (int life = 0; life < 20; ++life) {
     RunningBundle running(GetParam().path);
     EXPECT_EQ(running.bundle().GetSymbolicName(), "com_orrery_systemobject_analyzer");

@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 const std::string titleMark = "=== ";
 const std::string sectionMark = "--- ";
 const std::string noLineEnd = "\\\n";
-// What `before` and `after` alone stand for.
+// The file of `before` and `after` without a path.
 const std::string defaultFile = "/C.vlm";
 
 std::string readFile(const fs::path& path) {
@@ -30,7 +30,7 @@ void writeFile(const fs::path& path, const std::string& text) {
 // --- many cases in one file ---
 
 struct CaseText {
-  // What stands in front of the first case.
+  // The text before the first case.
   std::string introduction;
   std::vector<Case> cases;
 };
@@ -45,7 +45,7 @@ std::string shortName(const std::string& section) {
   return isDefault ? section.substr(0, section.find('/')) : section;
 }
 
-// Undoes what the file's form adds: the blank line in front of the next case, and the mark of a
+// Removes what the form of the file adds: the blank line before the next case, and the mark of a
 // text without a line end.
 void finishSection(std::string& text, bool isLastOfCase) {
   if (isLastOfCase && (text == "\n" || text.ends_with("\n\n"))) text.pop_back();
@@ -97,8 +97,8 @@ std::string formatCases(const CaseText& cases) {
 
 // --- a case in a folder ---
 
-// The files of the case: the sections `before/...` and `after/...` bear the names of their files,
-// all others end in `.txt` or `.json`.
+// The file of a section: `before/...` and `after/...` are file names; all others end with `.txt` or
+// `.json`.
 std::string fileOf(const std::string& section) {
   if (section.find('/') != std::string::npos) return section;
   return section + (section == "table" ? ".json" : ".txt");
@@ -127,7 +127,7 @@ void writeFolder(const Case& changed) {
   }
 }
 
-// The path below the root and the title, in letters and digits.
+// The path below the root and the title, as letters and digits.
 std::string testName(const fs::path& relative, const std::string& title) {
   std::string name = relative.generic_string();
   if (!title.empty()) name = name.substr(0, name.rfind('.')) + "_" + title;

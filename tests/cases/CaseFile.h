@@ -1,4 +1,4 @@
-// Before-and-after cases as files. README.md beside this file tells how they are written.
+// Before-and-after cases as files. Their form is described in README.md in this folder.
 #pragma once
 
 #include <filesystem>
@@ -8,7 +8,7 @@
 
 namespace soca::testing {
 
-// A named piece of a case. Names are `before/<path>`, `after/<path>`, `messages` and so on.
+// A named part of a case. Names are `before/<path>`, `after/<path>`, `messages` and so on.
 struct Section {
   std::string name;
   std::string text;
@@ -17,7 +17,7 @@ struct Section {
 struct Case {
   // Unique among all cases.
   std::string name;
-  // The folder of the case, or the file that it shares with others.
+  // The folder of the case, or the file that holds several cases.
   std::filesystem::path path;
   // The name within such a file; empty for a folder.
   std::string title;
@@ -36,7 +36,7 @@ struct Case {
 // that is no file of cases.
 std::vector<Case> findCases(const std::filesystem::path& root);
 
-// Writes the case back with the sections that it has now.
+// Writes the case back with its current sections.
 void writeCase(const Case& changed);
 
 }  // namespace soca::testing

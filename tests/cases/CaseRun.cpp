@@ -27,7 +27,7 @@ using fl::i18n::to_string;
 
 constexpr const char* rootPlaceholder = "{root}";
 
-// A class path of its own, gone with its files when the case is done.
+// A temporary class path, deleted with the object.
 class CaseFolder {
  public:
   CaseFolder() { PathDispatcher::getDispatcher().setClassPath({root_.string()}); }
@@ -65,7 +65,7 @@ struct Options {
   bool includeSuperclasses = false;
 };
 
-// The class of the first file, unless the options name another.
+// The options of the case; the default class is that of the first file.
 Options optionsOf(const Case& testCase) {
   Options options;
   const std::string before = "before/";
@@ -92,7 +92,7 @@ Options optionsOf(const Case& testCase) {
   return options;
 }
 
-// What `work` fails with, as "id: text"; empty if it does not.
+// The failure of `work`, as "id: text"; empty if it succeeds.
 std::string failureOf(const std::function<void()>& work) {
   try {
     work();
@@ -147,7 +147,7 @@ void addResults(const std::vector<UpdateResult>& results, const CaseFolder& fold
   }
 }
 
-// The update proper. Where the service would end the process, only the plan is asked.
+// Runs the update. If the service would end the process, makes only the plan.
 void update(const Options& options, const CaseFolder& folder, const Case& testCase,
             CaseOutcome& outcome) {
   std::vector<PlannedClass> planned;

@@ -1,4 +1,4 @@
-// Runs a case through the service, on files.
+// Runs a case by the service, on files.
 #pragma once
 
 #include <map>
@@ -8,18 +8,18 @@
 
 namespace soca::testing {
 
-// What a case gives, as the sections that it should have for it.
+// The results of a case, as the sections that it should have.
 struct CaseOutcome {
   std::map<std::string, std::string> sections;
-  // What an update of the updated text does that it should not; empty if it does nothing.
+  // The unexpected effect of an update of the updated text; empty if there is none.
   std::string again;
 };
 
-// Writes the case's class files to a folder of their own, which becomes the class path, updates the
-// class, makes the reports that the case has sections for, and updates the updated files.
+// Writes the case's class files to a temporary folder, which becomes the class path, updates the
+// class, makes the reports for which the case has sections, and updates the updated files.
 CaseOutcome runCase(const Case& testCase);
 
-// Whether the section tells what to do, rather than what comes of it.
+// Whether the section is an input of the case, not a result.
 bool isInput(const Section& section);
 
 }  // namespace soca::testing

@@ -1,4 +1,4 @@
-// Every case below tests/cases and tests/known, each as a test of its own.
+// Every case below tests/cases and tests/known, each as a separate test.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -24,7 +24,7 @@ const std::vector<Case>& allCases() {
 
 bool isRewriting() { return std::getenv("SOCA_REWRITE_CASES") != nullptr; }
 
-// Puts what came out in place of what the case expects.
+// Replaces the expected sections of the case by the results.
 void rewrite(const Case& testCase, const CaseOutcome& outcome) {
   Case changed = testCase;
   std::erase_if(changed.sections, [&](const Section& section) {
@@ -74,7 +74,7 @@ TEST_P(Cases, Hold) {
 INSTANTIATE_TEST_SUITE_P(All, Cases, ::testing::ValuesIn(allCases()),
                          [](const auto& test) { return test.param.name; });
 
-// A message that nothing raises, or that no case shows, is a fault of the catalog or of the cases.
+// Every message must be raised by the code and be shown by a case.
 TEST(CasesOfAllMessages, EachIdHasACase) {
   std::set<std::string> raised;
   const fl::i18n::MessageListener listener(

@@ -1,4 +1,4 @@
-// What a tool makes of the replacements that `--format json --edits` gives it.
+// Applies the replacements of `--format json --edits` as a tool would.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -12,8 +12,8 @@
 
 namespace soca::testing {
 
-// The bytes of the file with the edits of one result, which have to be in order, to be for this
-// file, and to change what they name.
+// The bytes of the file after the edits of one result, which must be in order, belong to this file,
+// and change the text that they name.
 inline std::string applyEdits(const nlohmann::json& result, const std::string& bytes) {
   EXPECT_EQ(result.at("sha256"), sha256(bytes));
   const auto encoding = fl::decodeFileText(bytes).encoding;

@@ -14,7 +14,7 @@ namespace {
 
 struct WrongCommandLine {
   std::vector<std::string> arguments;
-  // What standard error has to say.
+  // A part of standard error.
   const char* error;
 };
 
@@ -83,10 +83,10 @@ TEST(BadInput, WrongCommandLineDoesNothing) {
 struct BadClass {
   const char* name;
   const char* source;
-  // Short id, and what the hint or the first diagnostic has to say.
+  // The short id, and a part of the hint or of the first diagnostic.
   const char* id;
   const char* detail;
-  // Whether a walk over the folder passes it over, tells of it, or fails.
+  // Whether a walk over the folder counts it, reports it as skipped, or fails.
   enum { counted, skipped, failed } inFolder;
 };
 
@@ -130,7 +130,7 @@ const std::vector<BadClass>& badClasses() {
   return classes;
 }
 
-// All of the above as files.
+// All of the above classes as files.
 class BadClasses : public ::testing::Test {
  protected:
   BadClasses() {
@@ -165,7 +165,7 @@ class BadClasses : public ::testing::Test {
   Workspace space_;
 };
 
-TEST_F(BadClasses, NamedOnesFailAndTheOthersAreDone) {
+TEST_F(BadClasses, NamedOnesFailAndTheOthersAreUpdated) {
   const auto before = space_.readAll();
   for (const BadClass& bad : badClasses()) {
     const auto text = space_.soca({"update", bad.name, "pkg.Good"});
@@ -181,15 +181,15 @@ TEST_F(BadClasses, NamedOnesFailAndTheOthersAreDone) {
     EXPECT_EQ(error["id"], fullId(bad));
     EXPECT_EQ(error["diagnostics"].empty(), std::string(bad.id) != "SyntaxError") << error;
     const auto& diagnostics = error["diagnostics"];
-    const std::string told =
+    const std::string reported =
         error.value("hint", "") + (diagnostics.empty() ? "" : diagnostics[0].value("message", ""));
-    EXPECT_NE(told.find(bad.detail), std::string::npos) << error;
+    EXPECT_NE(reported.find(bad.detail), std::string::npos) << error;
     EXPECT_EQ(document["results"][0]["class"], "pkg.Good");
   }
   EXPECT_EQ(space_.readAll(), before);
 }
 
-TEST_F(BadClasses, FoldersPassOverWhatIsNoneOfOurs) {
+TEST_F(BadClasses, FoldersSkipOtherClasses) {
   const auto result = space_.soca({"update", "--format", "json", "pkg"});
   EXPECT_EQ(result.exitCode, 2);
   const auto document = parse(result);
@@ -207,7 +207,7 @@ TEST_F(BadClasses, FoldersPassOverWhatIsNoneOfOurs) {
       << result.err;
 }
 
-TEST_F(BadClasses, ReportsFailAlikeButForWhatTheyCanTell) {
+TEST_F(BadClasses, ReportsFailInTheSameWay) {
   EXPECT_EQ(space_.soca({"actions", "pkg.Broken"}).exitCode, 2);
   const auto known = space_.soca({"classes", "pkg.Handle", "pkg.Broken", "pkg.Nowhere"});
   EXPECT_EQ(known.exitCode, 2);
@@ -217,7 +217,7 @@ TEST_F(BadClasses, ReportsFailAlikeButForWhatTheyCanTell) {
   EXPECT_NE(known.err.find("pkg/Broken.vlm:3:11: error: "), std::string::npos) << known.err;
 }
 
-TEST(BadInputDeathTest, ABrokenPromiseNamesTheClass) {
+TEST(BadInputDeathTest, AnInternalErrorNamesTheClass) {
   const auto breakIt = [] {
     installInternalErrorHandler();
     const CurrentClass outer("pkg.Other");
@@ -227,7 +227,7 @@ TEST(BadInputDeathTest, ABrokenPromiseNamesTheClass) {
   EXPECT_DEATH(breakIt(), "class 'pkg.Broken' in .*: Could not find it");
 }
 
-TEST(BadInput, AClassThatIsNotThereBringsUpTheNearestOne) {
+TEST(BadInput, AMissingClassSuggestsTheNearestOne) {
   const Workspace space;
   space.write("one/shop/Mixer.vlm", outdatedClass("Mixer"));
   space.write("two/shop/stock/\u00c4rmel.vlm", outdatedClass("\u00c4rmel"));
@@ -244,7 +244,7 @@ TEST(BadInput, AClassThatIsNotThereBringsUpTheNearestOne) {
   }
 }
 
-TEST(BadInput, SyntaxErrorsOfASuperclassBelongToTheClassAskedFor) {
+TEST(BadInput, SyntaxErrorsOfASuperclassAreOfTheNamedClass) {
   const Workspace space;
   space.write("A.vlm", "classdef A < B\nend\n");
   space.write("B.vlm", "classdef B < velum.System\n  properties\n\n  X = ;\n  end\nend\n");

@@ -1,6 +1,6 @@
-// All before-and-after cases once more, through the program: what it writes is what the service
-// returns, its diffs and its single replacements lead to the same files, and it refuses nothing but
-// what is known to be spoiled.
+// Runs all before-and-after cases by the program: it writes the results of the service, its diffs
+// and its single replacements give the same files, and it refuses only the texts that are known to
+// be spoiled.
 #include "tests/cases/CaseFile.h"
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view before = "before/";
 
-// The arguments of `update` that a case asks for; empty for one that the program can't be asked.
+// The arguments of `update` for a case; empty for a case that the program cannot run.
 std::vector<std::string> argumentsOf(const Case& tested) {
   std::vector<std::string> arguments = {"update"};
   std::string className;
@@ -63,7 +63,7 @@ void writeFiles(const Case& tested, const Workspace& space) {
   }
 }
 
-// The files that should be there after an update with `--write`.
+// The expected files after an update with `--write`.
 std::map<std::string, std::string> expectedFiles(const Case& tested, const Workspace& space) {
   auto files = space.readAll();
   if (tested.find("error") != nullptr || tested.find("missing-delimiter") != nullptr) return files;
@@ -78,7 +78,7 @@ std::vector<std::string> with(std::vector<std::string> arguments, const char* op
   return arguments;
 }
 
-// What stands at the place of a finding, which is not to be larger than its line.
+// The text at the place of a finding, which must be within its line.
 std::string textAt(const nlohmann::json& place, std::string_view text) {
   for (std::size_t line = place.at("line"); line > 1; --line)
     text.remove_prefix(text.find('\n') + 1);
@@ -88,8 +88,8 @@ std::string textAt(const nlohmann::json& place, std::string_view text) {
       line.substr(column - 1, place.at("endColumn").get<std::size_t>() - column));
 }
 
-// Whether each finding stands at the member that its message names first, and what belongs to it at
-// something else that it names.
+// Whether each finding is at the member that its message names first, and its related places at
+// another name in the message.
 void expectPlaces(const nlohmann::json& result, const std::string& bytes) {
   for (const auto& finding : result.at("findings")) {
     const std::string message = finding.at("message");
@@ -106,7 +106,7 @@ void expectPlaces(const nlohmann::json& result, const std::string& bytes) {
   }
 }
 
-// The files with the single replacements of a dry run.
+// The files after the single replacements of a dry run.
 std::map<std::string, std::string> editedFiles(const std::vector<std::string>& arguments,
                                                const Workspace& space) {
   const auto result = space.soca(with(with(arguments, "--format=json"), "--edits"));

@@ -45,7 +45,7 @@ TEST(OrderedWorkers, ResultsComeInTheOrderOfTheItems) {
   }
 }
 
-TEST(OrderedWorkers, StopsWhenNobodyWantsMore) {
+TEST(OrderedWorkers, StopsWhenTheConsumerStops) {
   for (const unsigned jobs : {1U, 3U}) {
     int taken = 0;
     int consumed = 0;

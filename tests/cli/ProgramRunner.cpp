@@ -63,7 +63,7 @@ ProgramResult Workspace::soca(std::vector<std::string> arguments) const {
 }
 
 ProgramResult Workspace::run(std::vector<std::string> command) const {
-  // Beside the folder, so that the program does not find them in it.
+  // Outside the folder, so that the program does not find them in it.
   const std::string out = path_.string() + ".out";
   const std::string err = path_.string() + ".err";
   ProgramResult result;

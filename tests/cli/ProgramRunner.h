@@ -13,13 +13,13 @@
 namespace soca::testing {
 
 struct ProgramResult {
-  // What the process ended with; 128 and the number of the signal that killed it.
+  // The exit code of the process, or 128 plus the number of the signal that killed it.
   int exitCode = 0;
   std::string out;
   std::string err;
 };
 
-// A folder of its own, gone with the object, in which programs run.
+// A temporary folder in which programs run, deleted with the object.
 class Workspace {
  public:
   Workspace();
@@ -28,7 +28,7 @@ class Workspace {
   Workspace& operator=(const Workspace&) = delete;
 
   const std::filesystem::path& path() const { return path_; }
-  // Beside the folder: where the user's state goes while no newer object is made.
+  // Outside the folder: the user's state folder for the newest object.
   std::filesystem::path statePath() const { return path_.string() + ".state"; }
 
   // Writes a file below the folder, and the folders that it needs.
@@ -37,10 +37,10 @@ class Workspace {
   // The bytes of all regular files, by their names relative to the folder.
   std::map<std::string, std::string> readAll() const;
 
-  // Runs the program, or another one that is found on the search path, in the folder.
+  // Runs the program, or another one on the search path, in the folder.
   ProgramResult soca(std::vector<std::string> arguments) const;
   ProgramResult run(std::vector<std::string> command) const;
-  // Starts the program and leaves it alone; to be waited for.
+  // Starts the program without waiting for it; the caller must wait.
   pid_t start(std::vector<std::string> arguments) const;
 
  private:
@@ -51,7 +51,7 @@ class Workspace {
   std::filesystem::path path_ = std::filesystem::canonical(folder_.path());
 };
 
-// A class that every rule family has something to do with.
+// A class that every rule family changes.
 std::string outdatedClass(std::string_view name);
 
 }  // namespace soca::testing

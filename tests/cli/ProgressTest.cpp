@@ -13,7 +13,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-TEST(Progress, SaysWhatIsKnownAndFits) {
+TEST(Progress, FitsTheLine) {
   const ProgressState unknown{"classes", 4321, std::nullopt, 2};
   const ProgressState known{"classes", 4321, 12345, 2};
   const struct {
@@ -29,14 +29,14 @@ TEST(Progress, SaysWhatIsKnownAndFits) {
       {known, 30, " 4,321 of 12,345 classes  35%"},
       {known, 9, " 4,321 of"},
       {{"classes", 3, 30'000, 2}, 50, "     3 of 30,000 classes   0%  1/s  5:33:18 left"},
-      // Files came up since they were counted.
+      // Files were created after they were counted.
       {{"classes", 3, 2, 0}, 40, "3 of 3 classes 100%"},
       {{"classes", 0, 0, 0}, 40, "0 of 1 classes   0%"},
   };
   for (const auto& row : table) EXPECT_EQ(formatProgress(row.state, row.width), row.line);
 }
 
-// What a terminal of 60 columns is sent.
+// The output to a terminal of 60 columns.
 std::string sentToTerminal(const char* type, const std::function<void(Console&)>& run) {
   winsize size = {.ws_row = 24, .ws_col = 60, .ws_xpixel = 0, .ws_ypixel = 0};
   int controller = -1;
@@ -58,12 +58,12 @@ std::string sentToTerminal(const char* type, const std::function<void(Console&)>
   return text;
 }
 
-TEST(Progress, StaysBelowWhatElseIsShown) {
+TEST(Progress, StaysBelowOtherOutput) {
   const auto run = [](Console& console) {
     const Progress::Clock::time_point start;
     Progress progress(&console, "files", start);
     console.print("a\n");
-    // Nothing at first, and then now and then.
+    // Nothing at first, and later at intervals.
     for (const int now : {0, 399, 400, 401, 500, 525}) progress.advance(start + milliseconds(now));
     console.complain("b");
     progress.setTotal(8);

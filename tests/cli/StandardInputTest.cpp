@@ -8,7 +8,7 @@
 namespace soca::testing {
 namespace {
 
-// The program in the folder, with the bytes on standard input.
+// Runs the program in the folder, with the bytes on standard input.
 ProgramResult update(const Workspace& space, const std::string& options, std::string_view bytes) {
   const Workspace outside;
   outside.write("in", bytes);
@@ -16,7 +16,7 @@ ProgramResult update(const Workspace& space, const std::string& options, std::st
   return space.run({"sh", "-c", SOCA_PROGRAM " update " + options + " - < " + input});
 }
 
-TEST(StandardInput, GivesTheBytesThatWriteWouldMake) {
+TEST(StandardInput, PrintsTheBytesThatWriteWouldMake) {
   const std::string text = outdatedClass("C");
   const std::string current = "classdef C < velum.System\r\n%% \xe9\r\nend  ";
   std::string latin = text;
@@ -28,7 +28,7 @@ TEST(StandardInput, GivesTheBytesThatWriteWouldMake) {
     EXPECT_EQ(space.soca({"update", "--write", "-q"}).exitCode, 0);
     const auto expected = space.read("p/C.vlm");
     EXPECT_EQ(expected == bytes, bytes == current);
-    // Neither what the file holds counts nor that there is one.
+    // Neither the contents of the file nor its existence matter.
     for (const char* disk : {"classdef C < handle\nend\n", "classdef (", ""}) {
       space.write("p/C.vlm", disk);
       if (*disk == '\0') std::filesystem::remove_all(space.path() / "p");
@@ -40,7 +40,7 @@ TEST(StandardInput, GivesTheBytesThatWriteWouldMake) {
   }
 }
 
-TEST(StandardInput, SaysNothingElseOnStandardOutput) {
+TEST(StandardInput, PrintsOnlyTheTextOnStandardOutput) {
   const Workspace space;
   space.write("Base.vlm", "classdef Base < velum.System\nend\n");
   const std::string finding = "classdef C < Base\n  properties (Logical)\n    X\n  end\nend\n";
@@ -55,13 +55,13 @@ TEST(StandardInput, SaysNothingElseOnStandardOutput) {
   };
   const Row rows[] = {
       {"a finding", "", finding, 0, finding, "C.vlm:3: warning: Property 'X' has no default"},
-      {"a finding that nobody wants", "-q", finding, 0, finding, ""},
+      {"a finding with -q", "-q", finding, 0, finding, ""},
       {"a text that is refused", "", refused, 2, "", "is refused: the new text would have"},
       {"a syntax error", "", "classdef C < Base\n", 2, "", "C.vlm:"},
       {"another class", "", "classdef C < handle\nend\n", 2, "", "NotASystemObject"},
       {"nothing", "", "", 2, "", "is empty"},
       {"a check", "--check", changed, 1, "C\n", ""},
-      {"a check of what is current", "--check", finding, 0, "", "warning"},
+      {"a check of a current class", "--check", finding, 0, "", "warning"},
       {"a file on no root", "-p none -p .", changed, 2, "", "none"},
       {"superclasses", "-s", changed, 2, "", "one text comes in"},
       {"writing", "--write", changed, 2, "", "--write"},
@@ -78,7 +78,7 @@ TEST(StandardInput, SaysNothingElseOnStandardOutput) {
   EXPECT_EQ(update(space, "--stdin-path /C.vlm", changed).exitCode, 2);
 }
 
-TEST(StandardInput, ComesBackAsDataToo) {
+TEST(StandardInput, CanBePrintedAsData) {
   const Workspace space;
   const std::string bytes = outdatedClass("C");
   const auto text = update(space, "--stdin-path C.vlm", bytes);

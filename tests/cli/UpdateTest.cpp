@@ -16,7 +16,7 @@ std::string replaced(std::string text, std::string_view what, std::string_view w
   return text;
 }
 
-// Files that differ in nothing but their bytes: each name and the class's source.
+// Files that differ only in their bytes: each name and the class's source.
 std::map<std::string, std::string> encodings() {
   const std::string text = outdatedClass("C");
   const std::string crlf = replaced(text, "\n", "\r\n");
@@ -104,7 +104,7 @@ TEST(Update, JsonHasItsForm) {
   EXPECT_EQ(replaced(document.dump(1), root, "{root}"), expected.dump(1));
 }
 
-TEST(Update, SuperclassesComeAlongOnce) {
+TEST(Update, SuperclassesAreUpdatedOnce) {
   const Workspace space;
   space.write("A.vlm", "classdef A < Base & velum.system.mixin.Propagates\nend\n");
   space.write("B.vlm", "classdef B < Base & velum.system.mixin.Propagates\nend\n");
@@ -119,7 +119,7 @@ TEST(Update, SuperclassesComeAlongOnce) {
   EXPECT_EQ(space.soca({"update", "--check", "-r", "impl,attributes"}).out, "Base\n");
 }
 
-TEST(Update, SaysWhatIsLeftToAPerson) {
+TEST(Update, PrintsWhatIsLeftToAPerson) {
   const Workspace space;
   space.write("Base.vlm", outdatedClass("Base"));
   space.write("Heir.vlm",
@@ -130,7 +130,7 @@ TEST(Update, SaysWhatIsLeftToAPerson) {
               "classdef Stays < velum.System\n    properties (Logical)\n        X\n    end\n"
               "    methods\n        function tf = isOutputSizeLockedImpl(obj, k)\n"
               "            tf = true;\n        end\n    end\nend\n");
-  const auto told = space.soca({"update"});
+  const auto result = space.soca({"update"});
   for (const char* part :
        {"Stays.vlm:3: warning: Property 'X' has no default value, so its properties block is left "
         "as it is. [PropertyHasEmptyDefault]\n",
@@ -138,10 +138,10 @@ TEST(Update, SaysWhatIsLeftToAPerson) {
         "warning: method 'isInputSizeMutableImpl' of class 'Heir' is deleted as redundant, and its "
         "superclass 'Base' gains a method of that name",
         "looked at 3 classes: 2 would change, 1 stays as it is; 2 findings"}) {
-    EXPECT_NE(told.err.find(part), std::string::npos) << part << "\n" << told.err;
+    EXPECT_NE(result.err.find(part), std::string::npos) << part << "\n" << result.err;
   }
-  // A quiet run has its errors and its last line only, and a negated constant that strict defaults
-  // make redundant is counted.
+  // A quiet run prints its errors and its last line only, and counts a negated constant that strict
+  // defaults make redundant.
   space.write("Again.vlm",
               "classdef (StrictDefaults) Again < velum.System\n    methods (Access = protected)\n"
               "        function flag = isInputSizeLockedImpl(obj, index)\n"
@@ -153,7 +153,7 @@ TEST(Update, SaysWhatIsLeftToAPerson) {
             "again in a second update\n");
 }
 
-TEST(Update, TellsWhereTheTimeWentWhenAsked) {
+TEST(Update, StatsShowTheTimeOfEachPhase) {
   const Workspace space;
   space.write("A.vlm", outdatedClass("A"));
   const std::string err = space.soca({"update", "-q", "--stats"}).err;
@@ -184,7 +184,7 @@ TEST(Update, AnyNumberOfJobsGivesTheSameBytes) {
   }
 }
 
-TEST(Update, ColorsAreForTerminalsAndThoseWhoAsk) {
+TEST(Update, ColorsAreForTerminalsOrOnRequest) {
   const Workspace space;
   space.write("A.vlm", outdatedClass("A"));
   space.write("B.vlm", "classdef B < velum.System\n  properties\n    X = (1;\n  end\nend\n");
@@ -213,14 +213,14 @@ TEST(Update, ColorsAreForTerminalsAndThoseWhoAsk) {
     EXPECT_EQ(result.out.find("\x1b[31m-classdef") != std::string::npos, hasColor) << command[5];
     EXPECT_EQ(result.err.find("\x1b[1;31msoca:\x1b[m VELUM") != std::string::npos, hasColor);
     EXPECT_EQ(result.err.find("B.vlm:3:11: \x1b[1;31merror:") != std::string::npos, hasColor);
-    // Also for a command line that can't be read.
+    // The same for a command line that is not valid.
     command.emplace_back("--frob");
     const bool complainsInColor = space.run(command).err.starts_with("\x1b[1;31msoca:\x1b[m '");
     EXPECT_EQ(complainsInColor, hasColor) << command[5];
   }
 }
 
-TEST(Update, TerminalsObeyNoName) {
+TEST(Update, ControlCharactersInNamesAreNotPrinted) {
   const auto result = Workspace().soca({"update", "A\x1b[31m\x7f\xc2\x9b!"});
   EXPECT_NE(result.err.find("'A\ufffd[31m\ufffd\ufffd!'"), std::string::npos) << result.err;
   EXPECT_EQ(result.err.find('\x1b'), std::string::npos);

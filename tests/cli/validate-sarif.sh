@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Has the SARIF of the program checked by the validator of the format.
+# Checks the SARIF output of the program with the validator of the format.
 #
 #   validate-sarif.sh PROGRAM CLASSES FOLDER
 #
-# The validator is put into FOLDER once. Exits with 77 where it can't be had.
+# The validator is installed into FOLDER once. Exits with 77 if it is not available.
 set -euo pipefail
 
 program=$1 classes=$2 folder=$3
@@ -34,7 +34,7 @@ make_classes() {
   printf '\xef\xbb\xbfclassdef Ü < velum.system.mixin.Propagates\nend\n' >'classes/a b%41 ä/Ü.vlm'
 }
 
-# What it complains of. The project has no home page that a tool could tell.
+# The complaints of the validator. The project has no home page to put into the log.
 validate() {
   local tool
   tool=$(node -p 'require("./node_modules/@microsoft/sarif-multitool")')

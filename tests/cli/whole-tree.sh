@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Takes a tree of made-up classes, and the examples in every encoding, through all that a team does
-# with it: dry run, diff, --write, --check, undo.
+# Runs all steps that a team uses on a tree of generated classes, and on the examples in every
+# encoding: dry run, diff, --write, --check, undo.
 #   whole-tree.sh SOCA GENERATE_CLASSES EXAMPLES COUNT
 set -euo pipefail
 
@@ -17,7 +17,7 @@ fail() {
 
 same() { diff -r "$1" "$2" >difference || { head -n 20 difference; fail "$3"; }; }
 
-# The program's exit code is in `code`, its outputs in NAME.out and NAME.err.
+# Stores the program's exit code in `code`, and its outputs in NAME.out and NAME.err.
 run() {
   local name=$1
   shift
@@ -27,13 +27,13 @@ run() {
 
 ends_with() { [[ $code == "$1" ]] || { tail -n 5 "$2.err"; fail "$2: exit code $code, wanted $1"; }; }
 
-# Names, permissions, times and sums of all files below a folder.
+# Names, permissions, times and checksums of all files below a folder.
 state_of() {
   (cd -- "$1" && find . -type f -printf '%p %m %T@\n' | sort && find . -type f -print0 | sort -z |
     xargs -0 sha256sum)
 }
 
-# The examples as they are, and once more in each form that a file can have.
+# The examples unchanged, and a copy in each form that a file can have.
 make_examples() {
   local file
   cp -r -- "$examples" plain
@@ -46,7 +46,7 @@ make_examples() {
   done < <(cd -- "$examples" && find . -name '*.vlm' -size +0 -print0)
 }
 
-# The diff of a dry run, taken by git and by patch, is what --write does, and undo takes it back.
+# git and patch apply the diff of a dry run with the same result as --write, and undo reverts it.
 goes_there_and_back() {
   local root=$1
   mkdir work
@@ -82,7 +82,7 @@ same_for_any_number_of_jobs() {
   done
 }
 
-# Nothing is left to change, but for what the summary said would change again.
+# Nothing is left to change, except what the summary announced.
 is_done_after_writing() {
   state_of tree >before
   run write update --write -j 2 -p tree

@@ -1,5 +1,5 @@
-// Conversions are independent: whichever is made first and alone, the file stays a class, and an
-// update of it then makes the others.
+// Conversions are independent: when any one is made alone, the file is still a class, and a later
+// update makes the others.
 #include "conversions/Conversions.h"
 
 #include <gtest/gtest.h>
@@ -32,13 +32,13 @@ std::string applyOne(const FileEdits& all, const Conversion& conversion, const s
   return newText + text.substr(position);
 }
 
-// Without blanks at the ends of lines and blank lines, which depend on what goes at once.
+// Without blanks at the ends of lines and blank lines, which depend on the edits made together.
 std::string withoutBlanks(std::string text) {
   std::erase_if(text, [](char c) { return c == ' ' || c == '\n' || c == '\r' || c == '\t'; });
   return text;
 }
 
-// What updates make of the text until there is nothing left to do.
+// The text after repeated updates, until an update changes nothing.
 std::string settle(const PlannedClass& whole, fl::ustring text) {
   for (int i = 0; i < 3; ++i) {
     const fl::filesystem::OverlayScope overlay(to_string(whole.result.fileName), text);
@@ -53,7 +53,7 @@ void expectIndependence(const std::string& className) {
   try {
     planned = planUpdate(to_ustring(className), 7, false);
   } catch (const std::exception&) {
-    // Others see to it that this is what should come of the class.
+    // Other tests check this result.
     return;
   }
   const PlannedClass& whole = planned.front();

@@ -110,13 +110,14 @@ TEST(Raise, CopiesAreEqual) {
   }
 }
 
-TEST(Raise, TheLegacyChannelIsToldFirstAndMayThrowInstead) {
+TEST(Raise, TheLegacyChannelIsCalledFirstAndMayThrowInstead) {
   const messages::SyntaxError message(fl::ustring(u"f"));
-  std::string told;
+  std::string reported;
   {
-    const HookScope hook([&told](const IMsgIDException& failure) { told = failure.GetID(); });
+    const HookScope hook(
+        [&reported](const IMsgIDException& failure) { reported = failure.GetID(); });
     EXPECT_THROW(raiseErrMsgId(message), IMsgIDException);
-    EXPECT_EQ(told, "VELUM:system:Analyzer:SyntaxError");
+    EXPECT_EQ(reported, "VELUM:system:Analyzer:SyntaxError");
   }
   {
     const HookScope hook([](const IMsgIDException&) { throw std::out_of_range("host"); });
@@ -125,7 +126,7 @@ TEST(Raise, TheLegacyChannelIsToldFirstAndMayThrowInstead) {
   EXPECT_THROW(raiseErrMsgId(message), IMsgIDException);
 }
 
-TEST(Findings, TextsAreToldToListenersAndThoseOfExceptionsAreNot) {
+TEST(Findings, ListenersReceiveTextsButNotThoseOfExceptions) {
   std::vector<std::string> ids;
   const fl::i18n::MessageListener listener(
       [&ids](const BaseMsgID& message, const fl::ustring&) { ids.push_back(message.id); });

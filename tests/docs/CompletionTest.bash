@@ -1,5 +1,5 @@
-# What bash offers for the beginnings of command lines, through the generated script. A line of the
-# table is the words so far, a bar, and what is offered for the last one.
+# The completions that bash gets from the generated script. A line of the table has the words so
+# far, a bar, and the completions of the last word.
 #
 #   bash CompletionTest.bash SCRIPT
 set -u

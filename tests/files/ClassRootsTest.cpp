@@ -14,11 +14,11 @@ namespace {
 struct PackageCase {
   std::vector<std::string> roots;
   const char* folder;
-  // "root number:prefix", or nothing.
+  // "root number:prefix", or null.
   const char* package;
 };
 
-TEST(ClassRoots, TheFirstRootThatGivesAClassNameCounts) {
+TEST(ClassRoots, TheFirstRootWithAClassNameIsUsed) {
   const PackageCase table[] = {
       {{"/r"}, "/r", "0:"},
       {{"/r"}, "/r/a/b", "0:a.b."},
@@ -42,7 +42,7 @@ TEST(ClassRoots, TheFirstRootThatGivesAClassNameCounts) {
   }
 }
 
-// What `update --check` prints for the arguments, in one line.
+// The output of `update --check` for the arguments, in one line.
 std::string classesOf(const testing::Workspace& space, std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), {"update", "--check"});
   std::string out = space.soca(arguments).out;
@@ -50,7 +50,7 @@ std::string classesOf(const testing::Workspace& space, std::vector<std::string> 
   return out;
 }
 
-TEST(Targets, StandForClasses) {
+TEST(Targets, SelectClasses) {
   const testing::Workspace space;
   for (const char* file : {"one/a/B.vlm", "two/a/B.vlm", "two/a/C.vlm", "two/a.vlm", "two/b/D.vlm",
                            "two/b_/E.vlm", "two/B/F.vlm", "two/my-dir/p/G.vlm", "two/.git/H.vlm"}) {
@@ -62,17 +62,18 @@ TEST(Targets, StandForClasses) {
     EXPECT_EQ(classesOf(space, arguments), classes) << arguments.back();
   };
   const char* all = "B.F a a.B a.C b.D b_.E ";
-  // The byte order of names, whatever the order in the folder; no links, no odd names.
+  // Names are in byte order, whatever their order in the folder; links and invalid names are
+  // omitted.
   expect({"-p", "two"}, all);
   expect({"-p", "link"}, all);
   expect({"-p", "two", "link"}, all);
   expect({"-p", "link", "two/a"}, "a.B a.C ");
   // Names, files and folders in any order, each class once.
   expect({"-p", "two", "b.D", "two/a/C.vlm", "two/a", "b.D", "a"}, "b.D a.C a.B a ");
-  // An earlier root hides what a later one has.
+  // An earlier root hides the classes of a later one.
   expect({"-p", "one", "-p", "two", "two/a"}, "a.C ");
   expect({"-p", "one", "-p", "two"}, "a.B B.F a a.C b.D b_.E ");
-  // Roots in roots.
+  // Roots inside roots.
   expect({"-p", "two", "-p", "two/my-dir", "two/my-dir", "two/b"}, "p.G b.D ");
   expect({"-p", "two/a", "-p", "two", "two/a", "two/b"}, "B C b.D ");
   const auto hidden = space.soca({"update", "-p", "one", "-p", "two", "two/a/B.vlm"});

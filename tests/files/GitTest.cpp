@@ -9,7 +9,7 @@
 namespace soca::testing {
 namespace {
 
-// Nothing of the user's own settings is to count.
+// Ignores the user's own settings.
 const std::string prelude =
     "export HOME=$PWD/.. GIT_CONFIG_GLOBAL=/dev/null GIT_AUTHOR_NAME=a GIT_AUTHOR_EMAIL=a@b "
     "GIT_COMMITTER_NAME=a GIT_COMMITTER_EMAIL=a@b\n"
@@ -17,7 +17,7 @@ const std::string prelude =
     "begin() { git init -q . && commit; }\n"
     "soca() { " SOCA_PROGRAM " \"$@\"; }\n";
 
-// A library that can't be loaded goes by every name that is tried, so that there is none.
+// Provides a library that cannot be loaded under each name that the program tries.
 const std::string withoutLibrary =
     "mkdir lib; for n in 9 8 7 6 5 4 3 1; do echo none > lib/libgit2.so.1.$n; done\n"
     "export LD_LIBRARY_PATH=$PWD/lib\n";
@@ -38,13 +38,13 @@ class Git : public ::testing::Test {
 
 struct WriteCase {
   const char* what;
-  // In the folder of a class, outdated as it is; ends with the run.
+  // Run in the folder of an outdated class; ends with the run of the program.
   std::string script;
-  // Why the class is refused; empty if it is written.
+  // The reason why the class is refused; empty if it is written.
   const char* refusal;
 };
 
-TEST_F(Git, WhatCouldNotBeBroughtBackIsNotWritten) {
+TEST_F(Git, FilesThatGitCannotRestoreAreNotWritten) {
   const char* changed = "not committed to git; commit or stash them, or give --allow-dirty";
   const char* untracked = "it is not in git, which could not bring it back";
   const std::string write = "\nsoca update --write p.A";
@@ -62,7 +62,7 @@ TEST_F(Git, WhatCouldNotBeBroughtBackIsNotWritten) {
       {"to be added", "begin; git rm -q --cached p/A.vlm; git commit -qm x; git add -N .", changed},
       {"untracked", "git init -q .", untracked},
       {"ignored", "echo p > .gitignore; begin", untracked},
-      {"tracked though ignored", "begin; echo p > .gitignore", ""},
+      {"tracked but ignored", "begin; echo p > .gitignore", ""},
       {"other line ends in the index",
        "git init -q .; git config core.autocrlf true; sed -i 's/$/\\r/' p/A.vlm; commit 2>&1", ""},
       {"a conflict",
@@ -80,7 +80,7 @@ TEST_F(Git, WhatCouldNotBeBroughtBackIsNotWritten) {
       {"a repository in another one's ignored folder", "(cd p; begin); echo p > .gitignore; begin",
        ""},
       {"a bare repository", "git init -q --bare b.git; mv p b.git; cd b.git", ""},
-      {"a folder that is none", "mkdir .git", ""},
+      {"a folder that is no repository", "mkdir .git", ""},
       {"a link to a file that is tracked",
        "begin; mv p/A.vlm B.vlm; ln -s ../B.vlm p/A.vlm; commit", ""},
       {"a link to a file elsewhere",
@@ -90,7 +90,7 @@ TEST_F(Git, WhatCouldNotBeBroughtBackIsNotWritten) {
       {"no library", "begin" + ("\n" + withoutLibrary),
        "libgit2, which reads git repositories, is"},
       {"no library and no repository", withoutLibrary, ""},
-      {"another user's",
+      {"a repository of another user",
        "[ $(id -u) = 0 ] || exit 77; begin; chown -R 12345 p; chmod 755 ..; soca() {\n"
        "setpriv --reuid 12345 --clear-groups " SOCA_PROGRAM " \"$@\"; }; soca --version || exit 77",
        "belongs to another user; if you trust it, run 'git config --global --add safe.directory /"},
@@ -115,7 +115,7 @@ TEST_F(Git, WhatCouldNotBeBroughtBackIsNotWritten) {
   }
 }
 
-TEST_F(Git, TheOthersAreWrittenAndADryRunTellsTheSame) {
+TEST_F(Git, TheOthersAreWrittenAsTheDryRunReports) {
   const Workspace space;
   for (const char* name : {"A", "B", "C"}) {
     space.write(std::string("t/") + name + ".vlm", outdatedClass(name));
@@ -142,11 +142,11 @@ TEST_F(Git, TheOthersAreWrittenAndADryRunTellsTheSame) {
 struct WalkCase {
   const char* what;
   std::string script;
-  // What `update --check` prints, in one line.
+  // The output of `update --check`, in one line.
   const char* classes;
 };
 
-TEST_F(Git, AWalkLeavesOutWhatGitIgnores) {
+TEST_F(Git, AWalkOmitsIgnoredFiles) {
   const std::string run = "\nsoca update --check ";
   const std::string rules = "printf 'build\\n*_old.vlm\\n!keep_old.vlm\\n/q/C*\\n' > .gitignore; ";
   const WalkCase table[] = {
@@ -157,7 +157,7 @@ TEST_F(Git, AWalkLeavesOutWhatGitIgnores) {
       {"tracked files in an ignored folder",
        rules + "cp A.vlm build/H.vlm; git init -q .; git add -f build/G.vlm" + run,
        "A build.G keep_old q.D "},
-      {"all of it", rules + "begin" + run + "--no-ignore", "A b_old build.G keep_old q.C q.D "},
+      {"everything", rules + "begin" + run + "--no-ignore", "A b_old build.G keep_old q.C q.D "},
       {"the repository is above the root", rules + "begin; cd q" + run, "D "},
       {"a named folder", rules + "begin" + run + "build q", "build.G q.D "},
       {"a named file", rules + "begin" + run + "b_old.vlm", "b_old "},
@@ -172,8 +172,8 @@ TEST_F(Git, AWalkLeavesOutWhatGitIgnores) {
        rules + "begin; (cd q; git init -q .; echo D.vlm > .gitignore)" + run, "A keep_old q.C "},
       {"a repository in an ignored folder", rules + "(cd build; git init -q .); begin" + run,
        "A keep_old q.D "},
-      {"a folder that only looks like one", rules + "begin; mkdir q/.git" + run, "A keep_old q.D "},
-      {"over a link", rules + "begin; ln -s $PWD ../l; cd ..; soca update --check -p l",
+      {"an empty .git folder", rules + "begin; mkdir q/.git" + run, "A keep_old q.D "},
+      {"through a link", rules + "begin; ln -s $PWD ../l; cd ..; soca update --check -p l",
        "A keep_old q.D "},
   };
   for (const WalkCase& row : table) {
@@ -190,21 +190,21 @@ TEST_F(Git, AWalkLeavesOutWhatGitIgnores) {
   }
 }
 
-TEST_F(Git, AWalkGoesOnWithoutTheLibrary) {
+TEST_F(Git, AWalkContinuesWithoutTheLibrary) {
   const Workspace space;
   space.write("t/A.vlm", outdatedClass("A"));
   space.write("t/p/B.vlm", outdatedClass("B"));
-  const auto told = runScript(space, "cd t; echo p > .gitignore\n" + withoutLibrary +
-                                         "begin; (cd p; git init -q .); soca update --check . p");
-  EXPECT_EQ(told.out, "A\np.B\n");
+  const auto result = runScript(space, "cd t; echo p > .gitignore\n" + withoutLibrary +
+                                           "begin; (cd p; git init -q .); soca update --check . p");
+  EXPECT_EQ(result.out, "A\np.B\n");
   const std::string warning = "soca: warning: git's ignore rules do not hold: libgit2, which";
-  EXPECT_NE(told.err.find(warning), std::string::npos) << told.err;
-  EXPECT_EQ(told.err.find(warning), told.err.rfind(warning)) << told.err;
+  EXPECT_NE(result.err.find(warning), std::string::npos) << result.err;
+  EXPECT_EQ(result.err.find(warning), result.err.rfind(warning)) << result.err;
   const auto quiet = runScript(space, "cd t\n" + withoutLibrary + "rm -r .git p/.git; soca update");
   EXPECT_EQ(quiet.err.find("warning: git"), std::string::npos) << quiet.err;
 }
 
-TEST(Walk, FollowsLinksOutOfItselfOnceAndOnlyWhenAsked) {
+TEST(Walk, FollowsOutsideLinksOnceAndOnlyOnRequest) {
   const Workspace space;
   for (const char* file : {"t/p/A.vlm", "t/q/B.vlm", "far/C.vlm", "far/in/D.vlm"}) {
     space.write(file, outdatedClass(std::filesystem::path(file).stem().string()));
@@ -219,7 +219,7 @@ TEST(Walk, FollowsLinksOutOfItselfOnceAndOnlyWhenAsked) {
             "f.C\nf.in.D\np.A\nq.B\n");
 }
 
-TEST(Walk, RefusesPathsThatAreNoText) {
+TEST(Walk, RefusesPathsThatAreNotUtf8) {
   const Workspace space;
   space.write("t/A.vlm", outdatedClass("A"));
   space.write("t/caf\xe9.vlm", outdatedClass("B"));

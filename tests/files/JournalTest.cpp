@@ -1,4 +1,4 @@
-// Runs that are cut off at every step, and what their journals make good.
+// Runs that are interrupted at every step, and the repair from their journals.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -28,7 +28,7 @@ constexpr std::string_view oldText = "old text";
 constexpr std::string_view newText = "new";
 const GoesOn always = [] { return true; };
 
-// Four files in two folders, and the user's store.
+// Four files in two folders, and the user's store of runs.
 class JournalTest : public ::testing::Test {
  protected:
   JournalTest() {
@@ -89,7 +89,7 @@ class JournalTest : public ::testing::Test {
   RunStore store_;
 };
 
-// Runs it in a process of its own, which dies when it asks for the step. Whether it came so far.
+// Runs `work` in a process that dies at the step. Returns whether it reached the step.
 bool diesAt(int step, const std::function<void(const GoesOn&)>& work) {
   const pid_t process = ::fork();
   if (process == 0) {
@@ -105,7 +105,7 @@ GoesOn stopAt(int step) {
   return [step]() mutable { return step-- > 0; };
 }
 
-TEST_F(JournalTest, ARunThatDiesAtAnyStepIsTakenBack) {
+TEST_F(JournalTest, ARunKilledAtAnyStepIsReverted) {
   int step = 0;
   while (diesAt(step, [&](const GoesOn& goesOn) { write(goesOn); })) {
     SCOPED_TRACE(step++);
@@ -120,7 +120,7 @@ TEST_F(JournalTest, ARunThatDiesAtAnyStepIsTakenBack) {
   EXPECT_EQ(look(), start_);
 }
 
-TEST_F(JournalTest, AnUndoThatDiesAtAnyStepIsCompleted) {
+TEST_F(JournalTest, AnUndoKilledAtAnyStepIsCompleted) {
   int step = 0;
   write(always);
   while (diesAt(step, [&](const GoesOn& goesOn) { undoLast(goesOn); })) {
@@ -146,7 +146,7 @@ TEST_F(JournalTest, ARunThatStopsAtAnyStepCanBeUndone) {
     EXPECT_EQ(result.run != 0, result.writtenCount > 0);
     EXPECT_TRUE(repair().empty());
     if (result.run != 0) {
-      // The undo stops as well, and goes on where it was.
+      // The undo is interrupted as well, and continues where it was.
       while (undoLast(stopAt(step % 7 + 1)).isCutShort && stateOfLast() != StateType::undone) {
         EXPECT_EQ(space_.readAll().size(), 4);
         undoLast(always);
@@ -172,7 +172,7 @@ TEST_F(JournalTest, TornJournals) {
     fs::copy(copy, folder);
     for (const std::string& name : names_) std::ofstream(space_.path() / name) << newText;
   }
-  // The other file is whole before anything is changed: if it is torn, nothing was.
+  // The file `before` is complete before any file is changed: if it is torn, none was.
   for (std::uintmax_t size = fs::file_size(folder / "before"); size > 0;) {
     size -= std::min<std::uintmax_t>(size, 13);
     fs::resize_file(folder / "before", size);
@@ -185,7 +185,7 @@ TEST_F(JournalTest, TornJournals) {
   EXPECT_TRUE(store_.runs().empty());
 }
 
-TEST_F(JournalTest, OldTextThatTheDiskHasChangedIsNotPutBack) {
+TEST_F(JournalTest, ACorruptOldTextIsNotRestored) {
   write(always);
   std::fstream file(store_.folderOf(1) + "/before");
   std::stringstream bytes;
@@ -215,10 +215,10 @@ TEST_F(JournalTest, TheNewestRunsAreKept) {
   EXPECT_EQ(runs.back(), 25);
 }
 
-TEST_F(JournalTest, WhoeverHoldsTheLockIsNotTakenForInterrupted) {
+TEST_F(JournalTest, ARunWithALockIsNotTreatedAsInterrupted) {
   int steps = 0;
   write([&] {
-    // Another store is another process as far as the lock goes.
+    // For the lock, another store is the same as another process.
     EXPECT_TRUE(RunStore().isLocked());
     EXPECT_FALSE(RunStore().lock([] {}, stopAt(1)).has_value());
     return ++steps > 0;

@@ -1,7 +1,7 @@
-// The program is killed at random moments, again and again, over a tree of classes.
+// Kills the program repeatedly at random moments, on a tree of classes.
 //
-// A few times over few files in each run of the tests. KILLS=200 and FILES=1000 in the environment
-// of the test make the long form; SEED repeats one.
+// A normal test run makes a few kills on few files. KILLS=200 and FILES=1000 in the environment of
+// the test make the long form; SEED repeats one.
 #include <fcntl.h>
 #include <fmt/core.h>
 #include <gtest/gtest.h>
@@ -57,7 +57,7 @@ class KillTest : public ::testing::Test {
     return states;
   }
 
-  // What an update makes of the tree, and how long it and the undo take.
+  // The tree after an update; also measures the duration of the update and the undo.
   Files updated() {
     const auto start = Clock::now();
     EXPECT_EQ(space_.soca({"update", "--write", "-q"}).exitCode, 0);
@@ -75,8 +75,9 @@ class KillTest : public ::testing::Test {
     return static_cast<std::size_t>(std::distance(fs::directory_iterator(runs()), {}));
   }
 
-  // Kills the program some time after its start, or, half of the times, after it has made a
-  // journal, so that the writing gets its share. Whether it was killed and not done before.
+  // Kills the program some time after its start, or, in half of the cases, after it has made a
+  // journal, so that it is killed while writing too. Returns whether it was killed before it
+  // finished.
   bool kill(const std::vector<std::string>& arguments, Clock::duration time, bool waitsForJournal) {
     const auto before = runCount();
     const pid_t process = space_.start(arguments);
@@ -91,7 +92,7 @@ class KillTest : public ::testing::Test {
     return WIFSIGNALED(status);
   }
 
-  // Each file is the old or the new one, with its permissions. Gives the number of new ones.
+  // Each file is the old or the new one, with its permissions. Returns the number of new ones.
   std::size_t expectWholeFiles() const {
     const auto files = space_.readAll();
     const auto now = states();
@@ -120,7 +121,7 @@ TEST_F(KillTest, EachFileIsWholeAndTheNextRunRepairs) {
   unsigned halfWay = 0;
   for (unsigned i = 0; i < kills && !HasFailure(); ++i) {
     SCOPED_TRACE(i);
-    // The journals that are kept would otherwise stop growing in number.
+    // Otherwise the limit of kept journals would keep their number constant.
     for (const auto& run : fs::directory_iterator(runs())) fs::remove_all(run);
     killed += kill({"update", "--write", "-q"}, updateTime_, i % 2 == 0) ? 1 : 0;
     const std::size_t count = expectWholeFiles();

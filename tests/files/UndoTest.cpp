@@ -1,4 +1,4 @@
-// The command `undo`, and where the program keeps what it needs for it.
+// The command `undo`, and the folder of the program's state.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST(Undo, PutsBackAllButWhatHasChangedSince) {
+TEST(Undo, RestoresAllFilesExceptThoseChangedSince) {
   const Workspace space;
   for (const char* name : {"A", "B", "C"}) {
     space.write("pkg/" + std::string(name) + ".vlm", outdatedClass(name));
@@ -84,16 +84,17 @@ TEST(Undo, OfRunsThatCannotBeUndone) {
   EXPECT_EQ(space.read("A.vlm"), outdatedClass("A"));
 }
 
-TEST(Undo, TheStateFolderIsTheUsers) {
+TEST(Undo, TheStateFolder) {
   const Workspace space;
   space.write("A.vlm", outdatedClass("A"));
   space.write("file", "");
   const std::string here = space.path();
   const std::vector<std::tuple<const char*, std::string, std::string, std::string>> cases = {
       // what it shows, HOME, XDG_STATE_HOME, the message or the folder
-      {"neither", "", "", "neither XDG_STATE_HOME nor HOME is an absolute path"},
+      {"neither variable", "", "", "neither XDG_STATE_HOME nor HOME is an absolute path"},
       {"relative paths", "home", "state", "neither XDG_STATE_HOME nor HOME is an absolute path"},
-      {"a file in the way", here, here + "/file", "/file/soca' for the journal can't be made"},
+      {"a file in place of the folder", here, here + "/file",
+       "/file/soca' for the journal can't be made"},
       {"home", here + "/home", "state", "home/.local/state/soca"},
       {"the variable first", here + "/none", here + "/state/deep", "state/deep/soca"},
   };
@@ -114,24 +115,24 @@ TEST(Undo, TheStateFolderIsTheUsers) {
 
 constexpr int mountIsRefused = 99;
 
-// Runs the commands behind others that mount something, which nobody else sees.
+// Runs the commands after a mount that only they see.
 ProgramResult runWithMount(const Workspace& space, const std::string& mount,
                            const std::string& commands) {
   auto result = space.run(
       {"unshare", "-rm", "sh", "-c", "{ " + mount + "; } 2>/dev/null || exit 99; " + commands});
-  // What the shells and `unshare` say where it is not there or not allowed.
+  // The shells and `unshare` return this if a mount is not available or not allowed.
   if (result.exitCode == 127 || result.err.starts_with("unshare:")) {
     result.exitCode = mountIsRefused;
   }
   return result;
 }
 
-TEST(Faults, AFullDiskDamagesNothing) {
+TEST(Faults, AFullDiskDamagesNoFile) {
   const Workspace space;
   for (const char* name : {"A", "B", "C"}) {
     space.write("tree/" + std::string(name) + ".vlm", outdatedClass(name));
   }
-  // Room for the three classes and one new file.
+  // Has room for the three classes and one new file.
   const auto result = runWithMount(
       space, "mkdir small && mount -t tmpfs -o size=16k tmpfs small && cp tree/* small",
       SOCA_PROGRAM
@@ -165,7 +166,7 @@ TEST(Faults, AReadOnlyFolderFailsItsClassesOnly) {
   EXPECT_EQ(space.read("B.vlm"), outdatedClass("B"));
 }
 
-TEST(Faults, AJournalThatCannotBeWrittenKeepsEverythingAsItWas) {
+TEST(Faults, WithoutAJournalNoFileIsChanged) {
   const Workspace space;
   space.write("A.vlm", outdatedClass("A"));
   const auto result =

@@ -58,7 +58,7 @@ TEST(Writing, HardLinksAreRefusedInADryRunToo) {
   EXPECT_NE(space.read("B.vlm"), outdatedClass("B"));
 }
 
-TEST(Writing, TextThatTheEncodingLacksIsAnError) {
+TEST(Writing, TextWithoutAnEncodingIsAnError) {
   const Workspace space;
   std::string latin = outdatedClass("A");
   latin.replace(latin.find("\u00e9"), 2, "\xe9");
@@ -71,8 +71,8 @@ TEST(Writing, TextThatTheEncodingLacksIsAnError) {
   EXPECT_EQ(space.read("A.vlm"), latin);
 }
 
-// Whatever takes the place of the file between the steps is left alone, and so are the others.
-TEST(Writing, AFileThatIsNoLongerTheOneThatWasReadIsLeftAlone) {
+// A file that is replaced between the steps is not changed, and neither are the others.
+TEST(Writing, AFileThatWasReplacedIsNotChanged) {
   const std::vector<std::pair<const char*, std::function<void(const fs::path&)>>> cases = {
       {"other bytes", [](const fs::path& path) { std::ofstream(path) << "older"; }},
       {"another file", [](const fs::path& path) { fs::rename(path.string() + "-two", path); }},
@@ -120,9 +120,9 @@ TEST(Writing, SpoolGivesBackWhatWasPut) {
   for (const auto& [place, text] : texts) EXPECT_TRUE(spool.take(place) == text);
 }
 
-// The program is stopped at several moments; whatever it was doing, it ends soon, and each file is
-// the old one or the new one.
-TEST(Writing, AnInterruptLeavesNothingHalfDone) {
+// The program is interrupted at several moments; in each case it ends soon, and each file is the
+// old one or the new one.
+TEST(Writing, AnInterruptLeavesWholeFiles) {
   const Workspace space;
   for (int i = 0; i < 300; ++i) {
     const std::string name = "C" + std::to_string(i);
@@ -141,7 +141,7 @@ TEST(Writing, AnInterruptLeavesNothingHalfDone) {
     const auto after = space.readAll();
     ASSERT_EQ(after.size(), before.size());
     const bool isDone = WIFEXITED(status) && WEXITSTATUS(status) == 0;
-    // Before it can catch the signal, the process dies of it.
+    // Before the program catches the signal, the signal kills it.
     EXPECT_TRUE(isDone || WIFSIGNALED(status) || WEXITSTATUS(status) == 143) << status;
     for (const auto& [name, bytes] : after) {
       EXPECT_TRUE(bytes == updated.at(name) || (!isDone && bytes == before.at(name))) << name;

@@ -12,7 +12,7 @@ namespace {
 using testing::columnsOf;
 using testing::ModelOfText;
 
-// A class whose one block, on line 1 and from column 2, has the opening line `opening`.
+// A class with one block, on line 1 from column 2, with the opening line `opening`.
 ModelOfText classWithBlock(const std::string& opening) {
   return ModelOfText(fl::i18n::to_ustring("classdef C\n  " + opening + "\n  end\nend\n"));
 }
@@ -183,7 +183,7 @@ TEST(Blocks, EqualityOfAccess) {
   EXPECT_TRUE(unknownSet != unknownSet);
 }
 
-TEST(Blocks, MovingTakesTheEntriesAlong) {
+TEST(Blocks, MovingMovesTheEntries) {
   ModelOfText model(
       u"classdef C\nproperties (Hidden)\nA\nB\nend\nmethods (Access = private)\nf(o)\nend\n"
       u"properties\nend\nmethods\nend\nend\n");

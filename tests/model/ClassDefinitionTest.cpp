@@ -12,7 +12,7 @@ using testing::columnsOf;
 using testing::ModelOfText;
 using testing::printed;
 
-TEST(AnalyzerPositions, Bridge) {
+TEST(AnalyzerPositions, Conversions) {
   const auto analysis = ca::analyzeText(u"classdef C\n\n    properties\n    end\nend\n");
   const auto position = static_cast<std::uint32_t>(16);
   EXPECT_EQ(makePosition(*analysis, position, false), (SourcePosition{2, 4}));
@@ -23,7 +23,7 @@ TEST(AnalyzerPositions, Bridge) {
   EXPECT_EQ(printed(makeExtentOfNode(*analysis, *analysis->getClassdef())), "From (0,0) to (4,3)");
 }
 
-TEST(ClassDefinition, NothingInIt) {
+TEST(ClassDefinition, Empty) {
   const ModelOfText model(u"classdef C\nend\n");
   EXPECT_TRUE(model.definition->getSuperClasses().empty());
   EXPECT_TRUE(model.definition->getMembers().empty());
@@ -66,7 +66,7 @@ TEST(ClassDefinition, MembersKeepTheOrderOfTheFile) {
   EXPECT_EQ(&methods[0].getMethods()[0].getBlock(), &methods[0]);
 }
 
-// The same answers for a class that is searched through and for one that is sorted.
+// The results are the same for a small class, which is searched linearly, and for a sorted one.
 TEST(ClassDefinition, LookUpFindsTheFirst) {
   for (const int fillers : {0, 200}) {
     fl::ustring text = u"classdef C\nproperties\nB = 1\nA = 2\nB = 3\n";

@@ -19,11 +19,11 @@ TEST(Extent, StartsWithinLinesOf) {
     bool expected;
   };
   const Row rows[] = {
-      {"one line, columns apart", {{2, 50}, {2, 60}}, {{2, 0}, {2, 1}}, true},
-      {"the other's last line, behind its end", {{4, 9}, {7, 0}}, {{2, 0}, {4, 1}}, true},
+      {"the same line, other columns", {{2, 50}, {2, 60}}, {{2, 0}, {2, 1}}, true},
+      {"the other's last line, after its end", {{4, 9}, {7, 0}}, {{2, 0}, {4, 1}}, true},
       {"a line in between", {{3, 0}, {3, 0}}, {{2, 0}, {4, 1}}, true},
       {"a later line", {{5, 0}, {5, 1}}, {{2, 0}, {4, 1}}, false},
-      {"above, though it runs over all of it", {{1, 0}, {9, 0}}, {{2, 0}, {4, 1}}, false},
+      {"above, although it covers the other", {{1, 0}, {9, 0}}, {{2, 0}, {4, 1}}, false},
   };
   for (const Row& row : rows) {
     EXPECT_EQ(row.extent.startsWithinLinesOf(row.other), row.expected) << row.shows;

@@ -1,4 +1,4 @@
-// The model of a class text that stands in no file, over metadata that a test makes up.
+// The model of a class text without a file, with metadata from the test.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -18,7 +18,7 @@
 
 namespace soca::testing {
 
-// Answers from tables; remembers no question.
+// Returns values from tables.
 class FakeMetaClass : public MetaClass {
  public:
   bool isSystemObject() const override { return systemObject; }
@@ -59,7 +59,7 @@ struct ModelOfText {
   std::unique_ptr<ClassDefinition> definition;
 };
 
-// A value as it prints, in UTF-8.
+// The printed form of a value, in UTF-8.
 template <class Value>
 std::string printed(const Value& value) {
   std::basic_ostringstream<char16_t> out;
@@ -68,7 +68,7 @@ std::string printed(const Value& value) {
   return fl::i18n::to_string(out.str());
 }
 
-// The columns of an extent on one line, as "4-9"; with another line in it the whole.
+// The columns of an extent on one line, as "4-9"; for several lines the whole extent.
 inline std::string columnsOf(const Extent& extent) {
   if (extent.start.line != extent.end.line) return printed(extent);
   return std::to_string(extent.start.column) + "-" + std::to_string(extent.end.column);

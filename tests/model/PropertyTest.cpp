@@ -22,7 +22,7 @@ const Property& propertyOf(const ModelOfText& model) {
 
 struct PartsCase {
   const char* declaration;
-  // Default, size, class, validators, braces: each as a letter if it is there.
+  // Default, size, class, validators, braces: one letter for each that is present.
   const char* parts;
   const char* full;
   const char* size;
@@ -79,7 +79,7 @@ TEST(Property, Validators) {
   EXPECT_TRUE(property.hasValidator(u"mustBeB"));
   EXPECT_FALSE(property.hasValidator(u"mustBeC"));
   EXPECT_FALSE(property.hasValidator(u"pkg.mustBeC"));
-  // A dotted name counts as one without a name.
+  // A dotted name is treated as an empty name.
   EXPECT_TRUE(property.hasValidator(u""));
   EXPECT_FALSE(propertyOf(classWithProperty("Foo {a}")).hasValidator(u""));
   EXPECT_EQ(propertyOf(classWithProperty("Foo")).getNumberOfValidators(), 0U);

@@ -37,84 +37,84 @@ struct EditCase {
 
 const EditCase editCases[] = {
     {"no edit keeps the text", u"a\n\n b\r\n\tc\n", {}, u"a\n\n b\r\n\tc\n"},
-    {"no line end behind the last line", u"a\nb", {}, u"a\nb"},
+    {"no line end after the last line", u"a\nb", {}, u"a\nb"},
     {"an empty text", u"", {}, u""},
     {"only line ends", u"\n\n\n", {}, u"\n\n\n"},
-    {"a blank last line goes", u"a\n \t ", {}, u"a\n"},
-    {"a last line with a continuation goes", u"a\n  ... x", {}, u"a\n"},
+    {"a blank last line is removed", u"a\n \t ", {}, u"a\n"},
+    {"a last line with a continuation is removed", u"a\n  ... x", {}, u"a\n"},
     {"a text of one blank line", u"  ", {}, u""},
     {"an edit inside a line", u"abc\ndef", {{{{0, 1}, {0, 2}}, u"XY"}}, u"aXYc\ndef"},
     {"an insertion", u"abc", {{{{0, 3}, {0, 3}}, u"!"}}, u"abc!"},
-    {"later columns first",
+    {"higher columns first",
      u"abc",
      {{{{0, 2}, {0, 3}}, u"33"}, {{{0, 0}, {0, 1}}, u"11"}},
      u"11b33"},
-    {"an end behind the line is the line's end", u"abc\nd", {{{{0, 1}, {0, 9}}, u"X"}}, u"aX\nd"},
-    {"an edited line that is blank goes", u"a\n  b\nc\n", {{{{1, 2}, {1, 3}}}}, u"a\nc\n"},
-    {"an edited line with blanks and a CR goes",
+    {"an end after the line is the line's end", u"abc\nd", {{{{0, 1}, {0, 9}}, u"X"}}, u"aX\nd"},
+    {"an edited line that is blank is removed", u"a\n  b\nc\n", {{{{1, 2}, {1, 3}}}}, u"a\nc\n"},
+    {"an edited line with blanks and a CR is removed",
      u"a\nb\t\v\f \r\nc\n",
      {{{{1, 0}, {1, 1}}}},
      u"a\nc\n"},
     {"an untouched blank line stays", u"a\n\nb\nc\n", {{{{2, 0}, {2, 1}}}}, u"a\n\nc\n"},
-    {"an edited line with a bare continuation goes, comment and all",
+    {"an edited line with a bare continuation is removed with its comment",
      u"a\nb ... why\nc\n",
      {{{{1, 0}, {1, 1}}}},
      u"a\nc\n"},
-    {"an edited line with a point is none", u"a .5\nb\n", {{{{0, 0}, {0, 1}}}}, u" .5\nb\n"},
+    {"an edited line with a single point stays", u"a .5\nb\n", {{{{0, 0}, {0, 1}}}}, u" .5\nb\n"},
     {"text with a line end stays in its line",
      u"a\nb\n",
      {{{{0, 1}, {0, 1}}, u";\n  x"}},
      u"a;\n  x\nb\n"},
     {"two lines become one", u"abc\ndef\ng\n", {{{{0, 1}, {1, 1}}, u"X"}}, u"aXef\ng\n"},
-    {"of three lines the last keeps its own",
+    {"the rest of the third line stays a line",
      u"abc\n?\ndef\ng\n",
      {{{{0, 1}, {2, 1}}, u"X"}},
      u"aX\nef\ng\n"},
-    {"a blank rest disappears", u"abc\nde  \ng\n", {{{{0, 1}, {1, 2}}, u"X"}}, u"aX\ng\n"},
-    {"a rest with a continuation disappears",
+    {"a blank rest is removed", u"abc\nde  \ng\n", {{{{0, 1}, {1, 2}}, u"X"}}, u"aX\ng\n"},
+    {"a rest with a continuation is removed",
      u"abc\nde ...\ng\n",
      {{{{0, 1}, {1, 2}}, u"X"}},
      u"aX\ng\n"},
     {"a whole line", u"a\nb\nc\n", {{{{1, 0}, {2, 0}}}}, u"a\nc\n"},
-    {"a whole line in front of a blank one takes that too",
+    {"a whole line before a blank one is removed with it",
      u"a\nb\n  \nc\n",
      {{{{1, 0}, {2, 0}}}},
      u"a\nc\n"},
-    {"an end in front of the first column empties the line",
+    {"an end before the first column empties the line",
      u"abc\ndef\ng\n",
      {{{{0, 1}, {1, allOnes}}, u"X"}},
      u"aX\ng\n"},
-    {"an end behind the last line's end takes all of it",
+    {"an end after the last line's end removes all of it",
      u"abc\nde\ng\n",
      {{{{0, 1}, {1, 9}}}},
      u"a\ng\n"},
-    {"a declaration goes with its terminator and its line",
+    {"a declaration is removed with its terminator and its line",
      u"classdef C < velum.System\n  properties\n    A = 1;\n    B = 2;\n  end\nend\n",
      {{{{2, 4}, {2, 9}}, u"", 1}},
      u"classdef C < velum.System\n  properties\n    B = 2;\n  end\nend\n"},
-    {"a delimiter goes along", u"x = 1;\ny\n", {{{{0, 0}, {0, 5}}, u"", 1}}, u"y\n"},
+    {"a delimiter is removed too", u"x = 1;\ny\n", {{{{0, 0}, {0, 5}}, u"", 1}}, u"y\n"},
     {"one delimiter only", u"x = 1 ,; y\n", {{{{0, 0}, {0, 5}}, u"", 1}}, u"; y\n"},
-    {"blanks behind go to the line's end",
+    {"blanks after it are removed to the line's end",
      u"x = 1 \t \ny\n",
      {{{{0, 4}, {0, 5}}, u"2", 1}},
      u"x = 2\ny\n"},
     {"a comment stops the search", u"x = 1 % why\n", {{{{0, 0}, {0, 5}}, u"", 1}}, u"% why\n"},
-    {"a delimiter behind a continuation",
+    {"a delimiter after a continuation",
      u"x = 1 ... why\n  ; y\nz\n",
      {{{{0, 0}, {0, 5}}, u"", 1}},
      u" y\nz\n"},
-    {"a search does not leave a line by itself",
+    {"a search stays on its line without a continuation",
      u"x = 1\n;\n",
      {{{{0, 0}, {0, 5}}, u"", 1}},
      u";\n"},
-    {"a continuation over lines that are gone",
+    {"a continuation over deleted lines",
      u"x ...\na\nb\n; y\n",
      {{{{0, 5}, {3, 0}}}, {{{0, 0}, {0, 1}}, u"z", 1}},
      u"z\n y\n"},
-    {"an ampersand goes along", u"< a & b\n", {{{{0, 2}, {0, 3}}, u"", 2}}, u"<  b\n"},
+    {"an ampersand is removed too", u"< a & b\n", {{{{0, 2}, {0, 3}}, u"", 2}}, u"<  b\n"},
     {"a list delimiter, then an ampersand", u"a; & b\n", {{{{0, 0}, {0, 1}}, u"", 3}}, u" b\n"},
     {"a continuation at the end of the text", u"a ...", {{{{0, 0}, {0, 1}}, u"b", 1}}, u"b"},
-    {"blank lines on both sides of a line that was gone become one",
+    {"blank lines around a deleted line become one",
      u"a\n\nb\nc\n\nd\n",
      {{{{2, 0}, {3, 1}}}, {{{1, 0}, {3, 0}}}, {{{2, 0}, {2, 0}}, u"x"}},
      u"a\n\nd\n"},
@@ -152,11 +152,11 @@ TEST(SourceFile, Flags) {
   EXPECT_EQ(file.getNumberOfLines(), 5U);
 }
 
-// A line that is gone takes text, and stays gone; blank lines around it may then meet.
-TEST(SourceFile, EditOfALineThatIsGone) {
+// A deleted line accepts text, but stays deleted; blank lines around it may then become adjacent.
+TEST(SourceFile, EditOfADeletedLine) {
   const auto edited = [](const char16_t* text, Extent extent, std::uint64_t firstColumn = 0) {
     SourceFile file(text);
-    file.replace(u"", 0, {{1, firstColumn}, {3, 0}});  // line 2 goes
+    file.replace(u"", 0, {{1, firstColumn}, {3, 0}});  // deletes line 2
     file.replace(u"x", 0, extent);
     return linesOf(file);
   };
@@ -167,8 +167,8 @@ TEST(SourceFile, EditOfALineThatIsGone) {
   EXPECT_EQ(edited(u"a\nq\nb\n\nc", {{2, 0}, {2, 0}}, 1), (Lines{"0a", "6q", "5x", "4", "6c"}));
   SourceFile file(u"q\n\nb\n\nd");
   file.replace(u"", 0, {{0, 0}, {3, 0}});
-  file.replace(u"x", 0, {{2, 0}, {2, 0}});  // the line before is gone
-  file.replace(u"y", 0, {{1, 0}, {1, 0}});  // the line behind is gone
+  file.replace(u"x", 0, {{2, 0}, {2, 0}});  // the line before is deleted
+  file.replace(u"y", 0, {{1, 0}, {1, 0}});  // the line after is deleted
   EXPECT_EQ(linesOf(file), (Lines{"6", "5y", "5x", "4", "6d"}));
 }
 
@@ -199,14 +199,14 @@ TEST(SourceFileDeathTest, MissingDelimiterEndsTheProcess) {
                "SourceFile:205.*movePastDelimiter.*Could not find delimiter");
 }
 
-TEST(SourceFile, StartBehindTheLineThrows) {
+TEST(SourceFile, StartAfterTheLineThrows) {
   SourceFile file(u"abc\nd");
   EXPECT_THROW(file.replace(u"", 0, {{0, 4}, {0, 4}}), std::out_of_range);
   EXPECT_THROW(file.replace(u"", 0, {{1, 2}, {1, 1}}), std::out_of_range);
   EXPECT_NO_THROW(file.replace(u"", 0, {{0, 3}, {0, 3}}));
 }
 
-TEST(TextSearch, FindsLineEndsAmongUnitsThatHoldTheirByte) {
+TEST(TextSearch, FindsLineEndsAmongUnitsWithThatByte) {
   const fl::ustring text = u"\u0A0A\u0A00\u010A\n\u0A0A\n";
   EXPECT_EQ(fl::findLineEnd(text, 0), 3U);
   EXPECT_EQ(fl::findLineEnd(text, 3), 3U);
@@ -231,7 +231,7 @@ TEST(TextSearch, FindsTheFirstOccurrenceOnly) {
   EXPECT_EQ(fl::findBehindDot(text + u"x", name), 811U);
 }
 
-TEST(DotIndex, FindsWhatASearchFinds) {
+TEST(DotIndex, HasTheResultsOfASearch) {
   const fl::ustring text = u".A x.Ab2 ...Ab .B.AbcSet\n.Abc .ASet.\u00C9t9";
   const std::vector<fl::ustring_view> names = {u"Ab",      u"ASet", u"A",  u"AbcSet", u"Abc",
                                                u"\u00C9t", u"B",    u"Ab", u"No",     u"AbcSetX"};

@@ -31,7 +31,7 @@ TEST(Messages, ArgumentsAreFilledInOnce) {
       {"an 8-bit argument is UTF-8",
        {{std::string("caf\xC3\xA9")}, kCatalog, "NoFileForClass"},
        u"No file on the class path belongs to class 'caf\u00E9'."},
-      {"a 16-bit argument comes through unchanged",
+      {"a 16-bit argument stays unchanged",
        {{ustring(u"\U0001F600\u00E9")}, kCatalog, "SyntaxError"},
        u"The file '\U0001F600\u00E9' has syntax errors."},
       {"a number", {{12L}, kCatalog, "SyntaxError"}, u"The file '12' has syntax errors."},
@@ -53,7 +53,7 @@ TEST(Messages, ArgumentsAreFilledInOnce) {
   for (const auto& c : cases) EXPECT_EQ(textOf(c.message), c.text) << c.shows;
 }
 
-TEST(Messages, ListenersHearOfTextsOfTheirThreadInnermostFirst) {
+TEST(Messages, ListenersReceiveTextsOfTheirThreadInnermostFirst) {
   std::vector<std::string> heard;
   const auto note = [&heard](const std::string& who) {
     return [&heard, who](const BaseMsgID& message, const ustring& text) {
@@ -73,13 +73,13 @@ TEST(Messages, ListenersHearOfTextsOfTheirThreadInnermostFirst) {
                                              "outer SyntaxError 31"}));
 }
 
-TEST(Messages, AListenerMayAskTheCatalogAndMayThrow) {
+TEST(Messages, AListenerMayUseTheCatalogAndMayThrow) {
   const BaseMsgID message{{ustring(u"f")}, kCatalog, "SyntaxError"};
   int calls = 0;
   const MessageListener outer([&calls](const BaseMsgID&, const ustring&) { ++calls; });
   {
     const MessageListener inner([&](const BaseMsgID&, const ustring&) {
-      textOf(message);  // the outer one hears of this, the inner one does not
+      textOf(message);  // the outer one receives this, the inner one does not
       throw std::runtime_error("enough");
     });
     EXPECT_THROW(textOf(message), std::runtime_error);
@@ -90,7 +90,7 @@ TEST(Messages, AListenerMayAskTheCatalogAndMayThrow) {
   EXPECT_EQ(calls, 3);
 }
 
-TEST(TerminateDeathTest, HandlerIsAskedThenTheProcessEnds) {
+TEST(TerminateDeathTest, CallsTheHandlerThenEndsTheProcess) {
   using foundation::core::diag::setTerminateHandler;
   using foundation::core::diag::terminate;
   EXPECT_DEATH(terminate("Broken", "File", 205, "void f()"), "^File:205: void f\\(\\): Broken\n$");

@@ -14,14 +14,14 @@
 namespace fl::filesystem {
 namespace {
 
-// The text over the path; empty for none.
+// The overlay text of the path; empty for none.
 ustring textOver(const std::string& path) {
   const auto text = findOverlay(path);
   EXPECT_EQ(text, findOverlay(i18n::to_ustring(path)));
   return text == nullptr ? ustring() : *text;
 }
 
-TEST(Overlay, TheYoungestScopeCountsInWhateverOrderTheyEnd) {
+TEST(Overlay, TheLatestScopeIsReadInAnyOrderOfTheirEnds) {
   EXPECT_FALSE(hasOverlays());
   auto first = std::make_unique<OverlayScope>("/x/A.vlm", u"first");
   auto second = std::make_unique<OverlayScope>("/x/./y/../A.vlm", u"second");
@@ -36,7 +36,7 @@ TEST(Overlay, TheYoungestScopeCountsInWhateverOrderTheyEnd) {
   EXPECT_TRUE(hasOverlays());
 }
 
-TEST(Overlay, BelongsToItsThreadAndCountsAsAFile) {
+TEST(Overlay, IsOfItsThreadAndIsTreatedAsAFile) {
   const TemporaryFolder folder;
   PathDispatcher& dispatcher = PathDispatcher::getDispatcher();
   const auto before = dispatcher.classPath();

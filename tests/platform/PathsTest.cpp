@@ -20,7 +20,7 @@ namespace {
 using foundation::storage::vfs::AbsoluteIRI;
 using foundation::storage::vfs::CanonicalAbsoluteIRI;
 
-// The native path that a class name leads to, by way of its class-path item; empty for no item.
+// The native path of a class, from its class-path item; empty for no item.
 std::string fileOf(const ustring& className) {
   const auto item = omGetMatchingClassPathItem(PathDispatcher::getDispatcher(), className);
   if (item == nullptr) return "";
@@ -28,7 +28,7 @@ std::string fileOf(const ustring& className) {
   return i18n::to_string(detail::make_native_form(iri.getPath(), true));
 }
 
-// Restores the class path for the tests that come after.
+// Restores the class path for later tests.
 class Paths : public testing::Test {
  protected:
   void TearDown() override { dispatcher.setClassPath(before); }
@@ -49,7 +49,7 @@ TEST_F(Paths, TheClassPathIsTheCurrentFolderUntilItIsSet) {
   EXPECT_EQ(earlier, std::vector<std::string>{current});
 }
 
-TEST_F(Paths, TheFirstRootWinsAndThePFileInIt) {
+TEST_F(Paths, TheFirstRootAndItsPFileHavePrecedence) {
   folder.write("one/pkg/Both.p");
   folder.write("one/pkg/Both.vlm");
   folder.write("one/Plain.vlm");
@@ -70,7 +70,7 @@ TEST_F(Paths, TheFirstRootWinsAndThePFileInIt) {
     ustring name;
     std::string file;
   } cases[] = {
-      {"the p-file beside the source", u"pkg.Both", one + "/pkg/Both.p"},
+      {"the p-file before the source", u"pkg.Both", one + "/pkg/Both.p"},
       {"the first root before a p-file in a later one", u"Plain", one + "/Plain.vlm"},
       {"a later root", u"pkg.sub.Deep", two + "/pkg/sub/Deep.vlm"},
       {"a folder of that name counts", u"Folder", two + "/Folder.vlm"},
@@ -78,9 +78,9 @@ TEST_F(Paths, TheFirstRootWinsAndThePFileInIt) {
        two + "/\xC3\x9C"
              "ber.vlm"},
       {"a link keeps its name", u"Link", one + "/Link.vlm"},
-      {"a link to nothing", u"Dangling", ""},
+      {"a dangling link", u"Dangling", ""},
       {"case matters in names", u"plain", ""},
-      {"and in extensions", u"Other", ""},
+      {"case matters in extensions", u"Other", ""},
       {"no class", u"pkg", ""},
       {"no such class", u"pkg.Missing", ""},
   };
@@ -110,7 +110,7 @@ TEST_F(Paths, RootsMayHaveAnyCharacters) {
   }
 }
 
-TEST_F(Paths, LookupsGoOnWhileTheClassPathIsSet) {
+TEST_F(Paths, LookupsWorkWhileTheClassPathIsSet) {
   const std::string one = folder.write("one/A.vlm");
   const std::string two = folder.write("two/A.vlm");
   dispatcher.setClassPath({folder.path() + "/one"});

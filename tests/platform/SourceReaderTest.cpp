@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::uint64_t kLimit = 100;
 
-// What reading says about a path; empty if it goes well.
+// The error of reading a path; empty if it succeeds.
 std::string failureOf(const std::string& path) {
   try {
     readSourceFile(path, kLimit);
@@ -44,7 +44,7 @@ TEST(SourceReader, ReadsTextsInBothEncodings) {
   EXPECT_EQ(readSourceFile(folder.write("empty"), kLimit).text, u"");
 }
 
-TEST(SourceReader, SaysWhyItCannotRead) {
+TEST(SourceReader, ErrorsHaveTheReason) {
   const TemporaryFolder folder;
   const std::string pipe = folder.path() + "/pipe";
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
@@ -88,7 +88,7 @@ TEST(SourceReader, NeedsPermission) {
   EXPECT_EQ(failureOf(file), file + ": there is no permission to read it");
 }
 
-TEST(SourceReader, StampsTellStatesOfAFileApart) {
+TEST(SourceReader, StampsIdentifyStatesOfAFile) {
   const TemporaryFolder folder;
   const std::string file = folder.write("file", "first");
   const SourceFileText fresh = readSourceFile(file, kLimit);
@@ -100,7 +100,7 @@ TEST(SourceReader, StampsTellStatesOfAFileApart) {
   folder.write("file", "other");
   EXPECT_NE(stampOf(file), fresh.stamp);
   const std::optional<FileStamp> second = stampOf(file);
-  // A time of modification that is set back does not hide the change.
+  // Setting back the time of modification does not hide the change.
   std::filesystem::last_write_time(
       file, std::filesystem::file_time_type::clock::now() - std::chrono::hours(24));
   EXPECT_NE(stampOf(file), second);

@@ -23,36 +23,36 @@ struct TextCase {
   ustring text;
 };
 
-// Texts that are UTF-8, byte for byte.
+// Texts in valid UTF-8.
 const TextCase kUtf8Texts[] = {
     {"nothing", "", u""},
     {"ASCII with NUL and both line ends", "a\0b\r\nc\rd"s, u"a\0b\r\nc\rd"s},
     {"a byte order mark is kept", "\xEF\xBB\xBFx", u"\uFEFFx"},
     {"first and last of two bytes", "\xC2\x80\xDF\xBF", u"\u0080\u07FF"},
     {"first and last of three bytes", "\xE0\xA0\x80\xEF\xBF\xBF", u"\u0800\uFFFF"},
-    {"next to the surrogates", "\xED\x9F\xBF\xEE\x80\x80", u"\uD7FF\uE000"},
+    {"just outside of the surrogates", "\xED\x9F\xBF\xEE\x80\x80", u"\uD7FF\uE000"},
     {"first and last of four bytes", "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", u"\U00010000\U0010FFFF"},
 };
 
-TEST(Text, Utf8RoundTripsAtEveryPlaceInAWideStep) {
+TEST(Text, Utf8RoundTripsAtEveryPlaceInAWord) {
   for (const TextCase& c : kUtf8Texts) {
     for (std::size_t before = 0; before < 70; ++before) {
       const std::string bytes = std::string(before, 'x') + c.bytes + std::string(before % 40, 'y');
       const ustring text = ustring(before, u'x') + c.text + ustring(before % 40, u'y');
       const DecodedText decoded = decodeFileText(bytes);
-      ASSERT_EQ(decoded.text, text) << c.shows << " behind " << before;
+      ASSERT_EQ(decoded.text, text) << c.shows << " after " << before;
       ASSERT_EQ(decoded.encoding, EncodingType::utf8) << c.shows;
-      ASSERT_EQ(encodeFileText(text, EncodingType::utf8), bytes) << c.shows << " behind " << before;
+      ASSERT_EQ(encodeFileText(text, EncodingType::utf8), bytes) << c.shows << " after " << before;
       ASSERT_EQ(i18n::to_ustring(bytes), text) << c.shows;
       ASSERT_EQ(i18n::to_string(text), bytes) << c.shows;
     }
   }
 }
 
-// Bytes that are no UTF-8, and what a conversion that can't fail makes of them.
+// Invalid UTF-8, and the results of a conversion that cannot fail.
 const TextCase kInvalidBytes[] = {
-    {"a byte that only continues", "\x80", u"\uFFFD"},
-    {"a byte that never stands", "a\xFF", u"a\uFFFD"},
+    {"a continuation byte alone", "\x80", u"\uFFFD"},
+    {"a byte that is never valid", "a\xFF", u"a\uFFFD"},
     {"overlong in two bytes", "\xC0\xAF", u"\uFFFD\uFFFD"},
     {"overlong in three bytes", "\xE0\x9F\xBF", u"\uFFFD\uFFFD\uFFFD"},
     {"overlong in four bytes", "\xF0\x8F\xBF\xBF", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
@@ -60,7 +60,7 @@ const TextCase kInvalidBytes[] = {
     {"beyond the last character", "\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
     {"cut off at the end", "a\xE2\x82", u"a\uFFFD"},
     {"cut off by a letter", "\xF0\x9F\x98z", u"\uFFFDz"},
-    {"good characters round it stay", "\xC3\xA4\xFC\xC3\xB6", u"\u00E4\uFFFD\u00F6"},
+    {"valid characters around it stay", "\xC3\xA4\xFC\xC3\xB6", u"\u00E4\uFFFD\u00F6"},
 };
 
 TEST(Text, OneInvalidByteMakesTheWholeFileLatin1) {
@@ -75,7 +75,7 @@ TEST(Text, OneInvalidByteMakesTheWholeFileLatin1) {
   }
 }
 
-TEST(Text, WhatHasNoBytesDoesNotEncode) {
+TEST(Text, TextWithoutAnEncodingIsRefused) {
   const ustring high(1, char16_t{0xD83D});
   const ustring low(1, char16_t{0xDE00});
   const struct {

@@ -24,21 +24,21 @@ struct DiffCase {
 TEST(UnifiedDiff, Forms) {
   const DiffCase table[] = {
       {"equal texts have none", "a\nb\n", "a\nb\n", ""},
-      {"a changed line stands in its context", "1\n2\n3\n4\n5\n6\n7\n8\n9\n",
+      {"a changed line with its context", "1\n2\n3\n4\n5\n6\n7\n8\n9\n",
        "1\n2\n3\n4\nX\n6\n7\n8\n9\n", "@@ -2,7 +2,7 @@\n 2\n 3\n 4\n-5\n+X\n 6\n 7\n 8\n"},
       {"changes six lines apart share a hunk", "a\n1\n2\n3\n4\n5\n6\nb\n",
        "A\n1\n2\n3\n4\n5\n6\nB\n", "@@ -1,8 +1,8 @@\n-a\n+A\n 1\n 2\n 3\n 4\n 5\n 6\n-b\n+B\n"},
-      {"changes seven lines apart do not", "a\n1\n2\n3\n4\n5\n6\n7\nb\n",
+      {"changes seven lines apart have two hunks", "a\n1\n2\n3\n4\n5\n6\n7\nb\n",
        "A\n1\n2\n3\n4\n5\n6\n7\nB\n",
        "@@ -1,4 +1,4 @@\n-a\n+A\n 1\n 2\n 3\n@@ -6,4 +6,4 @@\n 5\n 6\n 7\n-b\n+B\n"},
-      {"a line end that comes", "a", "a\n", "@@ -1 +1 @@\n-a\n\\ No newline at end of file\n+a\n"},
-      {"a line end that stays away", "a\nb", "c\nb",
+      {"an added line end", "a", "a\n", "@@ -1 +1 @@\n-a\n\\ No newline at end of file\n+a\n"},
+      {"a line end that stays missing", "a\nb", "c\nb",
        "@@ -1,2 +1,2 @@\n-a\n+c\n b\n\\ No newline at end of file\n"},
       {"an empty file is filled", "", "a\n", "@@ -0,0 +1 @@\n+a\n"},
       {"a file is emptied", "a\n", "", "@@ -1 +0,0 @@\n-a\n"},
-      {"bytes stay bytes", "\xe4\r\nb\r\n", "\xe4\r\nc\r\n",
+      {"bytes are copied unchanged", "\xe4\r\nb\r\n", "\xe4\r\nc\r\n",
        "@@ -1,2 +1,2 @@\n \xe4\r\n-b\r\n+c\r\n"},
-      {"of two equal lines one goes", "a\na\nb\n", "a\nb\n", "@@ -1,3 +1,2 @@\n a\n-a\n b\n"},
+      {"one of two equal lines is removed", "a\na\nb\n", "a\nb\n", "@@ -1,3 +1,2 @@\n a\n-a\n b\n"},
   };
   for (const DiffCase& row : table) {
     std::string diff = unifiedDiff("f", row.before, row.after);
@@ -48,19 +48,19 @@ TEST(UnifiedDiff, Forms) {
   }
 }
 
-TEST(UnifiedDiff, QuotesNamesAsVersionControlDoes) {
+TEST(UnifiedDiff, QuotesNamesLikeGit) {
   EXPECT_EQ(quoteForDiff("a/b c.vlm"), "a/b c.vlm");
   EXPECT_EQ(quoteForDiff("a/\u00e4\t\"\\\x01.vlm"), R"("a/\303\244\t\"\\\001.vlm")");
   EXPECT_EQ(unifiedDiff("b c", "", "x\n"), "--- a/b c\t\n+++ b/b c\t\n@@ -0,0 +1 @@\n+x\n");
 }
 
-TEST(UnifiedDiff, ColorsLeaveTheTextAlone) {
+TEST(UnifiedDiff, ColorsDoNotChangeTheText) {
   EXPECT_EQ(colorDiff("--- a/f\n+++ b/f\n@@ -1 +1 @@\n--- x\n+y\n z\n"),
             "\x1b[1m--- a/f\x1b[m\n\x1b[1m+++ b/f\x1b[m\n\x1b[36m@@ -1 +1 @@\x1b[m\n"
             "\x1b[31m--- x\x1b[m\n\x1b[32m+y\x1b[m\n z\n");
 }
 
-TEST(Messages, ColorsAreForTheFirstWordThatTellsHowGraveItIs) {
+TEST(Messages, TheSeverityIsColored) {
   EXPECT_EQ(colorMessages("a.vlm:1:2: error: a: warning: b\n    1 | \tx ^\n      | \t  ^\n"
                           "b.vlm: note: c\n  hint: d\nhint: error\n"),
             "a.vlm:1:2: \x1b[1;31merror:\x1b[m a: warning: b\n    1 | \tx ^\n"
@@ -68,7 +68,7 @@ TEST(Messages, ColorsAreForTheFirstWordThatTellsHowGraveItIs) {
             "b.vlm: \x1b[36mnote:\x1b[m c\n  \x1b[36mhint:\x1b[m d\nhint: error\n");
 }
 
-// A text of lines out of a small set, and the same with some stretches changed.
+// A text of lines from a small set, and the same text with some parts changed.
 struct TextPair {
   std::vector<std::string> before;
   std::vector<std::string> after;
@@ -99,7 +99,7 @@ std::string join(const std::vector<std::string>& lines, bool endsLine) {
   return text;
 }
 
-TEST(UnifiedDiff, OthersApplyIt) {
+TEST(UnifiedDiff, GitAndPatchApplyIt) {
   const testing::Workspace space;
   std::mt19937 random(7);
   for (int round = 0; round < 60; ++round) {
@@ -126,8 +126,8 @@ TEST(UnifiedDiff, OthersApplyIt) {
   }
 }
 
-TEST(LineDiff, WorkStaysInProportion) {
-  // No line of either text is in the other, or unique, so that nothing holds the texts together.
+TEST(LineDiff, TheCostIsBounded) {
+  // No line is in both texts, or unique, so that there is nothing to align them by.
   std::vector<std::string_view> before;
   std::vector<std::string_view> after;
   for (std::size_t i = 0; i < 400'000; ++i) {

@@ -1,4 +1,4 @@
-// What the explanations show is what the system does.
+// The examples of the explanations match the behaviour of the system.
 #include "reports/explanations/MessageExplanations.h"
 
 #include <gtest/gtest.h>
@@ -27,7 +27,7 @@ struct Outcome {
   std::vector<std::string> ids;
 };
 
-// Updates the class Mixer, whose file has this text.
+// Updates the class Mixer with this text.
 Outcome updateMixer(std::string_view source) {
   const std::string& root = PathDispatcher::getDispatcher().classPath().front();
   const fl::filesystem::OverlayScope overlay(root + "/Mixer.vlm", fl::i18n::to_ustring(source));
@@ -48,7 +48,7 @@ Outcome updateMixer(std::string_view source) {
   return outcome;
 }
 
-// Whether the piece of source before the fix is a class that shows the fault by itself.
+// Whether the source before the fix is a class that shows the fault without further files.
 bool showsItsFault(const MessageExplanation& entry) {
   const std::set<std::string_view> others{"NoFileForClass",        "PFileExists",
                                           "CodeAnalyzerError",     "soca:HiddenFile",

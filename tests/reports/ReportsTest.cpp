@@ -1,4 +1,4 @@
-// The commands that change nothing: help, explain, check, actions and classes.
+// The commands that change no files: help, explain, check, actions and classes.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -15,7 +15,7 @@ namespace {
 TEST(Reports, HelpFitsTheScreen) {
   const Workspace space;
   const auto help = space.soca({"--help"});
-  // A line is left for what is typed next.
+  // Leaves one line for the next prompt.
   EXPECT_LE(std::ranges::count(help.out, '\n'), 23) << help.out;
   const auto expectNarrow = [](const ProgramResult& result) {
     EXPECT_EQ(result.exitCode, 0);
@@ -34,7 +34,7 @@ TEST(Reports, HelpFitsTheScreen) {
   }
 }
 
-TEST(Reports, VersionTellsWhatItWasBuiltFrom) {
+TEST(Reports, VersionShowsTheBuild) {
   const Workspace space;
   const std::string version = space.soca({"--version"}).out;
   EXPECT_TRUE(std::regex_search(
@@ -83,7 +83,7 @@ TEST(Reports, CheckPrintsTheErrorsOfAllFiles) {
   EXPECT_NE(bad.err.find("sub: it is a folder"), std::string::npos) << bad.err;
 }
 
-TEST(Reports, AreTheServicesOwn) {
+TEST(Reports, AreThoseOfTheService) {
   const Workspace space;
   space.write("p/A.vlm", "classdef A < p.\u00c4 & velum.system.mixin.Propagates\nend\n");
   space.write("p/\u00c4.vlm", outdatedClass("\u00c4"));

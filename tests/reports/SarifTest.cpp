@@ -13,7 +13,7 @@ namespace {
 
 using nlohmann::json;
 
-// A class with an edit behind a character that takes two code units.
+// A class with an edit after a character that takes two code units.
 constexpr const char* pairClass =
     "classdef P < velum.System\n"
     "  properties, Mode = 'a'; end\n"
@@ -32,7 +32,7 @@ std::size_t offsetOf(const fl::ustring& text, std::size_t line, std::size_t colu
   return start + column - 1;
 }
 
-// The text of the file with all fixes of the log in which it occurs.
+// The text of the file after all fixes of the log that concern it.
 fl::ustring fixedText(const json& run, const std::string& uri, fl::ustring text) {
   std::vector<json> replacements;
   for (const json& result : run.at("results")) {
@@ -111,7 +111,7 @@ TEST(Sarif, FingerprintsStayWhenLinesMove) {
   EXPECT_EQ(fingerprints.size(), 3U);
 }
 
-TEST(Sarif, TellsFailuresAndIsTheSameForAnyNumberOfJobs) {
+TEST(Sarif, ReportsFailuresAndIsTheSameForAnyNumberOfJobs) {
   const Workspace space;
   const Workspace elsewhere;
   elsewhere.write("lib/Far.vlm", outdatedClass("Far"));

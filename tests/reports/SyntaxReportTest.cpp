@@ -17,7 +17,7 @@ std::string lineOf(const std::string& report, int number) {
   return report.substr(start, report.find('\n', start) - start);
 }
 
-TEST(SyntaxReport, CaretStandsUnderTheError) {
+TEST(SyntaxReport, CaretIsBelowTheError) {
   // Tabs stay tabs, and a character of two code units is one blank wide.
   const std::string report = reportOf(u"f = '\U0001F600';\n\tx('\U0001F600', \u00e4 = );\r\n");
   EXPECT_EQ(lineOf(report, 0).substr(0, 17), "f:2:14: error: ex") << report;
@@ -32,7 +32,7 @@ TEST(SyntaxReport, LongLinesAreCut) {
   EXPECT_EQ(lineOf(report, 1)[lineOf(report, 2).find('^')], ';') << report;
 }
 
-TEST(SyntaxReport, WhatATerminalWouldObeyIsNotPrinted) {
+TEST(SyntaxReport, ControlCharactersAreNotPrinted) {
   EXPECT_EQ(reportOf(u"x = \x1b[31m;\n").find('\x1b'), std::string::npos);
 }
 

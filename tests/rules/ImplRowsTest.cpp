@@ -1,4 +1,4 @@
-// Every *Impl method that the rules know, against everything that decides about it.
+// Every *Impl method that the rules convert, with all conditions for the conversion.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -16,7 +16,7 @@ using fl::i18n::to_ustring;
 
 enum class RuleType { negate, rename, deletion, redundant };
 
-// Where a body given to `withNegations` has its result negated, besides at its end.
+// Marks the places in a body where `withNegations` negates the result, besides the end.
 const std::string mark = "{negate}";
 
 struct Row {
@@ -24,7 +24,7 @@ struct Row {
   // Empty if the method is to be deleted.
   const char* newName;
   RuleType rule;
-  // How many besides the object.
+  // Without the object.
   int inputs;
 };
 
@@ -50,7 +50,7 @@ std::string replaceAll(std::string text, const std::string& from, const std::str
   return text;
 }
 
-// A class with one such method, as it should be unless a test says otherwise.
+// A class with one such method, which is converted unless the test changes it.
 struct ClassText {
   explicit ClassText(const Row& row) {
     for (int i = 0; i < row.inputs; ++i) inputs += ", ~";
@@ -73,7 +73,7 @@ struct ClassText {
   std::string access = "protected";
   std::string outputs = "flag = ";
   std::string inputs = "obj";
-  // In {name}, which stands for the old name.
+  // In the method; `{name}` is replaced by the old name.
   std::string statement = "disp 1";
   std::string moreBlocks;
   std::string body = "            flag = false;\n";
@@ -84,7 +84,7 @@ CaseOutcome updateText(const std::string& text) {
   return runCase({"", "", "", {{"before/C.vlm", text}}});
 }
 
-// The body with its marks `{negate}` taken out, or filled in as the general negation does.
+// The body with its marks `{negate}` removed, or replaced by the general negation.
 std::string withoutMarks(const std::string& body) { return replaceAll(body, mark, ""); }
 
 std::string withNegations(std::string body, const std::string& output) {
@@ -100,7 +100,7 @@ struct Expectation {
   bool isConverted;
   // The message, or null for none.
   const char* id;
-  // The body after the update, if the method is renamed.
+  // The body after the update if the method is renamed.
   std::string bodyAfter;
 };
 
@@ -164,7 +164,7 @@ TEST(ImplRows, NeedTheirSignature) {
       ClassText wrong(row);
       wrong.outputs = outputs;
       expectMismatch(row, wrong, "outputs " + outputs);
-      // Strict defaults and the body are not asked.
+      // Strict defaults and the body are not checked.
       wrong.attributes = "";
       wrong.body = "";
       expectMismatch(row, wrong, "no body, outputs " + outputs);
@@ -186,7 +186,7 @@ TEST(ImplRows, NeedToBeProtected) {
   }
 }
 
-TEST(ImplRows, NeedTheirNewName) {
+TEST(ImplRows, NeedAFreeNewName) {
   for (const Row& row : kRows) {
     if (!renames(row)) continue;
     const std::string name = row.newName;
@@ -195,7 +195,7 @@ TEST(ImplRows, NeedTheirNewName) {
           "    methods (Abstract)\n        " + name + "\n    end\n"}) {
       ClassText classText(row);
       classText.moreBlocks = block;
-      // Were it judged, it would not do either.
+      // If it were checked, it would not be converted either.
       classText.access = "public";
       classText.oldName = row.name;
       const CaseOutcome outcome = updateText(classText.print(row.name, classText.body));
@@ -248,12 +248,12 @@ TEST(ImplRows, AreNotReferencedByText) {
   }
 }
 
-// What a body says matters where it is negated or redundant, and nowhere else.
-TEST(ImplRows, LookAtBodies) {
+// The body matters only for methods that are negated or redundant.
+TEST(ImplRows, CheckBodies) {
   struct Body {
     const char* outputs;
     const char* text;
-    // Null if the negation is the general one.
+    // Null for the general negation.
     const char* negated;
   };
   constexpr Body kBodies[] = {

@@ -1,4 +1,4 @@
-// Class tables: what they may hold, and how their errors read.
+// Class tables: their contents, and the texts of their errors.
 #include <gtest/gtest.h>
 
 #include "platform/runtime/ClassTable.h"

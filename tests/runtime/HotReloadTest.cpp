@@ -1,4 +1,4 @@
-// What is remembered must never outlive the text that it was read from.
+// Cached results must never be used for another text than the one they were made from.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -37,8 +37,8 @@ class HotReload : public testing::Test {
   TemporaryFolder root_;
 };
 
-TEST_F(HotReload, ChangesAreSeenAtOnce) {
-  // As fast as it goes: the time stamps of most of these are equal.
+TEST_F(HotReload, ChangesAreSeenImmediately) {
+  // Without pauses: most of the time stamps are equal.
   for (int round = 0; round < 200; ++round) {
     const char base = static_cast<char>('A' + round % 26);
     EXPECT_EQ(readBoth(write(base)), std::string(2, base));
@@ -63,7 +63,7 @@ TEST_F(HotReload, AnUnchangedFileIsAnalysedOnce) {
   EXPECT_EQ(sotarn::describeClass("C"), sotarn::describeClass("C"));
 }
 
-TEST_F(HotReload, AnOverlayLiesOverTheFileOnItsThreadOnly) {
+TEST_F(HotReload, AnOverlayIsReadOnItsThreadOnly) {
   const std::string path = write('A');
   {
     const fl::filesystem::OverlayScope outer(path, u"classdef C < B\nend\n");
@@ -77,7 +77,7 @@ TEST_F(HotReload, AnOverlayLiesOverTheFileOnItsThreadOnly) {
   EXPECT_NE(sotarn::describeClass("New"), nullptr);
 }
 
-TEST_F(HotReload, UnderAViewFilesStayAsTheyWereButOverlaysCount) {
+TEST_F(HotReload, UnderAViewFilesAreCachedButOverlaysAreRead) {
   const auto superOf = [](const char* name) {
     const auto description = sotarn::describeClass(name);
     return description == nullptr ? "none" : description->superClasses.front();

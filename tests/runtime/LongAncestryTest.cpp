@@ -1,5 +1,5 @@
-// Classes with long ancestries: under a view of the files, which is when the class runtime
-// remembers them, the answers are those that a walk from each class gives.
+// Classes with long ancestries: under a view of the files, when the class runtime caches them, the
+// results are those of a separate walk for each class.
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
@@ -25,7 +25,7 @@ constexpr std::size_t classCount = 45;
 
 std::string nameOf(std::size_t number) { return fmt::format("C{}", number); }
 
-// Chains, cycles and cross-links of classes, some of which there are not.
+// Chains, cycles and cross-links of classes, some of which do not exist.
 class World {
  public:
   explicit World(unsigned seed) : random_(seed), isCyclic_(chance(60)), ofBase_(pick(4)) {
@@ -39,7 +39,7 @@ class World {
     return root_.path() + "/" + nameOf(number) + ".vlm";
   }
 
-  // Another one each time.
+  // Different in each call.
   std::string textOf(std::size_t number) {
     std::vector<std::string> supers;
     if (number + 1 < classCount || isCyclic_) supers.push_back(nameOf((number + 1) % classCount));
@@ -66,11 +66,11 @@ class World {
   TemporaryFolder root_;
   std::mt19937 random_;
   bool isCyclic_;
-  // How many classes in a hundred name the base.
+  // The number of classes in a hundred that have the base as a superclass.
   std::size_t ofBase_;
 };
 
-// All that is asked of a class.
+// The results of all queries about a class.
 std::string answersOf(const std::string& name) {
   std::ostringstream answers;
   const auto pointer = tarn::COSClass::getClassInterface(makeInterned(name));
@@ -91,12 +91,12 @@ std::string answersOf(const std::string& name) {
 
 class LongAncestries : public testing::TestWithParam<unsigned> {};
 
-TEST_P(LongAncestries, AnswersAreThoseOfAWalkFromEachClass) {
+TEST_P(LongAncestries, ResultsEqualThoseOfAWalkFromEachClass) {
   World world(GetParam());
   const fl::filesystem::FileView view;
   std::size_t known = 0;
   for (std::size_t i = 0; i < classCount; ++i) {
-    // Whatever class comes first is the one from which the others are walked.
+    // The walk starts at the first class that is queried.
     const std::size_t number = (i * 17 + GetParam()) % classCount;
     const std::string name = nameOf(number);
     const auto inView = [&] {

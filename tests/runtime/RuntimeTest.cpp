@@ -1,4 +1,4 @@
-// What the class runtime says of classes that stand in files.
+// The class runtime's descriptions of classes in files.
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -60,7 +60,7 @@ class Runtime : public testing::Test {
   TemporaryFolder root_;
 };
 
-TEST_F(Runtime, KnowsTheEnvironmentsClassesBeforeAnyFile) {
+TEST_F(Runtime, EnvironmentClassesPrecedeFiles) {
   write("handle.vlm", "classdef handle < velum.System\nend\n");
   EXPECT_TRUE(exists("velum.system.mixin.FiniteSource"));
   EXPECT_TRUE(derives("velum.System", "velum.system.coder.System"));
@@ -72,7 +72,7 @@ TEST_F(Runtime, KnowsTheEnvironmentsClassesBeforeAnyFile) {
   EXPECT_FALSE(exists(""));
 }
 
-TEST_F(Runtime, DerivationGoesThroughFilesAndCycles) {
+TEST_F(Runtime, DerivationFollowsFilesAndCycles) {
   write("a/Top.vlm", "classdef Top < b.c.Middle\nend\n");
   write("b/c/Middle.vlm", "classdef Middle < a.Top & missing.Class & velum.System\nend\n");
   EXPECT_TRUE(derives("a.Top", "velum.system.SystemImpl"));
@@ -103,7 +103,7 @@ TEST_F(Runtime, DescribesBrokenFilesByWhatCanBeRead) {
   }
 }
 
-TEST_F(Runtime, PFilesAreDescribedByTheSourceBesideThem) {
+TEST_F(Runtime, PFilesAreDescribedByTheirSource) {
   write("Both.p", "\x01\x02");
   write("Both.vlm", "classdef Both < velum.System\nend\n");
   write("Alone.p", "classdef Alone < velum.System\nend\n");
@@ -190,7 +190,8 @@ end
   EXPECT_FALSE(metaClass("Side").isStrictDefaultsClass());
   EXPECT_TRUE(top.getProperty("A").isAbstractInAnyClass());
   EXPECT_FALSE(top.getProperty("D").isAbstractInAnyClass());
-  // Its own first declaration is nearer than the base's, and the first superclass than the second.
+  // Its own first declaration has precedence over the base's, and the first superclass over the
+  // second.
   EXPECT_FALSE(top.getProperty("D").isDependent());
   EXPECT_FALSE(top.getProperty("E").isDependent());
   EXPECT_TRUE(metaClass("Base").getProperty("D").isDependent());
@@ -208,7 +209,7 @@ TEST_F(Runtime, OneFileMayBeSeveralClasses) {
   EXPECT_FALSE(metaClass("B").isMethodDefinedInSuperClass("m"));
 }
 
-TEST_F(Runtime, AClassTableReplacesWhatSourceSays) {
+TEST_F(Runtime, AClassTableReplacesFactsOfTheSource) {
   write("C.vlm",
         "classdef C < handle\nproperties (Dependent)\nP, Q\nend\nmethods\nfunction m, "
         "end\nend\nend\n");

@@ -29,16 +29,16 @@ TEST(ActionGroup, Extent) {
   EXPECT_EQ(group()->getExtent(), (Extent{{allOnes, allOnes}, {0, 0}}));
 }
 
-TEST(ActionGroup, TakesItsChildren) {
+TEST(ActionGroup, OwnsItsChildren) {
   ActionList children = listOf(edit({}), edit({}));
   const ActionGroup taken(std::move(children));
-  EXPECT_TRUE(children.empty());  // NOLINT(bugprone-use-after-move): that is the promise
+  EXPECT_TRUE(children.empty());  // NOLINT(bugprone-use-after-move): documented effect
   EXPECT_EQ(taken.getActions().size(), 2U);
   EXPECT_TRUE(taken.isGroup());
   EXPECT_FALSE(taken.getActions().front()->isGroup());
 }
 
-// The text after the actions; "overlap", where one collides.
+// The text after the actions; "overlap" if one overlaps an earlier one.
 std::string applied(const fl::ustring& text, const ActionList& actions) {
   SourceFile file(text);
   ActionApplier applier(&file, u"/a/C.vlm");
@@ -62,15 +62,15 @@ TEST(ActionApplier, Overlaps) {
   Row rows[] = {
       {"two that begin on one line", listOf(edit({{{0, 2}, {0, 3}}}), edit({{{0, 0}, {0, 1}}})),
        "overlap, ab\nd\ne\nf"},
-      {"two that change nothing on one line",
+      {"two without changes on one line",
        listOf(edit({{{0, 2}, {0, 2}}}), edit({{{0, 0}, {0, 0}}})), "overlap, abc\nd\ne\nf"},
       {"the same two as a group", listOf(group(edit({{{0, 2}, {0, 3}}}), edit({{{0, 0}, {0, 1}}}))),
        "b\nd\ne\nf"},
       {"one on the last line of another",
        listOf(edit({{{0, 3}, {1, 0}}, u"-"}), edit({{{1, 0}, {1, 1}}})), "overlap, abc-d\ne\nf"},
-      {"the other way round",
+      {"the same two in the other order",
        listOf(edit({{{1, 0}, {1, 1}}, u"D"}), edit({{{0, 3}, {1, 0}}, u"-"})), "abc-D\ne\nf"},
-      {"one that runs over another from above",
+      {"one from above that overlaps another",
        listOf(edit({{{1, 0}, {1, 1}}, u"D"}), edit({{{0, 1}, {2, 0}}})), "ae\nf"},
       {"one between the children of a group",
        listOf(group(edit({{{2, 0}, {2, 1}}, u"E"}), edit({{{0, 0}, {0, 1}}, u"A"})),
@@ -79,13 +79,13 @@ TEST(ActionApplier, Overlaps) {
       {"two groups on one line",
        listOf(group(edit({{{0, 2}, {0, 3}}})), group(edit({{{0, 0}, {0, 1}}}))),
        "overlap, ab\nd\ne\nf"},
-      {"behind a group the test goes on",
+      {"the test continues after a group",
        listOf(group(edit({{{0, 0}, {0, 1}}})), edit({{{1, 0}, {1, 1}}, u"D"}),
               edit({{{1, 0}, {1, 0}}})),
        "overlap, bc\nD\ne\nf"},
-      {"a group in a group does nothing",
+      {"a group in a group is ignored",
        listOf(group(group(edit({{{1, 0}, {1, 1}}})), edit({{{0, 0}, {0, 1}}}))), "bc\nd\ne\nf"},
-      {"and is claimed with it",
+      {"a group in a group is claimed with it",
        listOf(group(group(edit({{{1, 0}, {1, 1}}})), edit({{{0, 0}, {0, 1}}})),
               edit({{{1, 0}, {1, 0}}})),
        "overlap, bc\nd\ne\nf"},
@@ -95,19 +95,19 @@ TEST(ActionApplier, Overlaps) {
   }
 }
 
-TEST(ActionApplier, TakesDelimitersAlong) {
+TEST(ActionApplier, RemovesDelimiters) {
   EXPECT_EQ(
       applied(u"a ;b", listOf(edit({{{0, 0}, {0, 1}}, u"x", SourceFile::ConsumeListDelimiter}))),
       "xb");
   EXPECT_EQ(applied(u"a ;b", listOf(edit({{{0, 0}, {0, 1}}, u"x"}))), "x ;b");
 }
 
-TEST(ActionApplier, StaleColumnsOfAGroupPassThrough) {
+TEST(ActionApplier, ColumnsInAGroupAreNotAdjusted) {
   const ActionList actions = listOf(group(edit({{{0, 0}, {0, 3}}}), edit({{{0, 2}, {0, 3}}})));
   EXPECT_THROW(applied(u"abc", actions), std::out_of_range);
 }
 
-TEST(ActionApplier, StopsInFrontOfAMissingDelimiter) {
+TEST(ActionApplier, StopsBeforeAMissingDelimiter) {
   SourceFile file(u"abc\nd e\nf");
   ActionApplier applier(&file, u"/a/C.vlm");
   const auto apply = [&](const Extent& extent, std::vector<PlannedEdit> edits) {
@@ -121,7 +121,7 @@ TEST(ActionApplier, StopsInFrontOfAMissingDelimiter) {
   EXPECT_THROW(apply({{2, 0}, {2, 0}}, {}), IMsgIDException);
 }
 
-TEST(ClaimedExtents, CollideAsEachOfThemDoes) {
+TEST(ClaimedExtents, OverlapAsTheSingleExtentsDo) {
   std::mt19937 random(1);
   for (int round = 0; round < 200; ++round) {
     ClaimedExtents claimed;

@@ -1,4 +1,4 @@
-// Which classes are visited, which families run, and what is gathered and printed of them.
+// The order of classes and families, and the collection and printing of their results.
 #include <map>
 
 #include "platform/failure/Exception.h"
@@ -32,7 +32,7 @@ TEST(ClassWalk, BreadthFirstEachOnce) {
   EXPECT_EQ(order, "C B A b Base ");
 }
 
-TEST(RuleFamilies, RunInOneOrderWhateverTheMask) {
+TEST(RuleFamilies, RunInOneOrderForAnyMask) {
   using Families = std::vector<RuleFamilyType>;
   using enum RuleFamilyType;
   EXPECT_EQ(selectRuleFamilies(1 + 2 + 4), (Families{attributes, mixins, impl}));
@@ -43,7 +43,7 @@ TEST(RuleFamilies, RunInOneOrderWhateverTheMask) {
   EXPECT_EQ(ServiceContext(3).factories.size(), 2U);
 }
 
-// Gives one action on line `line`, and one message.
+// Makes one action on line `line`, and one message.
 class FakeFactory : public AbstractActionFactory {
  public:
   explicit FakeFactory(std::uint64_t line) : line_(line) {}
@@ -80,7 +80,7 @@ TEST(CollectActions, OneFamilyAfterTheOther) {
   EXPECT_EQ(entries.front().messages, (std::list<fl::ustring>{u"a.B8", u"a.B5"}));
   EXPECT_EQ(entries.back().actions.front()->getExtent().start.line, 8U);
   EXPECT_EQ(entries.back().actions.back()->getExtent().start.line, 5U);
-  // The classes went into the entries.
+  // The classes were moved into the entries.
   ASSERT_EQ(classes.size(), 2U);
   EXPECT_EQ(classes.front(), nullptr);
   EXPECT_EQ(fl::i18n::to_string(formatActionReport(std::move(entries))),

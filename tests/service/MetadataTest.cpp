@@ -35,7 +35,7 @@ class Metadata : public ::testing::Test {
     return VELUMMetaDataInterface().getMetaClass(name);
   }
 
-  // The id of what looking up the file raises, or the path below the root.
+  // The id that looking up the file raises, or the path below the root.
   std::string fileOf(const fl::ustring& name) const {
     try {
       return fs::path(fl::i18n::to_string(classOf(name)->getClassFile()))
@@ -116,7 +116,7 @@ TEST_F(Metadata, LoadedClass) {
   EXPECT_EQ(loaded->definition->getNumberOfPropertiesBlocks(), 1U);
 }
 
-// The plan says what the service does, for every example and every selection of families.
+// The plan has the results of the service, for every example and every selection of families.
 TEST(UpdatePlan, SameResultsAsTheService) {
   PathDispatcher::getDispatcher().setClassPath({SOCA_SOURCE_DIR "/examples"});
   std::size_t updated = 0;
@@ -144,7 +144,7 @@ TEST(UpdatePlan, SameResultsAsTheService) {
   EXPECT_GT(updated, 0U);
 }
 
-TEST_F(Metadata, PlanTellsTheFamilies) {
+TEST_F(Metadata, PlanHasTheFamilies) {
   write("C.vlm",
         "classdef C < velum.system.mixin.CustomIcon\nproperties (Logical)\nA = true;\nend\n"
         "methods (Access = protected)\nfunction flag = isOutputSizeLockedImpl(~, ~)\n"

@@ -1,4 +1,4 @@
-// Actions over no model at all.
+// Actions without a model.
 #pragma once
 
 #include <list>
@@ -22,7 +22,7 @@ struct PlainEdit {
   Extent getFullExtent() const { return extent; }
 };
 
-// Holds what it replaces itself, unlike the actions of the rules.
+// Owns its entity, unlike the actions of the rules.
 class PlainAction : private PlainEdit, public ReplaceEntity<PlainEdit, GetExtent<PlainEdit>> {
  public:
   explicit PlainAction(const PlainEdit& edit)

@@ -5,7 +5,7 @@
 namespace ca {
 namespace {
 
-// Compares as bytes, for which compilers make few wide instructions when the length is known.
+// A comparison of bytes of a known length compiles to a few wide instructions.
 template <std::size_t size>
 bool isWord(fl::ustring_view name, const char16_t (&keyword)[size]) {
   constexpr std::size_t length = size - 1;

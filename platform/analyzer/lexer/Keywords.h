@@ -12,7 +12,7 @@ namespace ca {
 
 namespace internal {
 
-// For each small letter the lengths of the keywords that begin with it, as bits.
+// For each small letter the lengths of the keywords that begin with it, one bit for each length.
 constexpr std::array<std::uint16_t, 26> makeKeywordLengths() {
   std::array<std::uint16_t, 26> lengths{};
   for (const fl::ustring_view keyword :
@@ -35,7 +35,7 @@ inline bool mayBeKeyword(char16_t first, std::size_t length) {
   return (internal::keywordLengths[letter] >> length & 1U) != 0;
 }
 
-// The keyword that such a name is, or TokenKind::Identifier.
+// The keyword that `name` is, or TokenKind::Identifier. Requires mayBeKeyword.
 TokenKind compareWithKeywords(fl::ustring_view name);
 
 }  // namespace ca

@@ -48,8 +48,8 @@ std::optional<Value> fitSuffix(std::uint64_t value, bool isSigned, unsigned bits
   }
 }
 
-// Whether a number in decimal digits is less than one; for numbers that are too large or too small
-// for a double this tells which.
+// Whether a number in decimal digits is less than one. Decides whether a number out of the range of
+// a double is too small or too large.
 bool isBelowOne(const std::string& digits) {
   const std::size_t mark = std::min(digits.find_first_of("eE"), digits.size());
   const std::size_t point = std::min(digits.find('.'), mark);
@@ -67,13 +67,13 @@ bool isBelowOne(const std::string& digits) {
   return scale + exponent < 0;
 }
 
-// So many digits are a double without loss, as are the powers of ten up to that of as many zeros.
-// The quotient of the two is then the double that is nearest to the number.
+// Integers of this many decimal digits, and powers of ten up to this exponent, are exact doubles.
+// The quotient of two exact doubles is correctly rounded.
 constexpr std::uint32_t mostExactDigits = 15;
 constexpr std::array<double, mostExactDigits + 1> powersOfTen{
     1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 
-// Nothing for a number that is too large for a double; one that is too small is zero.
+// Empty for a number too large for a double; one that is too small is zero.
 std::optional<double> toDouble(fl::ustring_view digits) {
   std::string ascii;
   for (const char16_t c : digits) {
@@ -150,7 +150,7 @@ Lexer::Number Lexer::scanBasedNumber(std::uint32_t begin, unsigned bitsPerDigit)
   unsigned bits = 0;
   if (sign == u'u' || sign == u's') {
     const char16_t tens = text_[position + 1];
-    // Behind the end of the text nothing may be read.
+    // The text may end before the second digit of the suffix.
     const char16_t ones = tens != 0 ? text_[position + 2] : u'\0';
     if (tens == u'8') bits = 8;
     if (tens == u'1' && ones == u'6') bits = 16;

@@ -16,10 +16,10 @@ constexpr bool isLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit < 0
 
 }  // namespace
 
-// --- the token at a place ---
+// --- tokens ---
 
-// Most tokens are names and single characters with at most one run of blanks in front of them. They
-// are read here, without a call on the way; all others by the general functions.
+// Reads most tokens, which are names and single characters after at most one run of blanks, without
+// a function call; all others go to the general functions.
 void Lexer::scan(std::uint32_t from, Token& token) {
   token.blankBefore = false;
   char16_t c = text_[from];
@@ -47,7 +47,8 @@ void Lexer::scan(std::uint32_t from, Token& token) {
   if (mayBeKeyword(c, end - from)) token.kind = compareWithKeywords(textOf(token));
 }
 
-// From where the token begins, over anything that is none.
+// The general case: skips blanks, comments and continuations from `token.begin`, then reads a
+// token.
 void Lexer::scanFurther(Token& token) {
   std::uint32_t position = token.begin;
   if (position == 0 && size_ > 0 && text_[0] == byteOrderMark) ++position;
@@ -79,7 +80,7 @@ void Lexer::scanFurther(Token& token) {
         token.kind = TokenKind::EndOfText;
         token.end = position;
         if (position >= size_) return;
-        ++position;  // Told of once for the whole text.
+        ++position;  // Reported once for the whole text.
         break;
       case TokenStartType::wide:
         return scanWide(token);
@@ -131,7 +132,7 @@ bool Lexer::isLetterAt(std::uint32_t position) const {
   return c < 128 ? isOfClass(c, characters::letter) : wideLetterLength(position) != 0;
 }
 
-// The operators of more than one character, or of which one may begin another.
+// The operators of more than one character, and those that are the beginning of one.
 void Lexer::scanOperator(Token& token) const {
   const char16_t next = text_[token.begin + 1];
   const auto pick = [&](char16_t second, TokenKind pair, TokenKind single) {
@@ -193,7 +194,7 @@ Token Lexer::scanLiteral(std::uint32_t begin, bool blankBefore) {
 
 std::uint32_t Lexer::skipBlanks(std::uint32_t position) const {
   ++position;
-  // Most often there is just one.
+  // Usually there is only one.
   return isBlank(text_[position]) ? map_->findBlanksEnd(position) : position;
 }
 
@@ -229,8 +230,8 @@ std::uint32_t Lexer::skipComment(std::uint32_t position) {
 bool Lexer::isBlockCommentLine(std::uint32_t position, char16_t mark) const {
   if (text_[position + 1] != mark) return false;
   if (!isFirstOnLine(position)) return false;
-  const std::uint32_t behind = map_->findBlanksEnd(position + 2);
-  return behind >= size_ || text_[behind] == u'\n';
+  const std::uint32_t next = map_->findBlanksEnd(position + 2);
+  return next >= size_ || text_[next] == u'\n';
 }
 
 bool Lexer::isFirstOnLine(std::uint32_t position) const {
@@ -242,7 +243,7 @@ bool Lexer::isFirstOnLine(std::uint32_t position) const {
   return true;
 }
 
-// Goes from the `%` of the opening line to the end of the closing line.
+// Skips from the `%` of the opening line to the end of the closing line.
 std::uint32_t Lexer::skipBlockComment(std::uint32_t position) {
   const std::uint32_t opening = position;
   unsigned depth = 1;

@@ -1,5 +1,5 @@
-// Cuts a text into tokens, one at a time and on demand: what a quote or a blank means depends on
-// where the grammar stands, so the parser asks.
+// Splits a text into tokens, one at a time and on demand: the meaning of a quote or a blank depends
+// on the grammar, which only the parser knows.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace ca {
 
-// Who hears of errors inside a token.
+// Receives the errors inside tokens.
 class LexicalErrors {
  public:
   // `message` is a whole sentence about the character at `position`.
@@ -21,7 +21,8 @@ class LexicalErrors {
   ~LexicalErrors() = default;
 };
 
-// `text` must be followed by a NUL, as a string's is. It and its map must outlive the lexer.
+// `text` must be followed by a NUL, as that of a string is. The text and its map must outlive the
+// lexer.
 class Lexer {
  public:
   Lexer(fl::ustring_view text, const CharacterMap& map, LexicalErrors& errors)
@@ -30,7 +31,7 @@ class Lexer {
         map_(&map),
         errors_(&errors) {}
 
-  // The token at `from`, or the next one behind blanks and comments.
+  // The token at `from`, or the next one after blanks and comments.
   void scan(std::uint32_t from, Token& token);
   Token scan(std::uint32_t from) {
     Token token;
@@ -56,20 +57,19 @@ class Lexer {
 
   // Whether the identifier that ends at `nameEnd` and begins a statement is the name of a command.
   bool isCommandBehind(std::uint32_t nameEnd) const;
-  // The next word of a command at or behind `from`; an empty range at the place where the command
-  // ends.
+  // The next word of a command at or after `from`; an empty range at the end of the command.
   struct Word {
     std::uint32_t begin = 0;
     std::uint32_t end = 0;
   };
   Word scanCommandWord(std::uint32_t from) const;
 
-  // The first code unit behind blanks and continuations, from `from`.
+  // The first code unit after the blanks and continuations that begin at `from`.
   std::uint32_t skipBlanksAndContinuations(std::uint32_t from) const;
-  // Whether a blank, a continuation or a line end stands at `position`.
+  // Whether there is a blank, a continuation or a line end at `position`.
   bool isBlankAt(std::uint32_t position) const;
   bool isLetterAt(std::uint32_t position) const;
-  // Whether only blanks stand in front of `position` on its line.
+  // Whether there are only blanks before `position` on its line.
   bool isFirstOnLine(std::uint32_t position) const;
   bool isContinuationAt(std::uint32_t position) const {
     return text_[position] == u'.' && text_[position + 1] == u'.' && text_[position + 2] == u'.';
@@ -83,7 +83,7 @@ class Lexer {
 
  private:
   Token extendName(Token first, std::uint32_t parts) const;
-  // Each sets the kind and the end of a token of which the beginning is known.
+  // Each sets the kind and the end of a token whose beginning is set.
   void scanFurther(Token& token);
   void scanName(Token& token) const;
   void scanWide(Token& token) const;
@@ -93,14 +93,14 @@ class Lexer {
   std::uint32_t nameEnd(std::uint32_t position) const;
   // The length in code units of a letter beyond ASCII at `position`, or 0.
   std::uint32_t wideLetterLength(std::uint32_t position) const;
-  // Behind the blanks that begin at `position`.
+  // The position after the blanks that begin at `position`.
   std::uint32_t skipBlanks(std::uint32_t position) const;
-  // Behind the line end of the line; a text need not end with one.
+  // The position after the line end of the line; a text need not end with one.
   std::uint32_t skipLine(std::uint32_t position) const;
   std::uint32_t skipLineEnds(std::uint32_t position);
   std::uint32_t skipComment(std::uint32_t position);
   std::uint32_t skipBlockComment(std::uint32_t position);
-  // Whether only `%` and `mark` stand on the line of the `%` at `position`.
+  // Whether the line of the `%` at `position` has only `%` and `mark`.
   bool isBlockCommentLine(std::uint32_t position, char16_t mark) const;
   Number scanBasedNumber(std::uint32_t begin, unsigned bitsPerDigit) const;
 

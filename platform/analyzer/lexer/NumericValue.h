@@ -21,7 +21,7 @@ using NumericValue =
 
 namespace internal {
 
-// Whether a numeric value is one. An imaginary number never is.
+// Whether a numeric value is 1. An imaginary number never is.
 struct IsOneVisitor {
   template <class Number>
   bool operator()(const Number& value) const {

@@ -12,7 +12,7 @@ enum class TokenKind : std::uint8_t {
   Comma,
   Identifier,
   Number,
-  Quote,        // opens a character literal, or transposes: only the grammar can tell
+  Quote,        // opens a character literal or transposes: the grammar decides
   DoubleQuote,  // opens a string literal
   OpenParenthesis,
   CloseParenthesis,
@@ -42,7 +42,7 @@ enum class TokenKind : std::uint8_t {
   Colon,
   Plus,
   Minus,
-  Multiplicative,  // * .* / ./ \ .\ , which the tree does not tell apart
+  Multiplicative,  // * .* / ./ \ .\ , one kind in the tree
   Power,           // ^ .^
 
   // Keywords, from here on.
@@ -70,10 +70,10 @@ enum class TokenKind : std::uint8_t {
 
 constexpr bool isKeyword(TokenKind kind) { return kind >= TokenKind::Break; }
 
-// Positions are indices of UTF-16 code units; `end` is just behind the token.
+// Positions are indices of UTF-16 code units; `end` is just after the token.
 struct Token {
   TokenKind kind = TokenKind::EndOfText;
-  // Whether a blank or a continuation stands between the token and the one before it.
+  // Whether a blank or a continuation separates the token from the one before it.
   bool blankBefore = false;
   std::uint32_t begin = 0;
   std::uint32_t end = 0;

@@ -1,4 +1,4 @@
-// What a token is by its first character.
+// The kind of token that a first character begins.
 #pragma once
 
 #include <array>
@@ -10,12 +10,12 @@
 namespace ca {
 
 enum class TokenStartType : std::uint8_t {
-  single,  // the token ends behind it, and its kind is known; a number's end is found later
+  single,  // a token of one character and of known kind; of a number the first digit
   name,    // an ASCII letter
   blank,
   lineEnd,
   comment,
-  operation,  // the next character tells more
+  operation,  // depends on the next character
   nul,
   wide,  // beyond ASCII
 };
@@ -27,7 +27,7 @@ struct TokenStart {
 
 namespace characters {
 
-// For each ASCII character, and behind them for all others.
+// One entry for each ASCII character, and the last one for all others.
 constexpr std::array<TokenStart, 129> makeTokenStarts() {
   std::array<TokenStart, 129> starts{};
   const auto set = [&](char c, TokenKind kind) {

@@ -7,7 +7,7 @@
 
 namespace ca {
 
-// The whole file: a class and the functions behind it, or statements and functions.
+// The whole file: a class and the functions after it, or statements and functions.
 void Parser::parseFile(ListBuilder<Node>& elements) {
   while (accept(TokenKind::LineEnd)) {
   }
@@ -30,7 +30,7 @@ void Parser::parseFile(ListBuilder<Node>& elements) {
   }
 }
 
-// Functions, each of them closed by `end`.
+// Functions, each closed by `end`.
 void Parser::parseBehindClass(ListBuilder<Node>& elements) {
   for (;;) {
     recover();
@@ -73,8 +73,8 @@ const Parser::Node* Parser::parseClassdef() {
   return finish(classdef);
 }
 
-// Reads the name and the superclasses of a class from a line with an error in front of them; `head`
-// is the token behind `classdef`. The place where the parse goes on stays.
+// Reads the name and the superclasses of a class from a line with an error before them; `head` is
+// the token after `classdef`. The current token stays the same.
 void Parser::rescueHead(astapi::Classdef& classdef, const Token& head) {
   const Token resume = std::exchange(token_, head);
   const std::uint32_t lastEnd = lastEnd_;
@@ -96,7 +96,7 @@ void Parser::rescueHead(astapi::Classdef& classdef, const Token& head) {
   lastEnd_ = lastEnd;
 }
 
-// Goes behind the parenthesis that closes the current one, or to the end of the line.
+// Skips to the token after the parenthesis that closes the current one, or to the end of the line.
 void Parser::skipParentheses() {
   unsigned depth = 0;
   TokenKind previous = TokenKind::Comma;
@@ -143,7 +143,7 @@ void Parser::parseClassBody(astapi::Classdef& classdef) {
   classdef.members = members.take();
 }
 
-// Tells of what can't stand here, and takes it: a class or a statement with all that it holds.
+// Reports and takes what is not allowed here: a class or a statement with all its contents.
 void Parser::refuse(const char* expected) {
   if (isKeyword(token_.kind) && !is(TokenKind::End)) {
     report(token_.begin, fmt::format("expected {}, found {}", expected, describe(token_)));
@@ -249,7 +249,7 @@ const astapi::Attribute* Parser::parseAttribute() {
 void Parser::finishMember(const char* what, bool needsSeparator) {
   if (failed_ || isSeparator() || is(TokenKind::EndOfText)) return;
   if (is(TokenKind::End) && !needsSeparator) return;
-  // Without a closing word a function ends where the next one begins.
+  // Without `end` a function ends where the next one begins.
   if (is(TokenKind::Function) && style_ == FunctionStyleType::open) return;
   const std::string expected = fmt::format("a line end, `;` or `,` behind {}", what);
   if (isKeyword(token_.kind)) {

@@ -94,7 +94,7 @@ const Parser::Node* Parser::parseSwitch() {
   if (!is(TokenKind::Case) && !is(TokenKind::Otherwise) && !is(TokenKind::End)) {
     fail("`case`, `otherwise` or `end`");
     recover();
-    // Whatever stands in front of the first case is read and dropped.
+    // The statements before the first case are parsed and dropped.
     parseBody(BodyType::caseBody);
   }
   ListBuilder<Node> cases(*this);
@@ -120,15 +120,15 @@ const Parser::Node* Parser::parseTry() {
   return finish(statement);
 }
 
-// The word behind `catch` is its identifier if nothing else stands on the line; otherwise a
-// statement begins there.
+// The word after `catch` is its identifier if it is alone on the line; otherwise it begins a
+// statement.
 const Parser::Node* Parser::parseCatch() {
   auto* clause = makeNode<astapi::CatchClause>(NodeKind::CatchClause, token_.begin);
   advance();
   if (is(TokenKind::Identifier)) {
-    const std::uint32_t behind = lexer_.skipBlanksAndContinuations(token_.end);
-    const char16_t c = lexer_.at(behind);
-    if (c == u'\n' || c == u';' || c == u',' || c == u'%' || behind >= lexer_.size()) {
+    const std::uint32_t next = lexer_.skipBlanksAndContinuations(token_.end);
+    const char16_t c = lexer_.at(next);
+    if (c == u'\n' || c == u';' || c == u',' || c == u'%' || next >= lexer_.size()) {
       clause->identifier = takeIdentifier();
     }
   }

@@ -107,12 +107,12 @@ const Parser::Node* Parser::parseNameChain() {
 
 // --- argument blocks ---
 
-// Whether the word `arguments`, at the head of a function body, begins a block.
+// Whether the word `arguments`, at the start of a function body, begins a block.
 bool Parser::isArgumentsBlock() const {
   if (!is(TokenKind::Identifier) || lexer_.textOf(token_) != u"arguments") return false;
-  std::uint32_t behind = token_.end;
-  while (isBlank(lexer_.at(behind))) ++behind;
-  switch (lexer_.at(behind)) {
+  std::uint32_t next = token_.end;
+  while (isBlank(lexer_.at(next))) ++next;
+  switch (lexer_.at(next)) {
     case u'\n':
     case u'(':
     case u',':
@@ -120,7 +120,7 @@ bool Parser::isArgumentsBlock() const {
     case u'%':
       return true;
     default:
-      return lexer_.isContinuationAt(behind);
+      return lexer_.isContinuationAt(next);
   }
 }
 

@@ -8,10 +8,10 @@ namespace ca {
 
 namespace {
 
-// What a token can be behind an operand.
+// The meaning of a token after an operand.
 struct Continuation {
-  // How tightly a binary operator binds, from 1; 0 for any other token. Prefix operators stand
-  // between the last of these and the power.
+  // The precedence of a binary operator, from 1; 0 for any other token. Prefix operators are
+  // between the highest of these and the power.
   std::uint8_t level = 0;
   // Whether it may begin an index, a field or a superclass call, or be a transpose or a power.
   bool bindsAsPower = false;
@@ -71,7 +71,7 @@ const Parser::Node* Parser::parseBinary(int minimumLevel) {
   }
 }
 
-// start:stop or start:step:stop, from the first colon.
+// start:stop or start:step:stop; the current token is the first colon.
 const Parser::Node* Parser::parseRange(const Node* start) {
   auto* range = makeNode<astapi::Range>(NodeKind::Range, start->position);
   advance();
@@ -85,7 +85,7 @@ const Parser::Node* Parser::parseRange(const Node* start) {
   return finish(range);
 }
 
-// Whether a list element ends in front of the current sign: `[a -b]` has two elements.
+// Whether a list element ends before the current sign: `[a -b]` has two elements.
 bool Parser::isElementBoundary() const {
   if (!inList_ || !token_.blankBefore) return false;
   if (!is(TokenKind::Plus) && !is(TokenKind::Minus)) return false;
@@ -107,7 +107,7 @@ const Parser::Node* Parser::parsePrefixOperation() {
   return finish(operation);
 }
 
-// Powers and transposes, which bind alike, from the left.
+// Powers and transposes, which have the same precedence, from left to right.
 const Parser::Node* Parser::parsePower(const Node* left) {
   left = parseTransposes(parseIndexed(left));
   while (!failed_ && is(TokenKind::Power)) {
@@ -139,13 +139,13 @@ const Parser::Node* Parser::parseTransposes(const Node* operand) {
   return operand;
 }
 
-// Behind a blank in a list a quote opens a literal, and anything else a new element.
+// In a list, after a blank, a quote opens a literal and any other token begins a new element.
 bool Parser::isTranspose() const {
   if (!is(TokenKind::Quote) && !is(TokenKind::DotQuote)) return false;
   return !inList_ || !token_.blankBefore;
 }
 
-// --- what stands behind a primary ---
+// --- suffixes of a primary ---
 
 const Parser::Node* Parser::parseIndexed(const Node* base) {
   while (!failed_) {
@@ -187,7 +187,7 @@ const Parser::Node* Parser::parseField(const Node* base) {
   return parseFieldName(base);
 }
 
-// The name behind the point.
+// The name after the point.
 const Parser::Node* Parser::parseFieldName(const Node* base) {
   if ((!is(TokenKind::Identifier) && !isKeyword(token_.kind)) || (inList_ && token_.blankBefore)) {
     fail("the name of a field behind `.`");
@@ -196,7 +196,7 @@ const Parser::Node* Parser::parseFieldName(const Node* base) {
   return makePair(NodeKind::FieldReference, base, takeIdentifier());
 }
 
-// Whether `@` behind a name or a chain of names begins the superclass of a call.
+// Whether `@` after a name or a chain of names begins the superclass of a call.
 bool Parser::isSuperclassCall(const Node& base) const {
   if (!lexer_.isLetterAt(token_.end)) return false;
   const Node* name = &base;
@@ -246,7 +246,7 @@ const Parser::Node* Parser::parseArgument() {
   return makePair(NodeKind::NamedArgument, argument, parseExpression());
 }
 
-// What stands alone between two brackets or commas: in an argument list a bare `:` can.
+// One argument or index: an expression, or in an argument list a bare `:`.
 const Parser::Node* Parser::parseExpressionOrColon() {
   if (is(TokenKind::Colon) && argumentDepth_ > 0) return takeLeaf(NodeKind::Colon);
   return parseExpression();
@@ -420,7 +420,7 @@ const Parser::Node* Parser::parseClassQuery() {
   return finish(query);
 }
 
-// What stands where an expression is missing.
+// The placeholder of a missing expression.
 Parser::Node* Parser::makeMissing() {
   auto* missing = makeNode<astapi::Leaf>(NodeKind::MissingExpression, lastEnd_);
   missing->lastPosition = lastEnd_ - 1;

@@ -8,7 +8,7 @@ namespace ca {
 
 namespace {
 
-// Whether the node is a name with any indices behind it.
+// Whether the node is a name, with or without indices.
 bool isAssignmentTarget(const astapi::Node& node) {
   using lf::astapi::NodeKind;
   const astapi::Node* base = &node;
@@ -64,7 +64,7 @@ bool Parser::isBodyEnd(BodyType type) const {
     case TokenKind::Function:
       return type == BodyType::functionBody && style_ == FunctionStyleType::open;
     case TokenKind::Classdef:
-      // Nothing that is still open here can hold a class.
+      // No construct that is still open here can contain a class.
       return classdef_ == nullptr && lexer_.isFirstOnLine(token_.begin);
     default:
       return false;
@@ -117,7 +117,7 @@ const Parser::Node* Parser::parseStatement() {
   }
 }
 
-// A keyword that nothing here can begin with, and what belongs to it on its line.
+// A keyword that can begin no statement here, and its operand.
 const Parser::Node* Parser::parseStrayKeyword() {
   report(token_.begin, fmt::format("expected a statement, found {}", describe(token_)));
   const bool hasOperand = is(TokenKind::Catch) || is(TokenKind::ElseIf) || is(TokenKind::Case);
@@ -168,7 +168,7 @@ const Parser::Node* Parser::parseExpressionOrAssignment() {
   return finish(statement);
 }
 
-// Tells of what can't stand in front of `=`: each bad element of a list, or the one bad target.
+// Reports what is not allowed before `=`: each bad element of a list, or the one bad target.
 void Parser::checkTargets(const Node& left) {
   if (isAssignmentTarget(left)) return;
   const auto tell = [&](const Node& node) {
@@ -177,17 +177,17 @@ void Parser::checkTargets(const Node& left) {
            fmt::format("expected a name with or without indices in front of `=`, found {}",
                        textOf(text)));
   };
-  bool told = false;
+  bool reported = false;
   if (left.kind == NodeKind::MatrixLiteral) {
     for (const Node* row : static_cast<const astapi::ListNode&>(left).elements) {
       for (const Node* element : static_cast<const astapi::ListNode*>(row)->elements) {
         if (isAssignmentTarget(*element)) continue;
         tell(*element);
-        told = true;
+        reported = true;
       }
     }
   }
-  if (!told) tell(left);
+  if (!reported) tell(left);
 }
 
 // [a, b.c, ~] = expression, or an expression that begins with a list.
@@ -212,7 +212,7 @@ const Parser::Node* Parser::parseMultipleAssignment() {
   return finish(assignment);
 }
 
-// The list of targets up to the `=` behind it; false when something else stands here.
+// The list of targets up to the `=` after it; false if there is no such list here.
 bool Parser::parseTargets(NodeList<Node>& targets) {
   ListBuilder<Node> list(*this);
   Bracket bracket(*this, BracketType::list);

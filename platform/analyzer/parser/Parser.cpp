@@ -12,7 +12,7 @@ namespace ca {
 
 namespace {
 
-// More errors than this tell nobody anything, and a text of nothing but errors must stay bounded.
+// Bounds the memory for a text that consists of errors.
 constexpr std::size_t maximumErrors = 10000;
 
 constexpr std::size_t longestQuotedText = 40;
@@ -34,7 +34,7 @@ bool endsOperand(TokenKind kind) {
   }
 }
 
-// Words that begin a statement or a part of one, and so never stand in an expression.
+// Words that begin a statement or a part of one, and are never part of an expression.
 bool beginsStatement(TokenKind kind) { return isKeyword(kind) && kind != TokenKind::End; }
 
 }  // namespace
@@ -106,7 +106,7 @@ Parser::Node* Parser::takeLeaf(NodeKind kind) {
 std::string Parser::textOf(const Token& token) const {
   const fl::ustring_view text = lexer_.textOf(token);
   fl::ustring_view shown = text.substr(0, std::min(longestQuotedText, text.find(u'\n')));
-  // Half a pair at the cut is no character.
+  // A cut inside a surrogate pair drops its first half.
   if (shown.size() < text.size() && !shown.empty() && shown.back() >= 0xD800 &&
       shown.back() < 0xDC00) {
     shown.remove_suffix(1);
@@ -153,7 +153,7 @@ void Parser::report(std::uint32_t position, std::string message) {
   errors_.push_back({position, std::move(message)});
 }
 
-// Into the order of the text; of several findings about one place the first stays.
+// Sorts by position; of several errors at one position the first stays.
 void Parser::sortErrors() {
   const auto isBefore = [](const auto& left, const auto& right) {
     return left.position < right.position;
@@ -186,7 +186,7 @@ void Parser::fail(std::string_view expected) {
 void Parser::skipToken(TokenKind& previous) {
   switch (token_.kind) {
     case TokenKind::Quote:
-      // A transpose is a token of its own.
+      // The quote of a transpose begins no literal.
       if (endsOperand(previous) && !token_.blankBefore) break;
       [[fallthrough]];
     case TokenKind::DoubleQuote:
@@ -202,9 +202,9 @@ void Parser::skipToken(TokenKind& previous) {
   advance();
 }
 
-// Goes to the end of the statement or declaration. Inside a list that is behind the bracket that
-// closes it, unless a word shows that the list was never closed; parentheses never outlast their
-// line, but for the bracket that closes them at the start of the next.
+// Skips to the end of the statement or declaration. Inside a list this is after its closing
+// bracket, unless a keyword shows that the list was never closed. Parentheses end with their line,
+// unless the next line begins with the bracket that closes them.
 void Parser::skipToSafePlace() {
   isSkipping_ = true;
   std::vector<BracketType> open = openBrackets();

@@ -1,8 +1,7 @@
-// Makes the syntax tree of one text: a recursive descent over the tokens.
+// Makes the syntax tree of one text: a recursive-descent parser.
 //
-// On an error the parser tells of it once, skips to a safe place (the end of the statement or
-// declaration, or of the list that it stands in), and goes on; so the tree holds all that could be
-// read.
+// On an error the parser reports it once, skips to a safe place (the end of the statement or
+// declaration, or of the list around it), and continues; so the tree holds all that could be read.
 #pragma once
 
 #include <cstdint>
@@ -26,14 +25,14 @@ struct SyntaxErrorRecord {
 
 class Parser final : private LexicalErrors {
  public:
-  // What stays of the parse; the nodes lie in the arena.
+  // The result of a parse; the nodes are in the arena.
   struct Result {
     const astapi::Node* root = nullptr;
     const astapi::Classdef* classdef = nullptr;
     // In the order of the text.
     std::vector<SyntaxErrorRecord> errors;
-    // Whether the parse was given up because of nesting beyond the limit; the tree has what stands
-    // in front of that place.
+    // Whether the parse stopped because the nesting is beyond the limit; the tree then holds what
+    // is before that place.
     bool isTooDeep = false;
   };
 
@@ -72,7 +71,7 @@ class Parser final : private LexicalErrors {
     advance();
     return true;
   }
-  // Takes the token, or tells that `what` was expected.
+  // Takes the token, or reports that `what` was expected.
   bool expect(TokenKind kind, const char* what);
   bool isSeparator() const {
     return is(TokenKind::LineEnd) || is(TokenKind::Semicolon) || is(TokenKind::Comma);
@@ -87,16 +86,16 @@ class Parser final : private LexicalErrors {
   void sortErrors();
   void reportLexicalError(std::uint32_t position, const char* message) override;
   void reportNulCharacters();
-  // Tells what was expected in front of the current token and skips to a safe place; until
-  // `recover` the parse only unwinds.
+  // Reports what was expected at the current token and skips to a safe place; until `recover` the
+  // parsing functions only return.
   void fail(std::string_view expected);
   void recover() { failed_ = isTooDeep_; }
   void skipToSafePlace();
-  // Takes one token while nothing is parsed; `previous` is the kind of the token before it.
+  // Takes one token without parsing it; `previous` is the kind of the token before it.
   void skipToken(TokenKind& previous);
-  // From the outermost on.
+  // The open brackets, outermost first.
   std::vector<BracketType> openBrackets() const;
-  // Follows the current token into or out of a bracket.
+  // Adds or removes a bracket if the current token is one.
   void countBracket(std::vector<BracketType>& open) const;
   void giveUp();
   // Takes the `end` of what `opening` began; `what` names it.
@@ -104,13 +103,13 @@ class Parser final : private LexicalErrors {
 
   template <class T>
   T* makeNode(NodeKind kind, std::uint32_t position);
-  // The node ends with the last token taken.
+  // Sets the end of the node to the end of the last token taken.
   template <class T>
   T* finish(T* node) const;
   Identifier* makeIdentifier(const Token& token);
   Identifier* takeIdentifier();
   Identifier* takeDottedName();
-  // A name that stands nowhere, where one is missing.
+  // An empty identifier, in place of a missing name.
   Identifier* makeNameless();
   Node* takeLeaf(NodeKind kind);
 
@@ -133,7 +132,7 @@ class Parser final : private LexicalErrors {
   const Node* parseMethod();
   const Node* parseEvent();
   const Node* parseEnumerationMember();
-  // Reports whatever stands between a member and the separator that it needs.
+  // Reports anything between a member and the separator that it needs.
   void finishMember(const char* what, bool needsSeparator);
 
   // --- ParseDeclarations.cpp: what properties and arguments declare ---
@@ -226,9 +225,9 @@ class Parser final : private LexicalErrors {
   const TextNames& names_;
   FunctionStyleType style_;
   Token token_;
-  // Just behind the last token taken.
+  // The position just after the last token taken.
   std::uint32_t lastEnd_ = 0;
-  // Whether an error was told of and the parse is on its way back to where it can go on.
+  // Whether an error was reported and the parsing functions return until `recover`.
   bool failed_ = false;
   bool isSkipping_ = false;
   bool isTooDeep_ = false;
@@ -238,7 +237,7 @@ class Parser final : private LexicalErrors {
   unsigned argumentDepth_ = 0;
   unsigned depth_ = 0;
   const Bracket* innermost_ = nullptr;
-  // The elements of the lists under way.
+  // The elements of the lists that are being parsed.
   std::vector<const Node*>& scratch_;
   const astapi::Classdef* classdef_ = nullptr;
   std::vector<SyntaxErrorRecord> errors_;

@@ -1,5 +1,5 @@
-// Memory that only the making of a tree needs. Each thread has its own, which serves for one text
-// after the other.
+// Memory that is needed only while a tree is made. Each thread has its own, which is reused for one
+// text after another.
 #pragma once
 
 #include <vector>
@@ -13,13 +13,13 @@ class ParserMemory {
  public:
   static ParserMemory& ofThread();
 
-  // Begins with a new text, and returns its map.
+  // Starts with a new text, and returns its map.
   const CharacterMap& read(fl::ustring_view text);
-  // Gives back what no usual text needs.
+  // Frees what a text of usual size does not need.
   void shrink();
 
   const CharacterMap& map() const { return map_; }
-  // The elements of the lists under way; empty between two parses.
+  // The elements of the lists that are being parsed; empty between two parses.
   std::vector<const astapi::Node*>& elements() { return elements_; }
 
  private:

@@ -1,5 +1,5 @@
-// What the parser's functions open and close: levels of nesting, brackets, and lists under way.
-// Also the making of nodes. Only for the parser's own sources.
+// The parser's scopes: levels of nesting, brackets, and lists that are being parsed. Also the
+// creation of nodes. Only for the parser's own sources.
 #pragma once
 
 #include <algorithm>
@@ -23,8 +23,8 @@ class Parser::Level {
   Parser& parser_;
 };
 
-// What stands between two brackets, from behind the opening one. The brackets that are open form a
-// chain from the innermost one on.
+// The text between two brackets, from after the opening one. The open brackets form a chain, with
+// the innermost one first.
 class Parser::Bracket {
  public:
   // Takes the opening bracket, which is the current token.
@@ -43,10 +43,10 @@ class Parser::Bracket {
   Bracket& operator=(const Bracket&) = delete;
   ~Bracket() { leave(); }
 
-  // Takes the closing bracket, or tells that it is missing.
+  // Takes the closing bracket, or reports that it is missing.
   void close() {
     if (!parser_.is(closing())) return failToClose();
-    // What stands behind the bracket is read as outside of it.
+    // The token after the bracket is read in the outer context.
     leave();
     parser_.advance();
   }
@@ -63,7 +63,7 @@ class Parser::Bracket {
   }
 
   std::uint32_t position() const { return opening_.begin; }
-  // The bracket that this one stands in; null for none.
+  // The bracket around this one; null if there is none.
   const Bracket* outer() const { return outer_; }
   BracketType type() const { return type_; }
 
@@ -90,7 +90,7 @@ class Parser::Bracket {
   Token opening_;
 };
 
-// Gathers the nodes of one list; lists may be under way inside each other.
+// Collects the nodes of one list; lists may be nested.
 template <class T>
 class Parser::ListBuilder {
  public:
@@ -129,7 +129,7 @@ T* Parser::makeNode(NodeKind kind, std::uint32_t position) {
 
 template <class T>
 T* Parser::finish(T* node) const {
-  // Where a syntax error left nothing of the node, the last token lies in front of it.
+  // If a syntax error left the node empty, the last token is before it.
   node->lastPosition = std::max(lastEnd_, node->position) - 1;
   return node;
 }

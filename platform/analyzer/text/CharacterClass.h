@@ -1,4 +1,4 @@
-// What an ASCII character can be in the language.
+// The class of an ASCII character in the language.
 #pragma once
 
 #include <array>

@@ -13,7 +13,7 @@ void CharacterMap::read(fl::ustring_view text) {
   const std::size_t last = size_ / unitsPerWord;
   for (Bits* bits : {&lineEnds_, &blankEnds_, &nameEnds_}) bits->resize(last + 1);
   for (std::size_t i = 0; i < last; ++i) readWord(text.data() + i * unitsPerWord, i);
-  // The last word is filled up with characters that are none of these.
+  // The last word is padded with a character that belongs to no class.
   std::array<char16_t, unitsPerWord> rest;
   rest.fill(u'!');
   std::copy_n(text.data() + last * unitsPerWord, size_ % unitsPerWord, rest.begin());

@@ -1,5 +1,5 @@
-// Where the line ends, blanks and names of a text are, a bit a code unit: the lexer passes runs of
-// them in a few steps, however long they are.
+// The line ends, blanks and names of a text, one bit for each code unit, so that the lexer skips a
+// run of them 64 units at a time.
 #pragma once
 
 #include <bit>
@@ -11,20 +11,21 @@
 
 namespace ca {
 
-// A map can be made of one text after the other, so that its memory serves for all. Positions are
-// indices of code units, at most the size of the text.
+// A map can be read from one text after another and reuses its memory. Positions are indices of
+// code units, at most the size of the text. The searches need no bound: line ends have a bit just
+// after the text, and the padding ends every run of blanks and every name.
 class CharacterMap {
  public:
   void read(fl::ustring_view text);
 
-  // The first line end at or behind `from`; the size of the text when there is none.
+  // The first line end at or after `from`; the size of the text if there is none.
   std::uint32_t findLineEnd(std::uint32_t from) const { return find(lineEnds_, from); }
-  // The first code unit at or behind `from` that is no blank.
+  // The first code unit at or after `from` that is no blank.
   std::uint32_t findBlanksEnd(std::uint32_t from) const { return find(blankEnds_, from); }
-  // The first code unit at or behind `from` that is no ASCII letter, no digit and no `_`.
+  // The first code unit at or after `from` that is no ASCII letter, no digit and no `_`.
   std::uint32_t findNameEnd(std::uint32_t from) const { return find(nameEnds_, from); }
 
-  // The same if it is at hand, and otherwise 0, which is the end of no run.
+  // The same if the result is in the same word as `from`, and otherwise 0.
   std::uint32_t findNearBlanksEnd(std::uint32_t from) const { return findNear(blankEnds_, from); }
   std::uint32_t findNearNameEnd(std::uint32_t from) const { return findNear(nameEnds_, from); }
 
@@ -33,10 +34,10 @@ class CharacterMap {
 
   static constexpr unsigned unitsPerWord = 64;
 
-  // A bit for each code unit with what is looked for, from the lowest one of the first word on.
+  // One bit for each code unit; the first unit is the lowest bit of the first word.
   using Bits = std::vector<std::uint64_t>;
 
-  // The line ends, and one just behind the text.
+  // The line ends, and one just after the text.
   const Bits& lineEnds() const { return lineEnds_; }
 
  private:
@@ -49,7 +50,7 @@ class CharacterMap {
     if (word != 0) return from + static_cast<std::uint32_t>(std::countr_zero(word));
     return findFar(bits, from / unitsPerWord + 1);
   }
-  // In the words from `index` on.
+  // The first bit in the words from `index` on.
   static std::uint32_t findFar(const Bits& bits, std::uint32_t index);
 
   void readWord(const char16_t* units, std::size_t index);

@@ -1,5 +1,5 @@
-// Small values that syntax nodes hold: the written form of a token, the id of a name, and where a
-// block ends.
+// Small values in syntax nodes: the written form of a token, the id of a name, and the end of a
+// block.
 #pragma once
 
 #include <cstdint>
@@ -27,7 +27,7 @@ class SourceText {
 
 namespace internal {
 
-// Keeps the strings of names.
+// Provides names as strings.
 class NameStrings {
  public:
   NameStrings() = default;
@@ -48,8 +48,8 @@ class StringId {
   StringId() = default;
   explicit StringId(const char16_t* name) : StringId(fl::ustring(name)) {}
   explicit StringId(const fl::ustring& name);
-  // Of a name in a text: few are ever asked for as strings, so `strings` makes each when it is.
-  // Both must outlive the id.
+  // The id of a name in a text. `strings` makes the string when it is first asked for, because few
+  // names are. Both must outlive the id.
   StringId(fl::ustring_view name, const internal::NameStrings* strings)
       : text_(name), strings_(std::shared_ptr<const internal::NameStrings>(), strings) {}
 
@@ -62,11 +62,11 @@ class StringId {
 
  private:
   SourceText text_;
-  // Owns the string of a name that stands in no text.
+  // Owns the string of a name that is part of no text.
   std::shared_ptr<const internal::NameStrings> strings_;
 };
 
-// Where the `end` of a block stands.
+// The position of the `end` of a block.
 class ClosingPosition {
  public:
   ClosingPosition() = default;

@@ -11,8 +11,7 @@
 
 namespace ca {
 
-// Makes each string when it is first asked for. Names are views of the text, which must stay where
-// it is.
+// Makes each string when it is first asked for. Names are views of the text, which must not move.
 class TextNames final : public astapi::internal::NameStrings {
  public:
   const fl::ustring& stringOf(fl::ustring_view name) const override {
@@ -22,7 +21,7 @@ class TextNames final : public astapi::internal::NameStrings {
 
  private:
   mutable std::mutex mutex_;
-  // By where the name stands.
+  // The key is the place of the name in the text.
   mutable std::map<std::pair<const char16_t*, std::size_t>, fl::ustring> strings_;
 };
 

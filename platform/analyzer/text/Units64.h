@@ -1,4 +1,4 @@
-// Sixty-four code units that are compared at once, with one bit a unit as the answer.
+// Compares 64 code units at once; the result has one bit for each unit.
 #pragma once
 
 #include <cstdint>
@@ -12,9 +12,8 @@
 
 namespace ca {
 
-// The first unit has the lowest bit. A unit beyond ASCII is none of what is asked for. Every
-// processor of the x86-64 family has the instructions that the first variant needs. The second one
-// says the same without them.
+// The first unit is the lowest bit. A unit beyond ASCII belongs to no class. The first variant
+// needs SSE2, which every x86-64 processor has; the second one gives the same results without it.
 #if defined(__SSE2__)
 
 class Units64 {
@@ -30,7 +29,7 @@ class Units64 {
     return gather([](__m128i bytes) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\n')); });
   }
 
-  // Tabs, both kinds of feeds, line ends, returns and blanks.
+  // Tabs, vertical tabs, form feeds, line ends, carriage returns and blanks.
   std::uint64_t whiteSpace() const {
     return gather([](__m128i bytes) {
       return _mm_or_si128(isWithin(bytes, '\t', '\r'), _mm_cmpeq_epi8(bytes, _mm_set1_epi8(' ')));
@@ -47,7 +46,7 @@ class Units64 {
     });
   }
 
-  // Whether one of them is U+0000; units from U+8000 on may count as such.
+  // Whether one of them is U+0000; may also be true for units from U+8000 on.
   bool mayHoldNul() const {
     const __m128i least =
         _mm_min_epu8(_mm_min_epu8(bytes_[0], bytes_[1]), _mm_min_epu8(bytes_[2], bytes_[3]));
@@ -59,8 +58,8 @@ class Units64 {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
   }
 
-  // Sums wrap: with `last` moved to the largest number that there is, only those above what `first`
-  // then is are within, and one comparison does.
+  // Adds a wrapping offset that moves `last` to the largest signed byte; the bytes of the range are
+  // then those above the moved `first - 1`, which takes a single comparison.
   static __m128i isWithin(__m128i bytes, char first, char last) {
     constexpr int largest = 0x7F;
     const __m128i moved = _mm_add_epi8(bytes, _mm_set1_epi8(static_cast<char>(largest - last)));

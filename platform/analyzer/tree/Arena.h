@@ -1,4 +1,4 @@
-// Memory that is given back all at once: the nodes and lists of one syntax tree.
+// Memory that is freed as a whole: the nodes and lists of one syntax tree.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 
 namespace ca {
 
-// What is made in an arena is never destroyed one by one.
+// Destructors of the objects in an arena are never called.
 class Arena {
  public:
   Arena() = default;
@@ -31,7 +31,7 @@ class Arena {
     return new (allocate(sizeof(T))) T();
   }
 
-  // Room for `count` values, not initialised.
+  // Memory for `count` values, not initialised.
   template <class T>
   T* makeArray(std::size_t count) {
     static_assert(std::is_trivially_copyable_v<T> && alignof(T) <= alignment);

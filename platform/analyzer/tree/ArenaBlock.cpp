@@ -6,19 +6,19 @@
 namespace ca {
 namespace {
 
-// Enough for the tree of a usual class. What malloc adds to it makes it a round number.
+// Large enough for the tree of a usual class; with its header and malloc's it fits in 64 KiB.
 constexpr std::size_t usualSize = (std::size_t{64} << 10U) - 64;
 constexpr std::size_t largestSize = std::size_t{4} << 20U;
 
 constexpr unsigned mostSpare = 4;
 
-// Whether the thread still has its spare blocks. It outlives them: a tree may be destroyed later in
-// the end of the thread.
+// Whether the thread's spare blocks have been destroyed. A tree may be destroyed after them while
+// its thread ends; this flag has no destructor and stays readable.
 thread_local bool isThreadEnding = false;
 
 }  // namespace
 
-// The blocks that a thread keeps.
+// The spare blocks of one thread: at most `mostSpare`, all of `usualSize`.
 class SpareBlocks {
  public:
   SpareBlocks() = default;

@@ -1,19 +1,19 @@
-// The blocks of memory that arenas are made of.
+// The blocks of memory of which arenas consist.
 #pragma once
 
 #include <cstddef>
 
 namespace ca {
 
-// A block, with its memory right behind it. Each thread keeps a few blocks of the usual size for
-// its next trees: memory that was used a moment ago is at hand, while fresh memory must be asked of
-// the system and filled with zeros by it.
+// The header of a block; the block's memory follows it directly. A block belongs to one chain or to
+// the spare blocks of one thread. Reused blocks save the page faults and the zeroing of fresh
+// memory.
 class alignas(16) ArenaBlock {
  public:
-  // A block with at least `atLeast` bytes, the last of a chain of which `previous` was the last.
-  // The chain grows with its blocks, so that it has few of them. Throws std::bad_alloc.
+  // A block with at least `atLeast` bytes that is added to the chain that ends with `previous`.
+  // Each block is twice as large as the one before it, up to 4 MiB. Throws std::bad_alloc.
   static ArenaBlock* take(std::size_t atLeast, ArenaBlock* previous);
-  // Gives the whole chain back; null is an empty one. May be called on any thread.
+  // Frees the whole chain; null is an empty chain. May be called on any thread.
   static void releaseAll(ArenaBlock* last) noexcept;
 
   std::byte* begin() { return reinterpret_cast<std::byte*>(this + 1); }

@@ -1,8 +1,8 @@
-// The syntax tree. Nodes live in the arena of their analysis result, which owns them all and dies
-// as a whole; every pointer in a node is to a node of the same tree. A tree is read-only once it is
-// made, and may be read from several threads.
+// The syntax tree. Nodes live in the arena of their analysis result, which owns all of them and
+// frees them together; every pointer in a node refers to a node of the same tree. A complete tree
+// is read-only and may be read by several threads.
 //
-// Each node type says what it stands for and lists its children in the order of a walk.
+// The comment of each node type gives its meaning and its children in the order of a walk.
 #pragma once
 
 #include <cstddef>
@@ -72,14 +72,14 @@ struct BracketPair {
   }
 };
 
-// Operations on a node type that answer from its fields alone.
+// Operations on a node type that need only the fields of the node.
 template <class NodeType>
 struct NodeCustomization;
 
 // --- names and literals ---
 
-// A name that stands for something. A dotted name of a superclass, a validation class or a class
-// query is one identifier with the whole text.
+// A name. A dotted name of a superclass, a validation class or a class query is one identifier with
+// the whole text.
 template <class Tag>
 struct Identifier : Node<Tag> {
   ca::astapi::SourceText text;
@@ -92,7 +92,7 @@ struct NumberLiteral : Node<Tag> {
   NumericValue<Tag> value;
 };
 
-// `'...'`; `text` keeps the quotes. Its optional child is never there.
+// `'...'`; `text` keeps the quotes. The optional child is always null.
 template <class Tag>
 struct CharLiteral : Node<Tag> {
   ca::astapi::SourceText text;
@@ -103,14 +103,14 @@ template <class Tag>
 struct StringLiteral : CharLiteral<Tag> {};
 
 // A node without children: `break`, `continue`, `return`, a bare `:`, `end` in an index, an ignored
-// `~`, a word of a command, and what stands where an expression is missing.
+// `~`, a word of a command, and the placeholder of a missing expression.
 template <class Tag>
 struct Leaf : Node<Tag> {};
 
 template <class Tag>
 struct ReturnStatement : Leaf<Tag> {};
 
-// --- nodes that several kinds share ---
+// --- node types that several kinds share ---
 
 // `[...]` (MatrixLiteral) and `{...}` (CellLiteral) hold rows, a row (ListRow) its elements;
 // `@name` (FunctionHandle) the words of the name; `global` and `persistent` their names; `else`
@@ -128,7 +128,7 @@ struct WrapperNode : Node<Tag> {
   const Node<Tag>* operand = nullptr;
 };
 
-// A prefix operator, or a transpose behind its operand. Children: `operand`.
+// A prefix operator, or a transpose after its operand. Children: `operand`.
 template <class Tag>
 struct UnaryOperation : Node<Tag> {
   const Node<Tag>* operand = nullptr;
@@ -151,7 +151,7 @@ struct Range : Node<Tag> {
   const Node<Tag>* stop = nullptr;
 };
 
-// --- what stands behind a primary ---
+// --- suffixes of a primary ---
 
 // A base with arguments. Children: `base`, `arguments`.
 template <class Tag>
@@ -230,7 +230,7 @@ struct MultipleAssignment : Node<Tag> {
   const Node<Tag>* value = nullptr;
 };
 
-// Words behind a name. Children: `name`, `words` (leaves).
+// A name and the words after it. Children: `name`, `words` (leaves).
 template <class Tag>
 struct CommandStatement : Node<Tag> {
   const Node<Tag>* name = nullptr;
@@ -299,8 +299,9 @@ struct Attribute;
 
 template <class Tag>
 struct NodeCustomization<Attribute<Tag>> {
-  // Whether the attribute states that logical value: a bare name states true, one with `~` false,
-  // and one with the value `true` or `false` that value. Any other value states neither.
+  // Whether the attribute states that logical value: a bare name states true, one with `~` states
+  // false, and one with the value `true` or `false` states that value. Any other value states
+  // neither.
   bool isAttributeWithGivenLogicalValue(bool value) const;
 };
 
@@ -312,7 +313,7 @@ struct Attribute : Node<Tag>, NodeCustomization<Attribute<Tag>> {
   bool negated = false;
 };
 
-// What stands between the name and the default value of a property: size, class and validators.
+// The part of a property between its name and its default value: size, class and validators.
 // Children: `size`, `className` if present, `validators`.
 template <class Tag>
 struct ValidationNode : Node<Tag> {
@@ -353,7 +354,7 @@ struct ArgumentsBlock : Node<Tag> {
 template <class Tag>
 struct BlockNode : Node<Tag> {
   ca::astapi::ClosingPosition closing;
-  // The brackets of the attribute list; not to be read when there are no attributes.
+  // The brackets of the attribute list; undefined if there are no attributes.
   std::uint32_t openingParenthesis = 0;
   std::uint32_t closingParenthesis = 0;
   NodeList<Attribute<Tag>> attributes;
@@ -494,7 +495,7 @@ using PropertiesBlockNode = lf::astapi::PropertiesBlockNode<CA>;
 using MethodsBlockNode = lf::astapi::MethodsBlockNode<CA>;
 using Classdef = lf::astapi::Classdef<CA>;
 
-// The first and the last character of the subtree, each a position in the low 32 bits.
+// The positions of the first and the last character of the subtree, in the low 32 bits.
 inline std::uint64_t getFirstPositionInSubtree(const Node& node) { return node.position; }
 inline std::uint64_t getLastPositionInSubtree(const Node& node) { return node.lastPosition; }
 

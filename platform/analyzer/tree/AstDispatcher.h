@@ -10,15 +10,15 @@
 
 namespace lf::astapi {
 
-// The walk hands out nodes as constants.
+// Template argument: the walk passes nodes as const.
 struct Const {};
 
-// Walks a tree depth first and hands every node to `Derived::enter`, which says whether the walk
-// goes on to the node's children. Children come in the order that Ast.h gives for each node type;
-// one that is null is passed over. The nodes still to be walked are kept on the heap, so that a
-// chain of operators or indices of any length needs no stack.
+// Walks a tree depth first and passes every node to `Derived::enter`, which returns whether to
+// visit the node's children. Children come in the order that Ast.h gives for each node type; null
+// children are skipped. The nodes still to be visited are kept on the heap, so that a deep
+// tree does not exhaust the stack.
 //
-// Throws std::logic_error for a node of a kind that has no number of a node kind, and for an
+// Throws std::logic_error for a node whose kind is no enumerator of NodeKind, and for an
 // InputArgument with neither child.
 template <class Derived, class Tag, class Constness, class Result>
 class AstDispatcher {
@@ -51,7 +51,7 @@ class AstDispatcher {
     (push(children), ...);
   }
 
-  // The node as what its kind says that it is.
+  // The node as the type of its kind, which the caller has checked.
   template <template <class> class NodeType>
   static const NodeType<Tag>& as(const Node<Tag>& node) {
     return static_cast<const NodeType<Tag>&>(node);
@@ -197,8 +197,7 @@ class AstDispatcher {
   }
 
   [[noreturn]] static void failOnUnknownKind(NodeKind kind) {
-    // The text with the kind's name is for the one who debugs the tree; the exception bears a fixed
-    // one.
+    // The text with the kind is only for a debugger; the text of the exception is fixed.
     std::ostringstream text;
     text << "Unhandled node kind \"" << kind << "\" encountered in AstDispatcher.";
     throw std::logic_error("Unhandled node kind encountered in AstDispatcher");
@@ -207,7 +206,7 @@ class AstDispatcher {
   std::vector<const Node<Tag>*> pending_;
 };
 
-// A walk that goes everywhere, but for what a derived class turns away.
+// A walk that visits every node; a derived class may define `enter` to skip subtrees.
 template <class Derived, class Tag, class Constness>
 class Visitor : public AstDispatcher<Derived, Tag, Constness, void> {
  public:

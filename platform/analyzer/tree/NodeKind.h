@@ -6,8 +6,8 @@
 
 namespace lf::astapi {
 
-// One line a kind: number and name. The numbers are part of the tree's interface; the children that
-// a kind has, and their order in a walk, stand with its node type in Ast.h.
+// One line for each kind: number and name. The numbers are part of the tree's interface. Ast.h
+// gives the children of each kind, and their order in a walk.
 // clang-format off
 #define LF_ASTAPI_NODE_KINDS(KIND) \
   KIND(1, AnonymousFunction)       \

@@ -13,8 +13,8 @@ namespace ca::astapi {
 template <class Derived, class Constness>
 class Visitor : public lf::astapi::Visitor<Derived, CA, Constness> {};
 
-// Calls its function with every node of type `T` that it meets, which is an identifier or a return
-// statement. An empty function throws std::bad_function_call when it is to be called.
+// Calls a function with every node of type `T`, which is Identifier or ReturnStatement. An empty
+// function throws std::bad_function_call at the first such node.
 //
 //   NodeVisitor<Identifier> visitor([&](const Identifier& name) { ... });
 //   visitor(analysis.getRootNode());
