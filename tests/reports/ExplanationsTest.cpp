@@ -15,6 +15,7 @@
 #include "platform/paths/Overlay.h"
 #include "platform/paths/PathDispatcher.h"
 #include "platform/text/Conversions.h"
+#include "reports/explanations/ProgramMessages.h"
 #include "rules/RuleFamilies.h"
 #include "service/UpdatePlan.h"
 
@@ -90,6 +91,23 @@ TEST(Explanations, NothingIsLeftOut) {
       EXPECT_EQ(entry.rule.empty(), entry.kind == MessageKindType::error) << entry.id;
       EXPECT_TRUE(entry.rule.empty() || findRuleExplanation(entry.rule)) << entry.id;
     }
+  }
+}
+
+TEST(Explanations, PlaceholdersAreFilledInOnePass) {
+  const struct {
+    const char* what;
+    const char* pattern;
+    std::vector<std::string> arguments;
+    const char* filled;
+  } cases[] = {
+      {"in any order, more than once", "{1} {0} {1}", {"a", "b"}, "b a b"},
+      {"an argument that looks like one stays", "'{0}' is '{1}'", {"{1}", "x"}, "'{1}' is 'x'"},
+      {"one without an argument stays", "{0} {2}", {"a", "b"}, "a {2}"},
+      {"other braces stay", "{} {a} {10} {0", {"a"}, "{} {a} {10} {0"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(fillPlaceholders(c.pattern, c.arguments), c.filled) << c.what;
   }
 }
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "platform/analyzer/parser/Parser.h"
-#include "platform/analyzer/tree/Ast.h"
+#include "platform/analyzer/tree/NodeKind.h"
 
 namespace ca {
 

@@ -14,13 +14,6 @@
 #include "platform/analyzer/text/SourceText.h"
 #include "platform/analyzer/tree/NodeKind.h"
 
-namespace ca {
-
-// A text whose constructs nest deeper than so many levels is not analysed.
-inline constexpr unsigned maximumNesting = 1000;
-
-}  // namespace ca
-
 namespace ca::astapi {
 
 // The tag of the analyzer's trees.

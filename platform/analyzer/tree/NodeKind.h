@@ -1,8 +1,15 @@
-// The kinds of syntax nodes.
+// The kinds of syntax nodes, and how deep they nest.
 #pragma once
 
 #include <cstdint>
 #include <iosfwd>
+
+namespace ca {
+
+// A text whose constructs nest deeper than so many levels is not analysed.
+inline constexpr unsigned maximumNesting = 1000;
+
+}  // namespace ca
 
 namespace lf::astapi {
 
