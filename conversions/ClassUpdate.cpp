@@ -17,7 +17,7 @@ namespace {
 
 using fl::i18n::to_string;
 
-// The names in the first list that the second does not have.
+// The names in the first list that are not in the second.
 std::vector<std::string> namesWithout(const std::vector<DeclaredMethod>& methods,
                                       const std::vector<DeclaredMethod>& others) {
   NameIndex<DeclaredMethod> known;
@@ -30,20 +30,20 @@ std::vector<std::string> namesWithout(const std::vector<DeclaredMethod>& methods
   return names;
 }
 
-// The methods that have another name, or do not exist, after the update.
+// Lists the methods that are renamed or deleted.
 MethodNameChanges findChangedMethods(const std::vector<DeclaredMethod>& before,
                                      const ca::AnalysisResult& updated) {
   const auto after = declaredMethods(updated);
   return {namesWithout(after, before), namesWithout(before, after)};
 }
 
-// A second update, of the new text.
+// Updates the new text once more.
 RepeatedUpdate updateAgain(const PlannedClass& planned, UpdateMask rules) {
   const fl::filesystem::OverlayScope overlay(to_string(planned.result.fileName), planned.newText);
   try {
     return repeatUpdate(planned.result.className, rules);
   } catch (const std::exception&) {
-    // Whatever makes the second update fail: it does not leave the text as it is.
+    // For any failure of the second update, the text counts as changed.
     return {ca::analyzeText(fl::ustring(planned.text())), true};
   }
 }
@@ -67,8 +67,8 @@ void checkUpdate(PlannedClass& planned, UpdateMask rules, PlanNeeds needs, Class
   const bool editsMethods = update.editCounts[RuleFamilyType::impl] > 0;
   std::vector<DeclaredMethod> methods;
   if (editsMethods) methods = declaredMethods(*planned.analysis);
-  // The tree of the old text and that of the new one, which may be three times as large, need not
-  // exist at once. The names of the methods are views into the text.
+  // The tree of the old text is freed before that of the new one is made, which may be three times
+  // as large. The names of the methods point into the text.
   if (!needs.analysis) planned.analysis.reset();
   if (!needs.actions) std::vector<PlannedAction>().swap(planned.actions);
   {

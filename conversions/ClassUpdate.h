@@ -19,18 +19,18 @@ struct MethodNameChanges {
   std::vector<std::string> deleted;
 };
 
-// The first stage of an outcome: what the service makes of the class, and whether the program
-// accepts it. Nothing in it depends on the bytes of the file.
+// The first stage of an outcome: the result of the service, and whether the program accepts it.
+// Does not depend on the bytes of the file.
 struct ClassUpdate {
   std::string className;
   // Absolute.
   std::string file;
-  // As the service returns it, and whether the text differs.
+  // The result of the service, and whether the text differs.
   bool updated = false;
   bool changed = false;
   std::vector<Finding> findings;
   PerFamily<std::size_t> editCounts;
-  // Why the program does not accept the new text; empty if it does.
+  // The reason why the program refuses the new text; empty if it does not.
   std::string refusal;
   // Whether an update of the new text would change it again.
   bool changesAgain = false;
@@ -41,7 +41,7 @@ struct ClassUpdate {
   bool hasNewText() const { return changed && !isRefused(); }
 };
 
-// What is needed of a plan after it was checked: the rest is freed before the new text is analysed.
+// The parts of a plan to keep after the check: the rest is freed before the new text is analysed.
 struct PlanNeeds {
   bool analysis = false;
   bool actions = false;
@@ -51,9 +51,9 @@ struct PlanNeeds {
 ClassUpdate describeUpdate(const PlannedClass& planned, const FindingsListener& listener,
                            FindingPlacesType places);
 
-// Checks the new text of the class, which has to differ from the old one, and fills in what is only
-// known afterwards: the refusal, or whether a second update changes it again and which methods
-// change. Takes from the plan what is not needed any more.
+// Checks the new text of the class, which must differ from the old one, and sets the results: the
+// refusal, or whether a second update changes the text again and which methods change. Moves from
+// the plan what is not needed afterwards.
 void checkUpdate(PlannedClass& planned, UpdateMask rules, PlanNeeds needs, ClassUpdate& update);
 
 }  // namespace soca

@@ -1,4 +1,4 @@
-// What an update could not convert, as clients show it.
+// The findings of an update, for clients that show them.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +9,8 @@ namespace soca {
 
 // All texts are UTF-8.
 
-// A stretch of one line of the file as it was read. All are one-based, columns count UTF-16 code
-// units, and `endColumn` is the one after it. A line of 0 is a place that is not known.
+// A part of one line of the file that was read. All are one-based, columns count UTF-16 code units,
+// and `endColumn` is the one after it. Line 0 is an unknown place.
 struct LinePlace {
   std::uint64_t line = 0;
   std::uint64_t column = 0;
@@ -22,19 +22,19 @@ struct RelatedPlace : LinePlace {
   std::string text;
 };
 
-// One message of the service beside its edits, at the name of the member that it is about.
+// One message of the service, at the name of the member that it concerns.
 struct Finding : LinePlace {
   // The short id; empty if it is not known.
   std::string id;
   std::string text;
-  // What fills the placeholders of the text.
+  // The arguments for the placeholders of the text.
   std::vector<std::string> arguments;
   // In the order of the file.
   std::vector<RelatedPlace> related;
 };
 
-// How much is found out about a finding besides its text and id: nothing, the place of the member
-// that it is about, or also the places of what prevents the conversion.
+// The places to determine for a finding: none, that of the member concerned, or also those of the
+// members that prevent the conversion.
 enum class FindingPlacesType { none, members, related };
 
 }  // namespace soca

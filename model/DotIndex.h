@@ -8,8 +8,8 @@
 
 namespace soca {
 
-// Finds, for each of many names, what `fl::findBehindDot` finds, after one pass over the text. The
-// text and the names must outlive the index.
+// Gives for each of many names the result of `fl::findBehindDot`, after a single pass over the
+// text. The text and the names must outlive the index.
 class DotIndex {
  public:
   // `names` may contain duplicates.

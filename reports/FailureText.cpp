@@ -7,7 +7,7 @@ namespace soca {
 void printFailure(ReportOutput& output, const Failure& failure) {
   output.complain(fmt::format("{}: {}", failure.id, failure.message));
   std::string text = failure.excerpt;
-  // With superclasses the message may be about another class than the one that was asked for.
+  // With superclasses the message may be about another class than the named one.
   const bool namesClass = failure.message.find(failure.className) != std::string::npos;
   if (failure.argument != failure.className && !namesClass) {
     text += fmt::format("  in the update of class '{}'\n", failure.className);

@@ -1,4 +1,4 @@
-// Failures as people read them.
+// Failures in the form for users.
 #pragma once
 
 #include <string>
@@ -9,10 +9,10 @@
 
 namespace soca {
 
-// "soca: <id>: <message>", the lines in question, and the hints.
+// "soca: <id>: <message>", the source lines concerned, and the hints.
 void printFailure(ReportOutput& output, const Failure& failure);
 
-// Each hint in a line of its own, with a line end.
+// The hints, one line each with a line end.
 std::string hintLines(const std::vector<std::string>& hints);
 
 }  // namespace soca

@@ -1,4 +1,4 @@
-// Where reports go.
+// The output of reports.
 #pragma once
 
 #include <cstddef>
@@ -6,18 +6,18 @@
 
 namespace soca {
 
-// Data goes to one stream, messages for people to another. The client decides what these are.
+// Two streams, one for data and one for messages to users. The client defines them.
 class ReportOutput {
  public:
   virtual ~ReportOutput() = default;
 
   // Whether data may have colours.
   virtual bool colorsOut() const = 0;
-  // Data, as it is.
+  // Prints data unchanged.
   virtual void print(std::string_view text) = 0;
-  // Lines of messages.
+  // Prints lines of messages.
   virtual void printMessages(std::string_view lines) = 0;
-  // One line "soca: <what>", of a failure, and of anything else.
+  // Both print one line "soca: <what>": for failures, and for other messages.
   virtual void complain(std::string_view what) = 0;
   virtual void tell(std::string_view what) = 0;
 

@@ -19,7 +19,7 @@ class SpooledList {
     size_ += spool_.put(value).size;
   }
 
-  // In brackets.
+  // Prints the list in brackets.
   void print(ReportOutput& output) {
     output.print("[");
     for (std::uint64_t offset = 0; offset < size_; offset += stretch) {

@@ -1,4 +1,4 @@
-// The report of an update, and the formats that there are.
+// The report of an update, and its formats.
 #pragma once
 
 #include <memory>
@@ -28,15 +28,15 @@ class UpdateReport {
   virtual void printNotes(const ClassOutcome& outcome) = 0;
   virtual void addFailure(const Failure& failure) = 0;
   virtual void addSkipped(const Failure& failure) = 0;
-  // Prints what belongs after everything else. The run is to end with this code.
+  // Prints the end of the output. `exitCode` is the exit code of the run.
   virtual void finish(ExitCodeType exitCode) = 0;
 };
 
-// What of a run a format depends on.
+// The properties of a run on which formats depend.
 struct ReportOptions {
   bool quiet = false;
   bool verbose = false;
-  // Of a run that writes, or that only prints the names of what would change.
+  // Whether the run writes files, or prints only the names of the classes that would change.
   bool write = false;
   bool check = false;
   // Whether the single replacements are to be printed.
@@ -52,10 +52,10 @@ struct ReportContext {
 };
 
 struct ReportFormat {
-  // The word on the command line.
+  // The word for the format on the command line.
   std::string_view name;
-  // Whether people read it: then the run may print text of its own beside it, and a file that
-  // several classes share is printed once.
+  // Whether users read it: then the run may print text of its own too, and prints a file that
+  // several classes share once.
   bool isForPeople;
   bool takesEdits;
   // Why it cannot be combined with `--write`; empty if it can.

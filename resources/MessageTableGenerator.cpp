@@ -1,5 +1,5 @@
 // Writes the data file of messages as headers of constant tables: the texts of the catalog for the
-// platform, and what they mean for people.
+// platform, and the explanations for users.
 //
 //   soca_message_table messages.json MessageTable.h ExplanationTable.h
 //
@@ -80,13 +80,13 @@ void writeMessages(const char* table, const Json& entries, const std::string& ca
   out << "}};\n\n";
 }
 
-// The names of the tables that hold the lists of the rule.
+// The names of the tables with the lists of the rule.
 std::string textTableOf(const Json& rule) { return rule.at("id").get<std::string>() + "Texts"; }
 std::string conversionTableOf(const Json& rule) {
   return rule.at("id").get<std::string>() + "Conversions";
 }
 
-// Writes the entries as a table of the type, each with the texts of the keys.
+// Writes the entries as a table of `type`, each with the texts of `keys`.
 void writeTable(const char* type, const std::string& table, const Json& entries,
                 std::initializer_list<const char*> keys, std::ostream& out) {
   out << "inline constexpr std::array<" << type << ", " << entries.size() << "> " << table
@@ -118,7 +118,7 @@ void writeRules(const Json& rules, std::ostream& out) {
   out << "}};\n\n";
 }
 
-// A header in the given namespace, which includes `types`.
+// A header in the given namespace that includes `types`.
 template <class WriteTables>
 void writeHeader(const char* path, const char* types, const char* nameSpace,
                  const WriteTables& writeTables) {

@@ -1,4 +1,5 @@
-// The rule families. Whatever names, counts, selects or makes them goes by the table in this file.
+// The rule families. All code that names, counts, selects or makes them uses the table in this
+// file.
 #pragma once
 
 #include <array>

@@ -20,9 +20,9 @@ namespace soca::cli {
 // is one of them, and is the only one for `consume`: a separate thread would have to be woken for
 // each result.
 //
-// No more than a few items for each job are under way, so memory does not grow with the sequence.
-// What one of the three throws stops the work as well, and leaves `run` once all threads have
-// ended; of several exceptions the first is kept.
+// At most a few items for each job are in progress, so that memory does not grow with the sequence.
+// An exception of any of the three stops the work as well, and is thrown by `run` once all threads
+// have ended; of several exceptions the first is kept.
 template <class Item, class Result>
 class OrderedWorkers {
  public:
@@ -95,7 +95,7 @@ class OrderedWorkers {
     stop();
   }
 
-  // The lock is given up while the work is done.
+  // The lock is released during the work.
   void workOnNext(Lock& lock) {
     std::optional<Item> item;
     try {
@@ -152,7 +152,7 @@ class OrderedWorkers {
   std::size_t consumed_ = 0;
   bool stopped_ = false;
   std::exception_ptr failure_;
-  // The ring of the results that wait, each at its number modulo the size.
+  // A ring buffer of the finished results, each at its number modulo the size.
   std::vector<std::optional<Result>> finished_;
   // The number of threads other than the calling one.
   unsigned otherThreads_;

@@ -10,11 +10,11 @@
 
 namespace soca::cli {
 
-// Takes the lock; while it waits, the console says so. Nothing after an interrupt. Throws
+// Takes the lock; prints a message if it has to wait. Returns no lock after an interrupt. Throws
 // JournalError.
 std::optional<RunStore::Lock> lockRuns(const RunStore& store, Console& console);
 
-// Repairs all interrupted runs, and prints what became of each. Returns the runs. Throws
+// Repairs all interrupted runs, and prints the result of each. Returns the runs. Throws
 // JournalError.
 std::vector<RunNumber> repairAndReport(const RunStore& store, const RunStore::Lock& lock,
                                        Console& console);

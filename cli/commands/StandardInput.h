@@ -10,9 +10,9 @@
 
 namespace soca::cli {
 
-// Reads the text of the class from standard input and prints what becomes of it: the new bytes, or
-// those that came in. Of the class itself nothing is read from a disk. On failure nothing is
-// printed but complaints, and in the formats for programs what they have for failures.
+// Reads the text of the class from standard input and prints the new bytes, or the same bytes if
+// nothing changes. Does not read the file of the class. On failure it prints only messages, and in
+// the formats for programs their form of failures.
 //
 // Throws UsageError for a path without a class.
 ExitCodeType updateStandardInput(const Options& options, const ClassRoots& roots, Console& console);

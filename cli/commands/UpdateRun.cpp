@@ -116,7 +116,7 @@ TargetOutcome UpdateRun::work(const Target& target) {
   for (ClassOutcome& entry : outcome.classes) {
     if (asksGit_ && entry.update.hasNewText()) checkUncommitted(entry);
     entry.data = report_->dataOf(entry);
-    // What has been printed into the data is not kept until its turn comes.
+    // Already printed into the data, so freed before the outcome is queued.
     entry.text = {};
     entry.file.diff = {};
     entry.file.edits = {};
@@ -152,7 +152,7 @@ void UpdateRun::take(TargetOutcome& outcome) {
 void UpdateRun::takeClass(ClassOutcome& outcome) {
   summary_.add(outcome);
   if (!options_->quiet) methodChanges_.add(outcome.update);
-  // A file that several classes stand for, over links, changes once.
+  // A file that several classes share by links is changed once.
   const bool hasNewText = outcome.update.hasNewText();
   const fl::filesystem::FileStamp& stamp = outcome.file.stamp;
   const bool isFirst = !hasNewText || files_[stamp.device].insert(stamp.inode).second;

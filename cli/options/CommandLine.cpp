@@ -29,20 +29,20 @@ std::vector<std::string_view> namesIn(const Rows& rows, Projection nameOf) {
   return names;
 }
 
-// Declares the option of a row to the parser. A value that a reader takes goes to `rawValue`.
+// Declares the option of a row to the parser. A value with a reader is stored in `rawValue`.
 class OptionAdder {
  public:
   OptionAdder(CLI::App* app, std::string flags, Options* options, std::string* rawValue)
       : app_(app), flags_(std::move(flags)), options_(options), rawValue_(rawValue) {}
 
-  // A switch is given or not.
+  // A switch has no value.
   void operator()(bool Options::* member) const {
     app_->add_flag(flags_, options_->*member)->disable_flag_override();
   }
   void operator()(std::string Options::* member) const {
     app_->add_option(flags_, options_->*member)->take_last();
   }
-  // One value for each time that it is given: what follows it is an argument of the command.
+  // One value for each occurrence: the word after it is an argument of the command.
   void operator()(std::vector<std::string> Options::* member) const {
     app_->add_option(flags_, options_->*member)->allow_extra_args(false)->type_name("DIR");
   }
@@ -55,7 +55,7 @@ class OptionAdder {
   std::string* rawValue_;
 };
 
-// The values that were given go to their readers.
+// Passes the values that were given to their readers.
 void readValues(const CLI::App& app, const std::vector<std::string>& rawValues, Options& options) {
   for (std::size_t i = 0; i < rawValues.size(); ++i) {
     const OptionRow& row = optionRows()[i];

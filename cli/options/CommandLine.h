@@ -1,4 +1,4 @@
-// The reading of the command line.
+// Parses the command line.
 #pragma once
 
 #include <string>
@@ -8,10 +8,10 @@
 
 namespace soca::cli {
 
-// The colours that the arguments ask for, also if there is something wrong with them.
+// The colours that the arguments select, also if the arguments are not valid.
 ColorType findColor(const std::vector<std::string>& arguments);
 
-// `arguments` are those after the program's name. Throws UsageError.
+// `arguments` are without the program's name. Throws UsageError.
 Options parseOptions(const std::vector<std::string>& arguments);
 
 }  // namespace soca::cli

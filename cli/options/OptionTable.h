@@ -22,10 +22,10 @@ struct CommandRow {
   std::string_view example;
 };
 
-// Reads the value of an option. Throws UsageError for one that it does not take.
+// Reads the value of an option. Throws UsageError for an invalid value.
 using OptionReader = void (*)(const std::string& value, Options& options);
 
-// Where the value goes. A list gets one item each time that the option is given.
+// The destination of the value. A list gets one item for each occurrence of the option.
 using OptionTarget = std::variant<bool Options::*, std::string Options::*,
                                   std::vector<std::string> Options::*, OptionReader>;
 
@@ -37,11 +37,11 @@ struct OptionRow {
   std::string_view value;
   // The commands that have it, as a sum of `bitOf`.
   unsigned commands;
-  // For the help, and what the manual page says besides; empty if that is nothing.
+  // The text of the help, and the additional text of the manual page, which may be empty.
   std::string text;
   std::string_view details;
   OptionTarget target;
-  // All the words that the value can be; none if it is no such word.
+  // All possible words of the value; empty if the value is not a word.
   std::vector<std::string_view> words;
 };
 

@@ -27,7 +27,7 @@ std::vector<std::string_view> namesIn(const Rows& rows, Projection nameOf) {
   return names;
 }
 
-// `what` is what the value should be.
+// `what` describes a valid value.
 UsageError unknownWord(std::string_view what, std::string_view value,
                        const std::vector<std::string_view>& words) {
   return UsageError(fmt::format("unknown {} '{}'; known are: {}{}", what, value,

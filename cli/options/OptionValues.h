@@ -1,4 +1,4 @@
-// The values of options: how each is read, and the words that it can be.
+// The values of options: their readers, and the possible words.
 #pragma once
 
 #include <optional>
@@ -14,7 +14,7 @@ std::vector<std::string_view> ruleWords();
 std::vector<std::string_view> formatWords();
 std::vector<std::string_view> colorWords();
 
-// They set the member that the option stands for. All throw UsageError.
+// Each sets the member of its option. All throw UsageError.
 void readRules(const std::string& value, Options& options);
 void readFormat(const std::string& value, Options& options);
 void readColor(const std::string& value, Options& options);
@@ -22,7 +22,7 @@ void readJobs(const std::string& value, Options& options);
 void readStdinPath(const std::string& value, Options& options);
 void readClassTable(const std::string& value, Options& options);
 
-// Nothing for a word that is none of `colorWords`.
+// Empty for a word that is not in `colorWords`.
 std::optional<ColorType> parseColor(std::string_view word);
 
 // One job for each processor that the process may use.

@@ -1,4 +1,4 @@
-// What the command line asks for.
+// The options of the command line.
 #pragma once
 
 #include <string>
@@ -17,9 +17,9 @@ struct Options {
   CommandType command = CommandType::help;
   // With CommandType::help, the command to print help on; `help` itself for the whole program.
   CommandType helpSubject = CommandType::help;
-  // Whether help on the command is wanted in place of a run.
+  // Whether to print help on the command instead of running it.
   bool help = false;
-  // As they were given. Without roots the current folder is the only one.
+  // In the given form. Without roots the current folder is the only one.
   std::vector<std::string> arguments;
   std::vector<std::string> roots;
   std::string classTable;
@@ -32,19 +32,19 @@ struct Options {
   bool includeSuperclasses = false;
   bool write = false;
   bool check = false;
-  // Whether files may be changed that git could not restore.
+  // Whether files that git could not restore may be changed.
   bool allowDirty = false;
   // Whether a folder includes ignored files, hidden folders and links to folders.
   bool noIgnore = false;
   bool list = false;
-  // Whether to print the time and memory that the run took.
+  // Whether to print the time and memory of the run.
   bool stats = false;
   const ReportFormat* format = &reportFormats().front();
   bool edits = false;
   // The path of the class whose text is read from standard input; empty for none.
   std::string stdinPath;
 
-  // What a report needs of them.
+  // The options for a report.
   ReportOptions forReport() const {
     return {.quiet = quiet, .verbose = verbose, .write = write, .check = check, .edits = edits};
   }

@@ -36,8 +36,8 @@ class Output {
 
 enum class ColorType { automatic, always, never };
 
-// The two streams of a process. On a terminal what comes later is shown later, whichever stream it
-// went to, and below it there can be a status line, which stays below.
+// The two streams of a process. On a terminal their texts appear in the order of the calls, with an
+// optional status line below them.
 class Console : public ReportOutput {
  public:
   Console(int outDescriptor, int errDescriptor) : out_(outDescriptor), err_(errDescriptor) {}
@@ -47,7 +47,7 @@ class Console : public ReportOutput {
   // terminal that is not dumb has them. An empty variable is treated as not set.
   void setColor(ColorType color);
   bool colorsOut() const override { return colorsOut_; }
-  // For lines that are broken on standard error: of the terminal, or what reads well in a file.
+  // The width for wrapped lines on standard error: that of the terminal, or a default for files.
   std::size_t width() const;
 
   // Whether standard error is a terminal on which a line can be erased.
@@ -57,11 +57,11 @@ class Console : public ReportOutput {
   void clearStatus();
 
   void print(std::string_view text) override;
-  // Everything printed so far goes out first.
+  // Flushes standard output first.
   void printError(std::string_view text);
-  // Lines of messages, which get colours and lose what a terminal would obey.
+  // Prints lines of messages, with colours and without control characters.
   void printMessages(std::string_view lines) override;
-  // One line "soca: <what>", of something that went wrong, and of something else.
+  // Both print one line "soca: <what>": for failures, and for other messages.
   void complain(std::string_view what) override;
   void tell(std::string_view what) override;
 

@@ -9,8 +9,8 @@
 namespace soca {
 
 // Sets both for the process, and returns the roots as absolute paths. Without roots the current
-// folder is the only one; an empty `classTable` is none. Throws UsageError for a root that is no
-// folder and for a file that is no class table; nothing is set then.
+// folder is the only one; an empty `classTable` means none. Throws UsageError, without setting
+// anything, for a root that is no folder and for a file that is no class table.
 ClassRoots setClassPath(const std::vector<std::string>& rootFolders, const std::string& classTable);
 
 }  // namespace soca

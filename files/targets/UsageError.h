@@ -5,7 +5,7 @@
 
 namespace soca {
 
-// A command line that asks for nothing that the program does, or for something that does not exist.
+// A command line that is not valid, or that names something that does not exist.
 class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

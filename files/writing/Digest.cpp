@@ -18,7 +18,7 @@ std::uint64_t checksumOf(std::string_view bytes) { return XXH3_64bits(bytes.data
 std::string sha256(std::string_view bytes) {
   sha256_ctx context;
   nettle_sha256_init(&context);
-  // The library takes bytes of another type, which has the same representation.
+  // The library takes bytes of another type with the same representation.
   nettle_sha256_update(&context, bytes.size(), reinterpret_cast<const std::uint8_t*>(bytes.data()));
   std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest;
   nettle_sha256_digest(&context, digest.size(), digest.data());

@@ -21,7 +21,7 @@ Digest digestOf(std::string_view bytes);
 // Detects whether bytes read from the disk are those that were written.
 std::uint64_t checksumOf(std::string_view bytes);
 
-// The SHA-256 of the bytes, as 64 small hexadecimal digits.
+// The SHA-256 of the bytes, as 64 lower-case hexadecimal digits.
 std::string sha256(std::string_view bytes);
 
 }  // namespace soca

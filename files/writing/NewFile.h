@@ -13,8 +13,8 @@
 
 namespace soca {
 
-// A fault of one class that the program itself finds: the id of a message, and what fills the
-// placeholders of its text.
+// A fault of one class that the program itself detects: the id of a message, and the arguments for
+// the placeholders of its text.
 class ClassFault : public std::runtime_error {
  public:
   ClassFault(const std::string& id, std::vector<std::string> arguments)

@@ -1,4 +1,4 @@
-// The repair of what interrupted runs have left.
+// Repairs interrupted runs.
 #pragma once
 
 #include <vector>
@@ -8,17 +8,18 @@
 
 namespace soca {
 
-// A run that was interrupted, and what became of it.
+// An interrupted run, and the result of its repair.
 struct RepairedRun {
-  // `notBegun`: it had not changed a file; `takenBack`: what it had changed is put back, as far as
-  // `result` says; `undoCompleted`: its undo had been interrupted, and is completed likewise.
+  // `notBegun`: it had not changed any file; `takenBack`: its files were restored, with the
+  // exceptions in `result`; `undoCompleted`: its undo was interrupted, and was completed in the
+  // same way.
   enum class Type { notBegun, takenBack, undoCompleted };
   RunNumber run = 0;
   Type type = Type::notBegun;
   RestoreResult result;
 };
 
-// Takes back all runs that were interrupted, and completes an undo that was. Throws JournalError.
+// Reverts all interrupted runs, and completes an interrupted undo. Throws JournalError.
 std::vector<RepairedRun> repairRuns(const RunStore& store, const RunStore::Lock& lock,
                                     const GoesOn& goesOn);
 

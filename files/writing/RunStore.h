@@ -30,8 +30,8 @@ class RunStore {
     explicit Lock(Descriptor file) : file_(std::move(file)) {}
     Descriptor file_;
   };
-  // Makes the store if it does not exist. Waits for the lock as long as `goesOn` returns true, and
-  // returns nothing after that; `onWait` is called once before it waits. Throws JournalError.
+  // Creates the store if it does not exist. Waits for the lock while `goesOn` returns true;
+  // otherwise returns no lock. `onWait` is called once before it waits. Throws JournalError.
   std::optional<Lock> lock(const std::function<void()>& onWait, const GoesOn& goesOn) const;
   // Whether some process has the lock.
   bool isLocked() const;

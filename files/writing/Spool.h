@@ -22,7 +22,7 @@ class Spool {
   Spool& operator=(const Spool&) = delete;
 
   // A place may also cover several texts that were stored one after the other, or parts of them.
-  // Both throw std::runtime_error if the file can't be made, written or read.
+  // Both throw std::runtime_error if the file cannot be made, written or read.
   Place put(std::string_view text);
   std::string take(const Place& place);
   // Drops all texts. The file is deleted before the system writes it to the disk.

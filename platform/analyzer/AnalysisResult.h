@@ -1,4 +1,4 @@
-// What the analyzer knows of one file: its text, its syntax tree and its syntax errors.
+// The result of an analysis: the text of a file, its syntax tree and its syntax errors.
 #pragma once
 
 #include <cstdint>
@@ -25,9 +25,9 @@ class AnalysisResult {
   // code units. `position` may also be the one just after the text, and the one before the first
   // character, at which an empty subtree at the start of the text ends: line 1, column 0.
   virtual std::uint64_t getLineAndColumn(std::uint32_t position) const = 0;
-  // The file's text, exactly, whatever the flag.
+  // The file's exact text; the flag has no effect.
   virtual fl::ustring getSourceText(bool canonical) const = 0;
-  // The text of the subtree under the node, exactly, whatever the flag.
+  // The exact text of the subtree under the node; the flag has no effect.
   virtual fl::ustring getNodeText(const astapi::Node& node, bool canonical) const = 0;
   // The exact text of the subtree; with the root node the whole file.
   virtual fl::ustring getSubtreeText(const astapi::Node& node) const = 0;

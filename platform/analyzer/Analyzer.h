@@ -20,7 +20,7 @@ class InvalidAnalysisException : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// What an analysis takes besides the file.
+// Options of an analysis.
 struct AnalysisOptions {
   std::shared_ptr<CodeGenerationSupport> codeGeneration;
   std::shared_ptr<void> unused;
@@ -44,7 +44,7 @@ class Analyzer {
 
 std::unique_ptr<Analyzer> createSingleFileAnalyzer();
 
-// What is larger is not analysed. In bytes.
+// Larger files are not analysed. In bytes.
 inline constexpr std::uint64_t maximumFileSize = std::uint64_t{256} << 20U;
 
 // Analyses a text of no file. Throws InvalidAnalysisException if the nesting is too deep.

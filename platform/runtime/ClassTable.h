@@ -42,7 +42,7 @@ ClassTable parseClassTable(std::string_view json);
 // of the service.
 void setClassTable(std::shared_ptr<const ClassTable> table);
 
-// The one that was set, or null. A table lives as long as the process.
+// The table that was set last, or null. A table lives as long as the process.
 const ClassTable* currentClassTable();
 
 }  // namespace sotarn

@@ -17,9 +17,9 @@ inline bool areEqualTexts(ustring_view left, ustring_view right) {
           std::memcmp(left.data(), right.data(), left.size() * sizeof(char16_t)) == 0);
 }
 
-// The place of the first U+000A at or behind `from`, or npos.
+// The position of the first U+000A at or after `from`, or npos.
 inline std::size_t findLineEnd(ustring_view text, std::size_t from) {
-  // The search for a byte is the widest there is. A byte that is only half of a unit is passed by.
+  // memchr is faster than a search for 16-bit units. Other bytes with the same value are skipped.
   constexpr std::size_t lowByte = std::endian::native == std::endian::little ? 0 : 1;
   const char* const bytes = reinterpret_cast<const char*>(text.data());
   const std::size_t size = text.size() * sizeof(char16_t);
@@ -40,19 +40,20 @@ class TextFinder {
  public:
   explicit TextFinder(ustring_view pattern);
 
-  // The place of the first occurrence that begins at or behind `from`, or npos.
+  // The position of the first occurrence that begins at or after `from`, or npos.
   std::size_t find(ustring_view text, std::size_t from = 0) const;
 
  private:
   static std::size_t slotOf(char16_t unit) { return unit & 0xFFU; }
 
   ustring_view pattern_;
-  // For each low byte of a code unit, how far the pattern may move on when that unit stands under
-  // its last one. Units of one low byte share an entry, which is never too large for any.
+  // For each low byte of a code unit, the distance to move the pattern when that unit is at its
+  // last place. Units with the same low byte share an entry, which is the smallest of their
+  // distances.
   std::array<std::uint8_t, 256> skips_;
 };
 
-// The place behind the first occurrence of "." followed by `name`, or npos.
+// The position after the first occurrence of "." followed by `name`, or npos.
 std::size_t findBehindDot(ustring_view text, ustring_view name);
 
 }  // namespace fl

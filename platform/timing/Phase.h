@@ -14,15 +14,15 @@ struct PhaseTime {
 };
 
 // A kind of work, with the time that all threads have spent on it. The platform has the two below;
-// clients add their own. Lives as long as the process.
+// clients add their own. Must live as long as the process.
 class PhaseType {
  public:
-  // `name` is a literal.
+  // `name` must be a literal.
   explicit constexpr PhaseType(std::string_view name) : name_(name) {}
 
   std::string_view name() const { return name_; }
-  // What was spent so far. A phase that is not over counts up to the last one that began or ended
-  // in it.
+  // The time spent so far. A current phase is counted up to the last nested phase that began or
+  // ended.
   PhaseTime time() const { return {wall_, processor_}; }
   void add(const PhaseTime& time) {
     wall_ += time.wall;
@@ -38,11 +38,11 @@ class PhaseType {
 extern PhaseType readPhase;
 extern PhaseType analysePhase;
 
-// From now on phases are timed. To be called before there are other threads.
+// Starts to time phases. To be called before any other thread starts.
 void startTiming();
 
-// As long as it lives, the thread's time counts for this phase, and not for the one around it.
-// Its cost is one branch while phases are not timed.
+// During its life, the thread's time counts for this phase, and not for the outer one. Costs one
+// branch while phases are not timed.
 class Phase {
  public:
   explicit Phase(PhaseType& type) : outer_(isTiming() ? enter(&type) : nullptr) {}
@@ -56,7 +56,7 @@ class Phase {
   friend void startTiming();
 
   static bool isTiming() { return timing.load(std::memory_order_relaxed); }
-  // Returns the phase that the thread was in; null is none.
+  // Returns the previous phase of the thread; null if there was none.
   static PhaseType* enter(PhaseType* type);
 
   static std::atomic<bool> timing;

@@ -112,7 +112,7 @@ std::string explain(std::string_view id) {
   if (const MessageExplanation* message = findMessageExplanation(id)) {
     return explainMessage(*message);
   }
-  // The program's own ids begin with its name.
+  // The full ids of the program's own messages begin with `soca:`.
   if (const auto* message = findMessageExplanation(fmt::format("soca:{}", id))) {
     return explainMessage(*message);
   }

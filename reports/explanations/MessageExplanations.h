@@ -38,7 +38,8 @@ struct ConversionExplanation {
   std::string_view to;
 };
 
-// What is reported of one place that a family converts. A text has placeholders as a message has.
+// The message for one place that a family converts. The text has placeholders like those of
+// messages.
 struct ConversionText {
   std::string_view id;
   std::string_view text;

@@ -7,11 +7,11 @@
 
 namespace soca {
 
-// The pattern with its placeholders `{0}` to `{9}` filled in, in one pass: what looks like one
-// inside an argument stays. A placeholder without an argument stays as well.
+// The pattern with its placeholders `{0}` to `{9}` filled in, in one pass, so that a `{0}` inside
+// an argument is not replaced. A placeholder without an argument stays too.
 std::string fillPlaceholders(std::string_view pattern, const std::vector<std::string>& arguments);
 
-// The text that belongs to the id, with its placeholders filled in; the id for one without a text.
+// The text of the id with its placeholders filled in; the id itself if it has no text.
 std::string programMessage(std::string_view id, const std::vector<std::string>& arguments);
 
 }  // namespace soca

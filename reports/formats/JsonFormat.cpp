@@ -7,16 +7,16 @@
 //                "diagnostics": [{"line": 3, "column": 5, "message": "..."}], "hint": "..."}],
 //    "skipped": [{"class": "a.D", "id": "...", "message": "...", "hint": "..."}]}
 //
-// With `--edits` a result has three more keys: the checksum of the file as it stands, the single
+// With `--edits` a result has three more keys: the checksum of the current file, the single
 // replacements in it, in the order of the file, and the messages with their places. Offsets and
-// lengths are bytes of that file; a finding whose place is not known has no line.
+// lengths are bytes of that file; a finding without a known place has no line.
 //
 //    "sha256": "9f86...", "edits": [{"offset": 120, "length": 4, "text": "..."}],
 //    "findings": [{"id": "VELUM:system:Analyzer:LegacyImplReferenced", "message": "...", "line": 3,
 //                  "column": 5, "endColumn": 26, "related": [{"line": 9, ..., "message": "..."}]}]
 //
-// Lines and columns are one-based; columns count UTF-16 code units. `hint` is there when there is
-// one; a result that is refused has the reason under `refused`.
+// Lines and columns are one-based; columns count UTF-16 code units. `hint` is optional; a refused
+// result has the reason under `refused`.
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
@@ -97,7 +97,7 @@ Json headOf(const Failure& failure) {
   return {{"class", failure.className}, {"id", failure.id}, {"message", failure.message}};
 }
 
-// Results are printed as they come; errors and skipped classes are put aside until the end.
+// Results are printed at once; errors and skipped classes are stored until the end.
 class JsonReport : public UpdateReport {
  public:
   // `console` must outlive the report.

@@ -1,8 +1,8 @@
-// An update as a SARIF 2.1.0 log, for tools that show what analyses find.
+// An update as a SARIF 2.1.0 log, for tools that show the results of analyses.
 //
-// Every conversion that would be made is a result with its edits as a fix, every message beside
-// them is a result without one, and a class that fails, is refused or is skipped is a notification.
-// The log says nothing of the time or the machine: the same tree gives the same bytes.
+// Every conversion is a result with its edits as a fix, every message of a finding is a result
+// without one, and a class that fails, is refused or is skipped is a notification. The log has no
+// times and no names of the machine: the same tree gives the same bytes.
 #include <fmt/core.h>
 #include <cstddef>
 #include <map>
@@ -168,13 +168,13 @@ Json makeNotification(std::string_view level, const Failure& failure,
   return notification;
 }
 
-// Results are printed as they come; what belongs behind them is put aside.
+// Results are printed at once; the parts after them are stored until the end.
 class SarifReport : public UpdateReport {
  public:
   // Both must outlive the report.
   SarifReport(const ClassRoots* roots, ReportOutput* output) : locations_(roots), output_(output) {}
 
-  // The file in a line of its own, and the results.
+  // The file on a line of its own, and the results.
   std::string dataOf(const ClassOutcome& outcome) const override;
   void printData(const std::string& data) override;
   void printNotes(const ClassOutcome& outcome) override;

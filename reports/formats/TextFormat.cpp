@@ -1,5 +1,5 @@
-// An update for people: the diffs, or the names of what would change, and what there is to say of
-// the classes.
+// An update for users: the diffs, or the names of the classes that would change, and the messages
+// about the classes.
 #include <fmt/core.h>
 #include <string>
 
@@ -10,7 +10,7 @@
 namespace soca {
 namespace {
 
-// "3 attributes, 1 mixins", or that there is none.
+// "3 attributes, 1 mixins", or a text for no edits.
 std::string editsOf(const ClassOutcome& outcome) {
   std::string text;
   for (const RuleFamily& family : ruleFamilies) {

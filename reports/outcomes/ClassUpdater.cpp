@@ -24,7 +24,7 @@ using fl::i18n::to_string;
 using fl::i18n::to_ustring;
 using fl::timing::Phase;
 
-// A failure with a text of the program's own.
+// A failure with one of the program's own texts.
 Failure makeFailure(const Target& target, const std::string& id,
                     const std::vector<std::string>& arguments) {
   Failure failure;

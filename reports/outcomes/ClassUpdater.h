@@ -15,26 +15,25 @@
 
 namespace soca {
 
-// What of an outcome is needed; the rest is left empty.
+// The parts of an outcome to compute; the others stay empty.
 struct OutcomeNeeds {
   bool diff = false;
   bool text = false;
   bool hints = false;
   bool newBytes = false;
-  // The single replacements, and what identifies the file that they are for.
+  // The single replacements, and the identification of their file.
   bool edits = false;
   // The conversions that the edits belong to.
   bool conversions = false;
   FindingPlacesType places = FindingPlacesType::none;
 };
 
-// What to compute.
+// The input of the computation.
 struct UpdateRequest {
   UpdateMask rules = allFamilies;
   bool includeSuperclasses = false;
   OutcomeNeeds needs;
-  // The file whose text is an overlay of this thread: nothing of it is read from the disk. Null for
-  // none.
+  // The file with an overlay text of this thread, which is not read from the disk. Null for none.
   const fl::filesystem::FileState* overlaidFile = nullptr;
 };
 
@@ -53,7 +52,7 @@ class ClassUpdater {
   // Moves from the plan what is not needed afterwards.
   ClassOutcome makeOutcome(PlannedClass& planned, const FindingsListener& listener) const;
   fl::filesystem::FileState oldFileOf(const PlannedClass& planned, const std::string& path) const;
-  // What depends on the bytes of the file.
+  // Sets the fields that depend on the bytes of the file.
   void addFile(const PlannedClass& planned, ClassOutcome& outcome) const;
 
   const ClassRoots* roots_;

@@ -18,7 +18,7 @@ namespace soca {
 
 // All texts are UTF-8.
 
-// A class that could not be updated, or was passed over.
+// A class that could not be updated, or was skipped.
 struct Failure {
   // The class of the call, also when a superclass failed.
   std::string className;
@@ -37,7 +37,7 @@ struct Failure {
   std::vector<std::string> hints;
 };
 
-// A file besides its text.
+// Facts about a file besides its text.
 struct FileBytes {
   // The checksum, in hexadecimal digits.
   std::string sha256;
@@ -45,32 +45,32 @@ struct FileBytes {
   bool hasByteOrderMark = false;
 };
 
-// The second stage of an outcome: what the update makes of the class's file. Holds what was asked
-// for; only an accepted text that differs has a diff, new bytes, edits and conversions.
+// The second stage of an outcome: the effect of the update on the class's file. Has the parts that
+// were requested; only an accepted text that differs has a diff, new bytes, edits and conversions.
 struct FileUpdate {
   std::string diff;
-  // With the stamp of the file that they were computed from.
+  // With the stamp of the file from which they were computed.
   std::string newBytes;
   fl::filesystem::FileStamp stamp;
   FileEdits edits;
   std::vector<Conversion> conversions;
-  // Of the file as it was read, only if edits are asked for.
+  // Of the file that was read, only if edits are requested.
   std::optional<FileBytes> bytes;
 };
 
-// All that is shown or written of one class.
+// All results for one class.
 struct ClassOutcome {
   ClassUpdate update;
   FileUpdate file;
-  // The service's text.
+  // The text of the service.
   std::string text;
   std::vector<std::string> hints;
-  // Why `--write` would not take it, where that is known in a dry run.
+  // The reason why `--write` would refuse it, if it is known in a dry run.
   std::string writeRefusal;
-  // What is printed of the class on standard output.
+  // The output for the class on standard output.
   std::string data;
 
-  // Drops what only an accepted text has.
+  // Drops the fields that are only for an accepted text.
   void refuse(std::string reason) {
     update.refusal = std::move(reason);
     update.methods = {};
@@ -84,7 +84,7 @@ struct ClassOutcome {
 struct TargetOutcome {
   std::vector<ClassOutcome> classes;
   std::vector<Failure> failures;
-  // A class below a named folder that is no System object.
+  // A class in a named folder that is no System object.
   std::optional<Failure> skipped;
   // Whether the target is a file without a class.
   bool hasNoClass = false;

@@ -1,4 +1,4 @@
-// The phases of a client's run, beside those of the platform.
+// The phases of a client's run, in addition to those of the platform.
 #pragma once
 
 #include "platform/timing/Phase.h"

@@ -55,7 +55,7 @@ if [[ -s $scratch/found ]]; then
   status=1
 fi
 
-# The sorting by what includes what fails for a circle, and prints its members.
+# tsort fails if includes are circular, and prints the members of the circle.
 for graph in folders includes; do
   if ! tsort "$scratch/$graph" >/dev/null 2>"$scratch/circle"; then
     printf 'these %s include each other:\n' "${graph/includes/files}" >&2

@@ -12,7 +12,7 @@
 namespace soca {
 namespace {
 
-// A file keeps a text that it may take, and points into one that somebody else keeps.
+// A file owns a text that is moved into it, and refers to any other.
 static_assert(std::is_constructible_v<SourceFile, fl::ustring>);
 static_assert(std::is_constructible_v<SourceFile, fl::ustring&>);
 static_assert(std::is_constructible_v<SourceFile, const fl::ustring&>);
@@ -224,7 +224,7 @@ TEST(TextSearch, FindsTheFirstOccurrenceOnly) {
   EXPECT_EQ(fl::findBehindDot(u"Mode.Mod ..Mode", u"Mode"), 15U);
   EXPECT_EQ(fl::findBehindDot(u"Mode", u"Mode"), fl::ustring_view::npos);
   EXPECT_EQ(fl::findBehindDot(u"", u"Mode"), fl::ustring_view::npos);
-  // Units that share their low byte do not make it step over an occurrence.
+  // Units with the same low byte must not make it skip an occurrence.
   EXPECT_EQ(fl::findBehindDot(u"\u014D\u014F.\u014Dode", u"\u014Dode"), 7U);
   const fl::ustring name(255, u'x');
   const fl::ustring text = fl::ustring(300, u'y') + u'.' + fl::ustring(254, u'x') + u'.' + name;

@@ -22,7 +22,8 @@
 namespace soca {
 namespace {
 
-// What came of updating one class file: its text, and the ids of the failure or of the findings.
+// The result of an update of one class file: its text, and the ids of the failure or of the
+// findings.
 struct Outcome {
   std::string text;
   std::vector<std::string> ids;

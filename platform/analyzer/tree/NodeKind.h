@@ -1,4 +1,4 @@
-// The kinds of syntax nodes, and how deep they nest.
+// The kinds of syntax nodes, and the limit of their nesting.
 #pragma once
 
 #include <cstdint>
@@ -6,7 +6,7 @@
 
 namespace ca {
 
-// A text whose constructs nest deeper than so many levels is not analysed.
+// A text with deeper nesting is not analysed. In levels.
 inline constexpr unsigned maximumNesting = 1000;
 
 }  // namespace ca
