@@ -13,7 +13,7 @@ namespace soca {
 //
 //   CLASS: foo.Bar
 //
-//   File: /work/foo/Bar.vlm
+//   File: /r/foo/Bar.vlm
 //
 //   Range: From (4,8) to (4,15)
 //   Replacement: "x = 1"

@@ -94,7 +94,7 @@ TEST(Undo, TheStateFolder) {
       {"neither variable", "", "", "neither XDG_STATE_HOME nor HOME is an absolute path"},
       {"relative paths", "home", "state", "neither XDG_STATE_HOME nor HOME is an absolute path"},
       {"a file in place of the folder", here, here + "/file",
-       "/file/soca' for the journal can't be made"},
+       "file/soca' for the journal can't be made"},
       {"home", here + "/home", "state", "home/.local/state/soca"},
       {"the variable first", here + "/none", here + "/state/deep", "state/deep/soca"},
   };

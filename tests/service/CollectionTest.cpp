@@ -103,14 +103,14 @@ TEST(CollectActions, NoFamilyStillGivesAnEntry) {
 
 TEST(ActionReport, Groups) {
   std::list<ClassActions> entries(1);
-  entries.front().analyzedClass = makeClass(u"foo.Bar", u"/work/foo/Bar.vlm");
+  entries.front().analyzedClass = makeClass(u"foo.Bar", u"/r/foo/Bar.vlm");
   entries.front().actions =
       listOf(edit({{{4, 8}, {4, 15}}, u"x = 1"}),
              group(edit({{{6, 20}, {6, 30}}}), group(edit({{{7, 0}, {7, 1}}})),
                    edit({{{6, 4}, {6, 9}}, u"say \"y\"\nz", 1})),
              group(group(edit({{{9, 0}, {9, 1}}}))));
   EXPECT_EQ(fl::i18n::to_string(formatActionReport(std::move(entries))),
-            "CLASS: foo.Bar\n\nFile: /work/foo/Bar.vlm\n"
+            "CLASS: foo.Bar\n\nFile: /r/foo/Bar.vlm\n"
             "\nRange: From (4,8) to (4,15)\nReplacement: \"x = 1\"\n"
             "\nGROUP\nRange: From (6,4) to (7,1)\n"
             "\n  Range: From (6,20) to (6,30)\n  Replacement: \"\"\n"
