@@ -22,13 +22,6 @@ std::string readFile(const fs::path& path) {
   return {std::istreambuf_iterator<char>(in), {}};
 }
 
-void writeFile(const fs::path& path, const std::string& text) {
-  fs::create_directories(path.parent_path());
-  std::ofstream(path, std::ios::binary) << text;
-}
-
-// --- many cases in one file ---
-
 struct CaseText {
   // The text before the first case.
   std::string introduction;
@@ -75,7 +68,7 @@ CaseText parseCases(const fs::path& path) {
     } else if (open != nullptr) {
       *open += line + '\n';
     } else if (!line.empty()) {
-      throw std::runtime_error(path.string() + ": text in front of a section: " + line);
+      throw std::runtime_error(path.string() + ": text before a section: " + line);
     }
   }
   closeSection(false);
@@ -95,42 +88,9 @@ std::string formatCases(const CaseText& cases) {
   return text;
 }
 
-// --- a case in a folder ---
-
-// The file of a section: `before/...` and `after/...` are file names; all others end with `.txt` or
-// `.json`.
-std::string fileOf(const std::string& section) {
-  if (section.find('/') != std::string::npos) return section;
-  return section + (section == "table" ? ".json" : ".txt");
-}
-
-Case readFolder(const fs::path& folder) {
-  Case result{"", folder, "", {}};
-  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-    if (!entry.is_regular_file()) continue;
-    const fs::path relative = entry.path().lexically_relative(folder);
-    const bool isClassFile = relative.has_parent_path();
-    result.sections.push_back({isClassFile ? relative.generic_string() : relative.stem().string(),
-                               readFile(entry.path())});
-  }
-  std::ranges::sort(result.sections, {}, &Section::name);
-  return result;
-}
-
-void writeFolder(const Case& changed) {
-  const Case old = readFolder(changed.path);
-  for (const Section& section : old.sections) {
-    if (changed.find(section.name) == nullptr) fs::remove(changed.path / fileOf(section.name));
-  }
-  for (const Section& section : changed.sections) {
-    writeFile(changed.path / fileOf(section.name), section.text);
-  }
-}
-
 // The path below the root and the title, as letters and digits.
-std::string testName(const fs::path& relative, const std::string& title) {
-  std::string name = relative.generic_string();
-  if (!title.empty()) name = name.substr(0, name.rfind('.')) + "_" + title;
+std::string testName(fs::path relative, const std::string& title) {
+  std::string name = relative.replace_extension().generic_string() + "_" + title;
   std::ranges::replace_if(name, [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
   return name;
 }
@@ -156,8 +116,6 @@ std::vector<Case> findCases(const fs::path& root) {
   if (fs::exists(root)) {
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
       if (entry.path().extension() == ".cases") addCases(parseCases(entry.path()).cases, root, all);
-      if (entry.path().filename() == "before")
-        addCases({readFolder(entry.path().parent_path())}, root, all);
     }
   }
   std::vector<Case> cases;
@@ -166,10 +124,9 @@ std::vector<Case> findCases(const fs::path& root) {
 }
 
 void writeCase(const Case& changed) {
-  if (changed.title.empty()) return writeFolder(changed);
   CaseText text = parseCases(changed.path);
   std::ranges::find(text.cases, changed.title, &Case::title)->sections = changed.sections;
-  writeFile(changed.path, formatCases(text));
+  std::ofstream(changed.path, std::ios::binary) << formatCases(text);
 }
 
 }  // namespace soca::testing

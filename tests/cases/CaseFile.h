@@ -1,4 +1,4 @@
-// Before-and-after cases as files. Their form is described in README.md in this folder.
+// Files of before-and-after cases. Their form is described in README.md in this folder.
 #pragma once
 
 #include <filesystem>
@@ -17,9 +17,8 @@ struct Section {
 struct Case {
   // Unique among all cases.
   std::string name;
-  // The folder of the case, or the file that holds several cases.
+  // The file that holds the case, and its name there.
   std::filesystem::path path;
-  // The name within such a file; empty for a folder.
   std::string title;
   // In the order of the file.
   std::vector<Section> sections;
@@ -36,7 +35,7 @@ struct Case {
 // that is no file of cases.
 std::vector<Case> findCases(const std::filesystem::path& root);
 
-// Writes the case back with its current sections.
+// Writes the case back into its file, with its current sections.
 void writeCase(const Case& changed);
 
 }  // namespace soca::testing
