@@ -71,6 +71,31 @@ TEST(Limits, TextBeforeATooDeepPlaceIsRead) {
   EXPECT_EQ(analysis.getClassdef()->getPropertiesBlocks().front()->members.size(), 2U);
 }
 
+TEST(Limits, TheClassLineAfterTooDeepAttributesIsRead) {
+  struct Attributes {
+    const char* shows;
+    fl::ustring text;
+  };
+  constexpr unsigned tooMany = maximumNesting + 1;
+  const Attributes all[] = {
+      {"parentheses", repeat(u"(", tooMany) + u"1" + repeat(u")", tooMany) + u")"},
+      {"signs", repeat(u"-", tooMany) + u"1, B = ')')"},
+      {"lists over many lines", repeat(u"{\n", 100000) + repeat(u"\n}", 100000) + u")"},
+      {"parentheses that nothing closes", repeat(u"(", 100000)},
+  };
+  for (const Attributes& attributes : all) {
+    SCOPED_TRACE(attributes.shows);
+    const SourceAnalysis analysis(u"classdef (A = " + attributes.text +
+                                  u" C < p.B & D\nproperties\nx = 1 < 2\nend\nend");
+    EXPECT_TRUE(analysis.isTooDeep());
+    ASSERT_NE(analysis.getClassdef(), nullptr);
+    ASSERT_EQ(analysis.getClassdef()->superClasses.size(), 2U);
+    EXPECT_EQ(analysis.getClassdef()->superClasses.front()->text.view(), u"p.B");
+    ASSERT_NE(analysis.getClassdef()->name, nullptr);
+    EXPECT_EQ(analysis.nodeTextView(*analysis.getClassdef()->name), u"C");
+  }
+}
+
 // Chains are not nested: the parser, the walk and the destruction must not need a deep stack for
 // them.
 TEST(Limits, ChainsOfAnyLength) {

@@ -66,46 +66,65 @@ const Parser::Node* Parser::parseClassdef() {
   }
   if (!failed_ && accept(TokenKind::Less)) classdef->superClasses = parseSuperClasses();
   if (!failed_ && is(TokenKind::Dot)) fail("`<` or the first block behind the name of the class");
-  if (failed_ && !isTooDeep_ && classdef->superClasses.empty()) rescueHead(*classdef, head);
+  if (failed_ && classdef->superClasses.empty()) rescueHead(*classdef, head);
   recover();
   parseClassBody(*classdef);
   expectEnd(opening, "classdef");
   return finish(classdef);
 }
 
-// Reads the name and the superclasses of a class from a line with an error before them; `head` is
-// the token after `classdef`. The current token stays the same.
+// Reads the name and the superclasses of a class from a line with an error, or with brackets that
+// are too deep, before them; `head` is the token after `classdef`. The current token stays
+// the same.
 void Parser::rescueHead(astapi::Classdef& classdef, const Token& head) {
   const Token resume = std::exchange(token_, head);
   const std::uint32_t lastEnd = lastEnd_;
   failed_ = false;
   isSkipping_ = true;
-  if (is(TokenKind::OpenParenthesis)) skipParentheses();
+  if (is(TokenKind::OpenParenthesis) && !skipParentheses()) token_ = head;
   if (is(TokenKind::Identifier) && classdef.name == nullptr) classdef.name = takeIdentifier();
-  while (token_.begin < resume.begin && !is(TokenKind::Less)) advance();
-  if (token_.begin < resume.begin && accept(TokenKind::Less)) {
-    ListBuilder<Identifier> superClasses(*this);
-    do {
-      if (is(TokenKind::Identifier)) superClasses.add(takeDottedName());
-    } while (accept(TokenKind::And));
-    classdef.superClasses = superClasses.take();
-  }
+  rescueSuperClasses(classdef, resume.begin);
   isSkipping_ = false;
   failed_ = true;
   token_ = resume;
   lastEnd_ = lastEnd;
 }
 
-// Skips to the token after the parenthesis that closes the current one, or to the end of the line.
-void Parser::skipParentheses() {
-  unsigned depth = 0;
+// Name < Super & pkg.Super, anywhere in the rest of the line up to `end`.
+void Parser::rescueSuperClasses(astapi::Classdef& classdef, std::uint32_t end) {
+  Token last;
   TokenKind previous = TokenKind::Comma;
-  while (!is(TokenKind::LineEnd) && !is(TokenKind::EndOfText)) {
-    if (is(TokenKind::OpenParenthesis)) ++depth;
-    if (is(TokenKind::CloseParenthesis)) --depth;
+  while (token_.begin < end && !is(TokenKind::LineEnd) && !is(TokenKind::Less)) {
+    last = token_;
     skipToken(previous);
-    if (depth == 0) return;
   }
+  if (token_.begin >= end || !accept(TokenKind::Less)) return;
+  if (classdef.name == nullptr && last.kind == TokenKind::Identifier) {
+    classdef.name = makeIdentifier(last);
+  }
+  ListBuilder<Identifier> superClasses(*this);
+  do {
+    if (is(TokenKind::Identifier)) superClasses.add(takeDottedName());
+  } while (accept(TokenKind::And));
+  classdef.superClasses = superClasses.take();
+}
+
+// Skips the current parenthesis and all up to the one that closes it. Returns false if the line
+// ends first, other than inside a list, or the text.
+bool Parser::skipParentheses() {
+  std::vector<BracketType> open;
+  TokenKind previous = TokenKind::Comma;
+  do {
+    const bool isInList = !open.empty() && open.back() == BracketType::list;
+    if (is(TokenKind::EndOfText) || (is(TokenKind::LineEnd) && !isInList)) return false;
+    // A `)` also ends the lists that nothing closed.
+    while (isInList && is(TokenKind::CloseParenthesis) && open.back() == BracketType::list) {
+      open.pop_back();
+    }
+    countBracket(open);
+    skipToken(previous);
+  } while (!open.empty());
+  return true;
 }
 
 // Super & pkg.Super

@@ -119,7 +119,8 @@ class Parser final : private LexicalErrors {
   const Node* parseClassdef();
   NodeList<Identifier> parseSuperClasses();
   void rescueHead(astapi::Classdef& classdef, const Token& head);
-  void skipParentheses();
+  void rescueSuperClasses(astapi::Classdef& classdef, std::uint32_t end);
+  bool skipParentheses();
   void parseClassBody(astapi::Classdef& classdef);
   void refuse(const char* expected);
   const Node* parseBlock();
