@@ -1,6 +1,12 @@
 // Texts without errors, and their trees.
 #include <gtest/gtest.h>
 
+#include <type_traits>
+#include <utility>
+#include <variant>
+
+#include <fmt/format.h>
+
 #include "platform/analyzer/Analyzer.h"
 #include "tests/analyzer/TreeText.h"
 
@@ -28,7 +34,7 @@ constexpr Case operators[] = {
      "SimpleAssignment(x BinaryOperation(a BinaryOperation(b UnaryOperation(BinaryOperation(c "
      "d)))))"},
     {"a sign before a power and inside it", "-a^-b",
-     "UnaryOperation(BinaryOperation(a UnaryOperation(b)))"},
+     "UnaryOperation(BinaryOperation(a UnaryOperation(b)));"},
     {"operators group to the left", "x=a-b-c",
      "SimpleAssignment(x BinaryOperation(BinaryOperation(a b) c))"},
     {"from the lowest to the highest precedence", "x = a||b&&c|d&e<f:g+h*i",
@@ -47,6 +53,8 @@ constexpr Case operators[] = {
      "SimpleAssignment(x BinaryOperation(BinaryOperation(BinaryOperation(BinaryOperation("
      "BinaryOperation(BinaryOperation(BinaryOperation(0x1Fu8 0B101) 1e3) .5) 3.) "
      "BinaryOperation(3 y)) 1.5d-3j) UnaryOperation(3)))"},
+    {"a keyword directly after a number", "if 1else, x = 1end",
+     "IfStatement(1 ElseClause(SimpleAssignment(x 1)))"},
     {"a continuation directly after a number", "x = [1 2...\n 3]",
      "SimpleAssignment(x MatrixLiteral(ListRow(1 2 3)))"},
 };
@@ -89,6 +97,12 @@ constexpr Case primaries[] = {
      "BinaryOperation(end 1)) z) FieldReference(w v))"},
     {"`:` and `end` at any depth of an argument list", "y = x(:, [1 end], {:})",
      "SimpleAssignment(y CallOrIndex(x : MatrixLiteral(ListRow(1 end)) CellLiteral(ListRow(:))))"},
+    {"a dynamic field of a handle, a handle of several words", "x = {@a.(b) @a.b.(c).d}, y = @a. b",
+     "SimpleAssignment(x CellLiteral(ListRow(DynamicField(FunctionHandle(a) b) "
+     "FieldReference(DynamicField(FunctionHandle(a b) c) d)))) | SimpleAssignment(y "
+     "FunctionHandle(a b))"},
+    {"a `:` in a dynamic field and as the value of a named argument", "f(a.(:), b = :)",
+     "CallOrIndex(f DynamicField(a :) NamedArgument(b :));"},
     {"keywords after a point are names", "a.end = s.if.x",
      "SimpleAssignment(FieldReference(a end) FieldReference(FieldReference(s if) x))"},
     {"named arguments", "y = f(a, Name=3, b)",
@@ -109,21 +123,21 @@ constexpr Case commands[] = {
     {"a letter after a blank makes a command", "hold on;x = 1",
      "CommandStatement(hold on) | SimpleAssignment(x 1)"},
     {"a sign with a blank only before it makes a command", "a -b", "CommandStatement(a -b)"},
-    {"a sign between blanks makes no command", "a - b", "BinaryOperation(a b)"},
-    {"a comparison between blanks makes no command", "a == b", "BinaryOperation(a b)"},
+    {"a sign between blanks makes no command", "a - b", "BinaryOperation(a b);"},
+    {"a comparison between blanks makes no command", "a == b", "BinaryOperation(a b);"},
     {"a comparison with a blank only before it makes a command", "a ==b",
      "CommandStatement(a ==b)"},
     {"an assignment is never a command", "a =b", "SimpleAssignment(a b)"},
     {"a point, a brace, an operator at the line's end", "obj .f\na {1}\na -\na (1)",
      "CommandStatement(obj .f) | CommandStatement(a {1}) | CommandStatement(a -) | CallOrIndex(a "
-     "1)"},
+     "1);"},
     {"words end at a separator outside of quotes", "disp 'a, b' \"c;\" d'e f'g, x",
-     "CommandStatement(disp 'a, b' \"c;\" d'e f'g) | x"},
+     "CommandStatement(disp 'a, b' \"c;\" d'e f'g) | x;"},
     {"an unclosed quote ends with the line", "disp 'a, b % c\nx",
-     "CommandStatement(disp 'a, b % c) | x"},
+     "CommandStatement(disp 'a, b % c) | x;"},
     {"a comment ends a command", "import pkg.* % all", "CommandStatement(import pkg.*)"},
     {"a continuation continues a command", "foo ... one\n a...two\nb\nx",
-     "CommandStatement(foo a b) | x"},
+     "CommandStatement(foo a b) | x;"},
     {"block words are names of commands outside of a class", "properties on",
      "CommandStatement(properties on)"},
 };
@@ -133,26 +147,36 @@ constexpr Case statements[] = {
      "MultipleAssignment(a ~ CellIndex(FieldReference(c d) 3) CallOrIndex(f x)) | "
      "MultipleAssignment(x f) | MultipleAssignment(~ b g)"},
     {"a list that is no list of targets", "[a, b](1) == 2",
-     "BinaryOperation(CallOrIndex(MatrixLiteral(ListRow(a b)) 1) 2)"},
+     "BinaryOperation(CallOrIndex(MatrixLiteral(ListRow(a b)) 1) 2);"},
     {"conditions need no separator", "if a, b, elseif c d = 1; else, e, end",
-     "IfStatement(a b ElseIfClause(c SimpleAssignment(d 1)) ElseClause(e))"},
+     "IfStatement(a b; ElseIfClause(c SimpleAssignment(d 1)) ElseClause(e;))"},
+    {"`else`, `case` and their like need no separator before them",
+     "if a, b(1) elseif c, d = 1 else e = 2end, try f() catch, g, end\n"
+     "switch x, case 1 a() case 2, b = 1otherwise c(), end",
+     "IfStatement(a CallOrIndex(b 1); ElseIfClause(c SimpleAssignment(d 1)) "
+     "ElseClause(SimpleAssignment(e 2))) | TryStatement(CallOrIndex(f); CatchClause(g;)) | "
+     "SwitchStatement(x CaseClause(1 CallOrIndex(a);) CaseClause(2 SimpleAssignment(b 1)) "
+     "OtherwiseClause(CallOrIndex(c);))"},
     {"loops",
      "for k = 1:3 f(k), end, for (k = x) g; end\nparfor (k = x, 4) g; end\nwhile x(1), y, end",
-     "ForStatement(k Range(1 3) CallOrIndex(f k)) | ForStatement(k x g) | ForStatement(k x 4 g) | "
-     "WhileStatement(CallOrIndex(x 1) y)"},
+     "ForStatement(k Range(1 3) CallOrIndex(f k);) | ForStatement(k x g;) | ForStatement(k x 4 g;) "
+     "| "
+     "WhileStatement(CallOrIndex(x 1) y;)"},
     {"switch", "switch x % c\n case 'a'\n a\n case {2, 3}, b\n otherwise\n c\nend",
-     "SwitchStatement(x CaseClause('a' a) CaseClause(CellLiteral(ListRow(2 3)) b) "
-     "OtherwiseClause(c))"},
+     "SwitchStatement(x CaseClause('a' a;) CaseClause(CellLiteral(ListRow(2 3)) b;) "
+     "OtherwiseClause(c;))"},
     {"the word after catch",
      "try, a, catch e, b, end\ntry, a, catch e % c\n b, end\ntry\na\ncatch\nb\nend",
-     "TryStatement(a CatchClause(e b)) | TryStatement(a CatchClause(e b)) | TryStatement(a "
-     "CatchClause(b))"},
+     "TryStatement(a; CatchClause(e b;)) | TryStatement(a; CatchClause(e b;)) | TryStatement(a; "
+     "CatchClause(b;))"},
     {"a statement after catch", "try, a, catch disp(1), end",
-     "TryStatement(a CatchClause(CallOrIndex(disp 1)))"},
+     "TryStatement(a; CatchClause(CallOrIndex(disp 1);))"},
     {"spmd, global, persistent, return, break, continue",
      "spmd (3), x, end\nglobal a b\npersistent n; break, continue, return",
-     "SpmdStatement(3 x) | GlobalStatement(a b) | PersistentStatement(n) | break | continue | "
+     "SpmdStatement(3 x;) | GlobalStatement(a b) | PersistentStatement(n) | break | continue | "
      "return"},
+    {"a block comment begins its line", "X = 1 %{\nY = 2\n%}\nZ = 3",
+     "SimpleAssignment(X 1) | SimpleAssignment(Y 2) | SimpleAssignment(Z 3)"},
     {"block comments nest", "%{\na\n %{ \nb\n%}\n%}\nx = 1 %{ no block\n%}\n",
      "SimpleAssignment(x 1)"},
     {"functions with and without outputs and inputs",
@@ -200,6 +224,53 @@ constexpr Case classes[] = {
     {"functions after the class", "classdef A\nend % c\n;\nfunction f\nend\n... the end",
      "Classdef(A) | FunctionDefinition(f)"},
 };
+
+// The type and the value of the number that a text consists of.
+std::string numberOf(const AnalysisResult& analysis) {
+  const auto& file = static_cast<const astapi::ListNode&>(*analysis.getRootNode());
+  const auto& statement = static_cast<const astapi::WrapperNode&>(*file.elements.front());
+  const auto describe = []<class T>(const T& value) {
+    if constexpr (std::is_same_v<T, lf::astapi::Imaginary>) {
+      return fmt::format("{}i", value.value);
+    } else if constexpr (std::is_same_v<T, double>) {
+      return fmt::format("{}", value);
+    } else {
+      return fmt::format("{}{} {}", std::is_signed_v<T> ? 's' : 'u', 8 * sizeof value, value);
+    }
+  };
+  return std::visit(describe, static_cast<const astapi::NumberLiteral&>(*statement.operand).value);
+}
+
+TEST(Numbers, HaveTheNearestValueAndTheSmallestType) {
+  constexpr std::pair<const char*, const char*> rows[] = {
+      {"123456789012345", "123456789012345"},
+      {"0.12345678901234567", "0.12345678901234566"},
+      {"1234567890123456", "1234567890123456"},
+      {"12345678901234567", "1.2345678901234568e+16"},
+      {"9007199254740993.", "9007199254740992"},
+      {"123456789012345678.9", "1.2345678901234568e+17"},
+      {"18446744073709551617", "1.8446744073709552e+19"},
+      {"100000000000000000001", "1e+20"},
+      {".5", "0.5"},
+      {"1.e2", "100"},
+      {"25D-1", "2.5"},
+      {"1e-400", "0"},
+      {"1.5d+1j", "15i"},
+      {"0xFF", "u8 255"},
+      {"0X100", "u16 256"},
+      {"0b11", "u8 3"},
+      {"0x10000", "u32 65536"},
+      {"0x0FFFFFFFFFFFFFFFF", "u64 18446744073709551615"},
+      {"0x7fs8", "s8 127"},
+      {"0x1u16", "u16 1"},
+      {"0B1s32", "s32 1"},
+      {"0x1s64", "s64 1"},
+  };
+  for (const auto& [text, number] : rows) {
+    const auto analysis = analyzeText(fl::i18n::to_ustring(text));
+    EXPECT_EQ(errorText(*analysis) + numberOf(*analysis), number) << text;
+  }
+}
 
 std::string nameOf(const testing::TestParamInfo<Case>& info) { return std::to_string(info.index); }
 

@@ -21,6 +21,11 @@ constexpr Case cases[] = {
     {"an index after a transpose", "y = x'(1)",
      "1:7: expected a line end, `;` or `,` behind the statement, found `(`"},
     {"a field after a blank in a list", "x = [c .d]", "1:8: expected an expression, found `.`"},
+    {"blanks after a point in a list", "x = [a. b]\nx = [a. (b)]\nx = {@a. b}\nx = {@a. (b)}",
+     "1:9: expected the name of a field behind `.`, found `b`\n"
+     "2:9: expected the name of a field behind `.`, found `(`\n"
+     "3:10: expected a name behind `.`, found `b`\n"
+     "4:10: expected the name of a field behind `.`, found `(`"},
     {"several bad targets, each reported", "[a+1, b, 2] = f; a' = 3; [] = g",
      "1:2: expected a name with or without indices in front of `=`, found `a+1`\n"
      "1:10: expected a name with or without indices in front of `=`, found `2`\n"
@@ -31,6 +36,9 @@ constexpr Case cases[] = {
      "1:5: expected a number that fits its type, found `0x1FFu8`\n"
      "1:18: expected a number that fits its type, found `0x10000000000000000`\n"
      "2:8: expected an operator or a blank behind the number, found `ab`"},
+    {"an unclosed literal after another error", "x = (;\ny = 'abc",
+     "1:6: expected an expression, found `;`\n"
+     "2:5: expected `'` to close the character literal, found end of line"},
     {"unclosed literals end with the line", "x = 'a\ny = \"b\nz = 1",
      "1:5: expected `'` to close the character literal, found end of line\n"
      "2:5: expected `\"` to close the string literal, found end of line"},
@@ -46,8 +54,15 @@ constexpr Case cases[] = {
     {"a superclass call without arguments", "x = step@pkg.Base;",
      "1:18: expected `(` behind the superclass of a superclass call, found `;`"},
     {"an empty argument", "f(a,)", "1:5: expected an expression, found `)`"},
-    {"end outside of an index", "if a\nx = {end};\nend",
-     "2:6: expected an expression, found `end`"},
+    {"end and colons outside of an index", "if a\nx = {end};\nend\nspmd (end), end, y = {:}",
+     "2:6: expected an expression, found `end`\n4:7: expected an expression, found `end`\n"
+     "4:23: expected an expression, found `:`"},
+    {"a colon as the argument of an enumeration member", "classdef A\nenumeration, E(:), end\nend",
+     "2:16: expected an expression, found `:`"},
+    {"`else` of a statement further out needs a separator",
+     "if a, for k = b, x = 1 else y = 1, end, end",
+     "1:24: expected a line end, `;` or `,` behind the statement, found `else`\n"
+     "1:29: expected a line end, `;` or `,` behind the statement, found `y`"},
     {"stray keywords with their operands", "else\ncatch x\ncase 1\nend",
      "1:1: expected a statement, found `else`\n2:1: expected a statement, found `catch`\n"
      "3:1: expected a statement, found `case`\n4:1: expected a statement, found `end`"},
@@ -104,6 +119,9 @@ constexpr Case cases[] = {
      "something else"},
     {"statements after the class", "classdef A\nend\nx = 3",
      "3:1: expected a function or the end of the file behind the class, found `x`"},
+    {"a class in the middle of a line", "function f(), classdef A",
+     "1:15: expected a statement, found `classdef`\n"
+     "1:24: expected a line end, `;` or `,` behind the statement, found `A`"},
     {"a function outside of methods", "classdef A\nfunction f\nend\nend",
      "2:1: expected a block or `end`, found `function` outside of a `methods` block"},
     {"function heads", "function f(x, \nend\nfunction [a, = g\nend\nfunction 3\nend",
@@ -129,11 +147,26 @@ TEST(SyntaxError, IsReportedForNulsAndLoneSurrogatesAnywhere) {
             "2:14: expected an expression, found half of a surrogate pair (U+D800)");
 }
 
+TEST(SyntaxError, ShowsWholeCharactersAndNoControls) {
+  const fl::ustring longest(38, u'a');
+  EXPECT_EQ(errorText(*analyzeText(u"x = 1 " + longest + u"\xD835\xDC9C\xD835\xDC9C")),
+            "1:7: expected a line end, `;` or `,` behind the statement, found `" +
+                std::string(38, 'a') + "\xF0\x9D\x92\x9C...`");
+  EXPECT_EQ(errorText(*analyzeText(u"x = 1 " + longest + u"a\xD835\xDC9C")),
+            "1:7: expected a line end, `;` or `,` behind the statement, found `" +
+                std::string(39, 'a') + "...`");
+  EXPECT_EQ(errorText(*analyzeText(u"[1 '\t\x9F\xA0'] = f")),
+            "1:2: expected a name with or without indices in front of `=`, found `1`\n"
+            "1:4: expected a name with or without indices in front of `=`, found `'  \xC2\xA0'`");
+}
+
 TEST(SyntaxError, InTheClassLineKeepsNameAndSuperclasses) {
   constexpr const char16_t* texts[] = {
       u"classdef (A,) C < a.B & D\nend",     u"classdef (A B = 'x)') C < a.B & D\nend",
       u"classdef (~A = 3) C < a.B & D\nend", u"classdef (A = ) C < a.B & D\nend",
       u"classdef C.E < a.B & D\nend",        u"if x\nclassdef C < a.B & D\nend\nend",
+      u"classdef (A = (1 C < a.B & D\nend",  u"classdef (A = {1\n2}, ) C < a.B & D\nend",
+      u"classdef (A = [) C < a.B & D\nend",
   };
   for (const char16_t* text : texts) {
     const auto analysis = analyzeText(text);
@@ -152,7 +185,7 @@ TEST(SyntaxError, KeepsTheRestOfTheClass) {
   EXPECT_EQ(treeText(*analysis),
             "Classdef(A b.C PropertiesBlockNode(PropertyNode(x Parenthesized(BinaryOperation(1 ))) "
             "PropertyNode(y 2) Attribute(Access )) MethodsBlockNode(FunctionDefinition(f "
-            "IfStatement(CallOrIndex(x ) b)) FunctionDeclaration(g a r)))");
+            "IfStatement(CallOrIndex(x ) b;)) FunctionDeclaration(g a r)))");
   EXPECT_EQ(analysis->diagnostics().size(), 6U);
 }
 

@@ -33,12 +33,14 @@ class ChildCollector : public lf::astapi::Visitor<ChildCollector, astapi::CA, lf
 };
 
 // A node without children gives its own text; any other gives its kind with its children in
-// parentheses. A statement that is an expression, and an input argument, give only their contents.
+// parentheses. A statement that is an expression gives its contents and `;`, and an input argument
+// gives only its contents.
 inline std::string treeText(const AnalysisResult& analysis, const astapi::Node& node) {
   using lf::astapi::NodeKind;
   const auto children = ChildCollector::childrenOf(node);
-  if (node.kind == NodeKind::ExpressionStatement || node.kind == NodeKind::InputArgument) {
-    return treeText(analysis, *children.front());
+  if (node.kind == NodeKind::InputArgument) return treeText(analysis, *children.front());
+  if (node.kind == NodeKind::ExpressionStatement) {
+    return treeText(analysis, *children.front()) + ';';
   }
   std::ostringstream text;
   const bool isList = node.kind == NodeKind::MatrixLiteral || node.kind == NodeKind::CellLiteral;

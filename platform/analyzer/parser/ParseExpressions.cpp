@@ -149,14 +149,13 @@ bool Parser::isTranspose() const {
 
 const Parser::Node* Parser::parseIndexed(const Node* base) {
   while (!failed_) {
-    const bool isApart = token_.blankBefore;
-    if (is(TokenKind::OpenParenthesis) && !(inList_ && isApart)) {
+    if (is(TokenKind::OpenParenthesis) && !isApartInList()) {
       base = parseApplication(NodeKind::CallOrIndex, base);
-    } else if (is(TokenKind::OpenBrace) && !isApart) {
+    } else if (is(TokenKind::OpenBrace) && !token_.blankBefore) {
       base = parseApplication(NodeKind::CellIndex, base);
-    } else if (is(TokenKind::Dot) && !(inList_ && isApart)) {
+    } else if (is(TokenKind::Dot) && !isApartInList()) {
       base = parseField(base);
-    } else if (is(TokenKind::At) && !isApart && isSuperclassCall(*base)) {
+    } else if (is(TokenKind::At) && !token_.blankBefore && isSuperclassCall(*base)) {
       base = parseSuperclassCall(base);
     } else {
       break;
@@ -169,31 +168,33 @@ const Parser::Node* Parser::parseIndexed(const Node* base) {
 const Parser::Node* Parser::parseApplication(NodeKind kind, const Node* base) {
   auto* application = makeNode<astapi::ApplyNode>(kind, base->position);
   application->base = base;
-  application->arguments = parseArguments(
-      kind == NodeKind::CallOrIndex ? TokenKind::CloseParenthesis : TokenKind::CloseBrace);
+  application->arguments = parseArguments();
   return finish(application);
 }
 
 // base.name or base.(expression)
 const Parser::Node* Parser::parseField(const Node* base) {
   advance();
-  if (is(TokenKind::OpenParenthesis)) {
-    auto* field = makePair(NodeKind::DynamicField, base, base);
-    Bracket bracket(*this, BracketType::plain);
-    field->right = parseExpression();
-    bracket.close();
-    return finish(field);
-  }
-  return parseFieldName(base);
+  if (!is(TokenKind::OpenParenthesis) || isApartInList()) return parseFieldName(base);
+  auto* field = makePair(NodeKind::DynamicField, base, base);
+  Bracket bracket(*this, BracketType::plain);
+  field->right = parseExpressionOrColon();
+  bracket.close();
+  return finish(field);
 }
 
 // The name after the point.
 const Parser::Node* Parser::parseFieldName(const Node* base) {
-  if ((!is(TokenKind::Identifier) && !isKeyword(token_.kind)) || (inList_ && token_.blankBefore)) {
+  if (!isFieldName()) {
     fail("the name of a field behind `.`");
     return base;
   }
   return makePair(NodeKind::FieldReference, base, takeIdentifier());
+}
+
+// Whether the token after a point is a field name, which a keyword can be too.
+bool Parser::isFieldName() const {
+  return (is(TokenKind::Identifier) || isKeyword(token_.kind)) && !isApartInList();
 }
 
 // Whether `@` after a name or a chain of names begins the superclass of a call.
@@ -214,18 +215,18 @@ const Parser::Node* Parser::parseSuperclassCall(const Node* base) {
   if (!is(TokenKind::Identifier)) fail("the name of a superclass behind `@`");
   call->superClass = failed_ ? makeNameless() : takeDottedName();
   if (failed_) return finish(call);
-  if (is(TokenKind::OpenParenthesis) && !(inList_ && token_.blankBefore)) {
-    call->arguments = parseArguments(TokenKind::CloseParenthesis);
+  if (is(TokenKind::OpenParenthesis) && !isApartInList()) {
+    call->arguments = parseArguments();
   } else {
     fail("`(` behind the superclass of a superclass call");
   }
   return finish(call);
 }
 
-Parser::NodeList<Parser::Node> Parser::parseArguments(TokenKind close) {
+Parser::NodeList<Parser::Node> Parser::parseArguments(BracketType type) {
   ListBuilder<Node> arguments(*this);
-  Bracket bracket(*this, BracketType::arguments);
-  if (!is(close)) {
+  Bracket bracket(*this, type);
+  if (!is(bracket.closing())) {
     do {
       arguments.add(parseArgument());
     } while (accept(TokenKind::Comma));
@@ -243,10 +244,11 @@ const Parser::Node* Parser::parseArgument() {
     return argument;
   }
   advance();
-  return makePair(NodeKind::NamedArgument, argument, parseExpression());
+  return makePair(NodeKind::NamedArgument, argument, parseExpressionOrColon());
 }
 
-// One argument or index: an expression, or in an argument list a bare `:`.
+// One argument, the value of a named one, or an index: an expression, or in an argument list a bare
+// `:`.
 const Parser::Node* Parser::parseExpressionOrColon() {
   if (is(TokenKind::Colon) && argumentDepth_ > 0) return takeLeaf(NodeKind::Colon);
   return parseExpression();
@@ -291,15 +293,13 @@ const Parser::Node* Parser::parseNumber() {
   if (!number.fits) {
     report(token_.begin, "expected a number that fits its type, found " + describe(token_));
   }
-  const bool runsIntoName = lexer_.isLetterAt(token_.end);
-  if (runsIntoName) {
-    const Token name = lexer_.scan(token_.end);
-    report(token_.end,
-           "expected an operator or a blank behind the number, found " + describe(name));
-  }
   advance();
   finish(literal);
-  if (runsIntoName) advance();
+  if (is(TokenKind::Identifier) && !token_.blankBefore) {
+    report(token_.begin,
+           "expected an operator or a blank behind the number, found " + describe(token_));
+    advance();
+  }
   return literal;
 }
 
@@ -395,9 +395,9 @@ const Parser::Node* Parser::parseFunctionHandle(std::uint32_t position) {
   auto* handle = makeNode<astapi::ListNode>(NodeKind::FunctionHandle, position);
   ListBuilder<Node> words(*this);
   words.add(takeIdentifier());
-  while (is(TokenKind::Dot) && !token_.blankBefore) {
+  while (is(TokenKind::Dot) && !token_.blankBefore && !isDynamicField()) {
     advance();
-    if (!is(TokenKind::Identifier) && !isKeyword(token_.kind)) {
+    if (!isFieldName()) {
       fail("a name behind `.`");
       break;
     }
@@ -405,6 +405,11 @@ const Parser::Node* Parser::parseFunctionHandle(std::uint32_t position) {
   }
   handle->elements = words.take();
   return finish(handle);
+}
+
+// Whether a parenthesis follows the current point: `.(expression)`.
+bool Parser::isDynamicField() const {
+  return lexer_.at(lexer_.skipBlanksAndContinuations(token_.end)) == u'(';
 }
 
 // ?pkg.Name

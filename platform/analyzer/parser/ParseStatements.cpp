@@ -38,7 +38,7 @@ Parser::NodeList<Parser::Node> Parser::parseStatements(BodyType type) {
     skipSeparators();
     if (isBodyEnd(type)) return statements.take();
     statements.add(parseStatement());
-    finishStatement();
+    finishStatement(type);
   }
 }
 
@@ -53,6 +53,18 @@ bool Parser::isBodyEnd(BodyType type) const {
     case TokenKind::EndOfText:
     case TokenKind::End:
       return true;
+    case TokenKind::Function:
+      return type == BodyType::functionBody && style_ == FunctionStyleType::open;
+    case TokenKind::Classdef:
+      // No construct that is still open here can contain a class.
+      return classdef_ == nullptr && lexer_.isFirstOnLine(token_.begin);
+    default:
+      return isClauseWord(type);
+  }
+}
+
+bool Parser::isClauseWord(BodyType type) const {
+  switch (token_.kind) {
     case TokenKind::Else:
     case TokenKind::ElseIf:
       return type == BodyType::ifBody;
@@ -61,18 +73,13 @@ bool Parser::isBodyEnd(BodyType type) const {
       return type == BodyType::caseBody;
     case TokenKind::Catch:
       return type == BodyType::tryBody;
-    case TokenKind::Function:
-      return type == BodyType::functionBody && style_ == FunctionStyleType::open;
-    case TokenKind::Classdef:
-      // No construct that is still open here can contain a class.
-      return classdef_ == nullptr && lexer_.isFirstOnLine(token_.begin);
     default:
       return false;
   }
 }
 
-void Parser::finishStatement() {
-  if (!failed_) finishMember("the statement", false);
+void Parser::finishStatement(BodyType type) {
+  if (!failed_ && !isSeparator() && !isClauseWord(type)) finishMember("the statement", false);
   recover();
 }
 

@@ -164,7 +164,9 @@ class Parser final : private LexicalErrors {
   enum class BodyType { plain, ifBody, caseBody, tryBody, functionBody };
   NodeList<Node> parseStatements(BodyType type);
   bool isBodyEnd(BodyType type) const;
-  void finishStatement();
+  // Whether the current word begins the next part of the statement around the body, such as `else`.
+  bool isClauseWord(BodyType type) const;
+  void finishStatement(BodyType type);
   const Node* parseStatement();
   NodeList<Node> parseBody(BodyType type);
   const Node* parseStrayKeyword();
@@ -202,9 +204,13 @@ class Parser final : private LexicalErrors {
   const Node* parseApplication(NodeKind kind, const Node* base);
   const Node* parseField(const Node* base);
   const Node* parseFieldName(const Node* base);
+  bool isFieldName() const;
+  // Whether a blank before the token separates it from the list element before it.
+  bool isApartInList() const { return inList_ && token_.blankBefore; }
   bool isSuperclassCall(const Node& base) const;
   const Node* parseSuperclassCall(const Node* base);
-  NodeList<Node> parseArguments(TokenKind close);
+  // BracketType::arguments allows a bare `:` and `end` in them.
+  NodeList<Node> parseArguments(BracketType type = BracketType::arguments);
   const Node* parseArgument();
   const Node* parseExpressionOrColon();
   const Node* parsePrimary();
@@ -216,6 +222,7 @@ class Parser final : private LexicalErrors {
   const Node* parseAt();
   const Node* parseAnonymousFunction(std::uint32_t position);
   const Node* parseFunctionHandle(std::uint32_t position);
+  bool isDynamicField() const;
   const Node* parseClassQuery();
   Node* makeMissing();
   astapi::PairNode* makePair(NodeKind kind, const Node* left, const Node* right);
