@@ -104,6 +104,8 @@ TEST(Method, References) {
   const ModelOfText earlier(
       u"classdef C\nproperties\nP = aImpl\nend\nmethods\nfunction aImpl(o)\nend\nend\nend\n");
   EXPECT_TRUE(methodOf(earlier).isMethodReferencedInSysObj());
+  const ModelOfText onOneLine = classWithMethod("function aImpl(o), aImpl(o), end");
+  EXPECT_TRUE(methodOf(onOneLine).isMethodReferencedInSysObj());
 }
 
 TEST(Method, SimpleConstantAssignment) {

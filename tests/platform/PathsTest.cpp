@@ -150,6 +150,7 @@ TEST(Iri, PathsAreEscapedAndCanonical) {
 TEST(NativePath, DecodesAndSplitsExtensions) {
   EXPECT_EQ(detail::make_native_form(u"/a%20b/%C3%A9/\u00FC", true), u"/a b/\u00E9/\u00FC");
   EXPECT_EQ(detail::make_native_form(u"/a%2fb%25zz%4", true), u"/a/b%zz%4");
+  EXPECT_EQ(detail::make_native_form(u"/a%41", true), u"/aA");
   EXPECT_EQ(detail::make_native_form(u"/a%20b", false), u"/a%20b");
   const struct {
     ustring path;

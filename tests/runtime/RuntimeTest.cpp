@@ -162,13 +162,18 @@ TEST_F(Runtime, FactsAlongTheHierarchy) {
   properties (Dependent)
     D, E
   end
+  properties (Dependent, Dependent = false)
+    F
+  end
   methods
     function m(obj), end
     s(obj)
   end
 end
 )");
-  write("Side.vlm", "classdef Side < velum.System\nproperties (Dependent = (true))\nE\nend\nend\n");
+  write("Side.vlm",
+        "classdef (StrictDefaults, StrictDefaults = false) Side < velum.System\n"
+        "properties (Dependent = (true))\nE\nend\nend\n");
   write("Top.vlm", R"(classdef Top < Side & Base & Top
   properties (Abstract = false)
     A
@@ -195,6 +200,7 @@ end
   EXPECT_FALSE(top.getProperty("D").isDependent());
   EXPECT_FALSE(top.getProperty("E").isDependent());
   EXPECT_TRUE(metaClass("Base").getProperty("D").isDependent());
+  EXPECT_FALSE(top.getProperty("F").isDependent());
   EXPECT_TRUE(top.isMethodDefinedInSuperClass("m"));
   EXPECT_FALSE(top.isMethodDefinedInSuperClass("s"));
   EXPECT_FALSE(top.isMethodDefinedInSuperClass("own"));
@@ -211,13 +217,15 @@ TEST_F(Runtime, OneFileMayBeSeveralClasses) {
 
 TEST_F(Runtime, AClassTableReplacesFactsOfTheSource) {
   write("C.vlm",
-        "classdef C < handle\nproperties (Dependent)\nP, Q\nend\nmethods\nfunction m, "
-        "end\nend\nend\n");
+        "classdef C < handle\nproperties (Dependent)\nP, Q\nend\nproperties (Abstract)\nR, S\n"
+        "end\nmethods\nfunction m, end\nend\nend\n");
   sotarn::setClassTable(
       std::make_shared<sotarn::ClassTable>(sotarn::parseClassTable(R"({"classes": {
       "C": {"superclasses": ["only.Table"], "methods": ["n"],
-            "properties": {"P": {"abstract": true}, "Q": {"dependent": false,
-                           "constrainedSet": {"kind": 1, "values": ["v"]}}}},
+            "properties": {"P": {"abstract": true}, "R": {"dependent": true},
+                           "S": {"abstract": false},
+                           "Q": {"dependent": false,
+                                 "constrainedSet": {"kind": 1, "values": ["v"]}}}},
       "only.Table": {"superclasses": ["velum.System"], "strictDefaults": true,
                      "methods": ["m", "inherited"]}}})")));
   EXPECT_TRUE(derives("C", "velum.system.SystemImpl"));
@@ -228,6 +236,9 @@ TEST_F(Runtime, AClassTableReplacesFactsOfTheSource) {
   EXPECT_TRUE(c.getProperty("P").isAbstractInAnyClass());
   EXPECT_TRUE(c.getProperty("P").isDependent());
   EXPECT_FALSE(c.getProperty("Q").isDependent());
+  EXPECT_TRUE(c.getProperty("R").isDependent());
+  EXPECT_TRUE(c.getProperty("R").isAbstractInAnyClass());
+  EXPECT_FALSE(c.getProperty("S").isAbstractInAnyClass());
   EXPECT_EQ(setOf("C", "Q"), "1 1 QSet|v");
   EXPECT_TRUE(c.isMethodDefinedInSuperClass("m"));
   EXPECT_FALSE(c.isMethodDefinedInSuperClass("n"));
