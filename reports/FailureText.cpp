@@ -2,6 +2,8 @@
 
 #include <fmt/core.h>
 
+#include "reports/text/Escapes.h"
+
 namespace soca {
 
 void printFailure(ReportOutput& output, const Failure& failure) {
@@ -10,7 +12,7 @@ void printFailure(ReportOutput& output, const Failure& failure) {
   // With superclasses the message may be about another class than the named one.
   const bool namesClass = failure.message.find(failure.className) != std::string::npos;
   if (failure.argument != failure.className && !namesClass) {
-    text += fmt::format("  in the update of class '{}'\n", failure.className);
+    text += fmt::format("  in the update of class '{}'\n", withEscapesInLine(failure.className));
   }
   text += hintLines(failure.hints);
   if (!text.empty()) output.printMessages(text);
@@ -18,7 +20,8 @@ void printFailure(ReportOutput& output, const Failure& failure) {
 
 std::string hintLines(const std::vector<std::string>& hints) {
   std::string text;
-  for (const std::string& hint : hints) text += fmt::format("  hint: {}\n", hint);
+  for (const std::string& hint : hints)
+    text += fmt::format("  hint: {}\n", withEscapesInLine(hint));
   return text;
 }
 

@@ -13,8 +13,10 @@ class ReportOutput {
 
   // Whether data may have colours.
   virtual bool colorsOut() const = 0;
-  // Prints data unchanged.
+  // Prints data unchanged, but on a terminal with escapes for control characters.
   virtual void print(std::string_view text) = 0;
+  // Prints data that have their escapes and colours already.
+  virtual void printColored(std::string_view text) = 0;
   // Prints lines of messages.
   virtual void printMessages(std::string_view lines) = 0;
   // Both print one line "soca: <what>": for failures, and for other messages.

@@ -54,7 +54,11 @@ ExitCodeType runSyntaxCheck(const Options& options, Console& console) {
     return options.arguments[index++];
   };
   const auto consume = [&](const CheckedFile& file) {
-    console.print(console.colorsOut() ? colorMessages(file.report) : file.report);
+    if (console.colorsOut()) {
+      console.printColored(colorMessages(file.report));
+    } else {
+      console.print(file.report);
+    }
     if (!file.failure.empty()) console.complain(file.failure);
     if (!file.report.empty() || !file.failure.empty()) exitCode = ExitCodeType::failed;
     return !wasInterrupted();

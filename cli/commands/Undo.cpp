@@ -17,6 +17,7 @@
 #include "files/writing/Journal.h"
 #include "files/writing/Restore.h"
 #include "files/writing/RunStore.h"
+#include "reports/text/Escapes.h"
 #include "reports/text/FileNames.h"
 
 namespace soca::cli {
@@ -61,7 +62,7 @@ std::string listRow(const RunStore& store, RunNumber run, bool isBusy) {
   const std::string number = fmt::format("{}", run);
   if (journal == nullptr) return row(number, "?", "?", "damaged", "?");
   return row(number, timeText(journal->time()), fmt::format("{}", journal->changedCount()),
-             stateText(*journal, isBusy), journal->commonFolder());
+             stateText(*journal, isBusy), withEscapesInLine(journal->commonFolder()));
 }
 
 ExitCodeType listRuns(const RunStore& store, Console& console) {

@@ -10,6 +10,7 @@
 
 #include "cli/terminal/MessageText.h"
 #include "cli/terminal/Signals.h"
+#include "reports/text/Escapes.h"
 
 namespace soca::cli {
 namespace {
@@ -42,6 +43,8 @@ bool wantsColor(ColorType color, const Output& output) {
 
 }  // namespace
 
+Output::Output(int descriptor) : descriptor_(descriptor), isTerminal_(::isatty(descriptor) == 1) {}
+
 void Output::write(std::string_view text) {
   if (buffer_.size() + text.size() > bufferSize) flush();
   if (text.size() > bufferSize) {
@@ -67,8 +70,6 @@ void Output::writeThrough(std::string_view text) {
     }
   }
 }
-
-bool Output::isTerminal() const { return ::isatty(descriptor_) == 1; }
 
 std::size_t Output::width() const {
   winsize size = {};
@@ -102,6 +103,11 @@ void Console::clearStatus() {
 }
 
 void Console::print(std::string_view text) {
+  if (!out_.isTerminal()) return out_.write(text);
+  printColored(withEscapes(text));
+}
+
+void Console::printColored(std::string_view text) {
   if (status_.empty() || !out_.isTerminal()) return out_.write(text);
   const std::string status = status_;
   clearStatus();
@@ -119,8 +125,8 @@ void Console::printError(std::string_view text) {
 }
 
 void Console::printMessages(std::string_view lines) {
-  const std::string clean = withoutControls(lines);
-  printError(colorsErr_ ? colorMessages(clean) : clean);
+  const std::string escaped = withEscapes(lines);
+  printError(colorsErr_ ? colorMessages(escaped) : escaped);
 }
 
 void Console::complain(std::string_view what) { printLine(what, "\x1b[1;31m"); }
@@ -129,7 +135,7 @@ void Console::tell(std::string_view what) { printLine(what, "\x1b[1m"); }
 
 void Console::printLine(std::string_view what, std::string_view color) {
   constexpr std::string_view program = "soca:";
-  std::string line = fmt::format("{} {}\n", program, withoutControls(what));
+  std::string line = fmt::format("{} {}\n", program, withEscapesInLine(what));
   if (colorsErr_) {
     line = fmt::format("{}{}\x1b[m{}", color, program, colorMessages(line).substr(program.size()));
   }

@@ -12,7 +12,7 @@ namespace soca::cli {
 // called.
 class Output {
  public:
-  explicit Output(int descriptor) : descriptor_(descriptor) {}
+  explicit Output(int descriptor);
   Output(const Output&) = delete;
   Output& operator=(const Output&) = delete;
 
@@ -22,7 +22,7 @@ class Output {
 
   // The number of the first error, or 0.
   int error() const { return error_; }
-  bool isTerminal() const;
+  bool isTerminal() const { return isTerminal_; }
   // The width of the terminal in columns; 0 if there is no terminal or its width is unknown.
   std::size_t width() const;
 
@@ -30,6 +30,7 @@ class Output {
   void writeThrough(std::string_view text);
 
   int descriptor_;
+  bool isTerminal_;
   int error_ = 0;
   std::string buffer_;
 };
@@ -57,9 +58,10 @@ class Console : public ReportOutput {
   void clearStatus();
 
   void print(std::string_view text) override;
+  void printColored(std::string_view text) override;
   // Flushes standard output first.
   void printError(std::string_view text);
-  // Prints lines of messages, with colours and without control characters.
+  // Prints lines of messages, with colours and escapes.
   void printMessages(std::string_view lines) override;
   // Both print one line "soca: <what>": for failures, and for other messages.
   void complain(std::string_view what) override;

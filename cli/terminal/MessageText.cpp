@@ -9,7 +9,6 @@
 namespace soca::cli {
 namespace {
 
-constexpr std::string_view replacement = "\xEF\xBF\xBD";
 constexpr std::string_view plain = "\x1b[m";
 constexpr std::string_view caretColor = "\x1b[1;32m";
 
@@ -23,16 +22,6 @@ constexpr auto severities = std::to_array<Severity>({{": error:", "\x1b[1;31m"},
                                                      {": warning:", "\x1b[1;35m"},
                                                      {": note:", "\x1b[36m"},
                                                      {"  hint:", "\x1b[36m"}});
-
-bool isControl(char character) {
-  const auto byte = static_cast<unsigned char>(character);
-  return (byte < 0x20 && byte != '\n' && byte != '\t') || byte == 0x7F;
-}
-
-// U+0080 to U+009F, one of which begins a control sequence.
-bool isControlPair(std::string_view text) {
-  return text.size() > 1 && text[0] == '\xC2' && static_cast<unsigned char>(text[1]) < 0xA0;
-}
 
 // Whether the line has only a caret, below a line of source.
 bool isCaretLine(std::string_view line) {
@@ -62,21 +51,6 @@ void addColored(std::string_view line, std::string& text) {
 }
 
 }  // namespace
-
-std::string withoutControls(std::string_view text) {
-  std::string clean;
-  clean.reserve(text.size());
-  while (!text.empty()) {
-    const bool isPair = isControlPair(text);
-    if (isPair || isControl(text.front())) {
-      clean += replacement;
-    } else {
-      clean += text.front();
-    }
-    text.remove_prefix(isPair ? 2 : 1);
-  }
-  return clean;
-}
 
 std::string colorMessages(std::string_view lines) {
   std::string text;

@@ -5,6 +5,7 @@
 
 #include "reports/FailureText.h"
 #include "reports/UpdateReport.h"
+#include "reports/text/Escapes.h"
 #include "reports/text/UnifiedDiff.h"
 
 namespace soca {
@@ -25,7 +26,7 @@ std::string editsOf(const ClassOutcome& outcome) {
 std::string findingLine(const std::string& file, const Finding& finding) {
   std::string text = file;
   if (finding.line > 0) text += fmt::format(":{}", finding.line);
-  text += fmt::format(": warning: {}", finding.text);
+  text += fmt::format(": warning: {}", withEscapesInLine(finding.text));
   if (!finding.id.empty()) text += fmt::format(" [{}]", finding.id);
   return text + '\n';
 }
@@ -37,7 +38,7 @@ class TextReport : public UpdateReport {
       : options_(options), names_(names), output_(output) {}
 
   std::string dataOf(const ClassOutcome& outcome) const override;
-  void printData(const std::string& data) override { output_->print(data); }
+  void printData(const std::string& data) override;
   void printNotes(const ClassOutcome& outcome) override;
   void addFailure(const Failure& failure) override { printFailure(*output_, failure); }
   void addSkipped(const Failure& failure) override;
@@ -52,7 +53,15 @@ class TextReport : public UpdateReport {
 std::string TextReport::dataOf(const ClassOutcome& outcome) const {
   if (!outcome.update.hasNewText() || options_->quiet || options_->write) return {};
   if (options_->check) return outcome.update.className + '\n';
-  return output_->colorsOut() ? colorDiff(outcome.file.diff) : outcome.file.diff;
+  return output_->colorsOut() ? colorDiff(withEscapes(outcome.file.diff)) : outcome.file.diff;
+}
+
+void TextReport::printData(const std::string& data) {
+  if (output_->colorsOut()) {
+    output_->printColored(data);
+  } else {
+    output_->print(data);
+  }
 }
 
 void TextReport::printNotes(const ClassOutcome& outcome) {
@@ -61,13 +70,16 @@ void TextReport::printNotes(const ClassOutcome& outcome) {
   if (options_->verbose) text += fmt::format("{}: {}\n", file, editsOf(outcome));
   if (!options_->quiet) {
     for (const Finding& finding : outcome.update.findings) text += findingLine(file, finding);
-    for (const std::string& hint : outcome.hints) text += fmt::format("{}: note: {}\n", file, hint);
+    for (const std::string& hint : outcome.hints) {
+      text += fmt::format("{}: note: {}\n", file, withEscapesInLine(hint));
+    }
   }
   if (options_->verbose && outcome.update.changesAgain) {
     text += fmt::format("{}: note: a second update would change it again\n", file);
   }
   if (options_->verbose && !outcome.writeRefusal.empty()) {
-    text += fmt::format("{}: note: --write would refuse it: {}\n", file, outcome.writeRefusal);
+    text += fmt::format("{}: note: --write would refuse it: {}\n", file,
+                        withEscapesInLine(outcome.writeRefusal));
   }
   if (!text.empty()) output_->printMessages(text);
   if (outcome.update.isRefused()) {

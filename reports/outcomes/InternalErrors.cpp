@@ -5,6 +5,7 @@
 
 #include "platform/failure/Terminate.h"
 #include "platform/runtime/ClassDescription.h"
+#include "reports/text/Escapes.h"
 
 namespace soca {
 namespace {
@@ -19,9 +20,9 @@ std::string placeOf(const std::string& className) {
 
 void sayClass(const char* message, const char*, int, const char*) {
   if (currentClass == nullptr) return;
-  const std::string text =
-      fmt::format("soca: internal error with class '{}' in {}: {}; nothing of this run is kept\n",
-                  *currentClass, placeOf(*currentClass), message);
+  const std::string text = fmt::format(
+      "soca: internal error with class '{}' in {}: {}; nothing of this run is kept\n",
+      withEscapesInLine(*currentClass), withEscapesInLine(placeOf(*currentClass)), message);
   // The process ends even if this cannot be written.
   [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
 }

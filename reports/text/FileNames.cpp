@@ -3,6 +3,7 @@
 #include <fmt/core.h>
 
 #include "platform/paths/NativePath.h"
+#include "reports/text/Escapes.h"
 
 namespace soca {
 namespace {
@@ -41,7 +42,7 @@ FileNames::FileNames(const ClassRoots* roots)
 
 std::string FileNames::shown(const std::string& path) const {
   const auto relative = relativeTo(currentFolder_, path);
-  return relative && !relative->empty() ? std::string(*relative) : path;
+  return withEscapesInLine(relative && !relative->empty() ? *relative : path);
 }
 
 std::string FileNames::inDiff(const std::string& path) const {

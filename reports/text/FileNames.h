@@ -14,7 +14,7 @@ class FileNames {
   // `roots` must outlive this object.
   explicit FileNames(const ClassRoots* roots);
 
-  // Relative to the current folder if the file is in it.
+  // Relative to the current folder if the file is in it, with escapes.
   std::string shown(const std::string& path) const;
 
   // For a diff: the file without links, relative to the current folder if it is in it, otherwise

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/text/Conversions.h"
+#include "reports/text/Escapes.h"
 
 namespace soca {
 namespace {
@@ -37,17 +38,12 @@ class LineReader {
   std::size_t start_ = 0;
 };
 
-// Replaces control characters and characters that a terminal does not show by U+FFFD.
-void hideControls(fl::ustring& text) {
+// Replaces what a terminal would obey by U+FFFD, which has the width of one character, for the
+// caret in the next line.
+void hideUnsafe(fl::ustring& text) {
   for (char16_t& unit : text) {
-    if ((unit < 0x20 && unit != u'\t') || (unit >= 0x7F && unit < 0xA0)) unit = u'\xFFFD';
+    if (unit != u'\t' && isUnsafe(unit)) unit = u'\xFFFD';
   }
-}
-
-std::string withoutControls(const std::string& utf8) {
-  fl::ustring text = fl::i18n::to_ustring(utf8);
-  hideControls(text);
-  return fl::i18n::to_string(text);
 }
 
 // The part of a line that is shown, and the place of the error in it.
@@ -67,7 +63,7 @@ Window cutWindow(fl::ustring_view line, std::size_t column) {
   window.column = window.text.size() + column - first;
   window.text += line.substr(first, last - first);
   if (last < line.size()) window.text += u"...";
-  hideControls(window.text);
+  hideUnsafe(window.text);
   return window;
 }
 
@@ -84,9 +80,10 @@ std::string formatError(std::string_view file, const ca::Diagnostic& diagnostic,
                         fl::ustring_view line) {
   if (line.ends_with(u'\r')) line.remove_suffix(1);
   const Window window = cutWindow(line, diagnostic.column);
-  return fmt::format("{}:{}:{}: error: {}\n{:>5} | {}\n      | {}^\n", file, diagnostic.line + 1,
-                     diagnostic.column + 1, withoutControls(diagnostic.message),
-                     diagnostic.line + 1, fl::i18n::to_string(window.text),
+  return fmt::format("{}:{}:{}: error: {}\n{:>5} | {}\n      | {}^\n", withEscapesInLine(file),
+                     diagnostic.line + 1, diagnostic.column + 1,
+                     withEscapesInLine(diagnostic.message), diagnostic.line + 1,
+                     fl::i18n::to_string(window.text),
                      indentOf(fl::ustring_view(window.text).substr(0, window.column)));
 }
 
@@ -101,7 +98,8 @@ std::string formatSyntaxErrors(std::string_view file, const ca::AnalysisResult& 
     text += formatError(file, diagnostics[i], lines.line(diagnostics[i].line));
   }
   if (diagnostics.size() > limit) {
-    text += fmt::format("{}: and {} more errors\n", file, diagnostics.size() - limit);
+    text += fmt::format("{}: and {} more errors\n", withEscapesInLine(file),
+                        diagnostics.size() - limit);
   }
   return text;
 }
