@@ -90,9 +90,9 @@ std::vector<OptionRow> makeOptions() {
       {"--no-ignore",
        "",
        forUpdate,
-       "walk ignored, hidden and linked folders too",
-       "Otherwise what git ignores, folders whose names begin with a point, and links to folders "
-       "are left out of a walk, unless they are named themselves.",
+       "walk what git ignores, and linked folders, too",
+       "Otherwise what git ignores, and links to folders, are left out of a walk, unless they are "
+       "named themselves.",
        &Options::noIgnore,
        {}},
       {"--format", "FORMAT", forUpdate, choiceText(formatWords()),

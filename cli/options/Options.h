@@ -34,7 +34,7 @@ struct Options {
   bool check = false;
   // Whether files that git could not restore may be changed.
   bool allowDirty = false;
-  // Whether a folder includes ignored files, hidden folders and links to folders.
+  // Whether a folder includes what git ignores, and links to folders.
   bool noIgnore = false;
   bool list = false;
   // Whether to print the time and memory of the run.

@@ -32,7 +32,7 @@ struct FoundFile {
   std::string reason;
 };
 
-// What a walk omits: files that git ignores, hidden folders, and links to folders; or nothing.
+// What a walk omits: what git ignores and links to folders; or nothing of these.
 enum class WalkType { filtered, everything };
 
 // Reads each folder when the walk reaches it, and keeps only the entries of the folders on its
