@@ -54,11 +54,8 @@ constexpr Case cases[] = {
     {"a superclass call without arguments", "x = step@pkg.Base;",
      "1:18: expected `(` behind the superclass of a superclass call, found `;`"},
     {"an empty argument", "f(a,)", "1:5: expected an expression, found `)`"},
-    {"end and colons outside of an index", "if a\nx = {end};\nend\nspmd (end), end, y = {:}",
-     "2:6: expected an expression, found `end`\n4:7: expected an expression, found `end`\n"
-     "4:23: expected an expression, found `:`"},
-    {"a colon as the argument of an enumeration member", "classdef A\nenumeration, E(:), end\nend",
-     "2:16: expected an expression, found `:`"},
+    {"end and colons outside of an index", "if a\nx = {end};\nend\ny = {:}",
+     "2:6: expected an expression, found `end`\n4:6: expected an expression, found `:`"},
     {"`else` of a statement further out needs a separator",
      "if a, for k = b, x = 1 else y = 1, end, end",
      "1:24: expected a line end, `;` or `,` behind the statement, found `else`\n"

@@ -222,7 +222,7 @@ TEST(Update, ColorsAreForTerminalsOrOnRequest) {
 
 TEST(Update, ControlCharactersInNamesAreNotPrinted) {
   const auto result = Workspace().soca({"update", "A\x1b[31m\x7f\xc2\x9b!"});
-  EXPECT_NE(result.err.find("'A\ufffd[31m\ufffd\ufffd!'"), std::string::npos) << result.err;
+  EXPECT_NE(result.err.find("'A\\u001b[31m\\u007f\\u009b!'"), std::string::npos) << result.err;
   EXPECT_EQ(result.err.find('\x1b'), std::string::npos);
 }
 

@@ -6,6 +6,7 @@
 
 #include "cli/terminal/MessageText.h"
 #include "conversions/LineDiff.h"
+#include "reports/text/Escapes.h"
 #include "reports/text/FileNames.h"
 #include "reports/text/UnifiedDiff.h"
 #include "tests/cli/ProgramRunner.h"
@@ -68,9 +69,9 @@ TEST(Messages, TheSeverityIsColored) {
             "b.vlm: \x1b[36mnote:\x1b[m c\n  \x1b[36mhint:\x1b[m d\nhint: error\n");
 }
 
-TEST(Messages, HaveNoControlsButTabsAndLineEnds) {
-  EXPECT_EQ(withoutControls("a\tb\n\x1b\x7f\xC2\x80\xC2\x9F\xC2\xA0"),
-            "a\tb\n\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xC2\xA0");
+TEST(Messages, HaveEscapesForControlsButTabsAndLineEnds) {
+  EXPECT_EQ(withEscapes("a\tb\n\x1b\x7f\xC2\x80\xC2\x9F\xC2\xA0"),
+            "a\tb\n\\u001b\\u007f\\u0080\\u009f\xC2\xA0");
 }
 
 // A text of lines from a small set, and the same text with some parts changed.

@@ -317,7 +317,7 @@ const Parser::Node* Parser::parseEnumerationMember() {
   }
   auto* member = makeNode<astapi::EnumerationMember>(NodeKind::EnumerationMember, token_.begin);
   member->base = takeIdentifier();
-  if (is(TokenKind::OpenParenthesis)) member->arguments = parseArguments(BracketType::plain);
+  if (is(TokenKind::OpenParenthesis)) member->arguments = parseArguments();
   finish(member);
   finishMember("the enumeration member", false);
   return member;

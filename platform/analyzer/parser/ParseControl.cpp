@@ -141,7 +141,7 @@ const Parser::Node* Parser::parseSpmd() {
   const Token opening = token_;
   auto* statement = makeNode<astapi::SpmdStatement>(NodeKind::SpmdStatement, opening.begin);
   advance();
-  if (is(TokenKind::OpenParenthesis)) statement->arguments = parseArguments(BracketType::plain);
+  if (is(TokenKind::OpenParenthesis)) statement->arguments = parseArguments();
   recover();
   statement->body = parseBody(BodyType::plain);
   expectEnd(opening, "spmd");

@@ -223,9 +223,9 @@ const Parser::Node* Parser::parseSuperclassCall(const Node* base) {
   return finish(call);
 }
 
-Parser::NodeList<Parser::Node> Parser::parseArguments(BracketType type) {
+Parser::NodeList<Parser::Node> Parser::parseArguments() {
   ListBuilder<Node> arguments(*this);
-  Bracket bracket(*this, type);
+  Bracket bracket(*this, BracketType::arguments);
   if (!is(bracket.closing())) {
     do {
       arguments.add(parseArgument());

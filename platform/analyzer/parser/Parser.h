@@ -209,8 +209,7 @@ class Parser final : private LexicalErrors {
   bool isApartInList() const { return inList_ && token_.blankBefore; }
   bool isSuperclassCall(const Node& base) const;
   const Node* parseSuperclassCall(const Node* base);
-  // BracketType::arguments allows a bare `:` and `end` in them.
-  NodeList<Node> parseArguments(BracketType type = BracketType::arguments);
+  NodeList<Node> parseArguments();
   const Node* parseArgument();
   const Node* parseExpressionOrColon();
   const Node* parsePrimary();
