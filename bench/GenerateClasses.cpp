@@ -6,7 +6,6 @@
 // and JavaScript classes of the same form with --language javascript.
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -19,6 +18,7 @@
 #include "bench/ClassWriter.h"
 #include "bench/JavaScriptWriter.h"
 #include "bench/MembersWriter.h"
+#include "bench/ToolOptions.h"
 
 namespace {
 
@@ -110,32 +110,48 @@ void write(const Options& options) {
   if (options.bytes > 0) writeLarge(options);
 }
 
+const std::map<std::string, LanguageType> languages = {{"velum", LanguageType::velum},
+                                                       {"javascript", LanguageType::javaScript}};
+const std::map<std::string, MixType> mixes = {
+    {"half", MixType::half}, {"all", MixType::all}, {"none", MixType::none}};
+const std::map<std::string, bench::MemberType> memberTypes = {
+    {"plain", bench::MemberType::plain},
+    {"positive", bench::MemberType::positiveInteger},
+    {"stringset", bench::MemberType::stringSet},
+    {"method", bench::MemberType::method}};
+
+template <class Value>
+Value choose(const std::map<std::string, Value>& values, const std::string& name) {
+  const auto found = values.find(name);
+  if (found == values.end()) throw std::runtime_error("unknown choice '" + name + "'");
+  return found->second;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) try {
   Options options;
-  CLI::App app{"Writes made-up class files for measurements"};
-  app.add_option("--seed", options.seed, "The same number makes the same files");
-  app.add_option("--count", options.count, "So many classes, besides their bases");
-  app.add_option("--bytes", options.bytes, "One class of at least so many bytes");
-  app.add_option("--out", options.out, "The folder for them")->required();
-  const std::map<std::string, LanguageType> languages = {{"velum", LanguageType::velum},
-                                                         {"javascript", LanguageType::javaScript}};
-  app.add_option("--language", options.language, "velum (default) or javascript")
-      ->transform(CLI::Transformer(languages));
-  const std::map<std::string, MixType> mixes = {
-      {"half", MixType::half}, {"all", MixType::all}, {"none", MixType::none}};
-  app.add_option("--outdated", options.mix,
-                 "How many of the classes are: half (default), all, none")
-      ->transform(CLI::Transformer(mixes));
-  const std::map<std::string, bench::MemberType> kinds = {
-      {"plain", bench::MemberType::plain},
-      {"positive", bench::MemberType::positiveInteger},
-      {"stringset", bench::MemberType::stringSet},
-      {"method", bench::MemberType::method}};
-  app.add_option("--members", options.members, "One class of --count members of a kind")
-      ->transform(CLI::Transformer(kinds));
-  CLI11_PARSE(app, argc, argv);
+  std::string out;
+  std::string language = "velum";
+  std::string mix = "half";
+  std::string members;
+  const auto exitCode = bench::parseToolOptions(
+      "Writes made-up class files for measurements",
+      {{"--seed", "The same number makes the same files", &options.seed},
+       {"--count", "So many classes, besides their bases", &options.count},
+       {"--bytes", "One class of at least so many bytes", &options.bytes},
+       {"--out", "The folder for them", &out},
+       {"--language", "velum (default) or javascript", &language},
+       {"--outdated", "How many of the classes are: half (default), all, none", &mix},
+       {"--members", "One class of --count members of a kind: plain, positive, stringset or method",
+        &members}},
+      argc, argv);
+  if (exitCode) return *exitCode;
+  if (out.empty()) throw std::runtime_error("--out is missing");
+  options.out = out;
+  options.language = choose(languages, language);
+  options.mix = choose(mixes, mix);
+  if (!members.empty()) options.members = choose(memberTypes, members);
   write(options);
   return 0;
 } catch (const std::exception& error) {

@@ -8,7 +8,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -17,7 +16,9 @@
 #include <string>
 #include <vector>
 
+#include "bench/ToolOptions.h"
 #include "fuzz/HostileInputs.h"
+#include "tests/Places.h"
 #include "tests/platform/TemporaryFolder.h"
 
 namespace soca::fuzz {
@@ -59,7 +60,7 @@ struct Measured {
   const int out = open(folder.output().c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
   const auto limit = static_cast<rlim_t>(6 * options.seconds);
   const rlimit time = {limit, limit};
-  std::string program = SOCA_PROGRAM;
+  std::string program = testing::programPath();
   std::vector<std::string> arguments = input.arguments;
   std::vector<char*> pointers = {program.data()};
   for (std::string& argument : arguments) pointers.push_back(argument.data());
@@ -116,12 +117,14 @@ bool run(const Options& options, const HostileInput& input) {
 
 int main(int argc, char** argv) try {
   soca::fuzz::Options options;
-  CLI::App app{"Runs the program on hostile inputs and measures it"};
-  app.add_option("--only", options.only, "The inputs with this in their names alone");
-  app.add_option("--bytes", options.bytes, "The size of each input");
-  app.add_option("--seconds", options.seconds, "The bound on time");
-  app.add_option("--mebibytes", options.mebibytes, "The bound on memory");
-  CLI11_PARSE(app, argc, argv);
+  const auto exitCode = bench::parseToolOptions(
+      "Runs the program on hostile inputs and measures it",
+      {{"--only", "The inputs with this in their names alone", &options.only},
+       {"--bytes", "The size of each input", &options.bytes},
+       {"--seconds", "The bound on time", &options.seconds},
+       {"--mebibytes", "The bound on memory", &options.mebibytes}},
+      argc, argv);
+  if (exitCode) return *exitCode;
   int faults = 0;
   for (const auto& input : soca::fuzz::hostileInputs()) {
     if (input.name.find(options.only) == std::string::npos) continue;

@@ -5,7 +5,7 @@
 // the classes are printed and not checked.
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
@@ -13,6 +13,7 @@
 #include <map>
 #include <string>
 
+#include "bench/ToolOptions.h"
 #include "fuzz/ProgramProperties.h"
 #include "fuzz/RandomClass.h"
 #include "fuzz/UpdateProperties.h"
@@ -130,13 +131,15 @@ int runAll(const Options& options) {
 
 int main(int argc, char** argv) {
   soca::fuzz::Options options;
-  CLI::App app{"Checks the properties of updates on random classes"};
-  app.add_option("--seed", options.seed, "The first class; the next one has the next number");
-  app.add_option("--count", options.count, "How many classes");
-  app.add_option("--failures", options.mostFailures, "After how many failures to stop");
-  app.add_option("--folder", options.folder, "How many classes the program gets at once, or 0");
-  app.add_flag("--print", options.isPrinting, "Print the classes and check nothing");
-  CLI11_PARSE(app, argc, argv);
+  const auto exitCode = bench::parseToolOptions(
+      "Checks the properties of updates on random classes",
+      {{"--seed", "The first class; the next one has the next number", &options.seed},
+       {"--count", "How many classes", &options.count},
+       {"--failures", "After how many failures to stop", &options.mostFailures},
+       {"--folder", "How many classes the program gets at once, or 0", &options.folder},
+       {"--print", "Print the classes and check nothing", &options.isPrinting}},
+      argc, argv);
+  if (exitCode) return *exitCode;
   if (!options.isPrinting) return soca::fuzz::runAll(options);
   for (std::uint64_t number = 0; number < options.count; ++number) {
     soca::fuzz::printClasses(options.seed + number);

@@ -3,7 +3,6 @@
 //   fuzz_seeds --check      the same inputs, and those in fuzz/inputs/, through their targets
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
 #include <exception>
@@ -13,10 +12,12 @@
 #include <string>
 #include <vector>
 
+#include "bench/ToolOptions.h"
 #include "fuzz/ClassFiles.h"
 #include "fuzz/KnownCauses.h"
 #include "fuzz/Targets.h"
 #include "platform/text/FileText.h"
+#include "tests/Places.h"
 #include "tests/cases/CaseFile.h"
 
 namespace soca::fuzz {
@@ -67,7 +68,7 @@ void addText(const std::string& name, const std::string& bytes, std::vector<Inpu
 std::vector<Input> makeInputs() {
   std::vector<Input> inputs;
   for (const char* folder : {"tests/cases", "tests/known"}) {
-    for (const testing::Case& each : testing::findCases(fs::path(SOCA_SOURCE_DIR) / folder)) {
+    for (const testing::Case& each : testing::findCases(testing::projectPath(folder))) {
       const auto files = filesOf(each);
       inputs.push_back({"update", each.name, writeClassFiles(files)});
       if (!files.empty()) addText(each.name, writeClassFiles({{"C", files.front().text}}), inputs);
@@ -76,8 +77,7 @@ std::vector<Input> makeInputs() {
       }
     }
   }
-  for (const auto& entry :
-       fs::recursive_directory_iterator(fs::path(SOCA_SOURCE_DIR) / "examples")) {
+  for (const auto& entry : fs::recursive_directory_iterator(testing::projectPath("examples"))) {
     if (entry.path().extension() != ".vlm") continue;
     const std::string name = entry.path().stem().string();
     addText(name, readFile(entry.path()), inputs);
@@ -98,8 +98,7 @@ std::vector<Input> makeInputs() {
 // Inputs with which a fuzzer found a fault: fuzz/inputs/<target>/<name>.
 std::vector<Input> foundInputs() {
   std::vector<Input> inputs;
-  for (const auto& entry :
-       fs::recursive_directory_iterator(fs::path(SOCA_SOURCE_DIR) / "fuzz" / "inputs")) {
+  for (const auto& entry : fs::recursive_directory_iterator(testing::projectPath("fuzz/inputs"))) {
     if (!entry.is_regular_file() || entry.path().extension() == ".md") continue;
     inputs.push_back({entry.path().parent_path().filename().string(),
                       entry.path().filename().string(), readFile(entry.path())});
@@ -133,7 +132,7 @@ bool runInput(const Input& input) {
 
 // The number of known causes that are the title of no case in tests/known.
 std::size_t countUnexplainedCauses() {
-  const auto cases = testing::findCases(fs::path(SOCA_SOURCE_DIR) / "tests" / "known");
+  const auto cases = testing::findCases(testing::projectPath("tests/known"));
   std::size_t count = 0;
   for (const std::string_view cause : knownCauses()) {
     if (std::ranges::find(cases, cause, &testing::Case::title) != cases.end()) continue;
@@ -149,10 +148,12 @@ std::size_t countUnexplainedCauses() {
 int main(int argc, char** argv) {
   std::string out;
   bool isChecking = false;
-  CLI::App app{"What the fuzzers begin with"};
-  app.add_option("--out", out, "The folder for the files");
-  app.add_flag("--check", isChecking, "Run the targets on all of it");
-  CLI11_PARSE(app, argc, argv);
+  const auto exitCode =
+      bench::parseToolOptions("What the fuzzers begin with",
+                              {{"--out", "The folder for the files", &out},
+                               {"--check", "Run the targets on all of it", &isChecking}},
+                              argc, argv);
+  if (exitCode) return *exitCode;
   auto inputs = soca::fuzz::makeInputs();
   std::ranges::move(soca::fuzz::foundInputs(), std::back_inserter(inputs));
   if (!out.empty()) soca::fuzz::writeInputs(out, inputs);

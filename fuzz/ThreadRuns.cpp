@@ -3,7 +3,6 @@
 //   many_threads [--threads N] [--seeds N] [--seconds S]
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -14,6 +13,7 @@
 #include <thread>
 #include <vector>
 
+#include "bench/ToolOptions.h"
 #include "fuzz/RandomClass.h"
 #include "platform/failure/Exception.h"
 #include "platform/paths/PathDispatcher.h"
@@ -94,11 +94,13 @@ int main(int argc, char** argv) try {
   std::size_t threads = 16;
   std::uint64_t seeds = 30;
   double seconds = 0;
-  CLI::App app{"Calls one updater from many threads"};
-  app.add_option("--threads", threads, "How many threads");
-  app.add_option("--seeds", seeds, "How many classes, with those that they need");
-  app.add_option("--seconds", seconds, "How long, but each class once in any case");
-  CLI11_PARSE(app, argc, argv);
+  const auto exitCode = bench::parseToolOptions(
+      "Calls one updater from many threads",
+      {{"--threads", "How many threads", &threads},
+       {"--seeds", "How many classes, with those that they need", &seeds},
+       {"--seconds", "How long, but each class once in any case", &seconds}},
+      argc, argv);
+  if (exitCode) return *exitCode;
   const soca::testing::Workspace space;
   PathDispatcher::getDispatcher().setClassPath({space.path().string()});
   std::vector<soca::fuzz::Question> questions;

@@ -42,7 +42,8 @@ std::string points(std::string_view title, std::string_view lines) {
   while (!lines.empty()) {
     const std::size_t end = std::min(lines.find('\n'), lines.size());
     std::string point = wrap(lines.substr(0, end), "    ");
-    result += point.replace(2, 1, "-");
+    point[2] = '-';
+    result += point;
     lines.remove_prefix(std::min(end + 1, lines.size()));
   }
   return result + '\n';

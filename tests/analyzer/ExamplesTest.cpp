@@ -9,6 +9,7 @@
 #include "platform/analyzer/tree/NodeVisitor.h"
 #include "platform/paths/SourceReader.h"
 #include "platform/text/Conversions.h"
+#include "tests/Places.h"
 
 namespace ca {
 namespace {
@@ -78,7 +79,7 @@ const std::set<std::string> otherWords{
 TEST(Examples, EveryNameAndEveryReturnIsReached) {
   std::size_t files = 0;
   for (const auto& entry :
-       std::filesystem::recursive_directory_iterator(SOCA_SOURCE_DIR "/examples")) {
+       std::filesystem::recursive_directory_iterator(soca::testing::projectPath("examples"))) {
     if (entry.path().extension() != ".vlm") continue;
     SCOPED_TRACE(entry.path());
     ++files;

@@ -4,9 +4,6 @@ set(moved ${WORK_DIR}/moved/to)
 file(REMOVE_RECURSE ${WORK_DIR})
 file(MAKE_DIRECTORY ${WORK_DIR}/moved)
 
-# As in RuntimeTest.cpp.
-set(ENV{LSAN_OPTIONS} use_tls=0)
-
 # run(COMMAND...): stores the output in `output`; a failure ends the test.
 function(run)
   execute_process(COMMAND ${ARGV} OUTPUT_VARIABLE output ERROR_VARIABLE output RESULT_VARIABLE result)
@@ -24,11 +21,7 @@ endfunction()
 
 # build_project(FOLDER NAME)
 function(build_project folder name)
-  set(flags "")
-  if(SANITIZE)
-    set(flags -DCMAKE_CXX_FLAGS=-fsanitize=${SANITIZE})
-  endif()
-  run(${CMAKE_COMMAND} -S ${folder} -B ${WORK_DIR}/${name} -G ${GENERATOR} ${flags}
+  run(${CMAKE_COMMAND} -S ${folder} -B ${WORK_DIR}/${name} -G ${GENERATOR}
       -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_PREFIX_PATH=${moved}
       -DCppMicroServices_DIR=${RUNTIME_DIR})
   run(${CMAKE_COMMAND} --build ${WORK_DIR}/${name})

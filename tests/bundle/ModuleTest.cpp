@@ -17,6 +17,7 @@
 #include "platform/paths/PathDispatcher.h"
 #include "rules/RuleFamilies.h"
 #include "service/UpdaterImpl.h"
+#include "tests/Places.h"
 #include "tests/bundle/BundleFile.h"
 #include "tests/bundle/ResourceArchive.h"
 #include "tests/platform/TemporaryFolder.h"
@@ -94,7 +95,7 @@ TEST_P(BundleModule, ExportsThreeFunctions) {
 }
 
 TEST_P(BundleModule, FollowsTheLifeCycleOfTheRuntime) {
-  PathDispatcher::getDispatcher().setClassPath({SOCA_SOURCE_DIR "/examples"});
+  PathDispatcher::getDispatcher().setClassPath({soca::testing::projectPath("examples")});
   auto instance = newInstance();
   ASSERT_NE(instance, nullptr);
   instance->CreateInstance(nullptr);
@@ -114,7 +115,7 @@ TEST_P(BundleModule, FollowsTheLifeCycleOfTheRuntime) {
 
 // The bundle hides its symbols, but must share streams, exceptions and tables with the platform.
 TEST_P(BundleModule, HasTheResultsOfTheSystemInThisProcess) {
-  PathDispatcher::getDispatcher().setClassPath({SOCA_SOURCE_DIR "/examples"});
+  PathDispatcher::getDispatcher().setClassPath({soca::testing::projectPath("examples")});
   const auto updater = newUpdater();
   soca::UpdaterImpl own;
   for (const auto* name :

@@ -13,6 +13,7 @@
 #include "platform/paths/PathDispatcher.h"
 #include "rules/RuleFamilies.h"
 #include "service/UpdaterImpl.h"
+#include "tests/Places.h"
 #include "tests/bundle/BundleFile.h"
 
 // The leak checker, if present, crashes when threads of the runtime exit while it reads their
@@ -68,7 +69,7 @@ class RunningBundle {
 class BundleInTheRuntime : public testing::TestWithParam<BundleFile> {
  protected:
   BundleInTheRuntime() {
-    PathDispatcher::getDispatcher().setClassPath({SOCA_SOURCE_DIR "/examples"});
+    PathDispatcher::getDispatcher().setClassPath({soca::testing::projectPath("examples")});
     soca::UpdaterImpl own;
     expected_ = updatedText(own);
   }

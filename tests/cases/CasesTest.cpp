@@ -7,6 +7,7 @@
 
 #include "platform/messages/MessageListener.h"
 #include "reports/explanations/MessageExplanations.h"
+#include "tests/Places.h"
 #include "tests/cases/CaseFile.h"
 #include "tests/cases/CaseRun.h"
 
@@ -15,8 +16,8 @@ namespace {
 
 const std::vector<Case>& allCases() {
   static const std::vector<Case> cases = [] {
-    std::vector<Case> found = findCases(SOCA_TEST_DIR);
-    for (Case& known : findCases(SOCA_SOURCE_DIR "/tests/known")) found.push_back(std::move(known));
+    std::vector<Case> found = findCases(projectPath("tests/cases"));
+    for (Case& known : findCases(projectPath("tests/known"))) found.push_back(std::move(known));
     return found;
   }();
   return cases;

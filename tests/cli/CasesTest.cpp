@@ -11,6 +11,7 @@
 #include <sstream>
 
 #include "rules/RuleFamilies.h"
+#include "tests/Places.h"
 #include "tests/cli/AppliedEdits.h"
 #include "tests/cli/ProgramRunner.h"
 
@@ -166,7 +167,7 @@ TEST_P(KnownCases, AreRefused) {
 }
 
 std::vector<Case> casesForTheProgram() {
-  auto cases = findCases(SOCA_SOURCE_DIR "/tests/cases");
+  auto cases = findCases(projectPath("tests/cases"));
   std::erase_if(cases, [](const Case& each) { return argumentsOf(each).empty(); });
   return cases;
 }
@@ -181,7 +182,7 @@ std::string nameOf(const ::testing::TestParamInfo<Case>& info) {
 INSTANTIATE_TEST_SUITE_P(All, CasesThroughTheProgram, ::testing::ValuesIn(casesForTheProgram()),
                          nameOf);
 INSTANTIATE_TEST_SUITE_P(All, KnownCases,
-                         ::testing::ValuesIn(findCases(SOCA_SOURCE_DIR "/tests/known")), nameOf);
+                         ::testing::ValuesIn(findCases(projectPath("tests/known"))), nameOf);
 
 }  // namespace
 }  // namespace soca::testing

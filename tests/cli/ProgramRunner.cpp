@@ -1,4 +1,5 @@
 #include "tests/cli/ProgramRunner.h"
+#include "tests/Places.h"
 
 #include <fcntl.h>
 #include <fmt/core.h>
@@ -30,7 +31,7 @@ int waitFor(pid_t process) {
 }
 
 std::vector<std::string> programCommand(std::vector<std::string> arguments) {
-  arguments.insert(arguments.begin(), SOCA_PROGRAM);
+  arguments.insert(arguments.begin(), programPath());
   return arguments;
 }
 

@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "tests/Places.h"
 #include "tests/cli/AppliedEdits.h"
 #include "tests/cli/ProgramRunner.h"
 
@@ -13,7 +14,7 @@ ProgramResult update(const Workspace& space, const std::string& options, std::st
   const Workspace outside;
   outside.write("in", bytes);
   const std::string input = outside.path() / "in";
-  return space.run({"sh", "-c", SOCA_PROGRAM " update " + options + " - < " + input});
+  return space.run({"sh", "-c", programPath() + " update " + options + " - < " + input});
 }
 
 TEST(StandardInput, PrintsTheBytesThatWriteWouldMake) {

@@ -11,6 +11,8 @@
 #include <cstdlib>
 #include <stdexcept>
 
+#include "tests/Places.h"
+
 namespace soca::testing {
 namespace {
 
@@ -78,7 +80,7 @@ bool TerminalRun::readMore() {
 }
 
 std::string outputOnTerminal(const Workspace& space, std::vector<std::string> arguments) {
-  arguments.insert(arguments.begin(), SOCA_PROGRAM);
+  arguments.insert(arguments.begin(), programPath());
   TerminalRun run(space, std::move(arguments));
   run.finish();
   return run.output();

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "reports/text/Escapes.h"
+#include "tests/Places.h"
 #include "tests/cli/TerminalRun.h"
 
 namespace soca::testing {
@@ -152,7 +153,7 @@ TEST(Terminal, ADiffInAPipeCanBeApplied) {
   const std::string updated = space.read("A.vlm");
   ASSERT_EQ(space.soca({"undo"}).exitCode, 0);
   ASSERT_EQ(space.read("A.vlm"), source);
-  const auto applied = space.run({"sh", "-c", SOCA_PROGRAM " update | git apply"});
+  const auto applied = space.run({"sh", "-c", programPath() + " update | git apply"});
   EXPECT_EQ(applied.exitCode, 0) << applied.err;
   EXPECT_EQ(space.read("A.vlm"), updated);
 }

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "tests/Places.h"
 #include "tests/cli/AppliedEdits.h"
 #include "tests/cli/ProgramRunner.h"
 
@@ -166,7 +167,7 @@ TEST(Update, StatsShowTheTimeOfEachPhase) {
 
 TEST(Update, AnyNumberOfJobsGivesTheSameBytes) {
   const Workspace space;
-  std::filesystem::copy(SOCA_SOURCE_DIR "/examples", space.path() / "examples",
+  std::filesystem::copy(projectPath("examples"), space.path() / "examples",
                         std::filesystem::copy_options::recursive);
   for (const std::vector<std::string>& options :
        {std::vector<std::string>{"-v"}, {"-s", "--format", "json"}, {"--check"}}) {
@@ -207,7 +208,7 @@ TEST(Update, ColorsAreForTerminalsOrOnRequest) {
   for (const auto& [environment, options, hasColor] : table) {
     std::vector<std::string> command = {"env", "-u", "NO_COLOR", "-u", "FORCE_COLOR"};
     command.insert(command.end(), environment.begin(), environment.end());
-    command.insert(command.end(), {SOCA_PROGRAM, "update"});
+    command.insert(command.end(), {programPath(), "update"});
     command.insert(command.end(), options.begin(), options.end());
     const auto result = space.run(command);
     EXPECT_EQ(result.out.find("\x1b[31m-classdef") != std::string::npos, hasColor) << command[5];

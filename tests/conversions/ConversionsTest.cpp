@@ -10,6 +10,7 @@
 #include "platform/paths/Overlay.h"
 #include "platform/paths/PathDispatcher.h"
 #include "platform/text/Conversions.h"
+#include "tests/Places.h"
 #include "tests/cases/CaseFile.h"
 #include "tests/platform/TemporaryFolder.h"
 
@@ -82,11 +83,11 @@ void expectIndependenceBelow(const fs::path& root) {
 }
 
 TEST(Conversions, AreIndependentInTheExamples) {
-  expectIndependenceBelow(SOCA_SOURCE_DIR "/examples");
+  expectIndependenceBelow(testing::projectPath("examples"));
 }
 
 TEST(Conversions, AreIndependentInTheCases) {
-  for (const Case& each : testing::findCases(SOCA_SOURCE_DIR "/tests/cases")) {
+  for (const Case& each : testing::findCases(testing::projectPath("tests/cases"))) {
     SCOPED_TRACE(each.name);
     if (each.find("again") != nullptr || each.find("table") != nullptr) continue;
     const TemporaryFolder folder;

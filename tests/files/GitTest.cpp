@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "files/targets/GitLibrary.h"
+#include "tests/Places.h"
 #include "tests/cli/ProgramRunner.h"
 
 namespace soca::testing {
@@ -15,7 +16,8 @@ const std::string prelude =
     "GIT_COMMITTER_NAME=a GIT_COMMITTER_EMAIL=a@b\n"
     "commit() { git add -A . && git commit -qm more; }\n"
     "begin() { git init -q . && commit; }\n"
-    "soca() { " SOCA_PROGRAM " \"$@\"; }\n";
+    "soca() { " +
+    programPath() + " \"$@\"; }\n";
 
 // Provides a library that cannot be loaded under each name that the program tries.
 const std::string withoutLibrary =
@@ -92,7 +94,8 @@ TEST_F(Git, FilesThatGitCannotRestoreAreNotWritten) {
       {"no library and no repository", withoutLibrary, ""},
       {"a repository of another user",
        "[ $(id -u) = 0 ] || exit 77; begin; chown -R 12345 p; chmod 755 ..; soca() {\n"
-       "setpriv --reuid 12345 --clear-groups " SOCA_PROGRAM " \"$@\"; }; soca --version || exit 77",
+       "setpriv --reuid 12345 --clear-groups " +
+           programPath() + " \"$@\"; }; soca --version || exit 77",
        "belongs to another user; if you trust it, run 'git config --global --add safe.directory /"},
   };
   for (const WriteCase& row : table) {

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "tests/Places.h"
 #include "tests/cli/ProgramRunner.h"
 
 namespace soca::testing {
@@ -100,8 +101,8 @@ TEST(Undo, TheStateFolder) {
   };
   for (const auto& [what, home, state, expected] : cases) {
     SCOPED_TRACE(what);
-    const auto result = space.run(
-        {"env", "HOME=" + home, "XDG_STATE_HOME=" + state, SOCA_PROGRAM, "update", "--write", "A"});
+    const auto result = space.run({"env", "HOME=" + home, "XDG_STATE_HOME=" + state, programPath(),
+                                   "update", "--write", "A"});
     if (result.exitCode != 0) {
       EXPECT_NE(result.err.find(expected), std::string::npos) << result.err;
       EXPECT_EQ(space.read("A.vlm"), outdatedClass("A"));
@@ -135,9 +136,9 @@ TEST(Faults, AFullDiskDamagesNoFile) {
   // Has room for the three classes and one new file.
   const auto result = runWithMount(
       space, "mkdir small && mount -t tmpfs -o size=16k tmpfs small && cp tree/* small",
-      SOCA_PROGRAM
-      " update --write -p small; code=$?; cp -a small/. result; "
-      "exit $code");
+      programPath() +
+          " update --write -p small; code=$?; cp -a small/. result; "
+          "exit $code");
   if (result.exitCode == mountIsRefused) GTEST_SKIP() << "mounting is not allowed";
   EXPECT_EQ(result.exitCode, 2);
   EXPECT_NE(result.err.find("No space left on device"), std::string::npos) << result.err;
@@ -155,7 +156,7 @@ TEST(Faults, AReadOnlyFolderFailsItsClassesOnly) {
   space.write("B.vlm", outdatedClass("B"));
   const auto result =
       runWithMount(space, "mount --bind fixed fixed && mount -o remount,bind,ro fixed",
-                   SOCA_PROGRAM " update --write");
+                   programPath() + " update --write");
   if (result.exitCode == mountIsRefused) GTEST_SKIP() << "mounting is not allowed";
   EXPECT_EQ(result.exitCode, 2);
   EXPECT_NE(result.err.find("no new file could be made beside it: Read-only"), std::string::npos)
@@ -170,7 +171,7 @@ TEST(Faults, WithoutAJournalNoFileIsChanged) {
   const Workspace space;
   space.write("A.vlm", outdatedClass("A"));
   const auto result =
-      space.run({"sh", "-c", "ulimit -f 1; exec " SOCA_PROGRAM " update --write 2>&1 | cat"});
+      space.run({"sh", "-c", "ulimit -f 1; exec " + programPath() + " update --write 2>&1 | cat"});
   EXPECT_NE(result.out.find("could not be written: File too large"), std::string::npos)
       << result.out;
   EXPECT_NE(result.out.find("nothing was written"), std::string::npos) << result.out;

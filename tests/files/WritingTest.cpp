@@ -11,6 +11,7 @@
 
 #include "files/writing/FileWriter.h"
 #include "files/writing/Spool.h"
+#include "tests/Places.h"
 #include "tests/cli/ProgramRunner.h"
 
 namespace soca::testing {
@@ -153,7 +154,7 @@ TEST(Writing, AnInterruptLeavesWholeFiles) {
 TEST(Writing, FullStandardOutputIsAnError) {
   const Workspace space;
   space.write("A.vlm", outdatedClass("A"));
-  const auto result = space.run({"sh", "-c", SOCA_PROGRAM " update > /dev/full"});
+  const auto result = space.run({"sh", "-c", programPath() + " update > /dev/full"});
   EXPECT_EQ(result.exitCode, 2);
   EXPECT_NE(result.err.find("standard output could not be written"), std::string::npos);
 }

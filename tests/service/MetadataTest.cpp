@@ -12,6 +12,7 @@
 #include "service/ClassLoader.h"
 #include "service/UpdatePlan.h"
 #include "service/UpdaterImpl.h"
+#include "tests/Places.h"
 #include "tests/platform/TemporaryFolder.h"
 
 namespace soca {
@@ -118,12 +119,12 @@ TEST_F(Metadata, LoadedClass) {
 
 // The plan has the results of the service, for every example and every selection of families.
 TEST(UpdatePlan, SameResultsAsTheService) {
-  PathDispatcher::getDispatcher().setClassPath({SOCA_SOURCE_DIR "/examples"});
+  PathDispatcher::getDispatcher().setClassPath({testing::projectPath("examples")});
   std::size_t updated = 0;
-  for (const auto& file : fs::recursive_directory_iterator(SOCA_SOURCE_DIR "/examples")) {
+  for (const auto& file : fs::recursive_directory_iterator(testing::projectPath("examples"))) {
     if (file.path().extension() != ".vlm") continue;
     std::string name =
-        file.path().lexically_relative(SOCA_SOURCE_DIR "/examples").replace_extension();
+        file.path().lexically_relative(testing::projectPath("examples")).replace_extension();
     std::ranges::replace(name, '/', '.');
     const fl::ustring className = fl::i18n::to_ustring(name);
     if (!VELUMMetaDataInterface().getMetaClass(className)->isSystemObject()) continue;
