@@ -54,6 +54,8 @@ struct ReportContext {
 struct ReportFormat {
   // The word for the format on the command line.
   std::string_view name;
+  // What it prints, as the rest of a sentence that begins with the name; empty if that is obvious.
+  std::string_view description;
   // Whether users read it: then the run may print text of its own too, and prints a file that
   // several classes share once.
   bool isForPeople;

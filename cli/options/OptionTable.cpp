@@ -42,6 +42,16 @@ std::string choiceText(const std::vector<std::string_view>& words) {
   return text;
 }
 
+// "json prints ...; sarif prints ...."
+std::string formatDetails() {
+  std::string text;
+  for (const ReportFormat& format : reportFormats()) {
+    if (format.description.empty()) continue;
+    text += fmt::format("{}{} {}", text.empty() ? "" : "; ", format.name, format.description);
+  }
+  return text + '.';
+}
+
 std::vector<OptionRow> makeOptions() {
   return {
       {"-p,--path",
@@ -95,11 +105,8 @@ std::vector<OptionRow> makeOptions() {
        "named themselves.",
        &Options::noIgnore,
        {}},
-      {"--format", "FORMAT", forUpdate, choiceText(formatWords()),
-       "json prints one document with results, errors and skipped classes on standard output, for "
-       "other programs to read; sarif prints a log in the form SARIF 2.1.0, for viewers of "
-       "findings.",
-       readFormat, formatWords()},
+      {"--format", "FORMAT", forUpdate, choiceText(formatWords()), formatDetails(), readFormat,
+       formatWords()},
       {"--list", "", forUndo, "print the runs that can be undone", "", &Options::list, {}},
       {"--edits",
        "",

@@ -39,7 +39,7 @@ struct OptionRow {
   unsigned commands;
   // The text of the help, and the additional text of the manual page, which may be empty.
   std::string text;
-  std::string_view details;
+  std::string details;
   OptionTarget target;
   // All possible words of the value; empty if the value is not a word.
   std::vector<std::string_view> words;

@@ -189,11 +189,13 @@ std::unique_ptr<UpdateReport> makeReport(const ReportContext& context) {
 }  // namespace
 
 extern const ReportFormat jsonFormat;
-constinit const ReportFormat jsonFormat = {.name = "json",
-                                           .isForPeople = false,
-                                           .takesEdits = true,
-                                           .whyNotWritten = {},
-                                           .needs = needsOf,
-                                           .make = makeReport};
+constinit const ReportFormat jsonFormat = {
+    .name = "json",
+    .description = "prints one document with results, errors and skipped classes, for programs",
+    .isForPeople = false,
+    .takesEdits = true,
+    .whyNotWritten = {},
+    .needs = needsOf,
+    .make = makeReport};
 
 }  // namespace soca

@@ -271,6 +271,7 @@ std::unique_ptr<UpdateReport> makeReport(const ReportContext& context) {
 extern const ReportFormat sarifFormat;
 constinit const ReportFormat sarifFormat = {
     .name = "sarif",
+    .description = "prints a log in the form SARIF 2.1.0, for viewers of findings",
     .isForPeople = false,
     .takesEdits = true,
     .whyNotWritten = "it tells places in the files as they stand; run it first, and then --write",

@@ -109,6 +109,7 @@ std::unique_ptr<UpdateReport> makeReport(const ReportContext& context) {
 
 extern const ReportFormat textFormat;
 constinit const ReportFormat textFormat = {.name = "text",
+                                           .description = {},
                                            .isForPeople = true,
                                            .takesEdits = false,
                                            .whyNotWritten = {},

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <exception>
-#include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -50,15 +49,9 @@ Outcome updateMixer(std::string_view source) {
   return outcome;
 }
 
-// Whether the source before the fix is a class that shows the fault without further files.
-bool showsItsFault(const MessageExplanation& entry) {
-  const std::set<std::string_view> others{"NoFileForClass",        "PFileExists",
-                                          "CodeAnalyzerError",     "soca:HiddenFile",
-                                          "soca:FolderUnreadable", "soca:FileChanged",
-                                          "soca:TextNotEncodable", "soca:FileNotReplaceable",
-                                          "soca:WriteFailed",      "soca:NameNotUtf8"};
-  return !others.contains(entry.id);
-}
+// Whether the source before the fix is a class that shows the fault without further files; one that
+// begins with a comment only describes the fault.
+bool showsItsFault(const MessageExplanation& entry) { return !entry.before.starts_with('%'); }
 
 TEST(Explanations, TheSourceBeforeRaisesTheIdAndTheSourceAfterRaisesNone) {
   for (const auto entries : {messageExplanations(), programExplanations()}) {
