@@ -30,7 +30,7 @@ std::string programHelp() {
   }
   text += "\nExamples:\n";
   for (const CommandRow& row : commandRows()) text += fmt::format("  {}\n", row.example);
-  text += "\n'soca COMMAND --help' tells a command's options, 'soca --version' the version.\n";
+  text += "\n'soca COMMAND --help' lists a command's options, 'soca --version' the version.\n";
   return text + exitCodeLines([](const ExitCodeRow&) { return true; });
 }
 

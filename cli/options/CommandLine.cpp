@@ -71,37 +71,38 @@ void checkStandardInput(const Options& options) {
   const bool isNamed = std::ranges::find(options.arguments, "-") != options.arguments.end();
   if (options.stdinPath.empty()) {
     if (!isNamed) return;
-    throw UsageError("'-' is standard input: add --stdin-path PATH to say which class comes in");
+    throw UsageError("'-' is standard input: add --stdin-path PATH to name its class");
   }
   if (!isNamed || options.arguments.size() > 1) {
-    throw UsageError("--stdin-path goes with '-' as the only argument: --stdin-path PATH -");
+    throw UsageError("--stdin-path needs '-' as the only argument: --stdin-path PATH -");
   }
   if (options.write) {
     throw UsageError(
-        "--stdin-path and --write can't be had together: the new text goes to standard output");
+        "--stdin-path and --write cannot be combined: the new text goes to standard output");
   }
   if (options.includeSuperclasses) {
     throw UsageError(
-        "--stdin-path and --superclasses can't be had together: one text comes in and goes out");
+        "--stdin-path and --superclasses cannot be combined: only one text is read and printed");
   }
 }
 
 void checkOptions(const CommandRow& command, const Options& options) {
   if (options.write && options.check) {
-    throw UsageError("--write and --check can't be had together: --check changes nothing");
+    throw UsageError("--write and --check cannot be combined: --check changes nothing");
   }
   if (options.edits && !options.format->takesEdits) {
-    throw UsageError("--edits belongs to the data for programs: add --format json");
+    throw UsageError("--edits needs a format for programs: add --format json");
   }
   if (options.write && !options.format->whyNotWritten.empty()) {
-    throw UsageError(fmt::format("--format {} and --write can't be had together: {}",
+    throw UsageError(fmt::format("--format {} and --write cannot be combined: {}",
                                  options.format->name, options.format->whyNotWritten));
   }
   if (options.edits && options.write) {
-    throw UsageError("--edits and --write can't be had together: written files need no edits");
+    throw UsageError("--edits and --write cannot be combined: written files need no edits");
   }
   if (command.type == CommandType::update) checkStandardInput(options);
-  if (options.quiet && options.verbose) throw UsageError("--quiet and --verbose contradict");
+  if (options.quiet && options.verbose)
+    throw UsageError("--quiet and --verbose cannot be combined");
   if (command.needsArguments && options.arguments.empty()) {
     throw UsageError(fmt::format("'{}' is missing; write: soca {} [options] {}",
                                  command.arguments.substr(0, command.arguments.find(' ')),

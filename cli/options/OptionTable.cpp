@@ -16,13 +16,13 @@ constexpr auto commands = std::to_array<CommandRow>({
      "print what would change, or with --write change it", "soca update -p src control.Pid"},
     {CommandType::actions, "actions", "CLASS ...", true, "print the edits of an update as a report",
      "soca actions -p src control.Pid"},
-    {CommandType::classes, "classes", "CLASS ...", true, "print what is known of classes",
+    {CommandType::classes, "classes", "CLASS ...", true, "print the facts about classes",
      "soca classes -p src control.Pid"},
     {CommandType::check, "check", "FILE ...", true, "print the syntax errors of class files",
      "soca check src/control/Pid.vlm"},
-    {CommandType::explain, "explain", "[ID]", false, "tell what a rule converts or a message means",
-     "soca explain LegacyImplReferenced"},
-    {CommandType::undo, "undo", "[RUN]", false, "put back what the last or another run wrote",
+    {CommandType::explain, "explain", "[ID]", false,
+     "describe what a rule converts or a message means", "soca explain LegacyImplReferenced"},
+    {CommandType::undo, "undo", "[RUN]", false, "undo the last or another run that wrote files",
      "soca undo --list"},
 });
 
@@ -58,9 +58,8 @@ std::vector<OptionRow> makeOptions() {
        "DIR",
        forClasses,
        "a root of the class path, may be repeated (default: .)",
-       "Class a.b.C is the file a/b/C.vlm or a/b/C.p below a root. The roots are asked in the "
-       "order "
-       "in which they are given, and the first one that has either file wins.",
+       "Class a.b.C is the file a/b/C.vlm or a/b/C.p below a root. The roots are searched "
+       "in the order in which they are given, and the first one that has either file is used.",
        &Options::roots,
        {}},
       {"-r,--rules", "LIST", forUpdate,
@@ -69,17 +68,17 @@ std::vector<OptionRow> makeOptions() {
       {"-s,--superclasses",
        "",
        forUpdate | bitOf(CommandType::actions),
-       "take the superclasses along",
-       "Each class that a named one derives from is updated too, if it is a System object with a "
-       "file of its own.",
+       "include the superclasses",
+       "Each class from which a named one derives is updated too, if it is a System object with "
+       "a file of its own.",
        &Options::includeSuperclasses,
        {}},
       {"--write",
        "",
        forUpdate,
        "change the files",
-       "A file that changed since it was read, that is no regular file, or that can't hold the new "
-       "text in its encoding is left as it was. soca undo takes the run back.",
+       "A file is left as it was if it changed since it was read, if it is no regular file, or if "
+       "its encoding lacks a character of the new text. soca undo undoes the run.",
        &Options::write,
        {}},
       {"--check",
@@ -93,14 +92,14 @@ std::vector<OptionRow> makeOptions() {
        "",
        forUpdate,
        "write files with uncommitted changes too",
-       "Otherwise a file is refused if git could not bring back what is in it: if it has "
-       "uncommitted changes, or if git does not know it.",
+       "Otherwise a file is refused if git could not restore its content: if it has uncommitted "
+       "changes, or is not tracked.",
        &Options::allowDirty,
        {}},
       {"--no-ignore",
        "",
        forUpdate,
-       "walk what git ignores, and linked folders, too",
+       "walk ignored files and linked folders too",
        "Otherwise what git ignores, and links to folders, are left out of a walk, unless they are "
        "named themselves.",
        &Options::noIgnore,
@@ -111,24 +110,24 @@ std::vector<OptionRow> makeOptions() {
       {"--edits",
        "",
        forUpdate,
-       "with --format json: the single replacements too",
-       "Each has its offset and length in bytes of the file and its text; beside them stands the "
-       "SHA-256 of the file for which they were made.",
+       "with --format json: print the single replacements too",
+       "Each has its offset and length in bytes of the file, and its text; the SHA-256 is that of "
+       "the file for which they were made.",
        &Options::edits,
        {}},
       {"--stdin-path",
        "PATH",
        forUpdate,
-       "with '-': the text of this class is standard input",
-       "For editors: the argument is -, the text counts as that of the file PATH, and the updated "
+       "with '-': read the text of this class from standard input",
+       "For editors: the argument is -, the text is used as that of the file PATH, and the updated "
        "text goes to standard output, which stays empty on a failure.",
        readStdinPath,
        {}},
       {"--class-table",
        "FILE",
        forClasses,
-       "a JSON file with what source can't tell of classes",
-       "It adds classes, or answers for what source says of one, class by class: superclasses, "
+       "a JSON file with facts about classes that their source lacks",
+       "It adds classes, or replaces what the source says about one, class by class: superclasses, "
        "strict defaults, methods, and properties.",
        readClassTable,
        {}},
@@ -140,18 +139,18 @@ std::vector<OptionRow> makeOptions() {
        readJobs,
        {}},
       {"-q,--quiet", "", forAll, "no diff and no findings", "", &Options::quiet, {}},
-      {"-v,--verbose", "", forAll, "say more of each class", "", &Options::verbose, {}},
+      {"-v,--verbose", "", forAll, "print more about each class", "", &Options::verbose, {}},
       {"--stats",
        "",
        forUpdate,
-       "tell the time of each phase, and the memory",
+       "print the time of each phase, and the memory",
        "",
        &Options::stats,
        {}},
       {"--color", "WHEN", forAll, choiceText(colorWords()),
-       "On standard output and on standard error alike. See also the environment variables below.",
+       "For standard output and standard error. See also the environment variables below.",
        readColor, colorWords()},
-      {"-h,--help", "", forAll, "print this and end", "", &Options::help, {}},
+      {"-h,--help", "", forAll, "print this help", "", &Options::help, {}},
   };
 }
 

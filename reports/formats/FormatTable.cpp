@@ -10,7 +10,7 @@ extern const ReportFormat jsonFormat;
 extern const ReportFormat sarifFormat;
 
 std::span<const ReportFormat> reportFormats() {
-  static const std::array<ReportFormat, 3> formats = {textFormat, jsonFormat, sarifFormat};
+  static const std::array formats = {textFormat, jsonFormat, sarifFormat};
   return formats;
 }
 

@@ -274,7 +274,7 @@ constinit const ReportFormat sarifFormat = {
     .description = "prints a log in the form SARIF 2.1.0, for viewers of findings",
     .isForPeople = false,
     .takesEdits = true,
-    .whyNotWritten = "it tells places in the files as they stand; run it first, and then --write",
+    .whyNotWritten = "its places are those in the current files; run it first, and then --write",
     .needs = needsOf,
     .make = makeReport};
 

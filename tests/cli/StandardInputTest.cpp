@@ -64,7 +64,7 @@ TEST(StandardInput, PrintsOnlyTheTextOnStandardOutput) {
       {"a check", "--check", changed, 1, "C\n", ""},
       {"a check of a current class", "--check", finding, 0, "", "warning"},
       {"a file on no root", "-p none -p .", changed, 2, "", "none"},
-      {"superclasses", "-s", changed, 2, "", "one text comes in"},
+      {"superclasses", "-s", changed, 2, "", "only one text is read"},
       {"writing", "--write", changed, 2, "", "--write"},
       {"several classes", "Base", changed, 2, "", "the only argument"},
   };

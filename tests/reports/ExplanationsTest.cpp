@@ -49,9 +49,11 @@ Outcome updateMixer(std::string_view source) {
   return outcome;
 }
 
-// Whether the source before the fix is a class that shows the fault without further files; one that
-// begins with a comment only describes the fault.
-bool showsItsFault(const MessageExplanation& entry) { return !entry.before.starts_with('%'); }
+// Whether the source before the fix is a class that shows the fault without further files; one with
+// a comment only describes the fault.
+bool showsItsFault(const MessageExplanation& entry) {
+  return entry.before.find('%') == std::string_view::npos;
+}
 
 TEST(Explanations, TheSourceBeforeRaisesTheIdAndTheSourceAfterRaisesNone) {
   for (const auto entries : {messageExplanations(), programExplanations()}) {
