@@ -71,7 +71,8 @@ ExitCodeType runProgram(const std::vector<std::string>& arguments, Console& cons
   } catch (const std::exception& error) {
     console.complain(error.what());
   }
-  return console.finish() ? exitCode : ExitCodeType::failed;
+  if (console.finish() || isOfSignal(exitCode)) return exitCode;
+  return wasInterrupted() && console.isReaderGone() ? interruptExitCode() : ExitCodeType::failed;
 }
 
 }  // namespace soca::cli

@@ -152,7 +152,7 @@ ExitCodeType runUndo(const Options& options, Console& console) {
   std::optional<RunNumber> run;
   if (!options.arguments.empty()) run = runOf(options.arguments.front());
 
-  ignoreBrokenPipes();
+  catchBrokenPipes();
   const auto lock = lockRuns(store, console);
   if (!lock) return interruptExitCode();
   const auto all = store.runs();

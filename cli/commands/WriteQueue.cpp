@@ -15,7 +15,7 @@ bool goesOn() { return !wasInterrupted(); }
 
 WriteQueue::WriteQueue(Console* console) : console_(console) {
   // The files beside the class files must be deleted even if the reader of the output is gone.
-  ignoreBrokenPipes();
+  catchBrokenPipes();
   if (const auto lock = lockRuns(store_, *console_)) repairAndReport(store_, *lock, *console_);
 }
 

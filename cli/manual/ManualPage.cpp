@@ -113,7 +113,11 @@ std::string exitStatus() {
   for (const ExitCodeRow& row : exitCodeRows()) {
     text += entry(bold(fmt::format("{}", static_cast<int>(row.code))), sentence(row.text));
   }
-  return text + ".PP\n" + escape("A wrong command line does nothing at all.") + '\n';
+  return text + ".PP\n" +
+         escape(
+             "A wrong command line does nothing at all. The codes above 128 are those that a "
+             "shell reports: the program cleans up, and is ended by the signal itself.") +
+         '\n';
 }
 
 std::string entries(std::string_view title, std::span<const ManualEntry> rows) {

@@ -159,7 +159,9 @@ constexpr auto exitCodes = std::to_array<ExitCodeRow>({
     {ExitCodeType::somethingToChange, forUpdate, "--check found something to change"},
     {ExitCodeType::failed, forAll,
      "something failed or was refused, or the command line was wrong"},
+    {ExitCodeType::hungUp, forAll, "the terminal was closed"},
     {ExitCodeType::interrupted, forAll, "interrupted"},
+    {ExitCodeType::readerGone, forAll, "nothing reads the output any more"},
     {ExitCodeType::terminated, forAll, "terminated"},
 });
 

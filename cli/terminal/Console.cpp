@@ -142,10 +142,13 @@ void Console::printLine(std::string_view what, std::string_view color) {
   printError(line);
 }
 
+bool Console::isReaderGone() const { return out_.error() == EPIPE || err_.error() == EPIPE; }
+
 bool Console::finish() {
   clearStatus();
   out_.flush();
   err_.flush();
+  if (wasInterrupted() && isReaderGone()) return false;
   if (out_.error() == 0 || out_.error() == EINTR) return true;
   complain(std::string("standard output could not be written: ") + std::strerror(out_.error()));
   return false;

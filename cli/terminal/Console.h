@@ -67,8 +67,11 @@ class Console : public ReportOutput {
   void complain(std::string_view what) override;
   void tell(std::string_view what) override;
 
-  // Flushes both streams. Returns false, after a message, if some data could not be written.
+  // Flushes both streams, and returns whether all data could be written; if not, there was a
+  // message, unless the reader is gone.
   bool finish();
+  // Whether a stream could not be written because nothing reads it any more.
+  bool isReaderGone() const;
 
  private:
   void printLine(std::string_view what, std::string_view color);

@@ -6,33 +6,50 @@
 namespace soca::cli {
 namespace {
 
+constexpr int firstSignalCode = 128;
+
 std::atomic<int> caughtSignal = 0;
 static_assert(std::atomic<int>::is_always_lock_free, "a signal handler may write to it");
 
-extern "C" void noteSignal(int signal) { caughtSignal = signal; }
+extern "C" void noteSignal(int signal) {
+  int none = 0;
+  caughtSignal.compare_exchange_strong(none, signal);
+}
+
+// Without SA_RESTART, so that a blocked write does not keep the program alive.
+void catchSignal(int signal, unsigned flags) {
+  struct sigaction old = {};
+  if (sigaction(signal, nullptr, &old) == 0 && old.sa_handler == SIG_IGN) return;
+  struct sigaction action = {};
+  action.sa_handler = noteSignal;
+  action.sa_flags = static_cast<int>(flags);
+  sigaction(signal, &action, nullptr);
+}
 
 }  // namespace
 
 void catchInterrupts() {
-  struct sigaction action = {};
-  action.sa_handler = noteSignal;
-  // No SA_RESTART, so that a blocked write does not keep the program alive.
-  action.sa_flags = static_cast<int>(SA_RESETHAND);
-  for (const int signal : {SIGINT, SIGTERM}) {
-    // A signal that was ignored when the program started stays ignored.
-    struct sigaction old = {};
-    if (sigaction(signal, nullptr, &old) == 0 && old.sa_handler == SIG_IGN) continue;
-    sigaction(signal, &action, nullptr);
-  }
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) catchSignal(signal, SA_RESETHAND);
   std::signal(SIGXFSZ, SIG_IGN);
 }
 
+// All later writes to the pipe fail, too.
+void catchBrokenPipes() { catchSignal(SIGPIPE, 0); }
+
 bool wasInterrupted() { return caughtSignal != 0; }
 
-ExitCodeType interruptExitCode() {
-  return caughtSignal == SIGTERM ? ExitCodeType::terminated : ExitCodeType::interrupted;
-}
+ExitCodeType interruptExitCode() { return ExitCodeType{firstSignalCode + caughtSignal}; }
 
-void ignoreBrokenPipes() { std::signal(SIGPIPE, SIG_IGN); }
+void endBySignalOf(ExitCodeType exitCode) {
+  if (!isOfSignal(exitCode)) return;
+  const int signal = static_cast<int>(exitCode) - firstSignalCode;
+  std::signal(signal, SIG_DFL);
+  // It may have been blocked when the program started.
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, signal);
+  pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+  std::raise(signal);
+}
 
 }  // namespace soca::cli

@@ -1,22 +1,27 @@
-// An orderly exit after a signal.
+// An orderly end after a signal.
 #pragma once
 
 #include "reports/ExitCodes.h"
 
 namespace soca::cli {
 
-// After this the first SIGINT or SIGTERM is only recorded; a second one ends the process
-// immediately. Exceeding the limit of the file size becomes an error of the write instead of a
-// signal.
+// After this the first SIGINT, SIGTERM or SIGHUP is only recorded; a second one of the same kind
+// ends the process immediately. A signal that was ignored when the program started stays ignored.
+// Exceeding the limit of the file size becomes an error of the write instead of a signal.
 void catchInterrupts();
+
+// After this a closed reader of the output is recorded like an interrupt. Otherwise it ends the
+// process immediately, which is right as long as there is nothing to clean up.
+void catchBrokenPipes();
 
 // Whether a signal was received. Long operations check this at intervals and stop.
 bool wasInterrupted();
 
-// The exit code for the received signal.
+// The exit code for the first received signal.
 ExitCodeType interruptExitCode();
 
-// After this, a closed reader of the output does not end the process.
-void ignoreBrokenPipes();
+// Ends the process by the signal of the exit code, if it is of one: a shell stops its loops only
+// after a program that the signal itself has ended.
+void endBySignalOf(ExitCodeType exitCode);
 
 }  // namespace soca::cli

@@ -1,0 +1,96 @@
+// How the program ends by signals.
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <fstream>
+
+#include "files/writing/RunStore.h"
+#include "tests/cli/TerminalRun.h"
+
+namespace soca::testing {
+namespace {
+
+// While it is held, programs that write wait, and say so.
+RunStore::Lock holdLock() {
+  return *RunStore().lock([] {}, [] { return true; });
+}
+
+constexpr std::string_view waiting = "waiting for it to end";
+
+// Without colours and, for a shell, in words.
+const std::string updateCommand = SOCA_PROGRAM " update --write --color=never";
+
+TEST(Signals, AnInterruptEndsALoopOfTheShell) {
+  const Workspace space;
+  space.write("A.vlm", outdatedClass("A"));
+  const auto lock = holdLock();
+  TerminalRun run(
+      space,
+      {"bash", "-c", "for i in 1 2 3; do " + updateCommand + "; echo went on; done; echo went on"});
+  ASSERT_TRUE(run.waitFor(waiting)) << run.output();
+  run.type("\x03");
+  EXPECT_EQ(run.finish(), 130);
+  EXPECT_NE(run.output().find("interrupted; looked at"), std::string::npos) << run.output();
+  EXPECT_EQ(run.output().find("went on"), std::string::npos) << run.output();
+  EXPECT_EQ(space.read("A.vlm"), outdatedClass("A"));
+}
+
+TEST(Signals, EndTheProgramAfterItHasCleanedUp) {
+  const Workspace space;
+  space.write("A.vlm", outdatedClass("A"));
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    const auto lock = holdLock();
+    TerminalRun run(space, {SOCA_PROGRAM, "update", "--write"});
+    ASSERT_TRUE(run.waitFor(waiting)) << run.output();
+    ::kill(run.process(), signal);
+    EXPECT_EQ(run.finish(), 128 + signal);
+    EXPECT_NE(run.output().find("nothing was written"), std::string::npos) << run.output();
+  }
+  EXPECT_EQ(space.readAll().size(), 1);
+  EXPECT_EQ(space.read("A.vlm"), outdatedClass("A"));
+}
+
+TEST(Signals, IgnoredOnesStayIgnored) {
+  const Workspace space;
+  space.write("A.vlm", outdatedClass("A"));
+  auto lock = std::optional(holdLock());
+  TerminalRun run(space, {"sh", "-c", "trap '' INT TERM HUP; exec " + updateCommand});
+  ASSERT_TRUE(run.waitFor(waiting)) << run.output();
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) ::kill(run.process(), signal);
+  lock.reset();
+  EXPECT_EQ(run.finish(), 0);
+  EXPECT_NE(space.read("A.vlm"), outdatedClass("A"));
+}
+
+// Runs the program in a pipe that nothing reads any more.
+ProgramResult runWithoutReader(const Workspace& space, const std::string& command) {
+  return space.run({"bash", "-c",
+                    "trap '' PIPE; { while echo; do :; done 2>/dev/null; " + command +
+                        "; echo $? >code; } | true; read code <code; rm code; exit $code"});
+}
+
+TEST(Signals, WithoutAReaderTheProgramEndsQuietly) {
+  const Workspace space;
+  space.write("A.vlm", outdatedClass("A"));
+  const std::string soca = "env --default-signal=PIPE " SOCA_PROGRAM " ";
+  // What it shows, and whether the file is a new one afterwards.
+  const std::tuple<const char*, std::string, bool> cases[] = {
+      {"a dry run", soca + "update", false},
+      {"a run that writes ends after that", soca + "update --write --format json", true},
+      {"an undo, too", soca + "undo -v 2>&1", false},
+      {"without messages", soca + "update --write 2>&1", true},
+  };
+  for (const auto& [what, command, isNew] : cases) {
+    const auto result = runWithoutReader(space, command);
+    EXPECT_EQ(result.exitCode, 128 + SIGPIPE) << what;
+    EXPECT_EQ(result.err.find("could not be written"), std::string::npos) << result.err;
+    EXPECT_EQ(space.read("A.vlm") != outdatedClass("A"), isNew) << what;
+    EXPECT_EQ(space.readAll().size(), 1) << what;
+  }
+  const auto ignoring = runWithoutReader(space, SOCA_PROGRAM " undo --list");
+  EXPECT_EQ(ignoring.exitCode, 2);
+  EXPECT_NE(ignoring.err.find("could not be written: Broken pipe"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace soca::testing
