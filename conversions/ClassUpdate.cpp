@@ -1,6 +1,7 @@
 #include "conversions/ClassUpdate.h"
 
 #include <exception>
+#include <new>
 #include <utility>
 
 #include "conversions/Checks.h"
@@ -42,6 +43,8 @@ RepeatedUpdate updateAgain(const PlannedClass& planned, UpdateMask rules) {
   const fl::filesystem::OverlayScope overlay(to_string(planned.result.fileName), planned.newText);
   try {
     return repeatUpdate(planned.result.className, rules);
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (const std::exception&) {
     // For any failure of the second update, the text counts as changed.
     return {ca::analyzeText(fl::ustring(planned.text())), true};

@@ -2,6 +2,9 @@
 
 #include <fmt/core.h>
 
+#include <new>
+#include <system_error>
+
 #include "reports/text/Escapes.h"
 
 namespace soca {
@@ -16,6 +19,15 @@ void printFailure(ReportOutput& output, const Failure& failure) {
   }
   text += hintLines(failure.hints);
   if (!text.empty()) output.printMessages(text);
+}
+
+std::string faultText(const std::exception& fault) {
+  if (dynamic_cast<const std::bad_alloc*>(&fault) != nullptr) return "there is not enough memory";
+  const auto* error = dynamic_cast<const std::system_error*>(&fault);
+  const auto noThread = std::errc::resource_unavailable_try_again;
+  if (error == nullptr || error->code() != noThread) return fault.what();
+  return fmt::format("no more threads can be started: {}; --jobs takes a smaller number",
+                     fault.what());
 }
 
 std::string hintLines(const std::vector<std::string>& hints) {

@@ -22,7 +22,8 @@ namespace soca::cli {
 //
 // At most a few items for each job are in progress, so that memory does not grow with the sequence.
 // An exception of any of the three stops the work as well, and is thrown by `run` once all threads
-// have ended; of several exceptions the first is kept.
+// have ended; of several exceptions the first is kept. So does a thread that cannot be
+// started, with std::system_error.
 template <class Item, class Result>
 class OrderedWorkers {
  public:
@@ -41,7 +42,12 @@ class OrderedWorkers {
   void run() {
     std::vector<std::jthread> threads;
     threads.reserve(otherThreads_);
-    for (unsigned i = 0; i < otherThreads_; ++i) threads.emplace_back([this] { workUntilDone(); });
+    try {
+      while (threads.size() < otherThreads_) threads.emplace_back([this] { workUntilDone(); });
+    } catch (...) {
+      const Lock lock(mutex_);
+      fail(std::current_exception());
+    }
     workAndConsume();
     threads.clear();
     if (failure_) std::rethrow_exception(failure_);

@@ -17,6 +17,7 @@
 #include "cli/terminal/Signals.h"
 #include "files/targets/ClassPath.h"
 #include "files/targets/UsageError.h"
+#include "reports/FailureText.h"
 #include "reports/explanations/Explain.h"
 #include "reports/outcomes/InternalErrors.h"
 
@@ -69,7 +70,7 @@ ExitCodeType runProgram(const std::vector<std::string>& arguments, Console& cons
     console.printError(
         fmt::format("Try 'soca {}--help'.\n", hasCommand ? arguments.front() + ' ' : ""));
   } catch (const std::exception& error) {
-    console.complain(error.what());
+    console.complain(faultText(error));
   }
   if (console.finish() || isOfSignal(exitCode)) return exitCode;
   return wasInterrupted() && console.isReaderGone() ? interruptExitCode() : ExitCodeType::failed;

@@ -1,5 +1,6 @@
 #include "cli/commands/ReportRun.h"
 
+#include <new>
 #include <optional>
 #include <string>
 
@@ -35,6 +36,8 @@ ReportOutcome report(const Options& options, const Target& target,
   try {
     const auto className = fl::i18n::to_ustring(target.className);
     return {fl::i18n::to_string(makeReport(options, className)), std::nullopt};
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (...) {
     return {{},
             describer.describeCurrentException(

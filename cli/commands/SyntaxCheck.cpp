@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <limits>
+#include <new>
 #include <optional>
 #include <string>
 #include <utility>
@@ -39,6 +40,8 @@ CheckedFile checkFile(const std::string& file) {
   try {
     const auto analysis = ca::createSingleFileAnalyzer()->analyze(decoded.text, {}, {});
     return {formatSyntaxErrors(file, *analysis, std::numeric_limits<std::size_t>::max()), {}};
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (const std::exception& error) {
     return {{}, error.what() + didYouMean(nearestPath(file))};
   }

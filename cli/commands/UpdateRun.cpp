@@ -4,12 +4,14 @@
 
 #include <exception>
 #include <optional>
+#include <system_error>
 #include <thread>
 #include <utility>
 
 #include "cli/commands/OrderedWorkers.h"
 #include "cli/terminal/Signals.h"
 #include "files/writing/FileWriter.h"
+#include "reports/FailureText.h"
 #include "reports/explanations/ProgramMessages.h"
 #include "reports/outcomes/Phases.h"
 
@@ -55,13 +57,11 @@ UpdateRun::UpdateRun(const Options* options, const ClassRoots* roots, Console* c
 ExitCodeType UpdateRun::run() {
   if (options_->write) queue_.emplace(console_);
   if (options_->stats) stats_.emplace();
-  computeAll();
-  if (options_->write && fatalError_.empty() && !wasInterrupted()) {
-    try {
-      writeAll();
-    } catch (const std::exception& error) {
-      fatalError_ = error.what();
-    }
+  try {
+    computeAll();
+    if (options_->write && fatalError_.empty() && !wasInterrupted()) writeAll();
+  } catch (const std::exception& error) {
+    fatalError_ = faultText(error);
   }
   finish();
   return exitCode();
@@ -87,7 +87,11 @@ void UpdateRun::computeAll() {
   std::jthread counter;
   if (!options_->quiet && !targets_.isOneClass() && console_->hasStatusLine()) {
     progress.emplace(console_, "classes");
-    counter = std::jthread([&](const std::stop_token& stop) { countTargets(stop, *progress); });
+    try {
+      counter = std::jthread([&](const std::stop_token& stop) { countTargets(stop, *progress); });
+    } catch (const std::system_error&) {
+      // Without a further thread the progress has no total.
+    }
   }
   const auto next = [this]() -> std::optional<Target> {
     if (wasInterrupted()) return std::nullopt;
@@ -100,7 +104,7 @@ void UpdateRun::computeAll() {
       take(outcome);
       if (progress) progress->advance();
     } catch (const std::exception& error) {
-      fatalError_ = error.what();
+      fatalError_ = faultText(error);
     }
     return fatalError_.empty() && !wasInterrupted();
   };

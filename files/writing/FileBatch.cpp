@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -138,6 +139,7 @@ class Batch {
                 const std::function<std::string(std::size_t)>& newBytes);
   void commitAll();
   void finish();
+  FileNumbers leftFiles() const;
 
   NewRun run_;
   JournalWriter journal_;
@@ -197,17 +199,23 @@ void Batch::commitAll() {
 void Batch::finish() {
   result_.run = run_.number();
   writer_.discardRest();
-  result_.problem = writer_.flushFolders().value_or("");
+  constexpr std::string_view whatFollows = "the next run takes back what this one has written";
+  try {
+    result_.problem = writer_.flushFolders().value_or("");
+    journal_.finish(leftFiles());
+  } catch (const JournalError& error) {
+    result_.problem = fmt::format("{}; {}", error.what(), whatFollows);
+  } catch (const std::bad_alloc&) {
+    result_.problem = fmt::format("there is not enough memory; {}", whatFollows);
+  }
+}
+
+FileNumbers Batch::leftFiles() const {
   FileNumbers left;
   for (std::size_t number = 0; number < saved_.size(); ++number) {
     if (!saved_[number].isWritten) left.push_back(static_cast<std::uint32_t>(number));
   }
-  try {
-    journal_.finish(left);
-  } catch (const JournalError& error) {
-    result_.problem =
-        fmt::format("{}; the next run takes back what this one has written", error.what());
-  }
+  return left;
 }
 
 }  // namespace

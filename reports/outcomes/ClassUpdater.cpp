@@ -2,6 +2,7 @@
 
 #include <fmt/core.h>
 
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -133,6 +134,9 @@ TargetOutcome ClassUpdater::updateClass(const Target& target) const {
         outcome.failures.push_back(makeFailure(target, fault.id(), fault.arguments()));
       }
     }
+  } catch (const std::bad_alloc&) {
+    // Not a fault of the class: the next one would fail as well.
+    throw;
   } catch (...) {
     addFailure(target,
                describer_.describeCurrentException(

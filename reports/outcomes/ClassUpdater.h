@@ -44,7 +44,7 @@ class ClassUpdater {
   ClassUpdater(const ClassRoots* roots, const FileNames* names, UpdateRequest request)
       : roots_(roots), names_(names), request_(request), describer_(roots, names) {}
 
-  // Never throws: any fault becomes a failure of the target's class.
+  // Any fault becomes a failure of the target's class, except std::bad_alloc, which it throws.
   TargetOutcome update(const Target& target) const;
 
  private:

@@ -3,7 +3,6 @@
 #include <fmt/core.h>
 
 #include <algorithm>
-#include <new>
 #include <optional>
 #include <stdexcept>
 #include <utility>
@@ -83,9 +82,6 @@ Failure FailureDescriber::describeCurrentException(const FailedCall& call) const
     failure.id = "std::out_of_range";
     failure.message = programMessage(failure.id, {});
     explainSafely(failure, [&] { explainMisplacedEdit(call, failure); });
-  } catch (const std::bad_alloc&) {
-    failure.id = "std::bad_alloc";
-    failure.message = "there is not enough memory";
   } catch (const std::exception& exception) {
     failure.id = "std::exception";
     failure.message = exception.what();

@@ -29,7 +29,8 @@ class FailureDescriber {
   FailureDescriber(const ClassRoots* roots, const FileNames* names)
       : roots_(roots), names_(names) {}
 
-  // Describes the current exception, of any type. To be called in its handler.
+  // Describes the current exception, of any type but std::bad_alloc, which is no fault of a class.
+  // To be called in its handler.
   Failure describeCurrentException(const FailedCall& call) const;
 
  private:

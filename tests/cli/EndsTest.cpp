@@ -1,4 +1,4 @@
-// How the program ends by signals.
+// How the program ends: by signals, and for lack of memory or threads.
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -91,6 +91,56 @@ TEST(Signals, WithoutAReaderTheProgramEndsQuietly) {
   EXPECT_EQ(ignoring.exitCode, 2);
   EXPECT_NE(ignoring.err.find("could not be written: Broken pipe"), std::string::npos);
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
+ProgramResult runWithin(const Workspace& space, std::size_t kibibytes,
+                        const std::string& arguments) {
+  return space.run(
+      {"bash", "-c",
+       "ulimit -v " + std::to_string(kibibytes) + "; exec " SOCA_PROGRAM " " + arguments});
+}
+
+TEST(Limits, WithoutMemoryNothingIsWritten) {
+  const Workspace space;
+  space.write("A.vlm", outdatedClass("A"));
+  // Large enough that what the program has for itself is little beside it.
+  space.write("B.vlm", outdatedClass("B") + "% " + std::string(12'000'000, 'x') + "\n");
+  const auto before = space.readAll();
+  std::size_t limit = 5000;
+  while (runWithin(space, limit, "--version").exitCode != 0) limit += 1000;
+  int failures = 0;
+  for (auto result = runWithin(space, limit, "update --write -j 1"); result.exitCode != 0;
+       result = runWithin(space, limit, "update --write -j 1")) {
+    SCOPED_TRACE(limit);
+    ++failures;
+    ASSERT_EQ(result.exitCode, 2) << result.err;
+    EXPECT_NE(result.err.find("soca: there is not enough memory\n"), std::string::npos)
+        << result.err;
+    ASSERT_EQ(space.readAll(), before);
+    limit += limit / 8;
+  }
+  EXPECT_GT(failures, 2);
+  EXPECT_EQ(space.readAll().size(), 2);
+  EXPECT_NE(space.read("B.vlm"), before.at("B.vlm"));
+}
+
+TEST(Limits, WithoutThreadsNothingIsWritten) {
+  const Workspace space;
+  space.write("p/A.vlm", outdatedClass("A"));
+  constexpr std::size_t limit = 1'000'000;
+  // More files than the threads take before they wait for the first one.
+  const std::string manyFiles = "check -j 1000 $(yes p/A.vlm | head -n 9000)";
+  for (const std::string& arguments : {std::string("update --write -j 1000 p"), manyFiles}) {
+    const auto result = runWithin(space, limit, arguments);
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_NE(result.err.find("no more threads can be started"), std::string::npos) << result.err;
+  }
+  EXPECT_EQ(space.read("p/A.vlm"), outdatedClass("A"));
+  EXPECT_EQ(runWithin(space, limit, "update --write -j 1 p").exitCode, 0);
+}
+
+#endif
 
 }  // namespace
 }  // namespace soca::testing
