@@ -104,6 +104,15 @@ std::vector<OptionRow> makeOptions() {
        "named themselves.",
        &Options::noIgnore,
        {}},
+      {"--as-service",
+       "",
+       forUpdate,
+       "the answers of the service, class by class",
+       "For comparing with a host of the bundle: each class is one call of the service, its text "
+       "is the service's, and nothing but the checks of a new text refuses it. Nothing is said of "
+       "the roots of the class path.",
+       &Options::asService,
+       {}},
       {"--format", "FORMAT", forUpdate, choiceText(formatWords()), formatDetails(), readFormat,
        formatWords()},
       {"--list", "", forUndo, "print the runs that can be undone", "", &Options::list, {}},

@@ -36,6 +36,8 @@ struct Options {
   bool allowDirty = false;
   // Whether a folder includes what git ignores, and links to folders.
   bool noIgnore = false;
+  // Whether the answers are those of the service, without the program's own checks of the tree.
+  bool asService = false;
   bool list = false;
   // Whether to print the time and memory of the run.
   bool stats = false;

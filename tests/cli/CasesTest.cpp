@@ -1,6 +1,6 @@
-// Runs all before-and-after cases by the program: it writes the results of the service, its diffs
-// and its single replacements give the same files, and it refuses only the texts that are known to
-// be spoiled.
+// Runs all before-and-after cases by the program with `--as-service`: it prints the answers of the
+// service and writes its texts, its diffs and its single replacements give the same files, and it
+// refuses only the texts that are known to be spoiled.
 #include "tests/cases/CaseFile.h"
 
 #include <gtest/gtest.h>
@@ -14,6 +14,7 @@
 #include "tests/Places.h"
 #include "tests/cli/AppliedEdits.h"
 #include "tests/cli/ProgramRunner.h"
+#include "tests/cli/ServiceAnswers.h"
 
 namespace soca::testing {
 namespace {
@@ -22,35 +23,52 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view before = "before/";
 
-// The arguments of `update` for a case; empty for a case that the program cannot run.
-std::vector<std::string> argumentsOf(const Case& tested) {
-  std::vector<std::string> arguments = {"update"};
+// The call of the service that a case makes.
+struct Call {
   std::string className;
-  for (const Section& section : tested.sections) {
-    if (!className.empty() || !section.name.starts_with(before)) continue;
-    className = fs::path(section.name.substr(before.size())).replace_extension().string();
-    std::ranges::replace(className, '/', '.');
+  UpdateMask mask = allFamilies;
+  bool includeSuperclasses = false;
+  // The text of the class table; empty for none.
+  std::string table;
+
+  // Whether the program can make the same call.
+  bool isPossible() const {
+    return (mask & allFamilies) != 0 && className.find('/') == std::string::npos;
   }
+};
+
+Call callOf(const Case& tested) {
+  Call call;
+  for (const Section& section : tested.sections) {
+    if (!call.className.empty() || !section.name.starts_with(before)) continue;
+    call.className = fs::path(section.name.substr(before.size())).replace_extension().string();
+    std::ranges::replace(call.className, '/', '.');
+  }
+  if (const Section* table = tested.find("table")) call.table = table->text;
   const Section* options = tested.find("options");
   std::istringstream words(options != nullptr ? options->text : "");
   for (std::string word; words >> word;) {
-    if (word == "superclasses") arguments.emplace_back("-s");
-    if (word == "class") words >> className;
-    if (word != "mask") continue;
-    unsigned mask = 0;
-    words >> mask;
-    if ((mask & allFamilies) == 0) return {};
-    std::string rules;
-    for (const RuleFamilyType family : selectRuleFamilies(mask)) {
-      rules += (rules.empty() ? "" : ",") + std::string(ruleFamily(family).name);
-    }
-    arguments.insert(arguments.end(), {"-r", rules});
+    if (word == "superclasses") call.includeSuperclasses = true;
+    if (word == "class") words >> call.className;
+    if (word == "mask") words >> call.mask;
   }
-  if (className.find('/') != std::string::npos) return {};
-  if (tested.find("table") != nullptr) {
+  return call;
+}
+
+// The arguments of the program for a case.
+std::vector<std::string> argumentsOf(const Case& tested) {
+  const Call call = callOf(tested);
+  std::vector<std::string> arguments = {"update", "--as-service"};
+  if (call.includeSuperclasses) arguments.emplace_back("-s");
+  std::string rules;
+  for (const RuleFamilyType family : selectRuleFamilies(call.mask)) {
+    rules += (rules.empty() ? "" : ",") + std::string(ruleFamily(family).name);
+  }
+  arguments.insert(arguments.end(), {"-r", rules});
+  if (!call.table.empty()) {
     arguments.insert(arguments.end(), {"--class-table", "table.json"});
   }
-  arguments.push_back(className);
+  arguments.push_back(call.className);
   return arguments;
 }
 
@@ -107,12 +125,24 @@ void expectPlaces(const nlohmann::json& result, const std::string& bytes) {
   }
 }
 
-// The files after the single replacements of a dry run.
-std::map<std::string, std::string> editedFiles(const std::vector<std::string>& arguments,
-                                               const Workspace& space) {
-  const auto result = space.soca(with(with(arguments, "--format=json"), "--edits"));
+// The answer of the service. It would end the process for a class with a missing delimiter.
+nlohmann::json answerOf(const Case& tested, const Workspace& space) {
+  if (tested.find("missing-delimiter") != nullptr) return nlohmann::json::object();
+  const Call call = callOf(tested);
+  const ServiceHost host(space.path().string(), call.table);
+  return answerOfService(call.className, call.mask, call.includeSuperclasses);
+}
+
+// The files after the single replacements of a dry run, which prints what the service answers.
+std::map<std::string, std::string> editedFiles(const Case& tested, const Workspace& space) {
+  const auto result = space.soca(with(with(argumentsOf(tested), "--format=json"), "--edits"));
   auto files = space.readAll();
   const auto document = nlohmann::json::parse(result.out);
+  try {
+    expectSameAnswers(document, answerOf(tested, space));
+  } catch (const std::out_of_range&) {
+    EXPECT_EQ(document.at("errors").at(0).at("id"), "std::out_of_range");
+  }
   for (const auto& each : document.at("results")) {
     const auto name = fs::path(each.at("file")).lexically_relative(space.path());
     std::string& bytes = files.at(name.string());
@@ -144,7 +174,7 @@ TEST_P(CasesThroughTheProgram, DryRunAndWriteAgree) {
   fs::remove(patched.path() / "update.diff");
   EXPECT_EQ(patched.readAll(), expected);
 
-  EXPECT_EQ(editedFiles(arguments, space), expected);
+  EXPECT_EQ(editedFiles(tested, space), expected);
 
   const auto written = space.soca(with(arguments, "--write"));
   EXPECT_EQ(written.exitCode, dryRun.exitCode) << written.err;
@@ -157,7 +187,7 @@ TEST_P(KnownCases, AreRefused) {
   const Workspace space;
   writeFiles(GetParam(), space);
   const auto expected = space.readAll();
-  EXPECT_EQ(editedFiles(argumentsOf(GetParam()), space), expected);
+  EXPECT_EQ(editedFiles(GetParam(), space), expected);
   const auto result = space.soca(with(argumentsOf(GetParam()), "--write"));
   EXPECT_EQ(result.exitCode, 2);
   const bool isError = GetParam().find("error") != nullptr;
@@ -168,7 +198,7 @@ TEST_P(KnownCases, AreRefused) {
 
 std::vector<Case> casesForTheProgram() {
   auto cases = findCases(projectPath("tests/cases"));
-  std::erase_if(cases, [](const Case& each) { return argumentsOf(each).empty(); });
+  std::erase_if(cases, [](const Case& each) { return !callOf(each).isPossible(); });
   return cases;
 }
 
@@ -177,6 +207,26 @@ std::string nameOf(const ::testing::TestParamInfo<Case>& info) {
   std::ranges::replace_if(
       name, [](unsigned char character) { return std::isalnum(character) == 0; }, '_');
   return name;
+}
+
+TEST(AsService, ExamplesAreAnsweredAsTheServiceAnswers) {
+  const std::string root = projectPath("examples");
+  const Workspace space;
+  const ServiceHost host(root, {});
+  for (const char* superclasses : {"", "-s"}) {
+    std::vector<std::string> arguments = {"update", "--as-service", "--format=json", "-p", root};
+    if (*superclasses != '\0') arguments.emplace_back(superclasses);
+    const auto document = nlohmann::json::parse(space.soca(arguments).out);
+    EXPECT_GT(document.at("results").size(), 10U);
+    for (const auto& result : document.at("results")) {
+      const auto answer = answerOfService(result.at("class"), allFamilies, false);
+      expectSameAnswers({{"results", {result}}, {"errors", nlohmann::json::array()}}, answer);
+    }
+    for (const auto& skipped : document.at("skipped")) {
+      const auto answer = answerOfService(skipped.at("class"), allFamilies, *superclasses != '\0');
+      expectSameAnswers({{"results", nlohmann::json::array()}, {"errors", {skipped}}}, answer);
+    }
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(All, CasesThroughTheProgram, ::testing::ValuesIn(casesForTheProgram()),
