@@ -127,7 +127,7 @@ std::vector<OptionRow> makeOptions() {
       {"--stdin-path",
        "PATH",
        forUpdate,
-       "with '-': read the text of this class from standard input",
+       "with '-': the class that standard input holds",
        "For editors: the argument is -, the text is used as that of the file PATH, and the updated "
        "text goes to standard output, which stays empty on a failure.",
        readStdinPath,
@@ -135,7 +135,7 @@ std::vector<OptionRow> makeOptions() {
       {"--class-table",
        "FILE",
        forClasses,
-       "a JSON file with facts about classes that their source lacks",
+       "JSON with facts about classes that sources lack",
        "It adds classes, or replaces what the source says about one, class by class: superclasses, "
        "strict defaults, methods, and properties.",
        readClassTable,
