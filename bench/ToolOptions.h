@@ -1,5 +1,5 @@
-// The options of programs for developers. The header of the parser takes longer to compile than such a
-// program, so only one file includes it.
+// The options of programs for developers. The header of the parser takes longer to compile than
+// such a program, so only one file includes it.
 #pragma once
 
 #include <cstdint>
@@ -18,8 +18,8 @@ struct ToolOption {
   std::variant<bool*, std::uint64_t*, double*, std::string*> value;
 };
 
-// Sets the values that the command line gives. Returns the exit code if the program has to end then,
-// because the help was printed or the command line is wrong.
+// Sets the values that the command line gives. Returns the exit code if the program has to end
+// then, because the help was printed or the command line is wrong.
 std::optional<int> parseToolOptions(const char* purpose, const std::vector<ToolOption>& options,
                                     int argc, char** argv);
 

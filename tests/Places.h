@@ -1,5 +1,5 @@
-// Where the project and its program are. Only one file is compiled with the paths, so that the others
-// are the same in every copy of the project.
+// Where the project and its program are. Only one file is compiled with the paths, so that the
+// others are the same in every copy of the project.
 #pragma once
 
 #include <string>
