@@ -82,8 +82,7 @@ std::optional<FoundFile> FolderWalk::next() {
 
 void FolderWalk::enterAnyway(std::string folder) {
   GitPlace git = askGit(folder);
-  const bool isIgnored =
-      git.repository != nullptr && !git.path.empty() && git.repository->isFolderIgnored(git.path);
+  const bool isIgnored = !git.path.empty() && isIgnoredIn(git, git.path, true);
   enter(std::move(folder), isIgnored ? GitPlace() : std::move(git));
 }
 
@@ -114,16 +113,27 @@ GitPlace FolderWalk::askGit(const std::string& folder) {
   if (type_ == WalkType::everything) return {};
   const auto path = resolveLinks(folder);
   GitPlace place = path ? git_->placeOfFolder(*path) : GitPlace();
-  if (!place.problem.empty()) warnings_.push_back(place.problem);
+  if (!place.problem.empty()) addWarning(place.problem);
   return place;
 }
 
+void FolderWalk::addWarning(const std::string& problem) {
+  if (std::ranges::find(warnings_, problem) == warnings_.end()) warnings_.push_back(problem);
+}
+
 bool FolderWalk::isIgnored(const Level& level, const Entry& entry) {
-  if (level.git.repository == nullptr) return false;
-  if (entry.isFolder) {
-    return level.git.repository->isFolderIgnored(placeIn(level.git, entry.name));
+  return isIgnoredIn(level.git, placeIn(level.git, entry.isFolder ? entry.name : fileName(entry)),
+                     entry.isFolder);
+}
+
+bool FolderWalk::isIgnoredIn(const GitPlace& git, const std::string& path, bool isFolder) {
+  if (git.repository == nullptr) return false;
+  try {
+    return isFolder ? git.repository->isFolderIgnored(path) : git.repository->isFileIgnored(path);
+  } catch (const GitError& error) {
+    addWarning(error.what());
+    return false;
   }
-  return level.git.repository->isFileIgnored(placeIn(level.git, fileName(entry)));
 }
 
 bool FolderWalk::isNewFolder(const std::string& link) {

@@ -54,7 +54,7 @@ class FolderWalk {
   // The folder of the walk, without links.
   const std::string& folder() const { return start_; }
 
-  // The reasons why git's rules could not be read, one for each repository reached so far.
+  // The reasons why git's rules could not be read, each once.
   const std::vector<std::string>& warnings() const { return warnings_; }
 
  private:
@@ -85,7 +85,9 @@ class FolderWalk {
   void enterFolderIn(const Level& level, const Entry& entry);
   void enter(std::string folder, GitPlace git);
   GitPlace askGit(const std::string& folder);
-  static bool isIgnored(const Level& level, const Entry& entry);
+  void addWarning(const std::string& problem);
+  bool isIgnored(const Level& level, const Entry& entry);
+  bool isIgnoredIn(const GitPlace& git, const std::string& path, bool isFolder);
   // Whether the link leads to a folder that the walk would not reach otherwise.
   bool isNewFolder(const std::string& link);
   std::vector<Entry> readEntries(const Level& level);

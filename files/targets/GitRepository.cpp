@@ -28,6 +28,12 @@ bool isOthers(const GitLibrary& git, int error) {
   return error == GIT_ENOTFOUND && last != nullptr && last->klass == GIT_ERROR_CONFIG;
 }
 
+// Empty for the work folder.
+std::string folderOf(const std::string& path) {
+  const std::size_t end = path.rfind('/');
+  return end == std::string::npos ? std::string() : path.substr(0, end);
+}
+
 [[noreturn]] void failToOpen(const GitLibrary& git, const std::string& folder, int error) {
   if (isOthers(git, error)) {
     throw GitError(
@@ -48,24 +54,25 @@ std::unique_ptr<GitRepository> GitRepository::open(const std::string& folder) {
         "libgit2, which reads git repositories, is not installed; install it (on Debian 12 the "
         "package libgit2-1.5)");
   }
+  checkRepositoryFiles(folder);
   git_repository* opened = nullptr;
-  const int error = git->repository_open_ext(&opened, folder.c_str(), 0, nullptr);
-  if (error == GIT_ENOTFOUND && !isOthers(*git, error)) return nullptr;
+  const int error =
+      git->repository_open_ext(&opened, folder.c_str(), GIT_REPOSITORY_OPEN_NO_SEARCH, nullptr);
   if (error != 0) failToOpen(*git, folder, error);
   Repository repository(opened);
   if (git->repository_workdir(opened) == nullptr) return nullptr;
-  return std::unique_ptr<GitRepository>(new GitRepository(git, std::move(repository)));
+  return std::unique_ptr<GitRepository>(new GitRepository(git, std::move(repository), folder));
 }
 
-GitRepository::GitRepository(const GitLibrary* git, Repository repository)
-    : git_(git), repository_(std::move(repository)) {
-  const std::string folder = git_->repository_workdir(repository_.get());
+GitRepository::GitRepository(const GitLibrary* git, Repository repository, std::string folder)
+    : git_(git), repository_(std::move(repository)), folder_(std::move(folder)) {
   git_index* index = nullptr;
   if (const int error = git_->repository_index(&index, repository_.get())) {
-    failToOpen(*git_, folder, error);
+    failToOpen(*git_, folder_, error);
   }
   index_.reset(index);
-  workFolder_ = resolveLinks(folder).value_or(folder);
+  const std::string workFolder = git_->repository_workdir(repository_.get());
+  workFolder_ = resolveLinks(workFolder).value_or(workFolder);
 }
 
 bool GitRepository::isFolderIgnored(const std::string& path) {
@@ -81,7 +88,40 @@ bool GitRepository::isFileIgnored(const std::string& path) {
   return !isConflicted(path) && matchesRules(path);
 }
 
+const std::string& GitRepository::rulesProblem(const std::string& folder) {
+  if (const auto known = rulesProblems_.find(folder); known != rulesProblems_.end()) {
+    return known->second;
+  }
+  std::string problem = folder.empty() ? "" : rulesProblem(folderOf(folder));
+  try {
+    const std::string place = workFolder_ + '/' + (folder.empty() ? "" : folder + '/');
+    if (problem.empty()) {
+      for (const char* name : {".gitignore", ".gitattributes"}) checkRules(place + name);
+    }
+  } catch (const GitError& error) {
+    problem = error.what();
+  }
+  return rulesProblems_.emplace(folder, std::move(problem)).first->second;
+}
+
+void GitRepository::checkRulesFor(const std::string& path) {
+  if (const auto& problem = rulesProblem(folderOf(path)); !problem.empty()) throw GitError(problem);
+}
+
+void GitRepository::checkObjects() {
+  if (!objectsProblem_) {
+    try {
+      objectsProblem_.emplace();
+      checkObjectFiles(folder_);
+    } catch (const GitError& error) {
+      objectsProblem_ = error.what();
+    }
+  }
+  if (!objectsProblem_->empty()) throw GitError(*objectsProblem_);
+}
+
 bool GitRepository::matchesRules(const std::string& path) {
+  checkRulesFor(path);
   int isIgnored = 0;
   return git_->ignore_path_is_ignored(&isIgnored, repository_.get(), path.c_str()) == 0 &&
          isIgnored != 0;
@@ -89,6 +129,8 @@ bool GitRepository::matchesRules(const std::string& path) {
 
 GitStateType GitRepository::stateOf(const std::string& path) {
   const std::lock_guard lock(mutex_);
+  checkObjects();
+  checkRulesFor(path);
   const git_index_entry* entry = git_->index_get_bypath(index_.get(), path.c_str(), usualStage);
   if (entry == nullptr) {
     return isConflicted(path) ? GitStateType::changed : GitStateType::untracked;
@@ -107,8 +149,7 @@ GitStateType GitRepository::stateOf(const std::string& path) {
 }
 
 const git_oid* GitRepository::committedContent(const std::string& path) {
-  const std::size_t nameStart = path.rfind('/') + 1;
-  const std::string folder = path.substr(0, nameStart == 0 ? 0 : nameStart - 1);
+  const std::string folder = folderOf(path);
   if (!hasTree_ || folder != treeFolder_) {
     git_object* tree = nullptr;
     git_->revparse_single(&tree, repository_.get(), ("HEAD:" + folder).c_str());
@@ -118,7 +159,7 @@ const git_oid* GitRepository::committedContent(const std::string& path) {
   }
   if (tree_ == nullptr) return nullptr;
   const auto* entry = git_->tree_entry_byname(reinterpret_cast<const git_tree*>(tree_.get()),
-                                              path.c_str() + nameStart);
+                                              path.c_str() + (path.rfind('/') + 1));
   return entry == nullptr ? nullptr : git_->tree_entry_id(entry);
 }
 

@@ -3,19 +3,15 @@
 
 #include <memory>
 #include <mutex>
-#include <stdexcept>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
+#include "files/targets/GitFiles.h"
 #include "files/targets/GitLibrary.h"
 
 namespace soca {
-
-// A repository that cannot be read; `what` is the reason and the remedy.
-class GitError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 enum class GitStateType {
   // The contents are those of the last commit, in the index too.
@@ -29,13 +25,14 @@ enum class GitStateType {
 // from several threads. All paths are relative to the work folder.
 class GitRepository {
  public:
-  // The repository whose work tree contains the folder, or null. Throws GitError.
+  // The repository whose `.git` is in the folder; null if it has no work tree. Throws GitError.
   static std::unique_ptr<GitRepository> open(const std::string& folder);
 
   // The top folder of the work tree, without links and without a slash at its end.
   const std::string& workFolder() const { return workFolder_; }
 
-  // A folder or file is not ignored if it has tracked files, for any rules.
+  // A folder or file is not ignored if it has tracked files, for any rules. Throw GitError if the
+  // rules cannot be read.
   bool isFolderIgnored(const std::string& path);
   bool isFileIgnored(const std::string& path);
 
@@ -54,8 +51,13 @@ class GitRepository {
   using Index = std::unique_ptr<git_index, Release<&GitLibrary::index_free>>;
   using Object = std::unique_ptr<git_object, Release<&GitLibrary::object_free>>;
 
-  GitRepository(const GitLibrary* git, Repository repository);
+  GitRepository(const GitLibrary* git, Repository repository, std::string folder);
 
+  // Check what the library is about to open, all of it once. Throw GitError.
+  void checkRulesFor(const std::string& path);
+  void checkObjects();
+  // Of the rules in the folder and above it; empty for none.
+  const std::string& rulesProblem(const std::string& folder);
   bool matchesRules(const std::string& path);
   // The contents of the file in the last commit; null if it is not in there.
   const git_oid* committedContent(const std::string& path);
@@ -65,7 +67,11 @@ class GitRepository {
   std::mutex mutex_;
   Repository repository_;
   Index index_;
+  // With the `.git`.
+  std::string folder_;
   std::string workFolder_;
+  std::optional<std::string> objectsProblem_;
+  std::unordered_map<std::string, std::string> rulesProblems_;
   // The last folder of the commit that was looked up, or null if it does not exist; cached because
   // files are queried folder by folder.
   bool hasTree_ = false;

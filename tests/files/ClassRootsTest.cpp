@@ -80,6 +80,9 @@ TEST(Targets, SelectClasses) {
   EXPECT_EQ(hidden.exitCode, 2);
   EXPECT_NE(hidden.err.find("soca:HiddenFile"), std::string::npos);
   EXPECT_NE(hidden.err.find("one/a/B.vlm'."), std::string::npos) << hidden.err;
+  // A hidden file that a walk finds is no error, even if the class is named.
+  const auto named = space.soca({"update", "-p", "one", "-p", "two", "a.B", "two/a"});
+  EXPECT_EQ(named.exitCode, 0) << named.err;
 }
 
 }  // namespace

@@ -82,7 +82,11 @@ TEST_F(Git, FilesThatGitCannotRestoreAreNotWritten) {
       {"a repository in another one's ignored folder", "(cd p; begin); echo p > .gitignore; begin",
        ""},
       {"a bare repository", "git init -q --bare b.git; mv p b.git; cd b.git", ""},
-      {"a folder that is no repository", "mkdir .git", ""},
+      {"a folder that is no repository", "mkdir .git", "has no HEAD, so it is no repository"},
+      {"no objects", "begin; rm -r .git/objects", "has no objects, so it is no repository"},
+      {"a repository that is gone", "echo gitdir: gone > .git",
+       "names 'gone', which is no folder; mend or remove it"},
+      {"a .git without a name", "echo > .git", "names no folder of git"},
       {"a link to a file that is tracked",
        "begin; mv p/A.vlm B.vlm; ln -s ../B.vlm p/A.vlm; commit", ""},
       {"a link to a file elsewhere",
@@ -124,6 +128,7 @@ TEST_F(Git, TheOthersAreWrittenAsTheDryRunReports) {
     space.write(std::string("t/") + name + ".vlm", outdatedClass(name));
   }
   space.write("t/D.vlm", "classdef D < velum.System\nend\n");
+  space.write("t/p/E.vlm", outdatedClass("E"));
   const auto dry = runScript(
       space,
       "cd t; begin; for f in A C D; do echo >> $f.vlm; done; soca update -v --no-ignore && "
@@ -135,7 +140,7 @@ TEST_F(Git, TheOthersAreWrittenAsTheDryRunReports) {
   EXPECT_NE(dry.err.find("soca: warning: --write would refuse 2 of these"), std::string::npos);
   const auto written = runScript(space, "cd t; soca update --write");
   EXPECT_EQ(written.exitCode, 2);
-  EXPECT_NE(written.err.find("4 classes: 1 changed, 1 stays as it is, 2 refused"),
+  EXPECT_NE(written.err.find("5 classes: 2 changed, 1 stays as it is, 2 refused"),
             std::string::npos)
       << written.err;
   EXPECT_NE(space.read("t/B.vlm"), outdatedClass("B"));
@@ -175,7 +180,11 @@ TEST_F(Git, AWalkOmitsIgnoredFiles) {
        rules + "begin; (cd q; git init -q .; echo D.vlm > .gitignore)" + run, "A keep_old q.C "},
       {"a repository in an ignored folder", rules + "(cd build; git init -q .); begin" + run,
        "A keep_old q.D "},
-      {"an empty .git folder", rules + "begin; mkdir q/.git" + run, "A keep_old q.D "},
+      {"a file in conflict, for which there is a rule",
+       "begin; git checkout -qb b; echo >> A.vlm; commit; git checkout -q -; echo % >> A.vlm; "
+       "commit; git merge -q b > x; git show HEAD:A.vlm > A.vlm; echo A.vlm > .gitignore" +
+           run,
+       "A b_old build.G keep_old q.C q.D "},
       {"through a link", rules + "begin; ln -s $PWD ../l; cd ..; soca update --check -p l",
        "A keep_old q.D "},
   };
@@ -190,6 +199,68 @@ TEST_F(Git, AWalkOmitsIgnoredFiles) {
     EXPECT_EQ(result.out, row.classes) << row.what << "\n" << result.err;
     EXPECT_EQ(result.exitCode, 1) << row.what << "\n" << result.err;
     EXPECT_EQ(result.err.find("warning: git"), std::string::npos) << row.what << result.err;
+  }
+}
+
+// A pipe would be waited for, and matching would take years.
+TEST_F(Git, FilesThatTheLibraryWouldHangOnAreNotOpened) {
+  const std::string name(120, 'a');
+  const std::string pipe = "begin; mkfifo d; mv d ";
+  const struct {
+    const char* what;
+    std::string script;
+    // Whether a walk cannot tell what is ignored; tracked files are not.
+    bool matters;
+    const char* problem;
+  } table[] = {
+      {"index", pipe + ".git/index", true, "index' is no regular file"},
+      {"configuration", pipe + ".git/config", true, "config' is no regular file"},
+      {"included configuration",
+       "begin; mkfifo d; printf '[include] path = \"../d\"\n' >> .git/config", true,
+       "d' is no regular file"},
+      {"rules that the configuration names", "begin; mkfifo d; git config core.excludesFile $PWD/d",
+       true, "d' is no regular file"},
+      {"HEAD", pipe + ".git/HEAD", true, "HEAD' is no regular file"},
+      {"packed references", pipe + ".git/packed-refs", true, "packed-refs' is no regular file"},
+      {"rules of the repository", pipe + ".git/info/exclude", true, "exclude' is no regular file"},
+      {".git itself", "mkfifo .git", true, ".git' is no regular file"},
+      {"rules of the top folder", pipe + ".gitignore", false, ".gitignore' is no regular file"},
+      {"rules of the folder", pipe + "p/.gitignore", false, ".gitignore' is no regular file"},
+      {"a device", "begin; ln -s /dev/zero .gitignore", false, ".gitignore' is no regular file"},
+      {"attributes", pipe + ".gitattributes", false, ".gitattributes' is no regular file"},
+      {"stars", "git init -q .; echo '*a*a*a*a*a*a*ab' > .gitignore", true,
+       "has in line 1 a pattern with"},
+      {"stars of the repository",
+       "git init -q .; printf '*~\n**/a/*a*a*a[a]*b' > .git/info/exclude", true,
+       "has in line 2 a pattern with"},
+      {"stars in attributes", "git init -q .; echo '*a*a*a*a*a*a*ab text' > p/.gitattributes", true,
+       "has in line 1 a pattern with"},
+      {"a reference", "begin; r=.git/$(cut -c6- .git/HEAD); rm $r; mkfifo $r", false,
+       "is no regular file"},
+      {"an object", "begin; for o in .git/objects/[0-9a-f]*/*; do rm -f $o; mkfifo $o; done", false,
+       "is no regular file"},
+      {"an object of another repository",
+       "begin; mkdir ../o; mkfifo ../o/d; echo ../../../o > .git/objects/info/alternates", false,
+       "d' is no regular file"},
+  };
+  for (const auto& row : table) {
+    const Workspace space;
+    space.write("t/p/" + name + ".vlm", outdatedClass(name));
+    const auto result =
+        runScript(space, "cd t\n" + row.script + "\nsoca() { timeout -s KILL 20 " + programPath() +
+                             " \"$@\"; }\nsoca update --check -v p; "
+                             "soca update --write p 1>&2");
+    EXPECT_EQ(result.exitCode, 2) << row.what << "\n" << result.err;
+    EXPECT_EQ(result.out, "p." + name + "\n") << row.what << "\n" << result.err;
+    const std::size_t place = result.err.find(row.problem);
+    EXPECT_NE(place, std::string::npos) << row.what << "\n" << result.err;
+    EXPECT_EQ(result.err.find("warning: git's ignore rules do not hold: ") < place, row.matters)
+        << row.what << "\n"
+        << result.err;
+    EXPECT_NE(result.err.find("whether it is committed to git can't be told: "), std::string::npos)
+        << row.what << "\n"
+        << result.err;
+    EXPECT_EQ(space.read("t/p/" + name + ".vlm"), outdatedClass(name)) << row.what;
   }
 }
 
