@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "model/SourceFile.h"
+#include "platform/paths/FileView.h"
 #include "platform/text/TextSearch.h"
 #include "service/ActionApplier.h"
 #include "service/ActionCollection.h"
@@ -105,6 +106,7 @@ std::vector<Planned> planEach(const fl::ustring& className, const UpdateMask& ma
                               bool includeSuperclasses,
                               Planned (*plan)(CountedActions&,
                                               const std::vector<RuleFamilyType>&)) {
+  const fl::filesystem::FileView::CallScope view;
   const ServiceContext context(mask);
   const auto families = selectRuleFamilies(mask);
   std::vector<CountedActions> collected;

@@ -21,6 +21,12 @@ FileView::Scope::Scope(const FileView& view) : outer_(std::exchange(inForce, vie
 
 FileView::Scope::~Scope() { inForce = outer_; }
 
+FileView::CallScope::CallScope() : outer_(inForce) {
+  if (inForce == 0) inForce = nextNumber();
+}
+
+FileView::CallScope::~CallScope() { inForce = outer_; }
+
 std::uint64_t FileView::current() { return inForce; }
 
 }  // namespace fl::filesystem

@@ -26,6 +26,18 @@ class FileView {
     std::uint64_t outer_;
   };
 
+  // Puts a new view in force for one call, unless the caller has one in force.
+  class CallScope {
+   public:
+    CallScope();
+    ~CallScope();
+    CallScope(const CallScope&) = delete;
+    CallScope& operator=(const CallScope&) = delete;
+
+   private:
+    std::uint64_t outer_;
+  };
+
   // The unique number of the view in force on this thread; 0 for none.
   static std::uint64_t current();
 

@@ -107,4 +107,21 @@ TEST_F(HotReload, UnderAViewFilesAreCachedButOverlaysAreRead) {
   EXPECT_EQ(superOf("C"), "F");
 }
 
+TEST_F(HotReload, ACallHasAViewOfItsOwnOrThatOfItsCaller) {
+  const auto superNow = [] { return sotarn::describeClass("C")->superClasses.front(); };
+  const auto supersDuringCall = [&](char next) {
+    const fl::filesystem::FileView::CallScope call;
+    std::string supers = superNow();
+    write(next);
+    return supers += superNow();
+  };
+  write('A');
+  EXPECT_EQ(supersDuringCall('B'), "AA");
+  EXPECT_EQ(supersDuringCall('D'), "BB");
+  EXPECT_EQ(superNow(), "D");
+  const fl::filesystem::FileView view;
+  const fl::filesystem::FileView::Scope scope(view);
+  EXPECT_EQ(supersDuringCall('E') + supersDuringCall('F') + superNow(), "DDDDD");
+}
+
 }  // namespace

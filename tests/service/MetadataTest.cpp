@@ -4,6 +4,7 @@
 
 #include "metadata/VELUMMetaDataInterface.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include "platform/failure/Exception.h"
 #include "platform/paths/PathDispatcher.h"
@@ -168,6 +169,27 @@ TEST_F(Metadata, PlanHasTheFamilies) {
   EXPECT_EQ(actions[2].extent, actions[2].edits[0].extent);
   EXPECT_EQ(actions[3].extent, (Extent{{5, 0}, {7, 3}}));
   EXPECT_EQ(planUpdate(u"C", 5, false)[0].actions[0].family, mixins);
+}
+
+// With a walk from each of its classes, the chain takes minutes, which is more than a test may.
+TEST_F(Metadata, AChainOfClassesIsWalkedOnce) {
+  constexpr int count = 2000;
+  write("C0.vlm", "classdef C0 < velum.System\nproperties\nP\nend\nend\n");
+  for (int i = 1; i < count; ++i) {
+    write(fmt::format("C{}.vlm", i),
+          fmt::format("classdef C{} < C{}\nproperties (Logical)\nQ = true;\nend\nend\n", i, i - 1));
+  }
+  const auto last = fl::i18n::to_ustring(fmt::format("C{}", count - 1));
+  UpdaterImpl updater;
+  const std::string report = fl::i18n::to_string(updater.reportClass(last));
+  EXPECT_TRUE(report.starts_with("CLASS: C1999\nSystem object\nSuperclasses:  C1998\n"));
+  EXPECT_TRUE(report.find("\nCLASS: C0\nSystem object\nSuperclasses: None\n1 property blocks\n") !=
+              std::string::npos);
+  EXPECT_NE(updater.reportActions(last, true).find(u"\nCLASS: C0\n"), fl::ustring::npos);
+  const auto results = updater.update(last, allFamilies, true);
+  ASSERT_EQ(results.size(), std::size_t{count});
+  EXPECT_TRUE(results.front().updated && !results.back().updated);
+  EXPECT_EQ(planUpdate(last, allFamilies, true).size(), results.size());
 }
 
 }  // namespace
