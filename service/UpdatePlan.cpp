@@ -10,6 +10,7 @@
 #include "service/ActionApplier.h"
 #include "service/ActionCollection.h"
 #include "service/ApplyUpdates.h"
+#include "service/ClassLoader.h"
 #include "service/ServiceContext.h"
 
 namespace soca {
@@ -131,6 +132,28 @@ std::vector<PlannedClass> planUpdate(const fl::ustring& className, const UpdateM
 std::vector<PlannedClass> planActions(const fl::ustring& className, const UpdateMask& mask,
                                       bool includeSuperclasses) {
   return planEach(className, mask, includeSuperclasses, planWithoutText);
+}
+
+ClassPlan planClassOnce(const fl::ustring& className, const UpdateMask& mask,
+                        bool includeSuperclasses) {
+  const fl::filesystem::FileView::CallScope view;
+  const ServiceContext context(mask);
+  ClassPlan plan;
+  try {
+    auto analyzedClass = ClassLoader{className, context.metaData.get()}.load();
+    if (includeSuperclasses) {
+      plan.superClassNames = analyzedClass->metaClass->getSuperClassNames();
+    }
+    plan.stage = UpdateStageType::rules;
+    CountedActions counted;
+    counted.entry =
+        collectClassActions(std::move(analyzedClass), context.factories, counted.actionCounts);
+    plan.stage = UpdateStageType::edits;
+    plan.planned = planClass(counted, selectRuleFamilies(mask));
+  } catch (...) {
+    plan.failure = std::current_exception();
+  }
+  return plan;
 }
 
 RepeatedUpdate repeatUpdate(const fl::ustring& className, const UpdateMask& mask) {

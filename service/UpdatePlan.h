@@ -2,6 +2,7 @@
 // lines, count conversions, or print edits.
 #pragma once
 
+#include <exception>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -62,6 +63,24 @@ std::vector<PlannedClass> planUpdate(const fl::ustring& className, const UpdateM
 // texts.
 std::vector<PlannedClass> planActions(const fl::ustring& className, const UpdateMask& mask,
                                       bool includeSuperclasses);
+
+// The stages of an update, each of which is done for all classes before the next one.
+enum class UpdateStageType { loading, rules, edits };
+
+// The part that one class has in an update with superclasses.
+struct ClassPlan {
+  // The next classes of the walk, if the class could be loaded and they were asked for.
+  std::vector<fl::ustring> superClassNames;
+  // Null if a stage failed, which is then `stage`, with the exception that `planUpdate` throws.
+  std::optional<PlannedClass> planned;
+  UpdateStageType stage = UpdateStageType::loading;
+  std::exception_ptr failure;
+};
+
+// Plans the class alone, for clients that plan each class once for all that derive from it. An
+// update with superclasses fails with the first class that fails in the earliest stage.
+ClassPlan planClassOnce(const fl::ustring& className, const UpdateMask& mask,
+                        bool includeSuperclasses);
 
 // The result of updating again a class that was just updated.
 struct RepeatedUpdate {

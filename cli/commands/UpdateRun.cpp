@@ -49,6 +49,7 @@ UpdateRun::UpdateRun(const Options* options, const ClassRoots* roots, Console* c
       targets_(roots, options->arguments, walkType(), &git_),
       reportOptions_(options->forReport()),
       updater_(roots, &names_, requestOf(*options, reportOptions_)),
+      shared_([this](const std::string& className) { return updateShared(className); }),
       report_(options->format->make({&reportOptions_, roots, &names_, console})) {
   const bool asksInDryRun = targets_.haveFolders() && !options->noIgnore && !options->check;
   asksGit_ = !options->allowDirty && (options->write || asksInDryRun);
@@ -116,17 +117,26 @@ void UpdateRun::computeAll() {
 
 TargetOutcome UpdateRun::work(const Target& target) {
   const fl::filesystem::FileView::Scope scope(view_);
+  if (options_->includeSuperclasses) return updater_.update(target, shared_);
   TargetOutcome outcome = updater_.update(target);
-  for (ClassOutcome& entry : outcome.classes) {
-    if (asksGit_ && entry.update.hasNewText()) checkUncommitted(entry);
-    entry.data = report_->dataOf(entry);
-    // Already printed into the data, so freed before the outcome is queued.
-    entry.text = {};
-    entry.file.diff = {};
-    entry.file.edits = {};
-    entry.file.conversions = {};
-  }
+  for (ClassOutcome& entry : outcome.classes) finishOutcome(entry);
   return outcome;
+}
+
+SingleUpdate UpdateRun::updateShared(const std::string& className) {
+  SingleUpdate update = updater_.updateAlone(className);
+  if (update.outcome) finishOutcome(*update.outcome);
+  return update;
+}
+
+void UpdateRun::finishOutcome(ClassOutcome& outcome) {
+  if (asksGit_ && outcome.update.hasNewText()) checkUncommitted(outcome);
+  outcome.data = report_->dataOf(outcome);
+  // Already printed into the data, so freed before the outcome is queued.
+  outcome.text = {};
+  outcome.file.diff = {};
+  outcome.file.edits = {};
+  outcome.file.conversions = {};
 }
 
 void UpdateRun::checkUncommitted(ClassOutcome& outcome) {
@@ -142,10 +152,8 @@ void UpdateRun::checkUncommitted(ClassOutcome& outcome) {
 
 void UpdateRun::take(TargetOutcome& outcome) {
   if (outcome.hasNoClass) ++summary_.filesWithoutClass;
-  for (ClassOutcome& entry : outcome.classes) {
-    if (options_->includeSuperclasses && !shown_.insert(entry.update.className).second) continue;
-    takeClass(entry);
-  }
+  if (!outcome.sharedClass.empty()) outcome.classes = shared_.takeOutcomes(outcome.sharedClass);
+  for (ClassOutcome& entry : outcome.classes) takeClass(entry);
   for (const Failure& failure : outcome.failures) addFailure(failure);
   if (outcome.skipped) {
     ++summary_.skipped;

@@ -25,6 +25,7 @@
 #include "reports/Summary.h"
 #include "reports/UpdateReport.h"
 #include "reports/outcomes/ClassUpdater.h"
+#include "reports/outcomes/SharedUpdates.h"
 #include "reports/text/FileNames.h"
 
 namespace soca::cli {
@@ -44,7 +45,11 @@ class UpdateRun {
   WalkType walkType() const;
   // Reports the number of targets to the progress.
   void countTargets(const std::stop_token& stop, Progress& progress);
+  // Both are called by several threads.
   TargetOutcome work(const Target& target);
+  SingleUpdate updateShared(const std::string& className);
+  // Asks git, and prints the class into its data.
+  void finishOutcome(ClassOutcome& outcome);
   // Refuses to change files that git could not restore; in a dry run only records that.
   void checkUncommitted(ClassOutcome& outcome);
   // Both are called in the order of the targets.
@@ -71,6 +76,8 @@ class UpdateRun {
   Targets targets_;
   ReportOptions reportOptions_;
   ClassUpdater updater_;
+  // Only with superclasses.
+  SharedUpdates shared_;
   std::unique_ptr<UpdateReport> report_;
 
   // Only with `--stats`.
@@ -79,8 +86,6 @@ class UpdateRun {
   bool asksGit_ = false;
   Summary summary_;
   MethodChanges methodChanges_;
-  // With superclasses, the classes that were printed.
-  std::unordered_set<std::string> shown_;
   // The files that change: their inodes by their devices.
   std::map<std::uint64_t, std::unordered_set<std::uint64_t>> files_;
   // Only with `--write`.

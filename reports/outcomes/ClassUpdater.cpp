@@ -26,10 +26,8 @@ using fl::i18n::to_ustring;
 using fl::timing::Phase;
 
 // A failure with one of the program's own texts.
-Failure makeFailure(const Target& target, const std::string& id,
-                    const std::vector<std::string>& arguments) {
+Failure makeFailure(const std::string& id, const std::vector<std::string>& arguments) {
   Failure failure;
-  failure.className = target.className;
   failure.id = id;
   failure.message = programMessage(id, arguments);
   return failure;
@@ -37,28 +35,38 @@ Failure makeFailure(const Target& target, const std::string& id,
 
 // --- targets without a class, and classes that are no System objects ---
 
+void addFailureOf(const Target& target, Failure failure, TargetOutcome& outcome) {
+  failure.className = target.className;
+  outcome.failures.push_back(std::move(failure));
+}
+
 TargetOutcome outcomeOfHidden(const Target& target) {
   TargetOutcome outcome;
-  Failure failure =
-      makeFailure(target, "soca:HiddenFile", {target.path, target.className, target.hiddenBy});
-  if (target.isNamed) {
-    outcome.failures.push_back(std::move(failure));
-  } else {
-    outcome.skipped = std::move(failure);
+  addFailureOf(target,
+               makeFailure("soca:HiddenFile", {target.path, target.className, target.hiddenBy}),
+               outcome);
+  if (!target.isNamed) {
+    outcome.skipped = std::move(outcome.failures.front());
+    outcome.failures.clear();
   }
   return outcome;
 }
 
-TargetOutcome outcomeOfUnreadable(const Target& target) {
+TargetOutcome outcomeWithoutClass(const Target& target) {
   TargetOutcome outcome;
-  outcome.failures.push_back(
-      makeFailure(target, "soca:FolderUnreadable", {target.className, target.reason}));
-  return outcome;
-}
-
-TargetOutcome outcomeOfMisnamed(const Target& target) {
-  TargetOutcome outcome;
-  outcome.failures.push_back(makeFailure(target, "soca:NameNotUtf8", {target.className}));
+  switch (target.type) {
+    case Target::Type::hidden:
+      return outcomeOfHidden(target);
+    case Target::Type::unreadable:
+      addFailureOf(target, makeFailure("soca:FolderUnreadable", {target.className, target.reason}),
+                   outcome);
+      break;
+    case Target::Type::misnamed:
+      addFailureOf(target, makeFailure("soca:NameNotUtf8", {target.className}), outcome);
+      break;
+    default:
+      outcome.hasNoClass = true;
+  }
   return outcome;
 }
 
@@ -74,6 +82,7 @@ bool isAboutItself(const Failure& failure, const Target& target) {
 // A tree has many classes that are no System objects: these are failures only if an argument names
 // them.
 void addFailure(const Target& target, Failure failure, TargetOutcome& outcome) {
+  failure.className = target.className;
   const bool isNoneOfOurs =
       (hasShortId(failure, ":NotASystemObject") || hasShortId(failure, ":PFileExists")) &&
       isAboutItself(failure, target);
@@ -86,64 +95,85 @@ void addFailure(const Target& target, Failure failure, TargetOutcome& outcome) {
   }
 }
 
-Failure describeMissingDelimiter(const Target& target, const std::string& file,
-                                 const SourcePosition& place) {
-  Failure failure = makeFailure(target, "soca:DelimiterNotFound", {});
+Failure describeMissingDelimiter(const std::string& file, const SourcePosition& place) {
+  Failure failure = makeFailure("soca:DelimiterNotFound", {});
   failure.hints = {fmt::format("line {}, column {} of '{}' has something else than a delimiter",
                                place.line + 1, place.column + 1, file)};
   return failure;
 }
 
+FailureScopeType scopeOf(UpdateStageType stage) {
+  switch (stage) {
+    case UpdateStageType::loading:
+      return FailureScopeType::loading;
+    case UpdateStageType::rules:
+      return FailureScopeType::rules;
+    case UpdateStageType::edits:
+      break;
+  }
+  return FailureScopeType::edits;
+}
+
 }  // namespace
 
 TargetOutcome ClassUpdater::update(const Target& target) const {
-  switch (target.type) {
-    case Target::Type::hidden:
-      return outcomeOfHidden(target);
-    case Target::Type::unreadable:
-      return outcomeOfUnreadable(target);
-    case Target::Type::misnamed:
-      return outcomeOfMisnamed(target);
-    case Target::Type::noClass: {
-      TargetOutcome outcome;
-      outcome.hasNoClass = true;
-      return outcome;
-    }
-    case Target::Type::aClass:
-      break;
-  }
-  return updateClass(target);
+  if (target.type != Target::Type::aClass) return outcomeWithoutClass(target);
+  TargetOutcome outcome;
+  SingleUpdate single = updateAlone(target.className);
+  if (single.outcome) outcome.classes.push_back(std::move(*single.outcome));
+  if (single.failure) addFailure(target, std::move(*single.failure), outcome);
+  return outcome;
 }
 
-TargetOutcome ClassUpdater::updateClass(const Target& target) const {
-  const CurrentClass current(target.className);
+TargetOutcome ClassUpdater::update(const Target& target, SharedUpdates& shared) const {
+  if (target.type != Target::Type::aClass) return outcomeWithoutClass(target);
   TargetOutcome outcome;
+  outcome.sharedClass = target.className;
+  shared.update(target.className);
+  for (Failure& failure : shared.failuresOf(target.className)) {
+    addFailure(target, std::move(failure), outcome);
+  }
+  return outcome;
+}
+
+SingleUpdate ClassUpdater::updateAlone(const std::string& className) const {
+  const CurrentClass current(className);
+  SingleUpdate single;
   try {
     const Phase phase(rulesPhase);
     const FindingsListener listener;
-    for (PlannedClass& planned :
-         planUpdate(to_ustring(target.className), request_.rules, request_.includeSuperclasses)) {
-      if (planned.missingDelimiter) {
-        outcome.failures.push_back(describeMissingDelimiter(
-            target, to_string(planned.result.fileName), *planned.missingDelimiter));
-        continue;
-      }
-      try {
-        outcome.classes.push_back(makeOutcome(planned, listener));
-      } catch (const ClassFault& fault) {
-        outcome.failures.push_back(makeFailure(target, fault.id(), fault.arguments()));
-      }
+    ClassPlan plan =
+        planClassOnce(to_ustring(className), request_.rules, request_.includeSuperclasses);
+    for (const fl::ustring& name : plan.superClassNames) {
+      single.superClasses.push_back(to_string(name));
     }
+    single.scope = scopeOf(plan.stage);
+    if (plan.failure) std::rethrow_exception(plan.failure);
+    single.scope = FailureScopeType::outcome;
+    finishPlan(*plan.planned, listener, single);
   } catch (const std::bad_alloc&) {
     // Not a fault of the class: the next one would fail as well.
     throw;
   } catch (...) {
-    addFailure(target,
-               describer_.describeCurrentException(
-                   {target.className, request_.rules, request_.includeSuperclasses}),
-               outcome);
+    single.failure = describer_.describeCurrentException({className, request_.rules, false});
   }
-  return outcome;
+  return single;
+}
+
+void ClassUpdater::finishPlan(PlannedClass& planned, const FindingsListener& listener,
+                              SingleUpdate& single) const {
+  if (planned.missingDelimiter) {
+    single.scope = FailureScopeType::classOnly;
+    single.failure =
+        describeMissingDelimiter(to_string(planned.result.fileName), *planned.missingDelimiter);
+    return;
+  }
+  try {
+    single.outcome = makeOutcome(planned, listener);
+  } catch (const ClassFault& fault) {
+    single.scope = FailureScopeType::classOnly;
+    single.failure = makeFailure(fault.id(), fault.arguments());
+  }
 }
 
 ClassOutcome ClassUpdater::makeOutcome(PlannedClass& planned,

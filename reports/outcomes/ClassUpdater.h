@@ -9,6 +9,7 @@
 #include "platform/paths/SourceReader.h"
 #include "reports/outcomes/Failures.h"
 #include "reports/outcomes/Outcome.h"
+#include "reports/outcomes/SharedUpdates.h"
 #include "reports/text/FileNames.h"
 #include "service/UpdatePlan.h"
 #include "soca/Updater.h"
@@ -44,11 +45,22 @@ class ClassUpdater {
   ClassUpdater(const ClassRoots* roots, const FileNames* names, UpdateRequest request)
       : roots_(roots), names_(names), request_(request), describer_(roots, names) {}
 
-  // Any fault becomes a failure of the target's class, except std::bad_alloc, which it throws.
+  // All three turn any fault into a failure, except std::bad_alloc, which they throw.
+
+  // The target's class without its superclasses.
   TargetOutcome update(const Target& target) const;
 
+  // The target's class with its superclasses, which the function of `shared` must update with
+  // `updateAlone`. The outcomes stay in `shared`.
+  TargetOutcome update(const Target& target, SharedUpdates& shared) const;
+
+  // The class without its superclasses, but with their names if they are included.
+  SingleUpdate updateAlone(const std::string& className) const;
+
  private:
-  TargetOutcome updateClass(const Target& target) const;
+  // Sets the outcome, or a failure that concerns the class alone.
+  void finishPlan(PlannedClass& planned, const FindingsListener& listener,
+                  SingleUpdate& single) const;
   // Moves from the plan what is not needed afterwards.
   ClassOutcome makeOutcome(PlannedClass& planned, const FindingsListener& listener) const;
   fl::filesystem::FileState oldFileOf(const PlannedClass& planned, const std::string& path) const;

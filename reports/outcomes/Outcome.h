@@ -83,6 +83,8 @@ struct ClassOutcome {
 // The result for one target.
 struct TargetOutcome {
   std::vector<ClassOutcome> classes;
+  // The class whose outcomes the target shares with others, instead of `classes`; empty if none.
+  std::string sharedClass;
   std::vector<Failure> failures;
   // A class in a named folder that is no System object.
   std::optional<Failure> skipped;
