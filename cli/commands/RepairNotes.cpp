@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "cli/commands/WriteProgress.h"
 #include "cli/terminal/Signals.h"
 
 namespace soca::cli {
@@ -49,7 +50,8 @@ std::optional<RunStore::Lock> lockRuns(const RunStore& store, Console& console) 
 std::vector<RunNumber> repairAndReport(const RunStore& store, const RunStore::Lock& lock,
                                        Console& console) {
   std::vector<RunNumber> runs;
-  for (const RepairedRun& repaired : repairRuns(store, lock, goesOn)) {
+  WriteProgress progress(&console, "files put back");
+  for (const RepairedRun& repaired : repairRuns(store, lock, goesOn, progress.onStep())) {
     print(repaired, console);
     runs.push_back(repaired.run);
   }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "cli/commands/RepairNotes.h"
+#include "cli/commands/WriteProgress.h"
 #include "cli/terminal/Signals.h"
 #include "files/targets/ClassRoots.h"
 #include "files/targets/UsageError.h"
@@ -116,7 +117,9 @@ std::string describe(RunNumber run, const Journal& journal, const RestoreResult&
 
 ExitCodeType undo(RunNumber run, Journal& journal, const Options& options, Console& console) {
   checkUndoable(run, journal);
-  const RestoreResult result = undoRun(journal, [] { return !wasInterrupted(); });
+  std::optional<WriteProgress> progress(std::in_place, &console, "files put back");
+  const auto result = undoRun(journal, [] { return !wasInterrupted(); }, progress->onStep());
+  progress.reset();
   const ClassRoots roots({});
   const FileNames names(&roots);
   if (options.verbose) {

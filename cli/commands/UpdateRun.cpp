@@ -86,7 +86,7 @@ void UpdateRun::countTargets(const std::stop_token& stop, Progress& progress) {
 void UpdateRun::computeAll() {
   std::optional<Progress> progress;
   std::jthread counter;
-  if (!options_->quiet && !targets_.isOneClass() && console_->hasStatusLine()) {
+  if (!targets_.isOneClass() && console_->hasStatusLine()) {
     progress.emplace(console_, "classes");
     try {
       counter = std::jthread([&](const std::stop_token& stop) { countTargets(stop, *progress); });

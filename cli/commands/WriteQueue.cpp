@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "cli/commands/RepairNotes.h"
+#include "cli/commands/WriteProgress.h"
 #include "cli/terminal/Signals.h"
 
 namespace soca::cli {
@@ -60,7 +61,8 @@ void WriteQueue::write() {
     if (change + 1 == changes_.size()) newBytes_.drop();
     return bytes;
   };
-  result_ = writeFiles(store_, *lock, changes, newBytes, goesOn);
+  WriteProgress progress(console_, "files written");
+  result_ = writeFiles(store_, *lock, changes, newBytes, goesOn, progress.onStep());
 }
 
 WriteQueue::FateType WriteQueue::fateOf(std::size_t entry) const {

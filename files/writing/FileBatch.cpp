@@ -106,8 +106,13 @@ std::optional<OldFile> readOldFile(std::string path, const FileChange& change) {
 
 class Batch {
  public:
-  Batch(const RunStore* store, const RunStore::Lock* lock, const GoesOn* goesOn)
-      : run_(store, lock), journal_(run_.folder()), writer_(journal_.token()), goesOn_(goesOn) {}
+  Batch(const RunStore* store, const RunStore::Lock* lock, const GoesOn* goesOn,
+        const OnStep* onStep)
+      : run_(store, lock),
+        journal_(run_.folder()),
+        writer_(journal_.token()),
+        goesOn_(goesOn),
+        onStep_(onStep) {}
 
   BatchResult write(const std::vector<FileChange>& changes,
                     const std::function<std::string(std::size_t)>& newBytes) {
@@ -134,10 +139,16 @@ class Batch {
     return !result_.isCutShort;
   }
 
+  void count(StepType step, std::size_t files) const {
+    if (*onStep_) (*onStep_)(step, files);
+  }
+
   void saveAll(const std::vector<FileChange>& changes);
+  void save(std::size_t number, const FileChange& change);
   void stageAll(const std::vector<FileChange>& changes,
                 const std::function<std::string(std::size_t)>& newBytes);
   void commitAll();
+  void commit(std::size_t index, const std::optional<std::string>& flushFailure);
   void finish();
   FileNumbers leftFiles() const;
 
@@ -145,6 +156,7 @@ class Batch {
   JournalWriter journal_;
   FileWriter writer_;
   const GoesOn* goesOn_;
+  const OnStep* onStep_;
   LinkResolver resolver_;
   std::vector<Saved> saved_;
   // The numbers in the journal of the files that the writer has staged.
@@ -154,14 +166,19 @@ class Batch {
 
 void Batch::saveAll(const std::vector<FileChange>& changes) {
   for (std::size_t i = 0; i < changes.size() && goesOn(); ++i) {
-    auto old = readOldFile(resolver_.resolve(changes[i].path), changes[i]);
-    if (!old) {
-      result_.failures.emplace(i, changedReason);
-      continue;
-    }
-    journal_.save(old->file, old->bytes);
-    saved_.push_back({i, std::move(old->file.path)});
+    save(i, changes[i]);
+    count(StepType::saving, changes.size());
   }
+}
+
+void Batch::save(std::size_t number, const FileChange& change) {
+  auto old = readOldFile(resolver_.resolve(change.path), change);
+  if (!old) {
+    result_.failures.emplace(number, changedReason);
+    return;
+  }
+  journal_.save(old->file, old->bytes);
+  saved_.push_back({number, std::move(old->file.path)});
 }
 
 void Batch::stageAll(const std::vector<FileChange>& changes,
@@ -175,6 +192,7 @@ void Batch::stageAll(const std::vector<FileChange>& changes,
     } else {
       staged_.push_back(number);
     }
+    count(StepType::staging, saved_.size());
   }
 }
 
@@ -182,18 +200,23 @@ void Batch::commitAll() {
   if (!goesOn()) return;
   const auto flushFailure = writer_.flush();
   for (std::size_t i = 0; i < staged_.size() && goesOn(); ++i) {
-    Saved& saved = saved_[staged_[i]];
-    auto reason = flushFailure ? flushFailure : writer_.commit(i);
-    if (reason) {
-      result_.failures.emplace(saved.change, std::move(*reason));
-      continue;
-    }
-    run_.keep();
-    saved.isWritten = true;
-    result_.isWritten[saved.change] = true;
-    ++result_.writtenCount;
+    commit(i, flushFailure);
+    count(StepType::replacing, staged_.size());
   }
   if (result_.writtenCount > 0) finish();
+}
+
+void Batch::commit(std::size_t index, const std::optional<std::string>& flushFailure) {
+  Saved& saved = saved_[staged_[index]];
+  auto reason = flushFailure ? flushFailure : writer_.commit(index);
+  if (reason) {
+    result_.failures.emplace(saved.change, std::move(*reason));
+    return;
+  }
+  run_.keep();
+  saved.isWritten = true;
+  result_.isWritten[saved.change] = true;
+  ++result_.writtenCount;
 }
 
 void Batch::finish() {
@@ -223,8 +246,8 @@ FileNumbers Batch::leftFiles() const {
 BatchResult writeFiles(const RunStore& store, const RunStore::Lock& lock,
                        const std::vector<FileChange>& changes,
                        const std::function<std::string(std::size_t)>& newBytes,
-                       const GoesOn& goesOn) {
-  BatchResult result = Batch(&store, &lock, &goesOn).write(changes, newBytes);
+                       const GoesOn& goesOn, const OnStep& onStep) {
+  BatchResult result = Batch(&store, &lock, &goesOn, &onStep).write(changes, newBytes);
   if (result.run != 0) store.prune(lock);
   return result;
 }

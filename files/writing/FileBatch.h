@@ -45,6 +45,6 @@ struct BatchResult {
 BatchResult writeFiles(const RunStore& store, const RunStore::Lock& lock,
                        const std::vector<FileChange>& changes,
                        const std::function<std::string(std::size_t)>& newBytes,
-                       const GoesOn& goesOn);
+                       const GoesOn& goesOn, const OnStep& onStep = {});
 
 }  // namespace soca

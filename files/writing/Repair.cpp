@@ -7,8 +7,8 @@
 namespace soca {
 namespace {
 
-RepairedRun repair(RunNumber run, Journal& journal, const GoesOn& goesOn) {
-  RepairedRun repaired{run, RepairedRun::Type::takenBack, repairRun(journal, goesOn)};
+RepairedRun repair(RunNumber run, Journal& journal, const GoesOn& goesOn, const OnStep& onStep) {
+  RepairedRun repaired{run, RepairedRun::Type::takenBack, repairRun(journal, goesOn, onStep)};
   if (journal.wasDone()) repaired.type = RepairedRun::Type::undoCompleted;
   return repaired;
 }
@@ -16,7 +16,7 @@ RepairedRun repair(RunNumber run, Journal& journal, const GoesOn& goesOn) {
 }  // namespace
 
 std::vector<RepairedRun> repairRuns(const RunStore& store, const RunStore::Lock& lock,
-                                    const GoesOn& goesOn) {
+                                    const GoesOn& goesOn, const OnStep& onStep) {
   std::vector<RepairedRun> repaired;
   for (const RunNumber run : store.runs()) {
     if (!goesOn()) break;
@@ -27,7 +27,7 @@ std::vector<RepairedRun> repairRuns(const RunStore& store, const RunStore::Lock&
       store.remove(lock, run);
       if (!journal->isRemainder()) repaired.push_back({run, RepairedRun::Type::notBegun, {}});
     } else if (journal->state() == Journal::StateType::interrupted) {
-      repaired.push_back(repair(run, *journal, goesOn));
+      repaired.push_back(repair(run, *journal, goesOn, onStep));
     }
   }
   return repaired;

@@ -21,6 +21,6 @@ struct RepairedRun {
 
 // Reverts all interrupted runs, and completes an interrupted undo. Throws JournalError.
 std::vector<RepairedRun> repairRuns(const RunStore& store, const RunStore::Lock& lock,
-                                    const GoesOn& goesOn);
+                                    const GoesOn& goesOn, const OnStep& onStep = {});
 
 }  // namespace soca

@@ -62,8 +62,8 @@ CurrentFile lookAt(const SavedFile& file) {
 
 class Restorer {
  public:
-  Restorer(Journal* journal, const GoesOn* goesOn)
-      : journal_(journal), goesOn_(goesOn), writer_(journal->token()) {}
+  Restorer(Journal* journal, const GoesOn* goesOn, const OnStep* onStep)
+      : journal_(journal), goesOn_(goesOn), onStep_(onStep), writer_(journal->token()) {}
 
   void removeTemporaries() {
     const auto& files = journal_->files();
@@ -76,7 +76,9 @@ class Restorer {
 
   void restoreAll() {
     for (const std::uint32_t number : journal_->pending()) {
-      if (goesOn()) stage(number);
+      if (!goesOn()) break;
+      stage(number);
+      count(StepType::staging, journal_->pending().size());
     }
     if (goesOn()) commitAll();
     writer_.discardRest();
@@ -101,17 +103,26 @@ class Restorer {
     return !result_.isCutShort;
   }
 
+  void count(StepType step, std::size_t files) const {
+    if (*onStep_) (*onStep_)(step, files);
+  }
+
   void commitAll() {
     const auto flushFailure = writer_.flush();
     for (std::size_t i = 0; i < staged_.size() && goesOn(); ++i) {
-      const std::string& path = journal_->files()[staged_[i]].path;
-      if (const auto reason = flushFailure ? flushFailure : writer_.commit(i)) {
-        result_.failed.push_back({path, *reason});
-        continue;
-      }
-      result_.restored.push_back(staged_[i]);
-      done_.push_back(staged_[i]);
+      commit(i, flushFailure);
+      count(StepType::replacing, staged_.size());
     }
+  }
+
+  void commit(std::size_t index, const std::optional<std::string>& flushFailure) {
+    const std::uint32_t number = staged_[index];
+    if (const auto reason = flushFailure ? flushFailure : writer_.commit(index)) {
+      result_.failed.push_back({journal_->files()[number].path, *reason});
+      return;
+    }
+    result_.restored.push_back(number);
+    done_.push_back(number);
   }
 
   void stage(std::uint32_t number) {
@@ -143,6 +154,7 @@ class Restorer {
 
   Journal* journal_;
   const GoesOn* goesOn_;
+  const OnStep* onStep_;
   FileWriter writer_;
   FileNumbers staged_;
   FileNumbers done_;
@@ -151,17 +163,17 @@ class Restorer {
 
 }  // namespace
 
-RestoreResult repairRun(Journal& journal, const GoesOn& goesOn) {
-  Restorer restorer(&journal, &goesOn);
+RestoreResult repairRun(Journal& journal, const GoesOn& goesOn, const OnStep& onStep) {
+  Restorer restorer(&journal, &goesOn, &onStep);
   restorer.removeTemporaries();
   restorer.restoreAll();
   if (restorer.isComplete()) journal.endUndo(restorer.takeDone());
   return restorer.takeResult();
 }
 
-RestoreResult undoRun(Journal& journal, const GoesOn& goesOn) {
+RestoreResult undoRun(Journal& journal, const GoesOn& goesOn, const OnStep& onStep) {
   journal.beginUndo();
-  Restorer restorer(&journal, &goesOn);
+  Restorer restorer(&journal, &goesOn, &onStep);
   restorer.restoreAll();
   journal.endUndo(restorer.takeDone());
   return restorer.takeResult();

@@ -31,9 +31,9 @@ struct RestoreResult {
 // written, the journal stays as it is, so that the repair can be repeated.
 //
 // Both require the store's lock, so that no other process does the same, and throw JournalError.
-RestoreResult repairRun(Journal& journal, const GoesOn& goesOn);
+RestoreResult repairRun(Journal& journal, const GoesOn& goesOn, const OnStep& onStep = {});
 
 // Undoes a finished run, or the rest of it. Files that are left can be undone later.
-RestoreResult undoRun(Journal& journal, const GoesOn& goesOn);
+RestoreResult undoRun(Journal& journal, const GoesOn& goesOn, const OnStep& onStep = {});
 
 }  // namespace soca

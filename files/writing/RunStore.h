@@ -1,6 +1,7 @@
 // The journals of the user's runs.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
@@ -13,6 +14,13 @@ namespace soca {
 
 // Called between two steps; no further step begins once it returns false.
 using GoesOn = std::function<bool()>;
+
+// The steps of writing or restoring files, each done for all files before the next one begins:
+// their old bytes are saved, the new files are written beside them, and replace them.
+enum class StepType { saving, staging, replacing };
+
+// Called after each file of a step, with the number of files that the step has. Must not throw.
+using OnStep = std::function<void(StepType step, std::size_t count)>;
 
 using RunNumber = unsigned;
 

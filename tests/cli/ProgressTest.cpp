@@ -1,12 +1,22 @@
 #include "cli/terminal/Progress.h"
 
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <pty.h>
+#include <sys/inotify.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <functional>
+#include <thread>
+
+#include "cli/commands/WriteProgress.h"
+#include "tests/Places.h"
+#include "tests/cli/TerminalRun.h"
 
 namespace soca::cli {
 namespace {
@@ -81,6 +91,84 @@ TEST(Progress, StaysBelowOtherOutput) {
             "\r7 of 8 files  87% [#################...]  7/s  0:01 left\x1b[K"
             "\r8 of 8 files 100% [####################]  4/s  0:00 left\x1b[K\r\x1b[K");
   EXPECT_EQ(sentToTerminal("dumb", run), "a\r\nsoca: b\r\nc\r\n");
+}
+
+TEST(Progress, EachStepOfWritingHasItsOwn) {
+  const auto run = [](Console& console) {
+    const Progress::Clock::time_point start;
+    WriteProgress progress(&console, "files written");
+    for (const int now : {0, 200, 400}) {
+      progress.advance(StepType::staging, 3, start + milliseconds(now));
+    }
+    // A line that is not replaced by that of the next step is removed.
+    progress.advance(StepType::replacing, 2, start + milliseconds(600));
+    progress.advance(StepType::replacing, 2, start + milliseconds(1100));
+  };
+  EXPECT_EQ(sentToTerminal("xterm", run),
+            "\r3 of 3 files prepared 100%  7/s  0:00 left\x1b[K\r\x1b[K"
+            "\r2 of 2 files written 100%  4/s  0:00 left\x1b[K\r\x1b[K");
+}
+
+// Sees what happens to the files of a folder.
+class FolderWatch {
+ public:
+  FolderWatch(const std::filesystem::path& folder, std::uint32_t event) {
+    ::inotify_add_watch(watch_, folder.c_str(), event);
+  }
+  ~FolderWatch() { ::close(watch_); }
+  FolderWatch(const FolderWatch&) = delete;
+  FolderWatch& operator=(const FolderWatch&) = delete;
+
+  // Waits until the event has happened a few times.
+  void wait() const {
+    std::array<char, 4096> events;
+    pollfd waiting = {.fd = watch_, .events = POLLIN, .revents = 0};
+    for (int i = 0; i < 3 && ::poll(&waiting, 1, 10'000) == 1; ++i) {
+      if (::read(watch_, events.data(), sizeof(inotify_event) + 64) <= 0) return;
+    }
+  }
+
+ private:
+  int watch_ = ::inotify_init1(IN_CLOEXEC);
+};
+
+// Runs the program on a terminal, and stops it for a while after the event, so that what it does
+// then takes long. Returns its output.
+std::string outputWithPause(const testing::Workspace& space, std::vector<std::string> command,
+                            std::uint32_t event) {
+  const FolderWatch watch(space.path(), event);
+  testing::TerminalRun run(space, std::move(command));
+  watch.wait();
+  ::kill(run.process(), SIGSTOP);
+  std::this_thread::sleep_for(milliseconds(500));
+  ::kill(run.process(), SIGCONT);
+  run.finish();
+  return run.output();
+}
+
+TEST(Progress, IsShownWhileFilesAreWrittenAndPutBack) {
+  const testing::Workspace space;
+  for (int i = 0; i < 300; ++i) {
+    const std::string name = "C" + std::to_string(i);
+    space.write(name + ".vlm",
+                "classdef " + name + " < velum.System & velum.system.mixin.Propagates\nend\n");
+  }
+  const std::vector<std::string> compute = {testing::programPath(), "update", "-q"};
+  const std::vector<std::string> write = {testing::programPath(), "update", "--write", "-q"};
+  const std::vector<std::string> undo = {testing::programPath(), "undo"};
+  // The program may have finished the step before it is stopped.
+  const auto isShown = [&](const char* what, const auto& command, std::uint32_t event) {
+    for (int attempts = 0; attempts < 10; ++attempts) {
+      if (&command == &undo) space.soca({"update", "--write"});
+      const std::string output = outputWithPause(space, command, event);
+      if (&command == &write) space.soca({"undo"});
+      if (output.find(what) != std::string::npos) return true;
+    }
+    return false;
+  };
+  EXPECT_TRUE(isShown(" classes ", compute, IN_CLOSE_NOWRITE));
+  EXPECT_TRUE(isShown(" of 300 files prepared ", write, IN_CREATE));
+  EXPECT_TRUE(isShown(" of 300 files prepared ", undo, IN_CREATE));
 }
 
 }  // namespace

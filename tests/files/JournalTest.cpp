@@ -215,6 +215,22 @@ TEST_F(JournalTest, TheNewestRunsAreKept) {
   EXPECT_EQ(runs.back(), 25);
 }
 
+TEST_F(JournalTest, EachStepCountsItsFiles) {
+  std::string steps;
+  const OnStep onStep = [&](StepType step, std::size_t count) {
+    steps += "svr"[static_cast<int>(step)] + std::to_string(count);
+  };
+  auto list = changes();
+  ASSERT_EQ(::chmod((space_.path() / names_[1]).c_str(), 0600), 0);
+  const auto newBytes = [](auto) { return std::string(newText); };
+  writeFiles(store_, lock(), list, newBytes, always, onStep);
+  EXPECT_EQ(steps, "s4s4s4s4v3v3v3r3r3r3") << "one of the files changed meanwhile";
+  steps.clear();
+  Journal journal(store_.folderOf(1));
+  undoRun(journal, always, onStep);
+  EXPECT_EQ(steps, "v3v3v3r3r3r3");
+}
+
 TEST_F(JournalTest, ARunWithALockIsNotTreatedAsInterrupted) {
   int steps = 0;
   write([&] {
