@@ -58,4 +58,12 @@ std::vector<RunNumber> repairAndReport(const RunStore& store, const RunStore::Lo
   return runs;
 }
 
+void tellOfInterrupted(const RunStore& store, std::string_view what, Console& console) {
+  if (store.isLocked()) return;
+  for (const RunNumber run : interruptedRuns(store)) {
+    console.tell(
+        fmt::format("warning: run {} was interrupted; {} first puts its files back", run, what));
+  }
+}
+
 }  // namespace soca::cli

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "cli/terminal/Console.h"
@@ -18,5 +19,8 @@ std::optional<RunStore::Lock> lockRuns(const RunStore& store, Console& console);
 // JournalError.
 std::vector<RunNumber> repairAndReport(const RunStore& store, const RunStore::Lock& lock,
                                        Console& console);
+
+// Prints that interrupted runs wait for their repair, which `what` begins with.
+void tellOfInterrupted(const RunStore& store, std::string_view what, Console& console);
 
 }  // namespace soca::cli

@@ -5,16 +5,17 @@
 
 #include <algorithm>
 #include <ctime>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/commands/RepairNotes.h"
+#include "cli/commands/UndoRequest.h"
 #include "cli/commands/WriteProgress.h"
 #include "cli/terminal/Signals.h"
 #include "files/targets/ClassRoots.h"
-#include "files/targets/UsageError.h"
 #include "files/writing/Journal.h"
 #include "files/writing/Restore.h"
 #include "files/writing/RunStore.h"
@@ -62,7 +63,7 @@ std::string listRow(const RunStore& store, RunNumber run, bool isBusy) {
   const auto journal = openJournal(store.folderOf(run));
   const std::string number = fmt::format("{}", run);
   if (journal == nullptr) return row(number, "?", "?", "damaged", "?");
-  return row(number, timeText(journal->time()), fmt::format("{}", journal->changedCount()),
+  return row(number, timeText(journal->time()), fmt::format("{}", journal->changed().size()),
              stateText(*journal, isBusy), withEscapesInLine(journal->commonFolder()));
 }
 
@@ -81,61 +82,119 @@ ExitCodeType listRuns(const RunStore& store, Console& console) {
 
 // --- the undo ---
 
-RunNumber runOf(const std::string& argument) {
-  if (const auto run = parseRunNumber(argument)) return *run;
-  throw UsageError(fmt::format("'{}' is no number of a run; {}", argument, listAdvice));
-}
-
-// Throws JournalError if the run cannot be undone.
-void checkUndoable(RunNumber run, const Journal& journal) {
-  switch (journal.state()) {
-    case Journal::StateType::undone:
-      throw JournalError(fmt::format(
-          "run {} {}; {}", run,
-          journal.wasDone() ? "is undone already" : "was interrupted and is taken back already",
-          listAdvice));
-    case Journal::StateType::damaged:
-      throw JournalError(
-          fmt::format("the journal of run {} is damaged, so it can't be undone", run));
-    default:
-      return;
+// Throws JournalError if no file of the request can be restored.
+void checkUndoable(RunNumber run, const Journal& journal, const UndoRequest& request) {
+  if (journal.state() == Journal::StateType::damaged) {
+    throw JournalError(fmt::format("the journal of run {} is damaged, so it can't be undone", run));
   }
-}
-
-std::string describe(RunNumber run, const Journal& journal, const RestoreResult& result) {
-  const std::size_t restored = result.restored.size();
-  std::string text = result.isCutShort ? "interrupted; " : "";
-  text += fmt::format("run {}: {}", run,
-                      restored == 1 ? "1 file is as it was before"
-                                    : fmt::format("{} files are as they were before", restored));
-  if (const std::size_t left = journal.pending().size(); left > 0) {
-    text += fmt::format(", {} {} left; once nothing is in the way, 'soca undo {}' goes on", left,
-                        left == 1 ? "is" : "are", run);
+  if (journal.state() == Journal::StateType::notBegun) {
+    throw JournalError(fmt::format("run {} was interrupted before it changed a file", run));
   }
-  return text;
+  if (request.select(journal, journal.changed()).empty()) {
+    throw JournalError(fmt::format("run {} changed no file in '{}', but some in '{}'", run,
+                                   request.limit, journal.commonFolder()));
+  }
+  if (!request.select(journal, journal.pending()).empty()) return;
+  const bool isWhole = journal.pending().empty();
+  throw JournalError(fmt::format(
+      "run {} {}{}; {}", run,
+      journal.wasDone() ? "is undone already" : "was interrupted and is taken back already",
+      isWhole ? "" : fmt::format(" in '{}'", request.limit), listAdvice));
 }
 
-ExitCodeType undo(RunNumber run, Journal& journal, const Options& options, Console& console) {
-  checkUndoable(run, journal);
-  std::optional<WriteProgress> progress(std::in_place, &console, "files put back");
-  const auto result = undoRun(journal, [] { return !wasInterrupted(); }, progress->onStep());
-  progress.reset();
+std::string counted(std::size_t count, std::string_view things) {
+  return fmt::format("{} {}{}", count, things, count == 1 ? "" : "s");
+}
+
+// An undo or its preview, and the result.
+struct Undo {
+  RunNumber run = 0;
+  std::unique_ptr<Journal> journal;
+  // The files that were to be restored, and their folder.
+  FileNumbers selected;
+  std::string folder;
+  RestoreResult result;
+  bool isDry = false;
+
+  // The number of files that were to be restored and were not.
+  std::size_t leftCount() const;
+};
+
+std::size_t Undo::leftCount() const {
+  if (isDry) return result.changed.size() + result.failed.size();
+  FileNumbers left;
+  std::ranges::set_intersection(selected, journal->pending(), std::back_inserter(left));
+  return left.size();
+}
+
+std::string describe(const Undo& undone) {
+  const std::size_t restored = undone.result.restored.size();
+  const std::size_t left = undone.leftCount();
+  std::string text = undone.result.isCutShort ? "interrupted; " : "";
+  text += fmt::format("run {}: {} {} as {} before", undone.run, counted(restored, "file"),
+                      undone.isDry    ? "would be"
+                      : restored == 1 ? "is"
+                                      : "are",
+                      restored == 1 ? "it was" : "they were");
+  if (left == 0) return text;
+  if (undone.isDry) return text + fmt::format(", {} would be left", left);
+  return text + fmt::format(", {} {} left; once nothing is in the way, 'soca undo {}' goes on",
+                            left, left == 1 ? "is" : "are", undone.run);
+}
+
+void printFiles(const Undo& undone, bool isVerbose, Console& console) {
   const ClassRoots roots({});
   const FileNames names(&roots);
-  if (options.verbose) {
-    for (const std::uint32_t number : result.restored) {
-      console.printError(names.shown(journal.files()[number].path) + ": as before\n");
+  if (isVerbose) {
+    for (const std::uint32_t number : undone.result.restored) {
+      console.printError(names.shown(undone.journal->files()[number].path) +
+                         (undone.isDry ? ": would be as before\n" : ": as before\n"));
     }
   }
-  for (const auto* files : {&result.changed, &result.failed}) {
+  for (const auto* files : {&undone.result.changed, &undone.result.failed}) {
     for (const LeftFile& file : *files) {
-      console.complain(
-          fmt::format("'{}' is left as it is: {}", names.shown(file.path), file.reason));
+      console.complain(fmt::format("'{}' {} left as it is: {}", names.shown(file.path),
+                                   undone.isDry ? "would be" : "is", file.reason));
     }
   }
-  console.tell(describe(run, journal, result));
-  if (result.isCutShort) return interruptExitCode();
-  return journal.pending().empty() ? ExitCodeType::done : ExitCodeType::failed;
+}
+
+ExitCodeType report(const Undo& undone, bool isVerbose, Console& console) {
+  console.tell(fmt::format("run {} of {}: {} in '{}'", undone.run, timeText(undone.journal->time()),
+                           counted(undone.selected.size(), "file"), undone.folder));
+  printFiles(undone, isVerbose, console);
+  console.tell(describe(undone));
+  if (undone.result.isCutShort) return interruptExitCode();
+  return undone.leftCount() == 0 ? ExitCodeType::done : ExitCodeType::failed;
+}
+
+// Throws JournalError if there is no such run, or it cannot be undone.
+Undo openRun(const RunStore& store, RunNumber run, const UndoRequest& request) {
+  const auto runs = store.runs();
+  if (std::ranges::find(runs, run) == runs.end()) {
+    throw JournalError(fmt::format("there is no run {}; {}", run, listAdvice));
+  }
+  Undo undo;
+  undo.run = run;
+  undo.journal = std::make_unique<Journal>(store.folderOf(run));
+  checkUndoable(run, *undo.journal, request);
+  undo.selected = request.select(*undo.journal, undo.journal->pending());
+  undo.folder = request.folderIn(*undo.journal);
+  return undo;
+}
+
+bool goesOn() { return !wasInterrupted(); }
+
+ExitCodeType preview(const RunStore& store, const UndoRequest& request, const Options& options,
+                     Console& console) {
+  if (store.isLocked()) console.tell("another soca is changing files, so this may change");
+  tellOfInterrupted(store, "'soca undo'", console);
+  const auto run = request.findRun(store);
+  if (!run) throw JournalError(request.whyNoRun(store));
+  Undo undo = openRun(store, *run, request);
+  undo.isDry = true;
+  undo.result = previewUndo(*undo.journal, undo.selected, goesOn);
+  return report(undo, options.verbose, console);
 }
 
 // The result of `undo` for a run that had to be repaired, which has undone it.
@@ -152,29 +211,24 @@ ExitCodeType exitCodeOfRepaired(const RunStore& store, RunNumber run) {
 ExitCodeType runUndo(const Options& options, Console& console) {
   const RunStore store;
   if (options.list) return listRuns(store, console);
-  std::optional<RunNumber> run;
-  if (!options.arguments.empty()) run = runOf(options.arguments.front());
+  const UndoRequest request(options);
+  if (options.dryRun) return preview(store, request, options, console);
 
   catchBrokenPipes();
   const auto lock = lockRuns(store, console);
   if (!lock) return interruptExitCode();
-  const auto all = store.runs();
+  // Before the repair: if the last run is an interrupted one, no other run is undone.
+  const auto run = request.findRun(store);
   const auto repaired = repairAndReport(store, *lock, console);
   if (wasInterrupted()) return interruptExitCode();
-  // Without a number, the last run is the interrupted one if there was one.
-  if (!run && !repaired.empty() && repaired.back() == all.back()) run = repaired.back();
-  if (run && std::ranges::find(repaired, *run) != repaired.end()) {
-    return exitCodeOfRepaired(store, *run);
+  if (!run) throw JournalError(request.whyNoRun(store));
+  if (std::ranges::find(repaired, *run) != repaired.end()) return exitCodeOfRepaired(store, *run);
+  Undo undo = openRun(store, *run, request);
+  {
+    WriteProgress progress(&console, "files put back");
+    undo.result = undoRun(*undo.journal, undo.selected, goesOn, progress.onStep());
   }
-
-  const auto runs = store.runs();
-  if (!run && runs.empty()) throw JournalError("there is no run to undo");
-  if (!run) run = runs.back();
-  if (std::ranges::find(runs, *run) == runs.end()) {
-    throw JournalError(fmt::format("there is no run {}; {}", *run, listAdvice));
-  }
-  Journal journal(store.folderOf(*run));
-  return undo(*run, journal, options, console);
+  return report(undo, options.verbose, console);
 }
 
 }  // namespace soca::cli

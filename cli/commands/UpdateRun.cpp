@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "cli/commands/OrderedWorkers.h"
+#include "cli/commands/RepairNotes.h"
 #include "cli/terminal/Signals.h"
 #include "files/writing/FileWriter.h"
 #include "reports/FailureText.h"
@@ -37,6 +38,14 @@ Failure makeWriteFailure(const std::string& className, const std::string& file,
   failure.message = programMessage(failure.id, {file, reason});
   if (reason == changedReason) failure.hints = {"run the update again"};
   return failure;
+}
+
+void tellOfWaitingRuns(Console& console) {
+  try {
+    tellOfInterrupted(RunStore(), "the next run with --write, or 'soca undo',", console);
+  } catch (const JournalError&) {
+    // Only a run that writes needs the journals.
+  }
 }
 
 }  // namespace
@@ -231,12 +240,13 @@ void UpdateRun::finish() {
   if (!options_->quiet) console_->printError(formatDetails(summary_, console_->width()));
   const RunNumber run = queue_ ? queue_->result().run : 0;
   if (run != 0 && !options_->quiet) {
-    console_->tell(fmt::format("this was run {}; 'soca undo' puts the files back", run));
+    console_->tell(fmt::format("this was run {}; 'soca undo {}' puts the files back", run, run));
   }
   if (stats_) console_->printError(stats_->text());
 }
 
 void UpdateRun::printWarnings() {
+  if (!options_->write) tellOfWaitingRuns(*console_);
   for (const std::string& warning : targets_.warnings()) console_->tell(warning);
   for (const std::string& warning : methodChanges_.warnings()) console_->tell(warning);
   if (summary_.uncommitted > 0) {

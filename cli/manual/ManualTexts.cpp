@@ -33,8 +33,9 @@ constexpr auto commandDetails = std::to_array<CommandDetails>({
      "before "
      "an error. Without one, all of them are listed."},
     {CommandType::undo,
-     "RUN is the number of a run, as --list shows it; the default is the last run. The files get "
-     "back their bytes, permissions and times."},
+     "RUN is the number of a run, as --list shows it; the default is the last run that changed a "
+     "file in the current folder, or in the named one. The files get back their bytes, permissions "
+     "and times. With FILE or DIR, only that file, or the files below that folder, do."},
 });
 
 constexpr auto descriptionTexts = std::to_array<std::string_view>({

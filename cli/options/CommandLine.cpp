@@ -111,9 +111,11 @@ void checkOptions(const CommandRow& command, const Options& options) {
   if (command.type == CommandType::explain && options.arguments.size() > 1) {
     throw UsageError("'explain' takes one id at a time");
   }
-  if (command.type == CommandType::undo && options.arguments.size() > (options.list ? 0 : 1)) {
-    throw UsageError(options.list ? "'undo --list' lists all runs, and takes no argument"
-                                  : "'undo' takes one run at a time");
+  if (options.list && !options.arguments.empty()) {
+    throw UsageError("'undo --list' lists all runs, and takes no argument");
+  }
+  if (options.list && options.dryRun) {
+    throw UsageError("--list and --dry-run cannot be combined: --list changes nothing");
   }
 }
 

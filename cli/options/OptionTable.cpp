@@ -22,8 +22,8 @@ constexpr auto commands = std::to_array<CommandRow>({
      "soca check src/control/Pid.vlm"},
     {CommandType::explain, "explain", "[ID]", false,
      "describe what a rule converts or a message means", "soca explain LegacyImplReferenced"},
-    {CommandType::undo, "undo", "[RUN]", false, "undo the last or another run that wrote files",
-     "soca undo --list"},
+    {CommandType::undo, "undo", "[RUN] [FILE|DIR]", false,
+     "undo the last or another run that wrote files", "soca undo --list"},
 });
 
 constexpr unsigned forUpdate = bitOf(CommandType::update);
@@ -116,6 +116,13 @@ std::vector<OptionRow> makeOptions() {
       {"--format", "FORMAT", forUpdate, choiceText(formatWords()), formatDetails(), readFormat,
        formatWords()},
       {"--list", "", forUndo, "print the runs that can be undone", "", &Options::list, {}},
+      {"--dry-run",
+       "",
+       forUndo,
+       "print what would be undone",
+       "Nothing is changed, and interrupted runs are not repaired.",
+       &Options::dryRun,
+       {}},
       {"--edits",
        "",
        forUpdate,

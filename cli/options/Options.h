@@ -39,6 +39,8 @@ struct Options {
   // Whether the answers are those of the service, without the program's own checks of the tree.
   bool asService = false;
   bool list = false;
+  // Whether to print what an undo would do instead of doing it.
+  bool dryRun = false;
   // Whether to print the time and memory of the run.
   bool stats = false;
   const ReportFormat* format = &reportFormats().front();

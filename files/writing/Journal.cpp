@@ -167,7 +167,7 @@ void Journal::readBefore() {
   }
   pending_.resize(files_.size());
   std::iota(pending_.begin(), pending_.end(), 0U);
-  changedCount_ = files_.size();
+  changed_ = pending_;
 }
 
 void Journal::readState() {
@@ -188,7 +188,7 @@ void Journal::readState() {
     }
     dropPending(readNumbers(FieldReader(record.fields)));
     if (record.type == RecordType::done) {
-      changedCount_ = pending_.size();
+      changed_ = pending_;
       wasDone_ = true;
       state_ = StateType::done;
     } else {

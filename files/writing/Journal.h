@@ -98,7 +98,7 @@ class Journal {
   std::string_view oldBytes(std::size_t number) const;
   // The files that the run changed or may have changed; and those of them that are not yet
   // restored.
-  std::size_t changedCount() const { return changedCount_; }
+  const FileNumbers& changed() const { return changed_; }
   const FileNumbers& pending() const { return pending_; }
 
   // Record that the restoring of files begins, and that it ends, possibly without some files. Both
@@ -124,7 +124,7 @@ class Journal {
   bool wasDone_ = false;
   bool isRemainder_ = false;
   std::vector<SavedFile> files_;
-  std::size_t changedCount_ = 0;
+  FileNumbers changed_;
   FileNumbers pending_;
 };
 

@@ -15,6 +15,16 @@ RepairedRun repair(RunNumber run, Journal& journal, const GoesOn& goesOn, const 
 
 }  // namespace
 
+std::vector<RunNumber> interruptedRuns(const RunStore& store) {
+  auto runs = store.runs();
+  std::erase_if(runs, [&](RunNumber run) {
+    if (isSettled(store.folderOf(run))) return true;
+    const auto journal = openJournal(store.folderOf(run));
+    return journal == nullptr || journal->state() != Journal::StateType::interrupted;
+  });
+  return runs;
+}
+
 std::vector<RepairedRun> repairRuns(const RunStore& store, const RunStore::Lock& lock,
                                     const GoesOn& goesOn, const OnStep& onStep) {
   std::vector<RepairedRun> repaired;

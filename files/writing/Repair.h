@@ -19,6 +19,10 @@ struct RepairedRun {
   RestoreResult result;
 };
 
+// The runs that `repairRuns` would restore files of. Only while no process has the store's lock,
+// all of them are interrupted.
+std::vector<RunNumber> interruptedRuns(const RunStore& store);
+
 // Reverts all interrupted runs, and completes an interrupted undo. Throws JournalError.
 std::vector<RepairedRun> repairRuns(const RunStore& store, const RunStore::Lock& lock,
                                     const GoesOn& goesOn, const OnStep& onStep = {});

@@ -62,7 +62,7 @@ CurrentFile lookAt(const SavedFile& file) {
 
 class Restorer {
  public:
-  Restorer(Journal* journal, const GoesOn* goesOn, const OnStep* onStep)
+  Restorer(const Journal* journal, const GoesOn* goesOn, const OnStep* onStep)
       : journal_(journal), goesOn_(goesOn), onStep_(onStep), writer_(journal->token()) {}
 
   void removeTemporaries() {
@@ -74,15 +74,23 @@ class Restorer {
     }
   }
 
-  void restoreAll() {
-    for (const std::uint32_t number : journal_->pending()) {
+  void restore(const FileNumbers& numbers) {
+    for (const std::uint32_t number : numbers) {
       if (!goesOn()) break;
       stage(number);
-      count(StepType::staging, journal_->pending().size());
+      count(StepType::staging, numbers.size());
     }
     if (goesOn()) commitAll();
     writer_.discardRest();
     if (const auto reason = writer_.flushFolders()) throw JournalError(*reason);
+  }
+
+  void preview(const FileNumbers& numbers) {
+    for (const std::uint32_t number : numbers) {
+      if (!goesOn()) break;
+      const auto stamp = findWritten(number);
+      if (stamp && oldBytes(number)) result_.restored.push_back(number);
+    }
   }
 
   RestoreResult takeResult() { return std::move(result_); }
@@ -125,34 +133,48 @@ class Restorer {
     done_.push_back(number);
   }
 
-  void stage(std::uint32_t number) {
+  // The stamp of the file if it is as the run wrote it; otherwise that is recorded.
+  std::optional<fl::filesystem::FileStamp> findWritten(std::uint32_t number) {
     const SavedFile& file = journal_->files()[number];
     CurrentFile current = lookAt(file);
     switch (current.type) {
       case CurrentFile::Type::old:
         done_.push_back(number);
-        return;
+        break;
       case CurrentFile::Type::changed:
         result_.changed.push_back({file.path, std::move(current.reason)});
-        return;
+        break;
       case CurrentFile::Type::failed:
         result_.failed.push_back({file.path, std::move(current.reason)});
-        return;
-      case CurrentFile::Type::written:
         break;
+      case CurrentFile::Type::written:
+        return current.stamp;
     }
+    return std::nullopt;
+  }
+
+  // Empty if the journal no longer has them, which is recorded.
+  std::optional<std::string_view> oldBytes(std::uint32_t number) {
     try {
-      auto reason = writer_.stage(
-          number, {file.path, journal_->oldBytes(number), current.stamp, file.modificationTime});
-      if (!reason) return staged_.push_back(number);
-      result_.failed.push_back({file.path, std::move(*reason)});
+      return journal_->oldBytes(number);
     } catch (const JournalError& error) {
       // A later attempt would fail too.
-      result_.changed.push_back({file.path, error.what()});
+      result_.changed.push_back({journal_->files()[number].path, error.what()});
+      return std::nullopt;
     }
   }
 
-  Journal* journal_;
+  void stage(std::uint32_t number) {
+    const auto stamp = findWritten(number);
+    const auto bytes = stamp ? oldBytes(number) : std::nullopt;
+    if (!bytes) return;
+    const SavedFile& file = journal_->files()[number];
+    auto reason = writer_.stage(number, {file.path, *bytes, *stamp, file.modificationTime});
+    if (!reason) return staged_.push_back(number);
+    result_.failed.push_back({file.path, std::move(*reason)});
+  }
+
+  const Journal* journal_;
   const GoesOn* goesOn_;
   const OnStep* onStep_;
   FileWriter writer_;
@@ -166,16 +188,25 @@ class Restorer {
 RestoreResult repairRun(Journal& journal, const GoesOn& goesOn, const OnStep& onStep) {
   Restorer restorer(&journal, &goesOn, &onStep);
   restorer.removeTemporaries();
-  restorer.restoreAll();
+  restorer.restore(journal.pending());
   if (restorer.isComplete()) journal.endUndo(restorer.takeDone());
   return restorer.takeResult();
 }
 
-RestoreResult undoRun(Journal& journal, const GoesOn& goesOn, const OnStep& onStep) {
+RestoreResult undoRun(Journal& journal, const FileNumbers& numbers, const GoesOn& goesOn,
+                      const OnStep& onStep) {
   journal.beginUndo();
   Restorer restorer(&journal, &goesOn, &onStep);
-  restorer.restoreAll();
+  restorer.restore(numbers);
   journal.endUndo(restorer.takeDone());
+  return restorer.takeResult();
+}
+
+RestoreResult previewUndo(const Journal& journal, const FileNumbers& numbers,
+                          const GoesOn& goesOn) {
+  const OnStep noStep;
+  Restorer restorer(&journal, &goesOn, &noStep);
+  restorer.preview(numbers);
   return restorer.takeResult();
 }
 

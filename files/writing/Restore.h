@@ -30,10 +30,16 @@ struct RestoreResult {
 // old bytes, permissions and times. If `goesOn` returns false meanwhile, or a file could not be
 // written, the journal stays as it is, so that the repair can be repeated.
 //
-// Both require the store's lock, so that no other process does the same, and throw JournalError.
+// This and `undoRun` require the store's lock, so that no other process does the same, and throw
+// JournalError.
 RestoreResult repairRun(Journal& journal, const GoesOn& goesOn, const OnStep& onStep = {});
 
-// Undoes a finished run, or the rest of it. Files that are left can be undone later.
-RestoreResult undoRun(Journal& journal, const GoesOn& goesOn, const OnStep& onStep = {});
+// Undoes a finished run, or a part of it: `numbers` are some of the pending files of the journal.
+// Files that are left can be undone later.
+RestoreResult undoRun(Journal& journal, const FileNumbers& numbers, const GoesOn& goesOn,
+                      const OnStep& onStep = {});
+
+// What `undoRun` would do, as far as the files show it. Needs no lock, and changes nothing.
+RestoreResult previewUndo(const Journal& journal, const FileNumbers& numbers, const GoesOn& goesOn);
 
 }  // namespace soca

@@ -64,7 +64,7 @@ goes_there_and_back() {
   (cd by_patch && patch --quiet --binary -p1 <../dry.out) || fail "$root: patch refuses the diff"
   same work by_git "$root: git apply makes something else than --write"
   same work by_patch "$root: patch makes something else than --write"
-  diff <(sed 's/would change,/changed,/' dry.err) <(grep -v "'soca undo'" write.err) ||
+  diff <(sed 's/would change,/changed,/' dry.err) <(grep -v "'soca undo " write.err) ||
     fail "$root: the dry run tells something else than --write"
   run undo undo
   ends_with 0 undo

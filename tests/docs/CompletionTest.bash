@@ -44,6 +44,8 @@ soca update --class-table sr|src
 soca explain Overl|OverlappingExtent
 soca explain WriteF|WriteFailed
 soca explain at|attributes
+soca undo --dr|--dry-run
+soca undo sr|src
 soca nonsense x|
 END
 exit "$failures"

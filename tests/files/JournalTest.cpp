@@ -78,7 +78,7 @@ class JournalTest : public ::testing::Test {
   RestoreResult undoLast(const GoesOn& goesOn) {
     const auto held = lock();
     Journal journal(store_.folderOf(store_.runs().back()));
-    return undoRun(journal, goesOn);
+    return undoRun(journal, journal.pending(), goesOn);
   }
   std::vector<RepairedRun> repair() { return repairRuns(store_, lock(), always); }
   StateType stateOfLast() const { return Journal(store_.folderOf(store_.runs().back())).state(); }
@@ -227,7 +227,7 @@ TEST_F(JournalTest, EachStepCountsItsFiles) {
   EXPECT_EQ(steps, "s4s4s4s4v3v3v3r3r3r3") << "one of the files changed meanwhile";
   steps.clear();
   Journal journal(store_.folderOf(1));
-  undoRun(journal, always, onStep);
+  undoRun(journal, journal.pending(), always, onStep);
   EXPECT_EQ(steps, "v3v3v3r3r3r3");
 }
 

@@ -13,6 +13,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// The time of the last run in the list.
+std::string listedTime(const Workspace& space) {
+  const std::string list = space.soca({"undo", "--list"}).out;
+  return list.substr(list.find('\n') + 7, 19);
+}
+
 TEST(Undo, RestoresAllFilesExceptThoseChangedSince) {
   const Workspace space;
   for (const char* name : {"A", "B", "C"}) {
@@ -24,20 +30,35 @@ TEST(Undo, RestoresAllFilesExceptThoseChangedSince) {
   fs::last_write_time(a, time);
   const auto before = space.readAll();
   const auto written = space.soca({"update", "--write"});
-  EXPECT_NE(written.err.find("this was run 1; 'soca undo' puts the files back"), std::string::npos);
+  EXPECT_NE(written.err.find("this was run 1; 'soca undo 1' puts the files back"),
+            std::string::npos);
   const auto after = space.readAll();
   EXPECT_EQ(after.size(), before.size());
   space.write("pkg/B.vlm", "% mine\n");
   ::chmod((space.path() / "pkg/C.vlm").c_str(), 0600);
 
+  const auto seen = space.readAll();
+  const auto dry = space.soca({"undo", "--dry-run"});
+  EXPECT_EQ(dry.exitCode, 2);
+  EXPECT_EQ(space.readAll(), seen);
   const auto undone = space.soca({"undo"});
   EXPECT_EQ(undone.exitCode, 2);
   EXPECT_EQ(undone.out, "");
-  EXPECT_EQ(undone.err,
-            "soca: 'pkg/B.vlm' is left as it is: it changed since the run wrote it\n"
-            "soca: 'pkg/C.vlm' is left as it is: its permissions changed since the run wrote it\n"
-            "soca: run 1: 1 file is as it was before, 2 are left; once nothing is in the way, "
-            "'soca undo 1' goes on\n");
+  const std::string start = "soca: run 1 of " + listedTime(space) + ": 3 files in '" +
+                            (space.path() / "pkg").string() + "'\n";
+  EXPECT_EQ(
+      undone.err,
+      start +
+          "soca: 'pkg/B.vlm' is left as it is: it changed since the run wrote it\n"
+          "soca: 'pkg/C.vlm' is left as it is: its permissions changed since the run wrote it\n"
+          "soca: run 1: 1 file is as it was before, 2 are left; once nothing is in the way, "
+          "'soca undo 1' goes on\n");
+  EXPECT_EQ(dry.err,
+            start +
+                "soca: 'pkg/B.vlm' would be left as it is: it changed since the run wrote it\n"
+                "soca: 'pkg/C.vlm' would be left as it is: its permissions changed since the run "
+                "wrote it\n"
+                "soca: run 1: 1 file would be as it was before, 2 would be left\n");
   EXPECT_EQ(space.read("pkg/B.vlm"), "% mine\n");
   EXPECT_EQ(space.read("pkg/C.vlm"), after.at("pkg/C.vlm"));
   EXPECT_EQ(fs::last_write_time(a), time);
@@ -75,6 +96,9 @@ TEST(Undo, OfRunsThatCannotBeUndone) {
       {{"undo", "0"}, "'0' is no number of a run"},
       {{"undo", "-1"}, "'-1' is no number of a run"},
       {{"undo", "1", "2"}, "takes one run at a time"},
+      {{"undo", ".", "A.vlm"}, "takes one file or folder at a time"},
+      {{"undo", "B.vlm"}, "'B.vlm' is no number of a run, and no file or folder"},
+      {{"undo", "--list", "--dry-run"}, "cannot be combined"},
       {{"undo", "--list", "1"}, "takes no argument"},
   };
   for (const auto& [arguments, message] : cases) {
@@ -83,6 +107,89 @@ TEST(Undo, OfRunsThatCannotBeUndone) {
     EXPECT_NE(result.err.find(message), std::string::npos) << result.err;
   }
   EXPECT_EQ(space.read("A.vlm"), outdatedClass("A"));
+}
+
+// Two trees with a run each; both have two classes, in folders of their own.
+class UndoInFolders : public ::testing::Test {
+ protected:
+  UndoInFolders() {
+    for (const char* tree : {"one", "two"}) {
+      for (const char* file : {"/a/A.vlm", "/b/B.vlm"}) {
+        space_.write(tree + std::string(file), outdatedClass(std::string(file).substr(3, 1)));
+      }
+      space_.soca({"update", "--write", "-p", tree});
+    }
+    fs::create_directory(space_.path() / "other");
+    updated_ = space_.readAll();
+  }
+
+  ProgramResult socaIn(const std::string& folder, const std::string& arguments) const {
+    return space_.run({"sh", "-c", "cd " + folder + " && exec " + programPath() + " " + arguments});
+  }
+  // The files that are as they were before the runs.
+  std::string restored() const {
+    std::string names;
+    for (const auto& [name, bytes] : space_.readAll()) {
+      if (bytes != updated_.at(name)) names += name + " ";
+    }
+    return names;
+  }
+
+  const Workspace space_;
+  std::map<std::string, std::string> updated_;
+};
+
+TEST_F(UndoInFolders, TakesTheLastRunThere) {
+  const std::string here = space_.path();
+  const struct {
+    const char* what;
+    std::string folder;
+    std::string arguments;
+    std::string message;
+    std::string restored;
+  } table[] = {
+      {"a folder without a run", "other", "undo",
+       "no run that is known has changed a file in '" + here + "/other'; run 2 changed files in '" +
+           here + "/two', run 1 in '" + here + "/one'; give the number",
+       ""},
+      {"no file of the run there", "other", "undo 2 ../one",
+       "run 2 changed no file in '" + here + "/one', but some in '" + here + "/two'", ""},
+      {"a dry run", "one", "undo --dry-run", "run 1: 2 files would be as they were before\n", ""},
+      {"a folder of the run", "one", "undo a", ": 1 file in '" + here + "/one/a'\n",
+       "one/a/A.vlm "},
+      {"the same again", "one", "undo a", "run 1 is undone already in '" + here + "/one/a'", ""},
+      {"the rest, from below", "one/b", "undo", "run 1: 1 file is as it was before\n",
+       "one/a/A.vlm one/b/B.vlm "},
+      {"one file of another run", "one", "undo ../two/b/B.vlm", "run 2: 1 file is",
+       "one/a/A.vlm one/b/B.vlm two/b/B.vlm "},
+      {"all trees", ".", "undo", "run 2: 1 file is",
+       "one/a/A.vlm one/b/B.vlm two/a/A.vlm two/b/B.vlm "},
+  };
+  std::string before;
+  for (const auto& row : table) {
+    const auto result = socaIn(row.folder, row.arguments);
+    EXPECT_NE(result.err.find(row.message), std::string::npos) << row.what << ": " << result.err;
+    if (!row.restored.empty()) before = row.restored;
+    EXPECT_EQ(restored(), before) << row.what;
+  }
+}
+
+TEST_F(UndoInFolders, ADryRunSaysThatARunWaits) {
+  // As after a run that was killed when all its files were written.
+  fs::resize_file(space_.statePath() / "soca/runs/2/state", 0);
+  const std::string waits = "soca: warning: run 2 was interrupted; ";
+  const auto update = socaIn(".", "update -p one");
+  EXPECT_NE(update.err.find(waits + "the next run with --write, or 'soca undo', first puts"),
+            std::string::npos)
+      << update.err;
+  const auto undo = socaIn("one", "undo --dry-run");
+  EXPECT_NE(undo.err.find(waits + "'soca undo' first puts its files back\nsoca: run 1 of "),
+            std::string::npos)
+      << undo.err;
+  EXPECT_EQ(restored(), "");
+  const auto undone = socaIn("one", "undo");
+  EXPECT_EQ(restored(), "one/a/A.vlm one/b/B.vlm two/a/A.vlm two/b/B.vlm ") << undone.err;
+  EXPECT_EQ(socaIn(".", "update -p one").err.find("interrupted"), std::string::npos);
 }
 
 TEST(Undo, TheStateFolder) {

@@ -1,0 +1,96 @@
+#include "cli/commands/UndoRequest.h"
+
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <iterator>
+#include <ranges>
+#include <string_view>
+#include <vector>
+
+#include "files/targets/ClassRoots.h"
+#include "files/targets/UsageError.h"
+
+namespace soca::cli {
+namespace {
+
+constexpr std::size_t namedRuns = 3;
+
+FileNumbers numbersBelow(const Journal& journal, const FileNumbers& numbers,
+                         std::string_view folder) {
+  FileNumbers below;
+  std::ranges::copy_if(numbers, std::back_inserter(below), [&](std::uint32_t number) {
+    return relativeTo(folder, journal.files()[number].path).has_value();
+  });
+  return below;
+}
+
+// Whether a run that was interrupted early might have changed files in the folder is not known, and
+// then it counts: an older run must not be undone instead of it.
+bool concerns(const RunStore& store, RunNumber run, std::string_view folder) {
+  const auto journal = openJournal(store.folderOf(run));
+  if (journal == nullptr) return true;
+  if (journal->files().empty()) return !journal->isRemainder();
+  return !numbersBelow(*journal, journal->changed(), folder).empty();
+}
+
+// "run 3 changed files in '/a', run 2 in '/b'"
+std::string describeLast(const RunStore& store, const std::vector<RunNumber>& runs) {
+  std::vector<std::string> parts;
+  for (const RunNumber run : runs | std::views::reverse | std::views::take(namedRuns)) {
+    const auto journal = openJournal(store.folderOf(run));
+    if (journal == nullptr || journal->commonFolder().empty()) continue;
+    parts.push_back(fmt::format("run {} {}in '{}'", run, parts.empty() ? "changed files " : "",
+                                journal->commonFolder()));
+  }
+  return fmt::format("{}", fmt::join(parts, ", "));
+}
+
+}  // namespace
+
+UndoRequest::UndoRequest(const Options& options) : currentFolder_(resolveLinks(".").value_or("")) {
+  for (const std::string& argument : options.arguments) {
+    if (const auto number = parseRunNumber(argument)) {
+      if (run) throw UsageError("'undo' takes one run at a time");
+      run = number;
+      continue;
+    }
+    const auto path = argument.empty() ? std::nullopt : resolveLinks(argument);
+    if (!path) {
+      throw UsageError(fmt::format(
+          "'{}' is no number of a run, and no file or folder; 'soca undo --list' shows the runs",
+          argument));
+    }
+    if (!limit.empty()) throw UsageError("'undo' takes one file or folder at a time");
+    limit = *path;
+  }
+}
+
+std::optional<RunNumber> UndoRequest::findRun(const RunStore& store) const {
+  if (run) return run;
+  const std::string& folder = limit.empty() ? currentFolder_ : limit;
+  const auto runs = store.runs();
+  const auto last = std::ranges::find_if(runs.rbegin(), runs.rend(), [&](RunNumber number) {
+    return concerns(store, number, folder);
+  });
+  return last == runs.rend() ? std::nullopt : std::optional(*last);
+}
+
+FileNumbers UndoRequest::select(const Journal& journal, const FileNumbers& numbers) const {
+  return limit.empty() ? numbers : numbersBelow(journal, numbers, limit);
+}
+
+const std::string& UndoRequest::folderIn(const Journal& journal) const {
+  return limit.empty() ? journal.commonFolder() : limit;
+}
+
+std::string UndoRequest::whyNoRun(const RunStore& store) const {
+  const auto runs = store.runs();
+  if (runs.empty()) return "there is no run to undo";
+  return fmt::format(
+      "no run that is known has changed a file in '{}'; {}; give the number of the run to undo, as "
+      "'soca undo --list' shows it",
+      limit.empty() ? currentFolder_ : limit, describeLast(store, runs));
+}
+
+}  // namespace soca::cli
