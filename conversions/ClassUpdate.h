@@ -2,11 +2,13 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "conversions/Finding.h"
 #include "conversions/Findings.h"
+#include "conversions/SuperClassList.h"
 #include "rules/RuleFamilies.h"
 #include "service/UpdatePlan.h"
 #include "soca/Updater.h"
@@ -32,6 +34,8 @@ struct ClassUpdate {
   PerFamily<std::size_t> editCounts;
   // The reason why the program refuses the new text; empty if it does not.
   std::string refusal;
+  // The superclass because of which it does not, if it is that.
+  std::optional<UnresolvedSuperClass> unresolved;
   // Whether an update of the new text would change it again.
   bool changesAgain = false;
   MethodNameChanges methods;

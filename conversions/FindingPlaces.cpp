@@ -32,6 +32,11 @@ bool isAboutMethod(const Finding& finding) { return finding.id.find("Impl") != s
 
 }  // namespace
 
+LinePlace placeOfName(const ca::AnalysisResult& analysis, const ca::astapi::Node& name) {
+  const Extent extent = makeExtentOfNode(analysis, name);
+  return placeAt(extent.start, extent.end.column - extent.start.column);
+}
+
 FindingPlaces::FindingPlaces(const ca::AnalysisResult& analysis) : analysis_(analysis) {
   // Of two declarations the first is used.
   for (const DeclaredProperty& property : declaredProperties(analysis)) {
@@ -47,7 +52,8 @@ void FindingPlaces::addMembers(std::vector<Finding>& findings) const {
     if (finding.arguments.empty()) continue;
     const NodesByName& nodes = isAboutMethod(finding) ? methods_ : properties_;
     const auto node = nodes.find(to_ustring(finding.arguments.front()));
-    if (node != nodes.end()) static_cast<LinePlace&>(finding) = placeOf(*node->second);
+    if (node != nodes.end())
+      static_cast<LinePlace&>(finding) = placeOfName(analysis_, *node->second);
   }
 }
 
@@ -77,15 +83,11 @@ void FindingPlaces::addRelated(std::vector<Finding>& findings) const {
   }
 }
 
-LinePlace FindingPlaces::placeOf(const ca::astapi::Node& name) const {
-  const Extent extent = makeExtentOfNode(analysis_, name);
-  return placeAt(extent.start, extent.end.column - extent.start.column);
-}
-
 void FindingPlaces::addName(const NodesByName& nodes, std::string_view name, std::string_view text,
                             Finding& finding) const {
   const auto node = nodes.find(to_ustring(name));
-  if (node != nodes.end()) finding.related.push_back({placeOf(*node->second), std::string(text)});
+  if (node != nodes.end())
+    finding.related.push_back({placeOfName(analysis_, *node->second), std::string(text)});
 }
 
 void FindingPlaces::addUse(Finding& finding) const {
@@ -105,7 +107,7 @@ void FindingPlaces::addReferences(std::vector<Finding*>& findings) const {
   ca::astapi::NodeVisitor<Identifier> visitor([&](const Identifier& identifier) {
     for (const auto& [id, finding] : wanted) {
       if (!(identifier.id == id) || finding->related.size() == mostReferences) continue;
-      const LinePlace place = placeOf(identifier);
+      const LinePlace place = placeOfName(analysis_, identifier);
       const bool isItself = place.line == finding->line && place.column == finding->column;
       if (!isItself) finding->related.push_back({place, "A reference to the method."});
     }

@@ -13,6 +13,9 @@
 
 namespace soca {
 
+// The place of a node within one line.
+LinePlace placeOfName(const ca::AnalysisResult& analysis, const ca::astapi::Node& name);
+
 class FindingPlaces {
  public:
   // `analysis` must outlive this object.
@@ -29,7 +32,6 @@ class FindingPlaces {
   // The nodes of the names.
   using NodesByName = std::unordered_map<fl::ustring_view, const ca::astapi::Node*>;
 
-  LinePlace placeOf(const ca::astapi::Node& name) const;
   void addName(const NodesByName& nodes, std::string_view name, std::string_view text,
                Finding& finding) const;
   void addUse(Finding& finding) const;

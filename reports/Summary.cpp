@@ -84,6 +84,7 @@ std::string formatSummary(const Summary& summary, TenseType tense) {
                   counted(left, "stays", "stay"), left == 1 ? "it is" : "they are");
   if (summary.refused > 0) text += fmt::format(", {} refused", summary.refused);
   if (summary.failed > 0) text += fmt::format(", {} failed", summary.failed);
+  if (summary.undecided > 0) text += fmt::format("; {} undecided", summary.undecided);
   if (summary.skipped > 0) {
     text += fmt::format("; {} skipped", counted(summary.skipped, "other class", "other classes"));
   }

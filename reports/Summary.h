@@ -18,6 +18,8 @@ struct Summary {
   // The classes with a failure, and the folders that could not be read.
   std::size_t failed = 0;
   std::size_t skipped = 0;
+  // The classes that were not looked at because a superclass was not found.
+  std::size_t undecided = 0;
   std::size_t filesWithoutClass = 0;
   std::size_t changesAgain = 0;
   std::size_t findings = 0;

@@ -28,6 +28,7 @@ class UpdateReport {
   virtual void printNotes(const ClassOutcome& outcome) = 0;
   virtual void addFailure(const Failure& failure) = 0;
   virtual void addSkipped(const Failure& failure) = 0;
+  virtual void addUndecided(const Failure& failure) = 0;
   // Prints the end of the output. `exitCode` is the exit code of the run.
   virtual void finish(ExitCodeType exitCode) = 0;
 };
@@ -41,6 +42,9 @@ struct ReportOptions {
   bool check = false;
   // Whether the single replacements are to be printed.
   bool edits = false;
+  // Whether the data have the form that a run as the service has: without what the program itself
+  // decides.
+  bool asService = false;
 };
 
 // All must outlive the report.

@@ -47,8 +47,10 @@ void writeLines(const Json& entry, std::initializer_list<const char*> keys, std:
 
 std::string kindOf(const Json& entry) {
   const auto kind = entry.at("kind").get<std::string>();
-  if (kind != "error" && kind != "finding") throw std::runtime_error("unknown kind " + kind);
-  return "MessageKindType::" + kind;
+  for (const char* known : {"error", "finding", "reason"}) {
+    if (kind == known) return "MessageKindType::" + kind;
+  }
+  throw std::runtime_error("unknown kind " + kind);
 }
 
 void writeCatalog(const Json& data, std::ostream& out) {

@@ -63,6 +63,7 @@ UpdateRequest requestOf(const Options& options, const ReportOptions& report,
                         const fl::filesystem::FileState& file) {
   UpdateRequest request;
   request.rules = options.rules;
+  request.asService = options.asService;
   request.needs = options.format->needs(report);
   request.needs.diff = false;
   request.needs.newBytes = options.format->isForPeople && !options.check;
@@ -91,7 +92,8 @@ class StandardInputRun {
         ClassUpdater(&roots, &names_, requestOf(options_, reportOptions_, file)).update(target_);
     for (const ClassOutcome& each : outcome.classes) print(each, bytes);
     for (const Failure& failure : outcome.failures) report_->addFailure(failure);
-    if (!outcome.failures.empty()) exitCode_ = ExitCodeType::failed;
+    if (outcome.undecided) report_->addUndecided(*outcome.undecided);
+    if (!outcome.failures.empty() || outcome.undecided) exitCode_ = ExitCodeType::failed;
     report_->finish(exitCode_);
     return exitCode_;
   }

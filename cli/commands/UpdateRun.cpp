@@ -25,6 +25,7 @@ UpdateRequest requestOf(const Options& options, const ReportOptions& report) {
   UpdateRequest request;
   request.rules = options.rules;
   request.includeSuperclasses = options.includeSuperclasses;
+  request.asService = options.asService;
   request.needs = options.format->needs(report);
   request.needs.newBytes = options.write;
   return request;
@@ -168,6 +169,10 @@ void UpdateRun::take(TargetOutcome& outcome) {
     ++summary_.skipped;
     report_->addSkipped(*outcome.skipped);
   }
+  if (outcome.undecided) {
+    ++summary_.undecided;
+    report_->addUndecided(*outcome.undecided);
+  }
 }
 
 void UpdateRun::takeClass(ClassOutcome& outcome) {
@@ -249,6 +254,13 @@ void UpdateRun::printWarnings() {
   if (!options_->write) tellOfWaitingRuns(*console_);
   for (const std::string& warning : targets_.warnings()) console_->tell(warning);
   for (const std::string& warning : methodChanges_.warnings()) console_->tell(warning);
+  if (summary_.undecided > 0) {
+    console_->tell(fmt::format(
+        "{} undecided: name the roots of the superclasses with --path, or say in a class table "
+        "what they derive from ('soca classes --unresolved' lists them)",
+        summary_.undecided == 1 ? "1 class is"
+                                : fmt::format("{} classes are", summary_.undecided)));
+  }
   if (summary_.uncommitted > 0) {
     console_->tell(
         fmt::format("warning: --write would refuse {} of these, which git could not bring back; "
@@ -277,7 +289,8 @@ std::string UpdateRun::summaryText() const {
 
 ExitCodeType UpdateRun::exitCode() const {
   if (wasInterrupted() && !isWritten_) return interruptExitCode();
-  if (!fatalError_.empty() || summary_.failed > 0 || summary_.refused > 0) {
+  const std::size_t leftAlone = summary_.failed + summary_.refused + summary_.undecided;
+  if (!fatalError_.empty() || leftAlone > 0) {
     return ExitCodeType::failed;
   }
   return options_->check && summary_.changed > 0 ? ExitCodeType::somethingToChange

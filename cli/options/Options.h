@@ -50,7 +50,12 @@ struct Options {
 
   // The options for a report.
   ReportOptions forReport() const {
-    return {.quiet = quiet, .verbose = verbose, .write = write, .check = check, .edits = edits};
+    return {.quiet = quiet,
+            .verbose = verbose,
+            .write = write,
+            .check = check,
+            .edits = edits,
+            .asService = asService};
   }
 };
 

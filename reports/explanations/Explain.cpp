@@ -64,8 +64,7 @@ std::string explainRule(const RuleExplanation& rule) {
 }
 
 std::string explainMessage(const MessageExplanation& message) {
-  std::string text = fmt::format("{} ({}{}{})\n\n", message.fullId,
-                                 message.kind == MessageKindType::error ? "error" : "finding",
+  std::string text = fmt::format("{} ({}{}{})\n\n", message.fullId, kindName(message.kind),
                                  message.rule.empty() ? "" : " of the rule ", message.rule);
   text += wrap(message.text, "  ") + '\n';
   text += paragraph("Meaning", message.meaning);
@@ -96,6 +95,8 @@ std::string explainAll() {
   text +=
       listOf("Errors, which leave a class as it is", messageExplanations(), MessageKindType::error);
   text += listOf("Errors that the program finds", programExplanations(), MessageKindType::error);
+  text += listOf("Reasons for which the program leaves a class as it is", programExplanations(),
+                 MessageKindType::reason);
   return text + "\n'soca explain ID' says more about one of them.\n";
 }
 

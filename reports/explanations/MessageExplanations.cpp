@@ -17,6 +17,18 @@ const MessageExplanation* findIn(std::span<const MessageExplanation> entries, st
 
 }  // namespace
 
+std::string_view kindName(MessageKindType kind) {
+  switch (kind) {
+    case MessageKindType::error:
+      return "error";
+    case MessageKindType::finding:
+      return "finding";
+    case MessageKindType::reason:
+      break;
+  }
+  return "reason";
+}
+
 std::span<const MessageExplanation> messageExplanations() { return messageTable; }
 
 std::span<const MessageExplanation> programExplanations() { return programTable; }

@@ -8,8 +8,12 @@
 
 namespace soca {
 
-// Whether a message ends the work on a class, or accompanies its result.
-enum class MessageKindType { error, finding };
+// Whether a message ends the work on a class, accompanies its result, or is the program's reason to
+// leave the class as it is.
+enum class MessageKindType { error, finding, reason };
+
+// As users read it.
+std::string_view kindName(MessageKindType kind);
 
 struct MessageExplanation {
   // "VELUM:system:Analyzer"; empty for a message of the program itself.

@@ -135,9 +135,8 @@ std::string conversionTable(const RuleExplanation& rule) {
 std::string messageRows(std::span<const MessageExplanation> messages) {
   std::string rows;
   for (const MessageExplanation& message : messages) {
-    const bool isError = message.kind == MessageKindType::error;
-    rows += fmt::format("| {} | {} | {} |\n", linkTo(message, message.id),
-                        isError ? "error" : "finding", message.text);
+    rows += fmt::format("| {} | {} | {} |\n", linkTo(message, message.id), kindName(message.kind),
+                        message.text);
   }
   return rows;
 }
@@ -196,7 +195,8 @@ RulePage makeIndexPage() {
   text += "\n## Messages\n\n" +
           wrap(
               "A finding stands beside the changes of a class; an error leaves the class as it "
-              "is. In front of the ids of an update, tools see the name of the catalog, as in "
+              "is, and a reason is why the program does. In front of the ids of an update, tools "
+              "see the name of the catalog, as in "
               "`VELUM:system:Analyzer:SyntaxError`. `soca explain` prints all this too: with a "
               "family or an id behind it, what stands on these pages.") +
           "\n| Message | Kind | Text |\n|---|---|---|\n" + messageRows(messageExplanations()) +

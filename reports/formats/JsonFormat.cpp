@@ -5,7 +5,11 @@
 //                 "messages": ["..."]}],
 //    "errors": [{"class": "a.C", "id": "VELUM:system:Analyzer:SyntaxError", "message": "...",
 //                "diagnostics": [{"line": 3, "column": 5, "message": "..."}], "hint": "..."}],
+//    "undecided": [{"class": "a.E", "id": "...", "message": "...", "missing": ["..."],
+//                   "hint": "..."}],
 //    "skipped": [{"class": "a.D", "id": "...", "message": "...", "hint": "..."}]}
+//
+// The answers of the service have no `undecided`.
 //
 // With `--edits` a result has three more keys: the checksum of the current file, the single
 // replacements in it, in the order of the file, and the messages with their places. Offsets and
@@ -100,23 +104,27 @@ Json headOf(const Failure& failure) {
 // Results are printed at once; errors and skipped classes are stored until the end.
 class JsonReport : public UpdateReport {
  public:
-  // `console` must outlive the report.
-  explicit JsonReport(ReportOutput* output) : output_(output) {}
+  // Both must outlive the report.
+  JsonReport(const ReportOptions* options, ReportOutput* output)
+      : options_(options), output_(output) {}
 
   std::string dataOf(const ClassOutcome& outcome) const override;
   void printData(const std::string& data) override;
   void printNotes(const ClassOutcome&) override {}
   void addFailure(const Failure& failure) override;
   void addSkipped(const Failure& failure) override;
+  void addUndecided(const Failure& failure) override;
   void finish(ExitCodeType exitCode) override;
 
  private:
   void beginResults();
 
+  const ReportOptions* options_;
   ReportOutput* output_;
   bool hasBegun_ = false;
   bool hasResults_ = false;
   SpooledList errors_;
+  SpooledList undecided_;
   SpooledList skipped_;
 };
 
@@ -161,10 +169,21 @@ void JsonReport::addSkipped(const Failure& failure) {
   skipped_.add(dump(json));
 }
 
+void JsonReport::addUndecided(const Failure& failure) {
+  Json json = headOf(failure);
+  for (const Ancestry::Missing& missing : failure.missing) json["missing"].push_back(missing.name);
+  addHint(failure.hints, json);
+  undecided_.add(dump(json));
+}
+
 void JsonReport::finish(ExitCodeType) {
   beginResults();
   output_->print("],\n \"errors\": ");
   errors_.print(*output_);
+  if (!options_->asService) {
+    output_->print(",\n \"undecided\": ");
+    undecided_.print(*output_);
+  }
   output_->print(",\n \"skipped\": ");
   skipped_.print(*output_);
   output_->print("}\n");
@@ -183,7 +202,7 @@ OutcomeNeeds needsOf(const ReportOptions& options) {
 }
 
 std::unique_ptr<UpdateReport> makeReport(const ReportContext& context) {
-  return std::make_unique<JsonReport>(context.output);
+  return std::make_unique<JsonReport>(context.options, context.output);
 }
 
 }  // namespace

@@ -1,7 +1,8 @@
 // An update as a SARIF 2.1.0 log, for tools that show the results of analyses.
 //
-// Every conversion is a result with its edits as a fix, every message of a finding is a result
-// without one, and a class that fails, is refused or is skipped is a notification. The log has no
+// Every conversion is a result with its edits as a fix. Every message of a finding is a result
+// without one, and so is a class that is undecided, or refused because a superclass was not found.
+// A class that fails, is refused for another reason or is skipped is a notification. The log has no
 // times and no names of the machine: the same tree gives the same bytes.
 #include <fmt/core.h>
 #include <cstddef>
@@ -28,6 +29,32 @@ std::string dump(const Json& json) {
   return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
+// The object that names a class, or a member of it.
+Json logicalLocationOf(const std::string& className, const std::string& member) {
+  if (member.empty()) return {{"fullyQualifiedName", className}, {"kind", "type"}};
+  return {{"name", member},
+          {"fullyQualifiedName", fmt::format("{}.{}", className, member)},
+          {"kind", "member"}};
+}
+
+// Identifies the result when lines move: `number` counts equal results of one class.
+Json fingerprintsOf(const std::string& key, std::size_t number) {
+  const std::string fingerprint = sha256(fmt::format("{}\n{}", key, number));
+  return {{fingerprintName, fingerprint.substr(0, 32)}};
+}
+
+std::string fingerprintKey(const std::string& className, const Json& result,
+                           const std::string& member) {
+  return fmt::format("{}\n{}\n{}", className, result.at("ruleId").get_ref<const std::string&>(),
+                     member);
+}
+
+constexpr std::string_view unresolvedId = "soca:SuperClassUnresolved";
+
+std::string refusalText(const ClassUpdate& update) {
+  return fmt::format("The update of class '{}' is refused: {}.", update.className, update.refusal);
+}
+
 // The results of one class.
 class ClassResults {
  public:
@@ -35,6 +62,7 @@ class ClassResults {
       : outcome_(outcome), artifact_(std::move(artifact)) {}
 
   std::string make() {
+    if (outcome_.update.unresolved) add(makeResult(*outcome_.update.unresolved));
     for (const Conversion& conversion : outcome_.file.conversions) add(makeResult(conversion));
     for (const Finding& finding : outcome_.update.findings) add(makeResult(finding));
     return std::move(text_);
@@ -44,6 +72,13 @@ class ClassResults {
   void add(const Json& result) {
     if (!text_.empty()) text_ += ",\n  ";
     text_ += dump(result);
+  }
+
+  Json makeResult(const UnresolvedSuperClass& unresolved) {
+    Json result = sarifResult(unresolvedId, refusalText(outcome_.update));
+    result["locations"] = Json::array({locationOf(regionOf(unresolved, hasMark()), {})});
+    addFingerprint({}, result);
+    return result;
   }
 
   Json makeResult(const Conversion& conversion) {
@@ -76,22 +111,14 @@ class ClassResults {
   Json locationOf(const Json& region, const std::string& member) const {
     Json place = {{"artifactLocation", artifact_}};
     if (!region.is_null()) place["region"] = region;
-    Json logical = {{"fullyQualifiedName", outcome_.update.className}, {"kind", "type"}};
-    if (!member.empty()) {
-      logical = {{"name", member},
-                 {"fullyQualifiedName", fmt::format("{}.{}", outcome_.update.className, member)},
-                 {"kind", "member"}};
-    }
-    return {{"physicalLocation", std::move(place)},
-            {"logicalLocations", Json::array({std::move(logical)})}};
+    return {
+        {"physicalLocation", std::move(place)},
+        {"logicalLocations", Json::array({logicalLocationOf(outcome_.update.className, member)})}};
   }
 
-  // Identifies the result when lines move: the number counts equal results of one class.
   void addFingerprint(const std::string& member, Json& result) {
-    const std::string key = fmt::format("{}\n{}\n{}", outcome_.update.className,
-                                        result.at("ruleId").get_ref<const std::string&>(), member);
-    const std::string fingerprint = sha256(fmt::format("{}\n{}", key, numbers_[key]++));
-    result["partialFingerprints"] = {{fingerprintName, fingerprint.substr(0, 32)}};
+    const std::string key = fingerprintKey(outcome_.update.className, result, member);
+    result["partialFingerprints"] = fingerprintsOf(key, numbers_[key]++);
   }
 
   Json fixOf(const Conversion& conversion) const {
@@ -136,8 +163,7 @@ Json makeNotification(std::string_view level, std::string text, Json locations) 
 }
 
 Json classLocation(const std::string& className) {
-  return {
-      {"logicalLocations", Json::array({{{"fullyQualifiedName", className}, {"kind", "type"}}})}};
+  return {{"logicalLocations", Json::array({logicalLocationOf(className, {})})}};
 }
 
 // The places of the syntax errors, or of the file, or of the class.
@@ -171,8 +197,9 @@ Json makeNotification(std::string_view level, const Failure& failure,
 // Results are printed at once; the parts after them are stored until the end.
 class SarifReport : public UpdateReport {
  public:
-  // Both must outlive the report.
-  SarifReport(const ClassRoots* roots, ReportOutput* output) : locations_(roots), output_(output) {}
+  // All three must outlive the report.
+  SarifReport(const ReportOptions* options, const ClassRoots* roots, ReportOutput* output)
+      : options_(options), locations_(roots), output_(output) {}
 
   // The file on a line of its own, and the results.
   std::string dataOf(const ClassOutcome& outcome) const override;
@@ -180,11 +207,13 @@ class SarifReport : public UpdateReport {
   void printNotes(const ClassOutcome& outcome) override;
   void addFailure(const Failure& failure) override;
   void addSkipped(const Failure& failure) override;
+  void addUndecided(const Failure& failure) override;
   void finish(ExitCodeType exitCode) override;
 
  private:
   void begin();
 
+  const ReportOptions* options_;
   SarifLocations locations_;
   ReportOutput* output_;
   bool hasBegun_ = false;
@@ -217,9 +246,8 @@ void SarifReport::printNotes(const ClassOutcome& outcome) {
     notifications_.add(
         dump(makeNotification(level, std::move(text), Json::array({std::move(location)}))));
   };
-  if (outcome.update.isRefused()) {
-    add("error", fmt::format("The update of class '{}' is refused: {}.", outcome.update.className,
-                             outcome.update.refusal));
+  if (outcome.update.isRefused() && !outcome.update.unresolved) {
+    add("error", refusalText(outcome.update));
   }
   for (const std::string& hint : outcome.hints) add("note", fmt::format("{}.", hint));
 }
@@ -230,6 +258,18 @@ void SarifReport::addFailure(const Failure& failure) {
 
 void SarifReport::addSkipped(const Failure& failure) {
   notifications_.add(dump(makeNotification("note", failure, locations_)));
+}
+
+void SarifReport::addUndecided(const Failure& failure) {
+  const Json artifact = locations_.artifactOf(failure.path);
+  Json place = {{"artifactLocation", artifact}};
+  if (failure.place.line > 0) place["region"] = {{"startLine", failure.place.line}};
+  Json location = classLocation(failure.className);
+  location["physicalLocation"] = std::move(place);
+  Json result = sarifResult(unresolvedId, sentences(failure.message, failure.hints));
+  result["locations"] = Json::array({std::move(location)});
+  result["partialFingerprints"] = fingerprintsOf(fingerprintKey(failure.className, result, {}), 0);
+  printData(fmt::format("{}\n{}", dump({{"location", artifact}}), dump(result)));
 }
 
 void SarifReport::finish(ExitCodeType exitCode) {
@@ -254,7 +294,7 @@ void SarifReport::begin() {
       "sarif-schema-2.1.0.json\",\n \"version\": \"2.1.0\", \"runs\": [{{\"tool\": {},\n"
       " \"columnKind\": \"utf16CodeUnits\", \"originalUriBaseIds\": {},\n"
       " \"results\": [",
-      dump(sarifTool()), dump(locations_.baseIds())));
+      dump(sarifTool(options_->asService)), dump(locations_.baseIds())));
   hasBegun_ = true;
 }
 
@@ -263,7 +303,7 @@ OutcomeNeeds needsOf(const ReportOptions&) {
 }
 
 std::unique_ptr<UpdateReport> makeReport(const ReportContext& context) {
-  return std::make_unique<SarifReport>(context.roots, context.output);
+  return std::make_unique<SarifReport>(context.options, context.roots, context.output);
 }
 
 }  // namespace

@@ -101,13 +101,18 @@ Json messageOf(std::string_view id, const std::string& text,
 
 }  // namespace
 
-Json sarifTool() {
+Json sarifTool(bool asService) {
   Json rules = Json::array();
   for (const RuleFamily& family : ruleFamilies) {
     rules.push_back(ruleOf(*findRuleExplanation(family.name)));
   }
   for (const auto* message : explanationsOf(MessageKindType::finding)) {
     rules.push_back(ruleOf(*message, "warning"));
+  }
+  if (!asService) {
+    for (const auto* message : explanationsOf(MessageKindType::reason)) {
+      rules.push_back(ruleOf(*message, "error"));
+    }
   }
   Json notifications = Json::array();
   for (const auto* message : explanationsOf(MessageKindType::error)) {
@@ -148,6 +153,17 @@ Json sarifResult(const Finding& finding) {
                           ? Json{{"text", finding.text}}
                           : messageOf("default", finding.text, finding.arguments);
   return result;
+}
+
+Json sarifResult(std::string_view fullId, std::string text) {
+  static const auto findings = explanationsOf(MessageKindType::finding);
+  static const auto reasons = explanationsOf(MessageKindType::reason);
+  const auto known = std::ranges::find(reasons, fullId, &MessageExplanation::fullId);
+  return {{"ruleId", fullId},
+          {"ruleIndex", ruleFamilies.size() + findings.size() +
+                            static_cast<std::size_t>(known - reasons.begin())},
+          {"level", "error"},
+          {"message", {{"text", std::move(text)}}}};
 }
 
 std::optional<Json> sarifDescriptor(std::string_view fullId) {

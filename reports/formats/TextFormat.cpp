@@ -5,11 +5,15 @@
 
 #include "reports/FailureText.h"
 #include "reports/UpdateReport.h"
+#include "reports/outcomes/Hints.h"
 #include "reports/text/Escapes.h"
 #include "reports/text/UnifiedDiff.h"
 
 namespace soca {
 namespace {
+
+// The number of lines of one kind that a quiet run prints.
+constexpr std::size_t mostInQuietRun = 10;
 
 // "3 attributes, 1 mixins", or a text for no edits.
 std::string editsOf(const ClassOutcome& outcome) {
@@ -31,6 +35,16 @@ std::string findingLine(const std::string& file, const Finding& finding) {
   return text + '\n';
 }
 
+// `file:line: error: the superclass ... was not found [id]`
+std::string undecidedLine(const std::string& file, const Failure& failure) {
+  std::string text = file;
+  if (failure.place.line > 0) text += fmt::format(":{}", failure.place.line);
+  text += fmt::format(": error: undecided: {}", describeMissing(failure.missing.front()));
+  const std::size_t more = failure.missing.size() - 1;
+  if (more > 0) text += fmt::format(", and {} more", more);
+  return text + " [SuperClassUnresolved]\n";
+}
+
 class TextReport : public UpdateReport {
  public:
   // All three must outlive the report.
@@ -42,12 +56,14 @@ class TextReport : public UpdateReport {
   void printNotes(const ClassOutcome& outcome) override;
   void addFailure(const Failure& failure) override { printFailure(*output_, failure); }
   void addSkipped(const Failure& failure) override;
-  void finish(ExitCodeType) override {}
+  void addUndecided(const Failure& failure) override;
+  void finish(ExitCodeType) override;
 
  private:
   const ReportOptions* options_;
   const FileNames* names_;
   ReportOutput* output_;
+  std::size_t undecided_ = 0;
 };
 
 std::string TextReport::dataOf(const ClassOutcome& outcome) const {
@@ -92,6 +108,19 @@ void TextReport::addSkipped(const Failure& failure) {
   if (!options_->verbose) return;
   output_->tell(fmt::format("skipped: {}", failure.message));
   output_->printMessages(hintLines(failure.hints));
+}
+
+void TextReport::addUndecided(const Failure& failure) {
+  if (++undecided_ > mostInQuietRun && options_->quiet) return;
+  std::string text = undecidedLine(names_->shown(failure.path), failure);
+  if (options_->verbose) text += hintLines(failure.hints);
+  output_->printMessages(text);
+}
+
+void TextReport::finish(ExitCodeType) {
+  if (!options_->quiet || undecided_ <= mostInQuietRun) return;
+  output_->printMessages(
+      fmt::format("  and {} more classes undecided\n", undecided_ - mostInQuietRun));
 }
 
 OutcomeNeeds needsOf(const ReportOptions& options) {

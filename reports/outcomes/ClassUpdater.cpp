@@ -9,8 +9,13 @@
 #include "conversions/Conversions.h"
 #include "conversions/FileEdits.h"
 #include "conversions/Findings.h"
+#include "conversions/OldForms.h"
+#include "conversions/SuperClassList.h"
 #include "files/writing/Digest.h"
 #include "files/writing/NewFile.h"
+#include "platform/analyzer/Analyzer.h"
+#include "platform/analyzer/FileAnalysis.h"
+#include "platform/runtime/ClassDescription.h"
 #include "platform/text/Conversions.h"
 #include "reports/explanations/ProgramMessages.h"
 #include "reports/outcomes/Hints.h"
@@ -79,20 +84,23 @@ bool isAboutItself(const Failure& failure, const Target& target) {
          (stem && failure.argument == fmt::format("{}.vlm", *stem));
 }
 
-// A tree has many classes that are no System objects: these are failures only if an argument names
-// them.
-void addFailure(const Target& target, Failure failure, TargetOutcome& outcome) {
-  failure.className = target.className;
-  const bool isNoneOfOurs =
-      (hasShortId(failure, ":NotASystemObject") || hasShortId(failure, ":PFileExists")) &&
-      isAboutItself(failure, target);
-  if (target.isNamed || !isNoneOfOurs || failure.file == FileVerdict::Type::isUnreadable) {
-    outcome.failures.push_back(std::move(failure));
-  } else if (failure.file == FileVerdict::Type::holdsClass) {
-    outcome.skipped = std::move(failure);
-  } else {
-    outcome.hasNoClass = true;
+// Empty for a class without a source file.
+std::string sourcePathOf(const Target& target) {
+  const auto description = sotarn::describeClass(target.className);
+  return description == nullptr ? std::string() : description->sourcePath;
+}
+
+// An undecided class: the reason in place of the service's text.
+Failure describeUndecided(Failure failure, const std::string& path) {
+  failure.message = fmt::format("It is not known whether '{}' is a System object class: {}.",
+                                failure.className, describeMissing(failure.missing.front()));
+  failure.path = path;
+  try {
+    failure.place = placeInSuperClassList(*ca::analyzeFile(path), failure.missing.front().name);
+  } catch (const ca::InvalidAnalysisException&) {
+    // The file changed meanwhile.
   }
+  return failure;
 }
 
 Failure describeMissingDelimiter(const std::string& file, const SourcePosition& place) {
@@ -176,6 +184,43 @@ void ClassUpdater::finishPlan(PlannedClass& planned, const FindingsListener& lis
   }
 }
 
+bool ClassUpdater::isUndecided(const Failure& failure, const std::string& path) const {
+  return !request_.asService && !failure.missing.empty() && !path.empty() &&
+         hasOldForms(failure.className, path, request_.rules);
+}
+
+// A tree has many classes that are no System objects: these are failures only if an argument names
+// them.
+void ClassUpdater::addFailure(const Target& target, Failure failure, TargetOutcome& outcome) const {
+  failure.className = target.className;
+  const bool isOther = hasShortId(failure, ":NotASystemObject");
+  const bool isNoneOfOurs =
+      (isOther || hasShortId(failure, ":PFileExists")) && isAboutItself(failure, target);
+  const std::string path = isOther && isNoneOfOurs ? sourcePathOf(target) : std::string();
+  if (isUndecided(failure, path)) {
+    outcome.undecided = describeUndecided(std::move(failure), path);
+  } else if (target.isNamed || !isNoneOfOurs || failure.file == FileVerdict::Type::isUnreadable) {
+    outcome.failures.push_back(std::move(failure));
+  } else if (failure.file == FileVerdict::Type::holdsClass) {
+    outcome.skipped = std::move(failure);
+  } else {
+    outcome.hasNoClass = true;
+  }
+}
+
+void ClassUpdater::checkSuperClasses(const PlannedClass& planned, ClassOutcome& outcome) {
+  auto unresolved = findUnresolvedInList(planned);
+  if (!unresolved) return;
+  const Ancestry::Missing& missing = unresolved->missing;
+  const std::string orRoot =
+      missing.isPFile ? "" : fmt::format("name the root of '{}' with --path, or ", missing.name);
+  outcome.refuse(
+      fmt::format("{}, so it is not known what its list of superclasses has to be; {}say in a "
+                  "class table what it derives from",
+                  describeMissing(missing), orRoot));
+  outcome.update.unresolved = std::move(unresolved);
+}
+
 ClassOutcome ClassUpdater::makeOutcome(PlannedClass& planned,
                                        const FindingsListener& listener) const {
   const OutcomeNeeds& needs = request_.needs;
@@ -184,7 +229,8 @@ ClassOutcome ClassUpdater::makeOutcome(PlannedClass& planned,
   update = describeUpdate(planned, listener, needs.places);
   if (needs.text) outcome.text = to_string(planned.text());
   if (needs.hints) outcome.hints = hintsOnMissingSuperClasses(update.className, *roots_);
-  if (update.changed) {
+  if (update.changed && !request_.asService) checkSuperClasses(planned, outcome);
+  if (update.hasNewText()) {
     const Phase phase(checksPhase);
     checkUpdate(planned, request_.rules, {.analysis = needs.conversions, .actions = needs.edits},
                 update);

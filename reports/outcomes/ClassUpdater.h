@@ -33,6 +33,8 @@ struct OutcomeNeeds {
 struct UpdateRequest {
   UpdateMask rules = allFamilies;
   bool includeSuperclasses = false;
+  // Whether the program leaves all decisions on superclasses to the service.
+  bool asService = false;
   OutcomeNeeds needs;
   // The file with an overlay text of this thread, which is not read from the disk. Null for none.
   const fl::filesystem::FileState* overlaidFile = nullptr;
@@ -61,6 +63,10 @@ class ClassUpdater {
   // Sets the outcome, or a failure that concerns the class alone.
   void finishPlan(PlannedClass& planned, const FindingsListener& listener,
                   SingleUpdate& single) const;
+  void addFailure(const Target& target, Failure failure, TargetOutcome& outcome) const;
+  bool isUndecided(const Failure& failure, const std::string& path) const;
+  // Refuses the update if the new list of superclasses may be wrong.
+  static void checkSuperClasses(const PlannedClass& planned, ClassOutcome& outcome);
   // Moves from the plan what is not needed afterwards.
   ClassOutcome makeOutcome(PlannedClass& planned, const FindingsListener& listener) const;
   fl::filesystem::FileState oldFileOf(const PlannedClass& planned, const std::string& path) const;

@@ -127,9 +127,10 @@ void FailureDescriber::explain(const resource_core::BaseMsgID& message, const Fa
 void FailureDescriber::explainOtherClass(const std::string& argument, Failure& failure) const {
   // For a file without a class the argument is its path.
   if (!argument.starts_with('/')) {
-    auto [hints, file] = hintsOnOtherClass(argument, *roots_);
-    failure.hints = std::move(hints);
-    failure.file = file;
+    OtherClassHints other = hintsOnOtherClass(argument, *roots_);
+    failure.hints = std::move(other.hints);
+    failure.file = other.file;
+    failure.missing = std::move(other.missing);
     return;
   }
   const FileVerdict verdict = judgeFile(argument);

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <utility>
 
-#include "conversions/Ancestry.h"
 #include "files/targets/NearestFile.h"
 #include "platform/paths/SourceReader.h"
 #include "platform/runtime/ClassDescription.h"
@@ -49,18 +48,22 @@ std::vector<std::string> hintsOnUnknownClass(std::string_view className, const C
 std::vector<std::string> hintsOnAncestry(const Ancestry& ancestry, const ClassRoots& roots) {
   std::vector<std::string> hints;
   for (const Ancestry::Missing& missing : ancestry.missing()) {
-    hints.push_back(
-        missing.isPFile
-            ? fmt::format("of the superclass '{}', named by '{}', only a p-file was found, which "
-                          "tells nothing; a class table may say what it derives from",
-                          missing.name, missing.namedBy)
-            : fmt::format("the superclass '{}', named by '{}', was not found; {}", missing.name,
-                          missing.namedBy, whereLooked(missing.name, roots)));
+    hints.push_back(describeMissing(missing) +
+                    (missing.isPFile
+                         ? ", which tells nothing; a class table may say what it derives from"
+                         : "; " + whereLooked(missing.name, roots)));
   }
   return hints;
 }
 
 }  // namespace
+
+std::string describeMissing(const Ancestry::Missing& missing) {
+  const auto name =
+      fmt::format("the superclass '{}', named by '{}'", missing.name, missing.namedBy);
+  return missing.isPFile ? fmt::format("of {}, only a p-file was found", name)
+                         : name + ", was not found";
+}
 
 OtherClassHints hintsOnOtherClass(std::string_view className, const ClassRoots& roots) {
   const auto description = sotarn::describeClass(className);
@@ -80,7 +83,9 @@ OtherClassHints hintsOnOtherClass(std::string_view className, const ClassRoots& 
   const Ancestry ancestry(className);
   auto hints = hintsOnAncestry(ancestry, roots);
   if (ancestry.isCyclic()) hints.emplace_back("the class is among its own superclasses");
-  if (!hints.empty()) return {std::move(hints)};
+  if (!hints.empty()) {
+    return {std::move(hints), FileVerdict::Type::holdsClass, ancestry.missing()};
+  }
   if (description->superClasses.empty()) return {{"the class names no superclass"}};
   return {{"none of the classes that it derives from is a System object"}};
 }

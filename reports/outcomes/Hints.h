@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "conversions/Ancestry.h"
 #include "files/targets/ClassRoots.h"
 #include "reports/outcomes/FileVerdict.h"
 
@@ -15,9 +16,15 @@ struct OtherClassHints {
   std::vector<std::string> hints;
   // The contents of its file, if it has one.
   FileVerdict::Type file = FileVerdict::Type::holdsClass;
+  // The ancestors that were not found.
+  std::vector<Ancestry::Missing> missing;
 };
 
 OtherClassHints hintsOnOtherClass(std::string_view className, const ClassRoots& roots);
+
+// "the superclass 'a.B', named by 'c.D', was not found", or the same of a superclass that has only
+// a p-file.
+std::string describeMissing(const Ancestry::Missing& missing);
 
 // Hints about the ancestors of the class that could not be found.
 std::vector<std::string> hintsOnMissingSuperClasses(std::string_view className,

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "conversions/Ancestry.h"
 #include "conversions/ClassUpdate.h"
 #include "conversions/Conversions.h"
 #include "conversions/FileEdits.h"
@@ -18,7 +19,7 @@ namespace soca {
 
 // All texts are UTF-8.
 
-// A class that could not be updated, or was skipped.
+// A class that could not be updated, was skipped, or is not known to be a System object.
 struct Failure {
   // The class of the call, also when a superclass failed.
   std::string className;
@@ -29,6 +30,11 @@ struct Failure {
   std::string argument;
   // For a class that is no System object, the contents of its file.
   FileVerdict::Type file = FileVerdict::Type::holdsClass;
+  // For a class that is no System object as far as is known: its ancestors that were not found.
+  std::vector<Ancestry::Missing> missing;
+  // For an undecided class, its file, and the place of its superclass there.
+  std::string path;
+  LinePlace place;
   // The syntax errors of the file concerned.
   std::vector<ca::Diagnostic> diagnostics;
   // The same in the form for users, with the source lines.
@@ -88,6 +94,9 @@ struct TargetOutcome {
   std::vector<Failure> failures;
   // A class in a named folder that is no System object.
   std::optional<Failure> skipped;
+  // A class with old forms that is not known to be a System object, because a superclass was not
+  // found.
+  std::optional<Failure> undecided;
   // Whether the target is a file without a class.
   bool hasNoClass = false;
 };

@@ -83,6 +83,7 @@ TEST(Update, JsonHasItsForm) {
               "classdef N < velum.System\n  properties (PositiveInteger)\n"
               "    X {} = 1;\n  end\nend\n");
   space.write("p/H.vlm", "classdef H < handle\nend\n");
+  space.write("p/U.vlm", "classdef U < far.Gone\n  properties (Logical)\n    X\n  end\nend\n");
   const auto result = space.soca({"update", "--format", "json", "--check"});
   EXPECT_EQ(result.exitCode, 2);
   const auto document = nlohmann::ordered_json::parse(result.out);
@@ -90,7 +91,8 @@ TEST(Update, JsonHasItsForm) {
   const auto expected = nlohmann::ordered_json::parse(R"({"version": 1, "results": [
     {"class": "p.A", "file": "{root}/p/A.vlm", "updated": true,
      "text": "classdef A < p.B & far.Gone\nend\n", "messages": [],
-     "hint": "the superclass 'far.Gone', named by 'p.A', was not found; looked for far/Gone.vlm and far/Gone.p in '{root}'"},
+     "hint": "the superclass 'far.Gone', named by 'p.A', was not found; looked for far/Gone.vlm and far/Gone.p in '{root}'",
+     "refused": "the superclass 'far.Gone', named by 'p.A', was not found, so it is not known what its list of superclasses has to be; name the root of 'far.Gone' with --path, or say in a class table what it derives from"},
     {"class": "p.B", "file": "{root}/p/B.vlm", "updated": false,
      "text": "classdef B < velum.System\n  properties (Logical)\n    X\n  end\nend\n",
      "messages": ["Property 'X' has no default value, so its properties block is left as it is."]},
@@ -99,6 +101,10 @@ TEST(Update, JsonHasItsForm) {
      "messages": [],
      "refused": "the new text would have a syntax error in line 3, column 46: expected a line end, `;` or `,` behind the declaration, found `{`"}],
    "errors": [],
+   "undecided": [{"class": "p.U", "id": "VELUM:system:Analyzer:NotASystemObject",
+     "message": "It is not known whether 'p.U' is a System object class: the superclass 'far.Gone', named by 'p.U', was not found.",
+     "missing": ["far.Gone"],
+     "hint": "the superclass 'far.Gone', named by 'p.U', was not found; looked for far/Gone.vlm and far/Gone.p in '{root}'"}],
    "skipped": [{"class": "p.H", "id": "VELUM:system:Analyzer:NotASystemObject",
      "message": "'p.H' is not a System object class, so it cannot be updated.",
      "hint": "none of the classes that it derives from is a System object"}]})");

@@ -1,0 +1,195 @@
+// Classes of which too little is known, because a superclass is nowhere.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "tests/cli/ProgramRunner.h"
+
+namespace soca::testing {
+namespace {
+
+constexpr const char* flag = "  properties (Logical)\n    Flag = true;\n  end\nend\n";
+constexpr const char* mixin = "velum.system.mixin.Propagates";
+
+// The lists of the document that hold the class, and the exit code.
+struct Verdict {
+  std::string lists;
+  int exitCode = 0;
+  nlohmann::json document;
+};
+
+Verdict verdictOf(const Workspace& space, const std::string& className,
+                  std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), {"update", "--format=json"});
+  const auto result = space.soca(arguments);
+  Verdict verdict{"", result.exitCode, nlohmann::json::parse(result.out)};
+  for (const char* list : {"results", "errors", "undecided", "skipped"}) {
+    if (!verdict.document.contains(list)) continue;
+    for (const auto& entry : verdict.document.at(list)) {
+      if (entry.at("class") != className) continue;
+      verdict.lists += list;
+      if (entry.contains("refused")) verdict.lists += " refused";
+    }
+  }
+  return verdict;
+}
+
+// The superclasses that the rows below name, besides `far.Gone`, which is nowhere.
+void writeSuperClasses(const Workspace& space) {
+  space.write("pkg/Heir.vlm", "classdef Heir < far.Gone\nend\n");
+  space.write("pkg/Both.vlm", "classdef Both < velum.System & far.Gone\nend\n");
+  space.write("pkg/Plain.vlm", "classdef Plain < handle\nend\n");
+  space.write("pkg/Sealed.p", "");
+  space.write("none.json", R"({"classes": {"far.Gone": {"superclasses": []}}})");
+  space.write("base.json", R"({"classes": {"far.Gone": {"superclasses": ["velum.System"]}}})");
+}
+
+TEST(Unresolved, ClassesWithOldFormsAreUndecided) {
+  struct Row {
+    const char* what;
+    const char* superClasses;
+    std::string body;
+    std::vector<std::string> options;
+    const char* lists;
+  };
+  const std::string set =
+      "  properties\n    Mode = 'a';\n    ModeSet = velum.system.StringSet({'a'});\n  end\nend\n";
+  const std::string method =
+      "  methods\n    function isInputSizeLockedImpl(~)\n    end\n  end\nend\n";
+  const std::vector<Row> table = {
+      {"an old attribute", "far.Gone", flag, {}, "undecided"},
+      {"a companion set", "far.Gone", set, {}, "undecided"},
+      {"a method with an old name", "far.Gone", method, {}, "undecided"},
+      {"an attribute that a finding would be about",
+       "far.Gone",
+       "  properties (PositiveInteger)\n    N\n  end\nend\n",
+       {},
+       "undecided"},
+      {"one superclass of two", "handle & far.Gone", flag, {}, "undecided"},
+      {"the superclass of a superclass", "pkg.Heir", flag, {}, "undecided"},
+      {"a superclass with only a p-file", "pkg.Sealed", flag, {}, "undecided"},
+      {"nothing old", "far.Gone", "  properties\n    X = 1;\n  end\nend\n", {}, "skipped"},
+      {"a block that was always empty", "far.Gone", "  properties\n  end\nend\n", {}, "skipped"},
+      {"a form of a rule that is not selected", "far.Gone", flag, {"--rules=impl"}, "skipped"},
+      {"syntax errors", "far.Gone", "  properties (Logical)\n", {}, "skipped"},
+      {"superclasses that are known", "pkg.Plain", flag, {}, "skipped"},
+      {"no superclass", "", flag, {}, "skipped"},
+      {"a class table that has it", "far.Gone", flag, {"--class-table=none.json"}, "skipped"},
+      {"a class table of a System object",
+       "far.Gone",
+       flag,
+       {"--class-table=base.json"},
+       "results"},
+      {"a System object all the same", "pkg.Both", flag, {}, "results"},
+      {"the answer of the service", "far.Gone", flag, {"--as-service"}, "skipped"},
+  };
+  for (const Row& row : table) {
+    SCOPED_TRACE(row.what);
+    const Workspace space;
+    writeSuperClasses(space);
+    const std::string head = *row.superClasses == '\0' ? "" : std::string(" < ") + row.superClasses;
+    space.write("pkg/X.vlm", "classdef X" + head + "\n" + row.body);
+    auto arguments = row.options;
+    arguments.emplace_back("pkg");
+    const Verdict inFolder = verdictOf(space, "pkg.X", arguments);
+    EXPECT_EQ(inFolder.lists, row.lists);
+    const bool isUndecided = inFolder.lists == "undecided";
+    EXPECT_EQ(inFolder.exitCode == 2, isUndecided);
+    arguments.back() = "pkg.X";
+    const Verdict named = verdictOf(space, "pkg.X", arguments);
+    EXPECT_EQ(named.lists, inFolder.lists == "skipped" ? "errors" : row.lists);
+  }
+}
+
+TEST(Unresolved, ListsThatRestOnThemAreNotRewritten) {
+  struct Row {
+    const char* what;
+    std::string superClasses;
+    std::vector<std::string> options;
+    const char* lists;
+  };
+  const std::string andMixin = std::string(" & ") + mixin;
+  const std::vector<Row> table = {
+      {"one that stays", "far.Gone" + andMixin, {}, "results refused"},
+      {"one that stays beside the base",
+       "velum.System & far.Gone" + andMixin,
+       {},
+       "results refused"},
+      {"the superclass of one that stays, where the base would be added",
+       "pkg.Heir" + andMixin,
+       {},
+       "results refused"},
+      {"a p-file, where the base would be added", "pkg.Sealed" + andMixin, {}, "results refused"},
+      {"the superclass of one that is a System object", "pkg.Both" + andMixin, {}, "results"},
+      {"a p-file beside the base", "velum.System & pkg.Sealed" + andMixin, {}, "results"},
+      {"a list that is not rewritten", "velum.System & far.Gone", {}, "results"},
+      {"a rule that is not selected", "far.Gone" + andMixin, {"--rules=attributes"}, "results"},
+      {"a class table that has it", "far.Gone" + andMixin, {"--class-table=none.json"}, "results"},
+      {"nothing that is not found", "pkg.Plain" + andMixin, {}, "results"},
+      {"the answer of the service", "far.Gone" + andMixin, {"--as-service"}, "results"},
+  };
+  for (const Row& row : table) {
+    SCOPED_TRACE(row.what);
+    const Workspace space;
+    writeSuperClasses(space);
+    const std::string text = "classdef X < " + row.superClasses + "\n" + flag;
+    space.write("pkg/X.vlm", text);
+    auto arguments = row.options;
+    arguments.emplace_back("pkg.X");
+    EXPECT_EQ(verdictOf(space, "pkg.X", arguments).lists, row.lists);
+    arguments.emplace_back("--write");
+    const Verdict written = verdictOf(space, "pkg.X", arguments);
+    const bool isRefused = std::string(row.lists) != "results";
+    EXPECT_EQ(written.exitCode, isRefused ? 2 : 0);
+    EXPECT_EQ(space.read("pkg/X.vlm") == text, isRefused);
+  }
+}
+
+TEST(Unresolved, IsSaidOfEachClassAndInTheSummary) {
+  const Workspace space;
+  space.write("p/A.vlm",
+              std::string("classdef A < velum.System & far.Gone & ") + mixin + "\nend\n");
+  for (const char* name : {"B", "C", "D", "E", "F", "G", "H", "I", "J", "K", "L", "M"}) {
+    space.write(std::string("p/") + name + ".vlm",
+                std::string("% old\nclassdef ") + name + " < handle & far.Gone\n" + flag);
+  }
+  const auto text = space.soca({"update"});
+  EXPECT_EQ(text.exitCode, 2);
+  EXPECT_NE(text.err.find("p/M.vlm:2: error: undecided: the superclass 'far.Gone', named by 'p.M', "
+                          "was not found [SuperClassUnresolved]\n"),
+            std::string::npos)
+      << text.err;
+  EXPECT_NE(text.err.find("soca: looked at 1 class: 0 would change, 0 stay as they are, 1 refused; "
+                          "12 undecided\n"),
+            std::string::npos)
+      << text.err;
+  const auto quiet = space.soca({"update", "-q"});
+  EXPECT_EQ(quiet.exitCode, 2);
+  EXPECT_NE(quiet.err.find("p/K.vlm:2:"), std::string::npos);
+  EXPECT_EQ(quiet.err.find("p/L.vlm:2:"), std::string::npos);
+  EXPECT_NE(quiet.err.find("  and 2 more classes undecided\n"), std::string::npos) << quiet.err;
+
+  const auto log =
+      nlohmann::json::parse(space.soca({"update", "--format=sarif", "p/A.vlm", "p.M"}).out)
+          .at("runs")
+          .at(0);
+  ASSERT_EQ(log.at("results").size(), 2U);
+  for (const auto& result : log.at("results")) {
+    const auto& rules = log.at("tool").at("driver").at("rules");
+    EXPECT_EQ(rules.at(result.at("ruleIndex").get<std::size_t>()).at("id"),
+              "soca:SuperClassUnresolved");
+    EXPECT_EQ(result.at("ruleId"), "soca:SuperClassUnresolved");
+    EXPECT_EQ(result.at("level"), "error");
+    EXPECT_FALSE(result.contains("fixes"));
+  }
+  const auto regionOf = [&](std::size_t result) {
+    return log.at("results").at(result).at("locations").at(0).at("physicalLocation").at("region");
+  };
+  EXPECT_EQ(regionOf(0).at("startColumn"), 29);
+  EXPECT_EQ(regionOf(1).at("startLine"), 2);
+  EXPECT_EQ(log.at("invocations").at(0).at("exitCode"), 2);
+}
+
+}  // namespace
+}  // namespace soca::testing
