@@ -9,6 +9,22 @@ namespace soca {
 
 using sotarn::ClassOriginType;
 
+DirectSuperClasses findDirectSuperClasses(std::string_view className) {
+  DirectSuperClasses direct;
+  const auto description = sotarn::describeClass(className);
+  if (description == nullptr) return direct;
+  for (const std::string& super : description->superClasses) {
+    const auto known = sotarn::describeClass(super);
+    if (known == nullptr) {
+      direct.missing.push_back(super);
+    } else if (known->origin == ClassOriginType::source ||
+               known->origin == ClassOriginType::pFileOnly) {
+      direct.hasOnPath = true;
+    }
+  }
+  return direct;
+}
+
 Ancestry::Ancestry(std::string_view className) {
   const auto known = sotarn::findLongAncestry(className);
   if (!known) {

@@ -8,6 +8,15 @@
 
 namespace soca {
 
+// What was found of the superclasses that a class itself names, the environment's own aside.
+struct DirectSuperClasses {
+  std::vector<std::string> missing;
+  // Whether the class path has any of them.
+  bool hasOnPath = false;
+};
+
+DirectSuperClasses findDirectSuperClasses(std::string_view className);
+
 // Queries the class runtime once for each class, nearest first, or once for all if it has cached
 // them. Names are in UTF-8.
 class Ancestry {

@@ -5,6 +5,7 @@
 
 #include "conversions/FindingPlaces.h"
 #include "platform/analyzer/tree/Ast.h"
+#include "platform/runtime/ClassDescription.h"
 #include "platform/text/Conversions.h"
 #include "platform/text/UString.h"
 
@@ -36,6 +37,13 @@ bool addsSystemBase(const PlannedAction& rewriting, const ca::astapi::Classdef& 
          std::ranges::none_of(classdef.superClasses, isSystemBase);
 }
 
+// Whether the class names only classes of the environment: this is often so, and quickly found out.
+bool hasEnvironmentOnly(const std::string& className) {
+  const auto description = sotarn::describeClass(className);
+  return description != nullptr &&
+         std::ranges::all_of(description->superClasses, sotarn::isEnvironmentClass);
+}
+
 }  // namespace
 
 std::optional<UnresolvedSuperClass> findUnresolvedInList(const PlannedClass& planned) {
@@ -43,6 +51,7 @@ std::optional<UnresolvedSuperClass> findUnresolvedInList(const PlannedClass& pla
       std::ranges::find(planned.actions, RuleFamilyType::mixins, &PlannedAction::family);
   if (rewriting == planned.actions.end()) return std::nullopt;
   const std::string className = fl::i18n::to_string(planned.result.className);
+  if (hasEnvironmentOnly(className)) return std::nullopt;
   const Ancestry ancestry(className);
   const bool restsOnAll = addsSystemBase(*rewriting, *planned.analysis->getClassdef());
   const auto missing = std::ranges::find_if(ancestry.missing(), [&](const auto& each) {

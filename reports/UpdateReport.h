@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "files/targets/ClassRoots.h"
+#include "files/targets/RootSearch.h"
 #include "reports/ExitCodes.h"
 #include "reports/ReportOutput.h"
 #include "reports/outcomes/ClassUpdater.h"
@@ -29,6 +30,8 @@ class UpdateReport {
   virtual void addFailure(const Failure& failure) = 0;
   virtual void addSkipped(const Failure& failure) = 0;
   virtual void addUndecided(const Failure& failure) = 0;
+  // Takes the roots that the run should have had. The client prints them for people.
+  virtual void addSuggestion(const SuggestedRoots& suggestion, const std::string& text) = 0;
   // Prints the end of the output. `exitCode` is the exit code of the run.
   virtual void finish(ExitCodeType exitCode) = 0;
 };

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <utility>
 
+#include "cli/commands/RootGuard.h"
 #include "cli/terminal/Signals.h"
 #include "files/targets/Targets.h"
 #include "files/targets/UsageError.h"
@@ -46,8 +47,8 @@ std::string readAll() {
   return bytes;
 }
 
-// The class of the path, whether or not the file exists.
-Target targetOf(const Options& options, const ClassRoots& roots) {
+// The path as an argument, whether or not the file exists: the class of it is the one target.
+Targets targetsOf(const Options& options, const ClassRoots& roots) {
   if (!stemOfClassFile(options.stdinPath) || options.stdinPath.ends_with(".p")) {
     throw UsageError(
         fmt::format("--stdin-path takes the path of a class file, which ends in .vlm, "
@@ -55,7 +56,7 @@ Target targetOf(const Options& options, const ClassRoots& roots) {
                     options.stdinPath));
   }
   // A path with a slash cannot be taken for the name of a class.
-  return *Targets(&roots, {fl::filesystem::makeAbsoluteLexically(options.stdinPath)}).next();
+  return Targets(&roots, {fl::filesystem::makeAbsoluteLexically(options.stdinPath)});
 }
 
 // No diff is needed: the new bytes themselves are printed.
@@ -78,7 +79,9 @@ class StandardInputRun {
         console_(console),
         reportOptions_(options.forReport()),
         names_(&roots),
-        target_(targetOf(options, roots)),
+        targets_(targetsOf(options, roots)),
+        target_(*targets_.next()),
+        guard_(&options_, &roots, &names_, &targets_.namedFolders()),
         report_(options.format->make({&reportOptions_, &roots, &names_, &console})) {}
 
   ExitCodeType run(const ClassRoots& roots) {
@@ -90,11 +93,17 @@ class StandardInputRun {
     const fl::filesystem::OverlayScope overlay(target_.path, std::move(decoded.text));
     const TargetOutcome outcome =
         ClassUpdater(&roots, &names_, requestOf(options_, reportOptions_, file)).update(target_);
+    guard_.take(outcome);
+    guard_.look();
     for (const ClassOutcome& each : outcome.classes) print(each, bytes);
     for (const Failure& failure : outcome.failures) report_->addFailure(failure);
     if (outcome.undecided) report_->addUndecided(*outcome.undecided);
-    if (!outcome.failures.empty() || outcome.undecided) exitCode_ = ExitCodeType::failed;
+    const bool failed = !outcome.failures.empty() || outcome.undecided || guard_.stopsTheRun();
+    if (failed) exitCode_ = ExitCodeType::failed;
+    guard_.report(*report_);
     report_->finish(exitCode_);
+    if (!options_.quiet) guard_.printNote(console_);
+    guard_.printSuggestion(console_);
     return exitCode_;
   }
 
@@ -104,7 +113,7 @@ class StandardInputRun {
     if (outcome.update.isRefused()) exitCode_ = ExitCodeType::failed;
     if (options_.check && outcome.update.hasNewText()) exitCode_ = ExitCodeType::somethingToChange;
     if (options_.format->isForPeople && !options_.check) {
-      if (!outcome.update.isRefused())
+      if (!outcome.update.isRefused() && !guard_.stopsTheRun())
         console_.print(outcome.update.hasNewText() ? outcome.file.newBytes : oldBytes);
       return;
     }
@@ -116,7 +125,9 @@ class StandardInputRun {
   Console& console_;
   ReportOptions reportOptions_;
   FileNames names_;
+  Targets targets_;
   Target target_;
+  RootGuard guard_;
   std::unique_ptr<UpdateReport> report_;
   ExitCodeType exitCode_ = ExitCodeType::done;
 };

@@ -60,6 +60,7 @@ UpdateRun::UpdateRun(const Options* options, const ClassRoots* roots, Console* c
       reportOptions_(options->forReport()),
       updater_(roots, &names_, requestOf(*options, reportOptions_)),
       shared_([this](const std::string& className) { return updateShared(className); }),
+      guard_(options, roots, &names_, &targets_.namedFolders()),
       report_(options->format->make({&reportOptions_, roots, &names_, console})) {
   const bool asksInDryRun = targets_.haveFolders() && !options->noIgnore && !options->check;
   asksGit_ = !options->allowDirty && (options->write || asksInDryRun);
@@ -70,7 +71,9 @@ ExitCodeType UpdateRun::run() {
   if (options_->stats) stats_.emplace();
   try {
     computeAll();
-    if (options_->write && fatalError_.empty() && !wasInterrupted()) writeAll();
+    if (!wasInterrupted()) guard_.look();
+    const bool isHindered = !fatalError_.empty() || wasInterrupted() || guard_.stopsTheRun();
+    if (options_->write && !isHindered) writeAll();
   } catch (const std::exception& error) {
     fatalError_ = faultText(error);
   }
@@ -161,6 +164,7 @@ void UpdateRun::checkUncommitted(ClassOutcome& outcome) {
 }
 
 void UpdateRun::take(TargetOutcome& outcome) {
+  guard_.take(outcome);
   if (outcome.hasNoClass) ++summary_.filesWithoutClass;
   if (!outcome.sharedClass.empty()) outcome.classes = shared_.takeOutcomes(outcome.sharedClass);
   for (ClassOutcome& entry : outcome.classes) takeClass(entry);
@@ -238,6 +242,7 @@ void UpdateRun::dropConversions(const WriteQueue::Entry& entry) {
 }
 
 void UpdateRun::finish() {
+  guard_.report(*report_);
   report_->finish(exitCode());
   if (!options_->quiet) printWarnings();
   if (!fatalError_.empty()) console_->complain(fatalError_);
@@ -248,16 +253,18 @@ void UpdateRun::finish() {
     console_->tell(fmt::format("this was run {}; 'soca undo {}' puts the files back", run, run));
   }
   if (stats_) console_->printError(stats_->text());
+  guard_.printSuggestion(*console_);
 }
 
 void UpdateRun::printWarnings() {
   if (!options_->write) tellOfWaitingRuns(*console_);
   for (const std::string& warning : targets_.warnings()) console_->tell(warning);
   for (const std::string& warning : methodChanges_.warnings()) console_->tell(warning);
+  guard_.printNote(*console_);
   if (summary_.undecided > 0) {
     console_->tell(fmt::format(
-        "{} undecided: name the roots of the superclasses with --path, or say in a class table "
-        "what they derive from ('soca classes --unresolved' lists them)",
+        "{} undecided: name the roots of their superclasses with --path, or list in a class table "
+        "what these derive from ('soca classes --unresolved' prints them)",
         summary_.undecided == 1 ? "1 class is"
                                 : fmt::format("{} classes are", summary_.undecided)));
   }
@@ -290,7 +297,7 @@ std::string UpdateRun::summaryText() const {
 ExitCodeType UpdateRun::exitCode() const {
   if (wasInterrupted() && !isWritten_) return interruptExitCode();
   const std::size_t leftAlone = summary_.failed + summary_.refused + summary_.undecided;
-  if (!fatalError_.empty() || leftAlone > 0) {
+  if (!fatalError_.empty() || leftAlone > 0 || guard_.stopsTheRun()) {
     return ExitCodeType::failed;
   }
   return options_->check && summary_.changed > 0 ? ExitCodeType::somethingToChange

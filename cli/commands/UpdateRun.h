@@ -11,6 +11,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "cli/commands/RootGuard.h"
 #include "cli/commands/Stats.h"
 #include "cli/commands/WriteQueue.h"
 #include "cli/options/Options.h"
@@ -78,6 +79,7 @@ class UpdateRun {
   ClassUpdater updater_;
   // Only with superclasses.
   SharedUpdates shared_;
+  RootGuard guard_;
   std::unique_ptr<UpdateReport> report_;
 
   // Only with `--stats`.

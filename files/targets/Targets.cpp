@@ -67,6 +67,7 @@ Targets::Targets(const ClassRoots* roots, const std::vector<std::string>& argume
   addArguments(arguments);
   if (!arguments.empty()) return;
   for (const std::string& root : roots->all()) {
+    addNamedFolder(root, false);
     arguments_.emplace_back(FolderWalk(roots, git, walk, root));
   }
   mayRepeat_ = haveNestedFolders();
@@ -112,7 +113,7 @@ std::vector<std::string> Targets::warnings() const {
   return warnings;
 }
 
-Targets::Argument Targets::makeArgument(const std::string& argument) const {
+Targets::Argument Targets::makeArgument(const std::string& argument) {
   if (argument.empty()) throw UsageError("an argument is empty");
   if (!isPath(argument)) return makeClassTarget(argument);
   const std::string absolute = fl::filesystem::makeAbsoluteLexically(argument);
@@ -141,17 +142,24 @@ Targets::Argument Targets::makeArgument(const std::string& argument) const {
         fmt::format("the folder '{}' is on no root of the class path: {}; add its root with --path",
                     argument, roots_->listing()));
   }
+  addNamedFolder(path, false);
   return FolderWalk(roots_, git_, walk_, path);
 }
 
+void Targets::addNamedFolder(std::string folder, bool isOfFile) {
+  if (!namedFolders_.empty() && namedFolders_.back().path == folder) return;
+  namedFolders_.push_back({std::move(folder), isOfFile});
+}
+
 Target Targets::makeFileTarget(const std::string& argument, const std::string& path,
-                               std::string_view stem) const {
+                               std::string_view stem) {
   const auto package = roots_->packageOf(folderOf(path));
   if (!package || !isIdentifierName(stem)) {
     throw UsageError(
         fmt::format("the file '{}' has no class name on any root of the class path: {}", argument,
                     roots_->listing()));
   }
+  addNamedFolder(std::string(folderOf(path)), true);
   FoundFile file;
   file.path = path;
   file.className = package->prefix + std::string(stem);

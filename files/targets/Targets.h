@@ -11,6 +11,7 @@
 
 #include "files/targets/ClassRoots.h"
 #include "files/targets/FolderWalk.h"
+#include "files/targets/RootSearch.h"
 
 namespace soca {
 
@@ -60,6 +61,10 @@ class Targets {
   // In the order of the arguments.
   std::optional<Target> next();
 
+  // The folders that arguments name, or that hold the files that they name; without arguments the
+  // roots.
+  const std::vector<NamedFolder>& namedFolders() const { return namedFolders_; }
+
   // Problems that do not stop the run, each once.
   std::vector<std::string> warnings() const;
 
@@ -67,9 +72,10 @@ class Targets {
   using Argument = std::variant<Target, FolderWalk>;
 
   void addArguments(const std::vector<std::string>& arguments);
-  Argument makeArgument(const std::string& argument) const;
+  Argument makeArgument(const std::string& argument);
   Target makeFileTarget(const std::string& argument, const std::string& path,
-                        std::string_view stem) const;
+                        std::string_view stem);
+  void addNamedFolder(std::string folder, bool isOfFile);
   std::optional<Target> nextOf(Argument& argument);
   Target makeTarget(FoundFile file) const;
   bool haveNestedFolders() const;
@@ -81,6 +87,8 @@ class Targets {
   // Null if folders are not accepted.
   Git* git_ = nullptr;
   std::vector<Argument> arguments_;
+  // Each once, but for files of two folders in turns.
+  std::vector<NamedFolder> namedFolders_;
   std::size_t current_ = 0;
   // The classes, and the hidden files, that arguments name.
   std::unordered_set<std::string> named_;

@@ -9,7 +9,8 @@
 //                   "hint": "..."}],
 //    "skipped": [{"class": "a.D", "id": "...", "message": "...", "hint": "..."}]}
 //
-// The answers of the service have no `undecided`.
+// The answers of the service have no `undecided`. Where nothing is written because the roots of the
+// class path are wrong, there is a key more: "suggestedRoots": ["/abs/src"].
 //
 // With `--edits` a result has three more keys: the checksum of the current file, the single
 // replacements in it, in the order of the file, and the messages with their places. Offsets and
@@ -114,6 +115,9 @@ class JsonReport : public UpdateReport {
   void addFailure(const Failure& failure) override;
   void addSkipped(const Failure& failure) override;
   void addUndecided(const Failure& failure) override;
+  void addSuggestion(const SuggestedRoots& suggestion, const std::string&) override {
+    suggestedRoots_ = suggestion.roots;
+  }
   void finish(ExitCodeType exitCode) override;
 
  private:
@@ -126,6 +130,7 @@ class JsonReport : public UpdateReport {
   SpooledList errors_;
   SpooledList undecided_;
   SpooledList skipped_;
+  std::vector<std::string> suggestedRoots_;
 };
 
 std::string JsonReport::dataOf(const ClassOutcome& outcome) const {
@@ -186,6 +191,9 @@ void JsonReport::finish(ExitCodeType) {
   }
   output_->print(",\n \"skipped\": ");
   skipped_.print(*output_);
+  if (!suggestedRoots_.empty()) {
+    output_->print(",\n \"suggestedRoots\": " + dump(suggestedRoots_));
+  }
   output_->print("}\n");
 }
 

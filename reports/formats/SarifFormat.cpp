@@ -208,6 +208,9 @@ class SarifReport : public UpdateReport {
   void addFailure(const Failure& failure) override;
   void addSkipped(const Failure& failure) override;
   void addUndecided(const Failure& failure) override;
+  void addSuggestion(const SuggestedRoots&, const std::string& text) override {
+    notifications_.add(dump(makeNotification("error", text, Json())));
+  }
   void finish(ExitCodeType exitCode) override;
 
  private:

@@ -57,6 +57,7 @@ class TextReport : public UpdateReport {
   void addFailure(const Failure& failure) override { printFailure(*output_, failure); }
   void addSkipped(const Failure& failure) override;
   void addUndecided(const Failure& failure) override;
+  void addSuggestion(const SuggestedRoots&, const std::string&) override {}
   void finish(ExitCodeType) override;
 
  private:

@@ -2,6 +2,7 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <new>
 #include <utility>
 #include <vector>
@@ -130,6 +131,7 @@ TargetOutcome ClassUpdater::update(const Target& target) const {
   SingleUpdate single = updateAlone(target.className);
   if (single.outcome) outcome.classes.push_back(std::move(*single.outcome));
   if (single.failure) addFailure(target, std::move(*single.failure), outcome);
+  addSuperClasses(target, outcome);
   return outcome;
 }
 
@@ -141,6 +143,7 @@ TargetOutcome ClassUpdater::update(const Target& target, SharedUpdates& shared) 
   for (Failure& failure : shared.failuresOf(target.className)) {
     addFailure(target, std::move(failure), outcome);
   }
+  addSuperClasses(target, outcome);
   return outcome;
 }
 
@@ -184,6 +187,13 @@ void ClassUpdater::finishPlan(PlannedClass& planned, const FindingsListener& lis
   }
 }
 
+void ClassUpdater::addSuperClasses(const Target& target, TargetOutcome& outcome) const {
+  if (request_.asService || target.path.empty()) return;
+  outcome.superClasses = findDirectSuperClasses(target.className);
+  if (outcome.superClasses.missing.empty()) return;
+  outcome.folder = target.path.substr(0, std::max<std::size_t>(target.path.rfind('/'), 1));
+}
+
 bool ClassUpdater::isUndecided(const Failure& failure, const std::string& path) const {
   return !request_.asService && !failure.missing.empty() && !path.empty() &&
          hasOldForms(failure.className, path, request_.rules);
@@ -215,7 +225,7 @@ void ClassUpdater::checkSuperClasses(const PlannedClass& planned, ClassOutcome& 
   const std::string orRoot =
       missing.isPFile ? "" : fmt::format("name the root of '{}' with --path, or ", missing.name);
   outcome.refuse(
-      fmt::format("{}, so it is not known what its list of superclasses has to be; {}say in a "
+      fmt::format("{}, so it is not known what its list of superclasses has to be; {}list in a "
                   "class table what it derives from",
                   describeMissing(missing), orRoot));
   outcome.update.unresolved = std::move(unresolved);

@@ -99,6 +99,10 @@ struct TargetOutcome {
   std::optional<Failure> undecided;
   // Whether the target is a file without a class.
   bool hasNoClass = false;
+  // Of a class whose file or folder an argument names.
+  DirectSuperClasses superClasses;
+  // The folder of its file, if any of these was not found.
+  std::string folder;
 };
 
 }  // namespace soca

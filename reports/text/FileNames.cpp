@@ -2,6 +2,8 @@
 
 #include <fmt/core.h>
 
+#include <filesystem>
+
 #include "platform/paths/NativePath.h"
 #include "reports/text/Escapes.h"
 
@@ -43,6 +45,15 @@ FileNames::FileNames(const ClassRoots* roots)
 std::string FileNames::shown(const std::string& path) const {
   const auto relative = relativeTo(currentFolder_, path);
   return withEscapesInLine(relative && !relative->empty() ? *relative : path);
+}
+
+std::string FileNames::typed(const std::string& folder) const {
+  if (folder == currentFolder_) return ".";
+  const std::string inside = shown(folder);
+  if (inside != folder) return inside;
+  const bool isAbove = relativeTo(folder, currentFolder_).has_value();
+  return isAbove ? std::filesystem::path(folder).lexically_relative(currentFolder_).string()
+                 : folder;
 }
 
 std::string FileNames::inDiff(const std::string& path) const {

@@ -17,6 +17,9 @@ class FileNames {
   // Relative to the current folder if the file is in it, with escapes.
   std::string shown(const std::string& path) const;
 
+  // For the command line: relative to the current folder if it is in it or a few folders above it.
+  std::string typed(const std::string& folder) const;
+
   // For a diff: the file without links, relative to the current folder if it is in it, otherwise
   // relative to its root.
   std::string inDiff(const std::string& path) const;

@@ -1,4 +1,4 @@
-// Classes of which too little is known, because a superclass is nowhere.
+// Classes of which a superclass is not found.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -35,7 +35,7 @@ Verdict verdictOf(const Workspace& space, const std::string& className,
   return verdict;
 }
 
-// The superclasses that the rows below name, besides `far.Gone`, which is nowhere.
+// The superclasses that the rows below name, besides `far.Gone`, which has no file.
 void writeSuperClasses(const Workspace& space) {
   space.write("pkg/Heir.vlm", "classdef Heir < far.Gone\nend\n");
   space.write("pkg/Both.vlm", "classdef Both < velum.System & far.Gone\nend\n");

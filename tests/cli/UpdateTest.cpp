@@ -92,7 +92,7 @@ TEST(Update, JsonHasItsForm) {
     {"class": "p.A", "file": "{root}/p/A.vlm", "updated": true,
      "text": "classdef A < p.B & far.Gone\nend\n", "messages": [],
      "hint": "the superclass 'far.Gone', named by 'p.A', was not found; looked for far/Gone.vlm and far/Gone.p in '{root}'",
-     "refused": "the superclass 'far.Gone', named by 'p.A', was not found, so it is not known what its list of superclasses has to be; name the root of 'far.Gone' with --path, or say in a class table what it derives from"},
+     "refused": "the superclass 'far.Gone', named by 'p.A', was not found, so it is not known what its list of superclasses has to be; name the root of 'far.Gone' with --path, or list in a class table what it derives from"},
     {"class": "p.B", "file": "{root}/p/B.vlm", "updated": false,
      "text": "classdef B < velum.System\n  properties (Logical)\n    X\n  end\nend\n",
      "messages": ["Property 'X' has no default value, so its properties block is left as it is."]},

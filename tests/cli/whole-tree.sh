@@ -46,7 +46,7 @@ make_examples() {
   done < <(cd -- "$examples" && find . -name '*.vlm' -size +0 -print0)
 }
 
-# One example has a superclass that is nowhere.
+# One example has a superclass that is not found.
 printf '{"classes": {"tools.internal.missing.Panel": {"superclasses": ["handle"]}}}\n' >table.json
 
 # git and patch apply the diff of a dry run with the same result as --write, and undo reverts it.

@@ -1,0 +1,50 @@
+// Whether a run has the right roots.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/options/Options.h"
+#include "cli/terminal/Console.h"
+#include "files/targets/RootSearch.h"
+#include "reports/RootText.h"
+#include "reports/UpdateReport.h"
+#include "reports/outcomes/Outcome.h"
+#include "reports/text/FileNames.h"
+
+namespace soca::cli {
+
+// Takes all outcomes of a run. If no root was given and the current folder is the wrong one, the
+// run must not write, and fails; if roots were given, there is only a note.
+class RootGuard {
+ public:
+  // All must outlive the guard.
+  RootGuard(const Options* options, const ClassRoots* roots, const FileNames* names,
+            const std::vector<NamedFolder>* named)
+      : options_(options), names_(names), search_(roots, named) {}
+
+  void take(const TargetOutcome& outcome);
+  // To be called after the last outcome.
+  void look() { suggestion_ = search_.find(); }
+
+  bool stopsTheRun() const {
+    return suggestion_ && suggestion_->isForAll && options_->roots.empty();
+  }
+  // Passes the suggestion to the report if it stops the run.
+  void report(UpdateReport& report) const;
+  // For a suggestion that does not stop the run.
+  void printNote(Console& console) const;
+  // For a suggestion that stops it; the last line of the run.
+  void printSuggestion(Console& console) const;
+
+ private:
+  std::string text() const { return describeSuggestion(*suggestion_, *names_, stopsTheRun()); }
+
+  const Options* options_;
+  const FileNames* names_;
+  RootSearch search_;
+  std::optional<SuggestedRoots> suggestion_;
+};
+
+}  // namespace soca::cli

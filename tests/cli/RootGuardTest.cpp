@@ -1,0 +1,235 @@
+// Runs with the wrong roots: they write nothing and name the right ones.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "tests/Places.h"
+#include "tests/cli/ProgramRunner.h"
+
+namespace soca::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+using Files = std::map<std::string, std::string>;
+
+std::string derived(const std::string& name, const std::string& superClass) {
+  return "classdef " + name + " < " + superClass +
+         " & velum.system.mixin.Propagates\n  properties (Logical)\n    Flag = true;\n  end\nend\n";
+}
+
+constexpr const char* base = "classdef Base < velum.System\nend\n";
+
+// A package with a class and its superclass, below a folder that ends with a slash.
+Files tree(const std::string& folder) {
+  return {{folder + "audio/Base.vlm", base},
+          {folder + "audio/Mixer.vlm", derived("Mixer", "audio.Base")}};
+}
+
+Files operator+(Files left, const Files& right) {
+  left.insert(right.begin(), right.end());
+  return left;
+}
+
+enum class EndType {
+  // The run writes all files, and prints nothing about roots.
+  writes,
+  // It does not convert some classes, and prints nothing about roots.
+  leavesAlone,
+  // Likewise, with a note.
+  notes,
+  // It writes nothing, and its last line is the suggestion.
+  stops,
+};
+
+struct Layout {
+  const char* what;
+  Files files;
+  std::vector<std::string> arguments;
+  EndType end;
+  // The roots that are suggested, or the folders of the note.
+  std::string roots;
+  // The folder in which the program runs.
+  std::string folder = ".";
+};
+
+void PrintTo(const Layout& layout, std::ostream* out) { *out << layout.what; }
+
+std::vector<Layout> layouts() {
+  const Files two = {{"one/a/A.vlm", derived("A", "b.B")},
+                     {"two/b/B.vlm", "classdef B < velum.System\nend\n"}};
+  return {
+      {"the root is the folder", tree("src/"), {"src"}, EndType::stops, "-p src"},
+      {"above the folder", tree("a/src/"), {"a/src/audio/"}, EndType::stops, "-p a/src"},
+      {"over a link", tree("src/"), {"link"}, EndType::stops, "-p link"},
+      {"above a file", tree("src/"), {"src/audio/Mixer.vlm"}, EndType::stops, "-p src"},
+      {"below the folder", tree("a/src/"), {"a"}, EndType::stops, "-p a/src"},
+      {"below the current folder", tree("src/"), {}, EndType::stops, "-p src"},
+      {"above the current folder", tree("src/"), {}, EndType::stops, "-p ..", "src/audio"},
+      {"two roots", two, {"one", "two"}, EndType::stops, "-p one -p two"},
+      {"two roots below the current folder",
+       {{"one/a/A.vlm", derived("A", "a.C")},
+        {"one/a/C.vlm", "classdef C < velum.System\nend\n"},
+        {"two/b/B.vlm", derived("B", "b.D")},
+        {"two/b/D.vlm", "classdef D < velum.System\nend\n"}},
+       {},
+       EndType::stops,
+       "-p one -p two"},
+      {"packages of one name in each other",
+       tree("src/") + tree("src/audio/"),
+       {"src"},
+       EndType::stops,
+       "-p src"},
+      {"packages of one name side by side",
+       tree("new/") + tree("old/"),
+       {"old"},
+       EndType::stops,
+       "-p old"},
+      {"a p-file",
+       {{"src/audio/Base.p", ""}, {"src/audio/Mixer.vlm", derived("Mixer", "audio.Base")}},
+       {"src"},
+       EndType::stops,
+       "-p src"},
+      {"one superclass of many",
+       tree("") + tree("src/") +
+           Files{{"src/x/Far.vlm", derived("Far", "x.Near")},
+                 {"src/x/Near.vlm", "classdef Near < velum.System\nend\n"}},
+       {"src"},
+       EndType::stops,
+       "-p src"},
+      {"a class by its name", tree("src/"), {"src.audio.Mixer"}, EndType::leavesAlone, ""},
+      {"a superclass that is not found",
+       {{"src/audio/Mixer.vlm", derived("Mixer", "far.Gone")}},
+       {"src"},
+       EndType::leavesAlone,
+       ""},
+      {"a tree within the tree",
+       tree("") + tree("vendor/lib/") +
+           Files{{"vendor/lib/x/Far.vlm", derived("Far", "x.Near")},
+                 {"vendor/lib/x/Near.vlm", "classdef Near < velum.System\nend\n"}},
+       {},
+       EndType::notes,
+       "'vendor/lib'"},
+      {"a root that was given",
+       tree("src/") + Files{{"src/audio/Alone.vlm", derived("Alone", "velum.System")}},
+       {"-p", ".", "src"},
+       EndType::notes,
+       "'src'"},
+      {"the right root", tree("src/"), {"-p", "src"}, EndType::writes, ""},
+      {"the right root is the current folder", tree(""), {}, EndType::writes, ""},
+      {"no superclasses at all",
+       Files{{"src/Script.vlm", "x = 1;\n"}, {"src/Alone.vlm", "classdef Alone\nend\n"}} +
+           Files{{"src/Old.vlm", derived("Old", "velum.System")}},
+       {"src"},
+       EndType::writes,
+       ""},
+      {"only superclasses of the environment",
+       {{"src/audio/Mixer.vlm", derived("Mixer", "velum.System")}},
+       {"src"},
+       EndType::writes,
+       ""},
+      {"the answers of the service", tree("src/"), {"--as-service", "src"}, EndType::writes, ""},
+  };
+}
+
+std::string lastLine(std::string text) {
+  if (text.ends_with('\n')) text.pop_back();
+  return text.substr(text.rfind('\n') + 1);
+}
+
+ProgramResult run(const Workspace& space, const Layout& layout, const char* option) {
+  std::vector<std::string> command = {"env", "-C", layout.folder, programPath(), "update", option};
+  command.insert(command.end(), layout.arguments.begin(), layout.arguments.end());
+  return space.run(command);
+}
+
+void expectOutput(const Layout& layout, const ProgramResult& result) {
+  const bool stops = layout.end == EndType::stops;
+  EXPECT_EQ(result.exitCode, layout.end == EndType::writes ? 0 : 2) << result.err;
+  EXPECT_EQ(result.err.find("did you mean `") != std::string::npos, stops) << result.err;
+  EXPECT_TRUE(!stops || lastLine(result.err).ends_with("; did you mean `" + layout.roots + "`?"))
+      << result.err;
+  const bool hasNote = layout.end == EndType::notes;
+  EXPECT_EQ(result.err.find("soca: note: ") != std::string::npos, hasNote) << result.err;
+  EXPECT_NE(result.err.find(hasNote ? "under " + layout.roots + ", which" : ""), std::string::npos)
+      << result.err;
+}
+
+class RootGuard : public ::testing::TestWithParam<Layout> {};
+
+TEST_P(RootGuard, LooksBeforeItWrites) {
+  const Layout layout = GetParam();
+  SCOPED_TRACE(layout.what);
+  const Workspace space;
+  for (const auto& [name, text] : layout.files) space.write(name, text);
+  fs::create_directory_symlink("src", space.path() / "link");
+  const auto before = space.readAll();
+
+  expectOutput(layout, run(space, layout, "-v"));
+  const auto data = run(space, layout, "--format=json");
+  EXPECT_EQ(nlohmann::json::parse(data.out).contains("suggestedRoots"),
+            layout.end == EndType::stops);
+  EXPECT_EQ(space.readAll(), before);
+
+  expectOutput(layout, run(space, layout, "--write"));
+  const bool isWritten = layout.end == EndType::writes || layout.end == EndType::notes;
+  EXPECT_EQ(space.readAll() != before, isWritten);
+
+  // The suggestion is right.
+  if (layout.end != EndType::stops) return;
+  const auto words = space.run(
+      {"sh", "-c", "cd " + layout.folder + " && " + programPath() + " update -q " + layout.roots});
+  EXPECT_EQ(words.err.find("was not found"), std::string::npos) << words.err;
+}
+
+INSTANTIATE_TEST_SUITE_P(Layouts, RootGuard, ::testing::ValuesIn(layouts()), [](const auto& row) {
+  std::string name = row.param.what;
+  for (char& c : name) c = c == ' ' || c == '-' ? '_' : c;
+  return name;
+});
+
+TEST(RootGuard, HoldsForStandardInput) {
+  const Workspace space;
+  for (const auto& [name, text] : tree("src/")) space.write(name, text);
+  const auto update = [&](const std::string& options) {
+    return space.run({"sh", "-c",
+                      programPath() + " update --stdin-path " + "src/audio/Mixer.vlm " + options +
+                          " - < src/audio/Mixer.vlm"});
+  };
+  const auto text = update("");
+  EXPECT_EQ(text.exitCode, 2);
+  EXPECT_EQ(text.out, "");
+  EXPECT_TRUE(lastLine(text.err).ends_with("; did you mean `-p src`?")) << text.err;
+  const auto data = update("--format=json");
+  EXPECT_EQ(data.exitCode, 2);
+  const auto roots = nlohmann::json::parse(data.out).at("suggestedRoots");
+  EXPECT_EQ(roots, nlohmann::json::array({(space.path() / "src").string()}));
+  const auto right = update("-p src");
+  EXPECT_EQ(right.exitCode, 0);
+  EXPECT_NE(right.out.find("classdef Mixer < audio.Base\n"), std::string::npos);
+}
+
+// A class of which a superclass is missing would be refused anyway: here it is converted.
+TEST(RootGuard, StopsTheWritingOfClassesThatCouldBeConverted) {
+  const Workspace space;
+  space.write("src/audio/Base.vlm", base);
+  const std::string text = derived("Mixer", "velum.System");
+  space.write("src/audio/Mixer.vlm", text);
+  space.write("src/audio/Other.vlm", "classdef Other < audio.Base\nend\n");
+  const auto result = space.soca({"update", "--write", "--stats", "src"});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_EQ(space.read("src/audio/Mixer.vlm"), text);
+  EXPECT_NE(result.err.find("1 would change, "), std::string::npos) << result.err;
+  EXPECT_NE(result.err.find("; nothing was written\n"), std::string::npos) << result.err;
+  EXPECT_EQ(lastLine(result.err),
+            "soca: 1 superclass that was not found is under 'src', which is no root; did you mean "
+            "`-p src`?");
+  const auto log = nlohmann::json::parse(space.soca({"update", "--format=sarif", "src"}).out);
+  const auto& call = log.at("runs").at(0).at("invocations").at(0);
+  EXPECT_EQ(call.at("exitCode"), 2);
+  EXPECT_EQ(call.at("toolExecutionNotifications").back().at("level"), "error");
+}
+
+}  // namespace
+}  // namespace soca::testing
