@@ -75,6 +75,20 @@ void Summary::addFailure(const Failure& failure) {
   ++failuresById[shortId(failure.id)];
 }
 
+void Summary::addPassedOver(PassedOverFile::Type type) {
+  switch (type) {
+    case PassedOverFile::Type::isNamed:
+      ++passedOver;
+      return;
+    case PassedOverFile::Type::hasOtherName:
+      ++otherNames;
+      return;
+    case PassedOverFile::Type::isUtf16:
+      ++utf16Files;
+      return;
+  }
+}
+
 std::string formatSummary(const Summary& summary, TenseType tense) {
   const std::size_t left = summary.classes - summary.changed - summary.refused;
   std::string text =
@@ -92,6 +106,13 @@ std::string formatSummary(const Summary& summary, TenseType tense) {
     text +=
         fmt::format("; {} without a class", counted(summary.filesWithoutClass, "file", "files"));
   }
+  if (summary.otherNames > 0) {
+    text += fmt::format("; {} without a class name", counted(summary.otherNames, "file", "files"));
+  }
+  if (summary.utf16Files > 0) {
+    text += fmt::format("; {} in UTF-16", counted(summary.utf16Files, "file", "files"));
+  }
+  if (summary.passedOver > 0) text += fmt::format("; {} passed over", summary.passedOver);
   if (summary.findings > 0) {
     text += fmt::format("; {}", counted(summary.findings, "finding", "findings"));
   }

@@ -21,6 +21,11 @@ struct Summary {
   // The classes that were not looked at because a superclass was not found.
   std::size_t undecided = 0;
   std::size_t filesWithoutClass = 0;
+  // The files that were named and passed over, those whose names are no class names, and those in
+  // UTF-16.
+  std::size_t passedOver = 0;
+  std::size_t otherNames = 0;
+  std::size_t utf16Files = 0;
   std::size_t changesAgain = 0;
   std::size_t findings = 0;
   // In a dry run, the classes that change and that `--write` would refuse.
@@ -34,6 +39,7 @@ struct Summary {
 
   void add(const ClassOutcome& outcome);
   void addFailure(const Failure& failure);
+  void addPassedOver(PassedOverFile::Type type);
 };
 
 enum class TenseType { wouldChange, changed };

@@ -49,7 +49,7 @@ ReportOutcome report(const Options& options, const Target& target,
 
 ExitCodeType runReport(const Options& options, const ClassRoots& roots, Console& console) {
   const FileNames names(&roots);
-  const FailureDescriber describer(&roots, &names);
+  const FailureDescriber describer(&roots, &names, WordsType::service);
   const fl::filesystem::FileView view;
   Targets targets(&roots, options.arguments);
   auto exitCode = ExitCodeType::done;

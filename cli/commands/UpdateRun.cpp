@@ -11,6 +11,7 @@
 #include "cli/commands/OrderedWorkers.h"
 #include "cli/commands/RepairNotes.h"
 #include "cli/terminal/Signals.h"
+#include "files/targets/NearestFile.h"
 #include "files/writing/FileWriter.h"
 #include "reports/FailureText.h"
 #include "reports/explanations/ProgramMessages.h"
@@ -56,7 +57,7 @@ UpdateRun::UpdateRun(const Options* options, const ClassRoots* roots, Console* c
       roots_(roots),
       console_(console),
       names_(roots),
-      targets_(roots, options->arguments, walkType(), &git_),
+      targets_(makeTargets()),
       reportOptions_(options->forReport()),
       updater_(roots, &names_, requestOf(*options, reportOptions_)),
       shared_([this](const std::string& className) { return updateShared(className); }),
@@ -81,13 +82,15 @@ ExitCodeType UpdateRun::run() {
   return exitCode();
 }
 
-WalkType UpdateRun::walkType() const {
-  return options_->noIgnore ? WalkType::everything : WalkType::filtered;
+Targets UpdateRun::makeTargets() {
+  return {roots_, options_->arguments,
+          options_->noIgnore ? WalkType::everything : WalkType::filtered, &git_,
+          options_->asService ? OtherFilesType::areErrors : OtherFilesType::arePassedOver};
 }
 
 void UpdateRun::countTargets(const std::stop_token& stop, Progress& progress) {
   try {
-    Targets targets(roots_, options_->arguments, walkType(), &git_);
+    Targets targets = makeTargets();
     std::size_t total = 0;
     while (!stop.stop_requested() && targets.next()) ++total;
     if (!stop.stop_requested()) progress.setTotal(total);
@@ -166,6 +169,7 @@ void UpdateRun::checkUncommitted(ClassOutcome& outcome) {
 void UpdateRun::take(TargetOutcome& outcome) {
   guard_.take(outcome);
   if (outcome.hasNoClass) ++summary_.filesWithoutClass;
+  if (outcome.passedOver) passOver(*outcome.passedOver);
   if (!outcome.sharedClass.empty()) outcome.classes = shared_.takeOutcomes(outcome.sharedClass);
   for (ClassOutcome& entry : outcome.classes) takeClass(entry);
   for (const Failure& failure : outcome.failures) addFailure(failure);
@@ -198,6 +202,40 @@ void UpdateRun::takeClass(ClassOutcome& outcome) {
 void UpdateRun::addFailure(const Failure& failure) {
   summary_.addFailure(failure);
   report_->addFailure(failure);
+}
+
+void UpdateRun::passOver(const PassedOverFile& file) {
+  summary_.addPassedOver(file.type);
+  const bool isShown =
+      file.type == PassedOverFile::Type::isNamed ? !options_->quiet : options_->verbose;
+  if (!isShown) return;
+  console_->tell(
+      fmt::format("note: '{}' is passed over: {}", names_.shown(file.path), file.reason));
+}
+
+bool UpdateRun::lookedAtNothing() const {
+  const std::size_t classes = summary_.classes + summary_.failed + summary_.undecided;
+  return classes == 0 && targets_.haveFolders() && !options_->asService && !wasInterrupted() &&
+         !guard_.stopsTheRun();
+}
+
+std::string UpdateRun::nothingText() const {
+  std::string folders;
+  for (const NamedFolder& folder : targets_.namedFolders()) {
+    if (folder.isOfFile) continue;
+    folders += fmt::format("{}'{}'", folders.empty() ? "" : ", ", names_.typed(folder.path));
+  }
+  if (summary_.skipped > 0) return fmt::format("no class in {} is a System object", folders);
+  if (summary_.filesWithoutClass > 0) return fmt::format("no file in {} holds a class", folders);
+  for (const NamedFolder& folder : targets_.namedFolders()) {
+    const std::string suggestion = suggestRootBelow(folder.path);
+    if (suggestion.empty()) continue;
+    return fmt::format("no class file in {} is on a root of the class path{}", folders, suggestion);
+  }
+  return fmt::format("there is no class file in {}{}", folders,
+                     options_->noIgnore ? ""
+                                        : "; without --no-ignore, files that git ignores and "
+                                          "links to folders are omitted");
 }
 
 void UpdateRun::writeAll() {
@@ -246,6 +284,7 @@ void UpdateRun::finish() {
   report_->finish(exitCode());
   if (!options_->quiet) printWarnings();
   if (!fatalError_.empty()) console_->complain(fatalError_);
+  if (lookedAtNothing()) console_->complain(nothingText());
   console_->tell(summaryText());
   if (!options_->quiet) console_->printError(formatDetails(summary_, console_->width()));
   const RunNumber run = queue_ ? queue_->result().run : 0;
@@ -297,7 +336,7 @@ std::string UpdateRun::summaryText() const {
 ExitCodeType UpdateRun::exitCode() const {
   if (wasInterrupted() && !isWritten_) return interruptExitCode();
   const std::size_t leftAlone = summary_.failed + summary_.refused + summary_.undecided;
-  if (!fatalError_.empty() || leftAlone > 0 || guard_.stopsTheRun()) {
+  if (!fatalError_.empty() || leftAlone > 0 || guard_.stopsTheRun() || lookedAtNothing()) {
     return ExitCodeType::failed;
   }
   return options_->check && summary_.changed > 0 ? ExitCodeType::somethingToChange

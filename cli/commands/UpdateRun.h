@@ -43,7 +43,8 @@ class UpdateRun {
 
  private:
   void computeAll();
-  WalkType walkType() const;
+  // What the arguments select, each time from the first target.
+  Targets makeTargets();
   // Reports the number of targets to the progress.
   void countTargets(const std::stop_token& stop, Progress& progress);
   // Both are called by several threads.
@@ -58,6 +59,10 @@ class UpdateRun {
   void takeClass(ClassOutcome& outcome);
 
   void addFailure(const Failure& failure);
+  void passOver(const PassedOverFile& file);
+  // Whether the run was to look at the classes of folders, and looked at none.
+  bool lookedAtNothing() const;
+  std::string nothingText() const;
   void writeAll();
   void takeWritten();
   // Removes the edits of a class that was not written from the summary.

@@ -23,6 +23,15 @@ std::string pathIn(const std::string& folder, const std::string& name) {
   return folder.ends_with('/') ? folder + name : folder + '/' + name;
 }
 
+// Whether the name is that of a source file but for the case of its extension.
+bool hasExtensionInCapitals(std::string_view name) {
+  constexpr std::string_view extension = ".vlm";
+  if (name.size() < extension.size()) return false;
+  return std::ranges::equal(name.substr(name.size() - extension.size()), extension, {}, [](char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  });
+}
+
 bool isUtf8(const std::string& path) {
   return fl::decodeFileText(path).encoding == fl::EncodingType::utf8;
 }
@@ -174,9 +183,10 @@ std::vector<FolderWalk::Entry> FolderWalk::readEntries(const Level& level) {
 void FolderWalk::addEntry(const Level& level, const std::string& name, unsigned char type,
                           std::vector<Entry>& entries) {
   const auto stem = stemOfClassFile(name);
+  const bool hasCapitals = !stem && hasExtensionInCapitals(name);
   const bool mayBeFolder =
       type == DT_DIR || type == DT_UNKNOWN || (type == DT_LNK && type_ == WalkType::everything);
-  if (!stem && !mayBeFolder) return;
+  if (!stem && !hasCapitals && !mayBeFolder) return;
   if (name == "." || name == "..") return;
   type = entryType(pathIn(level.folder, name), type);
   // A link to a folder keeps its type.
@@ -188,6 +198,7 @@ void FolderWalk::addEntry(const Level& level, const std::string& name, unsigned 
     }
     return;
   }
+  if (hasCapitals && type == DT_REG) entries.push_back({.name = name, .hasCapitals = true});
   if (!stem) return;
   entries.push_back({.name = std::string(*stem),
                      .isRegular = type == DT_REG,
@@ -201,15 +212,20 @@ bool FolderWalk::isWorthEntering(const Level& level, const std::string& name) co
 }
 
 std::string FolderWalk::fileName(const Entry& entry) {
+  if (entry.hasCapitals) return entry.name;
   return entry.name + (entry.hasSource ? ".vlm" : ".p");
 }
 
 FoundFile FolderWalk::describe(const Level& level, const Entry& entry) {
   FoundFile file;
   file.path = pathIn(level.folder, fileName(entry));
-  if (!entry.isRegular || !level.package || !isIdentifierName(entry.name)) {
+  const bool hasClassName = !entry.hasCapitals && isIdentifierName(entry.name);
+  if (!entry.isRegular || !level.package || !hasClassName) {
     const bool hasName = (!level.package && !level.isMisnamed) || isUtf8(file.path);
-    file.type = hasName ? FoundFile::Type::noClass : FoundFile::Type::misnamed;
+    const bool isOther = entry.isRegular && level.package.has_value();
+    file.type = !hasName  ? FoundFile::Type::misnamed
+                : isOther ? FoundFile::Type::otherName
+                          : FoundFile::Type::noClass;
     return file;
   }
   file.className = level.package->prefix + entry.name;

@@ -15,8 +15,10 @@ struct FoundFile {
   enum class Type {
     // `.vlm` or `.p`, with a place and a name of a class file. The contents are not checked.
     classFile,
-    // A `.vlm` or `.p` without a class name on the class path, or that is no regular file.
+    // A `.vlm` or `.p` in a folder that is no package, or that is no regular file.
     noClass,
+    // A file in a package whose name is no class name: `H H.vlm`, or `K.VLM`.
+    otherName,
     // A `.vlm` or `.p` in the place of a class, whose path is not UTF-8.
     misnamed,
     // A folder; `reason` is why it could not be read.
@@ -67,6 +69,8 @@ class FolderWalk {
     bool isRegular = true;
     // For a class file, whether it is the `.vlm`.
     bool hasSource = false;
+    // Whether the extension has capitals; then it is in the name.
+    bool hasCapitals = false;
   };
 
   // A folder of the current path; its entries are in reverse order.

@@ -1,5 +1,7 @@
 #include "files/targets/NearestFile.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <filesystem>
@@ -154,6 +156,32 @@ std::string nearestClass(std::string_view className, const ClassRoots& roots) {
   for (const std::string& root : roots.all()) {
     std::string found = findInPackages(root, parts.back());
     if (!found.empty() && found != className) return found;
+  }
+  return {};
+}
+
+std::string suggestRoot(std::string_view path) {
+  for (std::size_t end = path.size(); end != std::string_view::npos && end > 0;) {
+    const std::string_view root = path.substr(0, end);
+    end = path.rfind('/', end - 1);
+    const std::string_view name = root.substr(end == std::string_view::npos ? 0 : end + 1);
+    if (name == "." || name == "..") return {};
+    if (name.empty() || isIdentifierName(name) || stemOfClassFile(name)) continue;
+    return fmt::format("; did you mean `-p {}`?", root);
+  }
+  return {};
+}
+
+std::string suggestRootBelow(const std::string& folder) {
+  std::error_code error;
+  int count = 0;
+  for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    if (++count > mostEntries) break;
+    const std::string name = nameOfEntry(*entry);
+    if (name.starts_with('.')) entry.disable_recursion_pending();
+    if (!name.ends_with(".vlm") || isFolder(*entry)) continue;
+    return suggestRoot(entry->path().lexically_proximate(fs::current_path(error)).string());
   }
   return {};
 }

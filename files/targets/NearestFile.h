@@ -18,4 +18,12 @@ std::string nearestFolder(std::string_view path);
 // empty if there is neither.
 std::string nearestClass(std::string_view className, const ClassRoots& roots);
 
+// "; did you mean `-p my-src`?" for `my-src/audio/Mixer.vlm`: the part of the path up to the last
+// folder that can be no package. Empty if there is none.
+std::string suggestRoot(std::string_view path);
+
+// The same for the first class file below the folder, which is absolute, with the path relative to
+// the current folder. Empty if there is none.
+std::string suggestRootBelow(const std::string& folder);
+
 }  // namespace soca

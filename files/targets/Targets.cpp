@@ -54,6 +54,11 @@ std::string keyOf(const Target& target) {
 
 std::string_view fileNameOf(std::string_view path) { return path.substr(path.rfind('/') + 1); }
 
+[[noreturn]] void throwMissing(const std::string& argument) {
+  throw UsageError(fmt::format("there is no file or folder '{}'{}", argument,
+                               didYouMean(nearestPath(argument))));
+}
+
 }  // namespace
 
 Targets::Targets(const ClassRoots* roots, const std::vector<std::string>& arguments)
@@ -62,8 +67,8 @@ Targets::Targets(const ClassRoots* roots, const std::vector<std::string>& argume
 }
 
 Targets::Targets(const ClassRoots* roots, const std::vector<std::string>& arguments, WalkType walk,
-                 Git* git)
-    : roots_(roots), walk_(walk), git_(git) {
+                 Git* git, OtherFilesType otherFiles)
+    : roots_(roots), walk_(walk), git_(git), otherFiles_(otherFiles) {
   addArguments(arguments);
   if (!arguments.empty()) return;
   for (const std::string& root : roots->all()) {
@@ -126,21 +131,19 @@ Targets::Argument Targets::makeArgument(const std::string& argument) {
   if (const auto stem = stemOfClassFile(fileNameOf(path))) {
     return makeFileTarget(argument, path, *stem);
   }
-  if (!exists(path)) {
-    throw UsageError(fmt::format("there is no file or folder '{}'{}", argument,
-                                 didYouMean(nearestPath(argument))));
-  }
+  if (!exists(path)) throwMissing(argument);
   if (!isFolder(path)) {
-    throw UsageError(
-        fmt::format("'{}' is no class file: its name ends in neither .vlm nor .p", argument));
+    const std::string reason = "its name ends in neither .vlm nor .p";
+    return passOver(path, reason, fmt::format("'{}' is no class file: {}", argument, reason));
   }
   if (git_ == nullptr) {
     throw UsageError(fmt::format("'{}' is a folder; name a class or its file", argument));
   }
   if (!roots_->packageOf(path)) {
     throw UsageError(
-        fmt::format("the folder '{}' is on no root of the class path: {}; add its root with --path",
-                    argument, roots_->listing()));
+        fmt::format("the folder '{}' is on no root of the class path: {}; add its root with "
+                    "--path{}",
+                    argument, roots_->listing(), suggestRoot(argument)));
   }
   addNamedFolder(path, false);
   return FolderWalk(roots_, git_, walk_, path);
@@ -155,9 +158,14 @@ Target Targets::makeFileTarget(const std::string& argument, const std::string& p
                                std::string_view stem) {
   const auto package = roots_->packageOf(folderOf(path));
   if (!package || !isIdentifierName(stem)) {
-    throw UsageError(
-        fmt::format("the file '{}' has no class name on any root of the class path: {}", argument,
-                    roots_->listing()));
+    if (!exists(path)) throwMissing(argument);
+    const std::string reason =
+        package ? "its name is no class name"
+                : fmt::format("it is on no root of the class path: {}; add its root with --path{}",
+                              roots_->listing(), suggestRoot(argument));
+    return passOver(path, reason,
+                    fmt::format("the file '{}' has no class name on any root of the class path: {}",
+                                argument, roots_->listing()));
   }
   addNamedFolder(std::string(folderOf(path)), true);
   FoundFile file;
@@ -166,6 +174,19 @@ Target Targets::makeFileTarget(const std::string& argument, const std::string& p
   file.root = package->root;
   Target target = makeTarget(std::move(file));
   target.isNamed = true;
+  target.mayHoldNoClass = otherFiles_ == OtherFilesType::arePassedOver;
+  return target;
+}
+
+Target Targets::passOver(const std::string& path, std::string reason,
+                         const std::string& error) const {
+  if (otherFiles_ == OtherFilesType::areErrors) throw UsageError(error);
+  Target target;
+  target.type = Target::Type::passedOver;
+  target.className = path;
+  target.path = path;
+  target.isNamed = true;
+  target.reason = std::move(reason);
   return target;
 }
 
@@ -208,6 +229,9 @@ Target Targets::makeTarget(FoundFile file) const {
   switch (file.type) {
     case FoundFile::Type::noClass:
       target.type = Target::Type::noClass;
+      return target;
+    case FoundFile::Type::otherName:
+      target.type = Target::Type::otherName;
       return target;
     case FoundFile::Type::misnamed:
       target.type = Target::Type::misnamed;

@@ -20,8 +20,12 @@ struct Target {
     aClass,
     // A class file that is hidden by another file of that class on the class path, `hiddenBy`.
     hidden,
-    // A file without a class, by its name or place.
+    // A file without a class, by its place.
     noClass,
+    // A file that a walk finds and whose name is no class name.
+    otherName,
+    // An argument that is no class file by its name, or a file on no root; `reason` is which.
+    passedOver,
     // A class file whose path is not UTF-8.
     misnamed,
     // A folder that could not be read.
@@ -36,9 +40,14 @@ struct Target {
   // The file or folder that was found or named; empty for a class name.
   std::string path;
   std::string hiddenBy;
-  // The reason why a folder cannot be read.
+  // The reason why a folder cannot be read, or a file is passed over.
   std::string reason;
+  // Whether the run passes over the file if it holds no class.
+  bool mayHoldNoClass = false;
 };
+
+// How arguments are taken that are files, but no class files or on no root.
+enum class OtherFilesType { areErrors, arePassedOver };
 
 // Arguments are class names, class files and folders. An existing file or folder, and anything with
 // a slash, is a path. Without arguments all roots are selected.
@@ -50,7 +59,7 @@ class Targets {
 
   // Accepts folders too; `walk` selects the type of their walk. `git` must outlive the targets.
   Targets(const ClassRoots* roots, const std::vector<std::string>& arguments, WalkType walk,
-          Git* git);
+          Git* git, OtherFilesType otherFiles);
 
   // Whether there is one target at most, as far as the arguments show.
   bool isOneClass() const;
@@ -75,6 +84,8 @@ class Targets {
   Argument makeArgument(const std::string& argument);
   Target makeFileTarget(const std::string& argument, const std::string& path,
                         std::string_view stem);
+  // Throws a UsageError with the text of `error` if such files are errors.
+  Target passOver(const std::string& path, std::string reason, const std::string& error) const;
   void addNamedFolder(std::string folder, bool isOfFile);
   std::optional<Target> nextOf(Argument& argument);
   Target makeTarget(FoundFile file) const;
@@ -86,6 +97,7 @@ class Targets {
   WalkType walk_ = WalkType::filtered;
   // Null if folders are not accepted.
   Git* git_ = nullptr;
+  OtherFilesType otherFiles_ = OtherFilesType::areErrors;
   std::vector<Argument> arguments_;
   // Each once, but for files of two folders in turns.
   std::vector<NamedFolder> namedFolders_;

@@ -58,11 +58,33 @@ TargetOutcome outcomeOfHidden(const Target& target) {
   return outcome;
 }
 
-TargetOutcome outcomeWithoutClass(const Target& target) {
+TargetOutcome outcomeOfPassedOver(PassedOverFile::Type type, std::string path, std::string reason) {
+  TargetOutcome outcome;
+  outcome.passedOver = PassedOverFile{type, std::move(path), std::move(reason)};
+  return outcome;
+}
+
+TargetOutcome outcomeOfOtherName(const Target& target, bool asService) {
+  if (!asService) {
+    return outcomeOfPassedOver(PassedOverFile::Type::hasOtherName, target.path,
+                               stemOfClassFile(target.path)
+                                   ? "its name is no class name"
+                                   : "its name is no class name, which ends in .vlm");
+  }
+  TargetOutcome outcome;
+  outcome.hasNoClass = stemOfClassFile(target.path).has_value();
+  return outcome;
+}
+
+TargetOutcome outcomeWithoutClass(const Target& target, bool asService) {
   TargetOutcome outcome;
   switch (target.type) {
     case Target::Type::hidden:
       return outcomeOfHidden(target);
+    case Target::Type::otherName:
+      return outcomeOfOtherName(target, asService);
+    case Target::Type::passedOver:
+      return outcomeOfPassedOver(PassedOverFile::Type::isNamed, target.path, target.reason);
     case Target::Type::unreadable:
       addFailureOf(target, makeFailure("soca:FolderUnreadable", {target.className, target.reason}),
                    outcome);
@@ -126,7 +148,7 @@ FailureScopeType scopeOf(UpdateStageType stage) {
 }  // namespace
 
 TargetOutcome ClassUpdater::update(const Target& target) const {
-  if (target.type != Target::Type::aClass) return outcomeWithoutClass(target);
+  if (target.type != Target::Type::aClass) return outcomeWithoutClass(target, request_.asService);
   TargetOutcome outcome;
   SingleUpdate single = updateAlone(target.className);
   if (single.outcome) outcome.classes.push_back(std::move(*single.outcome));
@@ -136,7 +158,7 @@ TargetOutcome ClassUpdater::update(const Target& target) const {
 }
 
 TargetOutcome ClassUpdater::update(const Target& target, SharedUpdates& shared) const {
-  if (target.type != Target::Type::aClass) return outcomeWithoutClass(target);
+  if (target.type != Target::Type::aClass) return outcomeWithoutClass(target, request_.asService);
   TargetOutcome outcome;
   outcome.sharedClass = target.className;
   shared.update(target.className);
@@ -207,8 +229,16 @@ void ClassUpdater::addFailure(const Target& target, Failure failure, TargetOutco
   const bool isNoneOfOurs =
       (isOther || hasShortId(failure, ":PFileExists")) && isAboutItself(failure, target);
   const std::string path = isOther && isNoneOfOurs ? sourcePathOf(target) : std::string();
+  using FileType = FileVerdict::Type;
+  const bool holdsNoClass =
+      failure.file == FileType::isEmpty || failure.file == FileType::holdsNoClass;
   if (isUndecided(failure, path)) {
     outcome.undecided = describeUndecided(std::move(failure), path);
+  } else if (isNoneOfOurs && target.mayHoldNoClass && holdsNoClass) {
+    outcome.passedOver = {PassedOverFile::Type::isNamed, target.path,
+                          failure.file == FileType::isEmpty ? "it is empty" : "it holds no class"};
+  } else if (isNoneOfOurs && !target.isNamed && failure.file == FileType::isUtf16) {
+    outcome.passedOver = {PassedOverFile::Type::isUtf16, target.path, "it is in UTF-16"};
   } else if (target.isNamed || !isNoneOfOurs || failure.file == FileVerdict::Type::isUnreadable) {
     outcome.failures.push_back(std::move(failure));
   } else if (failure.file == FileVerdict::Type::holdsClass) {

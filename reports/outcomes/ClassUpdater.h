@@ -45,7 +45,10 @@ class ClassUpdater {
  public:
   // Both pointers must outlive this object.
   ClassUpdater(const ClassRoots* roots, const FileNames* names, UpdateRequest request)
-      : roots_(roots), names_(names), request_(request), describer_(roots, names) {}
+      : roots_(roots),
+        names_(names),
+        request_(request),
+        describer_(roots, names, request.asService ? WordsType::service : WordsType::program) {}
 
   // All three turn any fault into a failure, except std::bad_alloc, which they throw.
 

@@ -127,15 +127,32 @@ void FailureDescriber::explain(const resource_core::BaseMsgID& message, const Fa
 void FailureDescriber::explainOtherClass(const std::string& argument, Failure& failure) const {
   // For a file without a class the argument is its path.
   if (!argument.starts_with('/')) {
-    OtherClassHints other = hintsOnOtherClass(argument, *roots_);
+    OtherClassHints other = hintsOnOtherClass(argument, *roots_, words_);
     failure.hints = std::move(other.hints);
     failure.file = other.file;
     failure.missing = std::move(other.missing);
-    return;
+  } else {
+    const FileVerdict verdict = judgeFile(argument, words_);
+    failure.hints = {verdict.text};
+    failure.file = verdict.type;
   }
-  const FileVerdict verdict = judgeFile(argument);
-  failure.hints = {verdict.text};
-  failure.file = verdict.type;
+  if (words_ == WordsType::program) correctMessage(argument, failure);
+}
+
+void FailureDescriber::correctMessage(const std::string& argument, Failure& failure) {
+  const bool isPath = argument.starts_with('/');
+  const std::string subject =
+      isPath ? fmt::format("The file '{}'", argument) : fmt::format("The file of '{}'", argument);
+  if (failure.file == FileVerdict::Type::isUnreadable) {
+    failure.message = subject + " can't be read.";
+  } else if (failure.file == FileVerdict::Type::isUtf16) {
+    failure.message = subject + " is in UTF-16, which is not supported.";
+    failure.hints = {"save it in UTF-8"};
+  } else if (!isPath && !isClassName(argument)) {
+    failure.message = fmt::format("'{}' is no class name.", argument);
+  } else if (!isPath && sotarn::describeClass(argument) == nullptr) {
+    failure.message = fmt::format("There is no class '{}'.", argument);
+  }
 }
 
 void FailureDescriber::explainSyntax(const std::string& path, Failure& failure) const {

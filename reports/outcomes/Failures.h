@@ -25,9 +25,9 @@ struct FailedCall {
 // Describes a failure with the details that the program can find. Reads the files concerned again.
 class FailureDescriber {
  public:
-  // Both must outlive this object.
-  FailureDescriber(const ClassRoots* roots, const FileNames* names)
-      : roots_(roots), names_(names) {}
+  // Both pointers must outlive this object.
+  FailureDescriber(const ClassRoots* roots, const FileNames* names, WordsType words)
+      : roots_(roots), names_(names), words_(words) {}
 
   // Describes the current exception, of any type but std::bad_alloc, which is no fault of a class.
   // To be called in its handler.
@@ -39,12 +39,15 @@ class FailureDescriber {
   void explain(const resource_core::BaseMsgID& message, const FailedCall& call,
                Failure& failure) const;
   void explainOtherClass(const std::string& argument, Failure& failure) const;
+  // Sets the message to the real fault of what the service calls no System object.
+  static void correctMessage(const std::string& argument, Failure& failure);
   void explainSyntax(const std::string& path, Failure& failure) const;
   static void explainMisplacedEdit(const FailedCall& call, Failure& failure);
   static void explainOverlap(const FailedCall& call, Failure& failure);
 
   const ClassRoots* roots_;
   const FileNames* names_;
+  WordsType words_;
 };
 
 }  // namespace soca

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "files/targets/NearestFile.h"
+#include "platform/paths/NativePath.h"
 #include "platform/paths/SourceReader.h"
 #include "platform/runtime/ClassDescription.h"
 
@@ -19,17 +20,21 @@ std::string whereLooked(std::string_view className, const ClassRoots& roots) {
   return fmt::format("looked for {}.vlm and {}.p in {}", path, path, roots.listing());
 }
 
-// Whether all segments of the dotted name are identifiers.
-bool isClassName(std::string_view name) {
-  while (true) {
-    const std::size_t dot = name.find('.');
-    if (!isIdentifierName(name.substr(0, dot))) return false;
-    if (dot == std::string_view::npos) return true;
-    name.remove_prefix(dot + 1);
-  }
+// A class of another package whose name ends with the whole wanted name shows that the root is
+// wrong: `src.audio.Mixer` for `audio.Mixer`.
+std::string suggestClass(const std::string& meant, std::string_view className,
+                         const ClassRoots& roots, WordsType words) {
+  const bool isBelow = className.find('.') != std::string_view::npos &&
+                       meant.ends_with(fmt::format(".{}", className)) &&
+                       roots.all().front() == fl::filesystem::makeAbsoluteLexically({});
+  if (!isBelow || words == WordsType::service) return fmt::format("did you mean '{}'?", meant);
+  const auto folder = relativePathOfClass(meant.substr(0, meant.size() - className.size() - 1));
+  return fmt::format("there is a '{}.vlm' in the folder '{}'; did you mean `-p {}`?",
+                     relativePathOfClass(className), folder, folder);
 }
 
-std::vector<std::string> hintsOnUnknownClass(std::string_view className, const ClassRoots& roots) {
+std::vector<std::string> hintsOnUnknownClass(std::string_view className, const ClassRoots& roots,
+                                             WordsType words) {
   if (!isClassName(className)) {
     return {fmt::format("'{}' is no class name: names are letters, digits and _, parted by points",
                         className)};
@@ -41,7 +46,7 @@ std::vector<std::string> hintsOnUnknownClass(std::string_view className, const C
   }
   std::string meant = nearestClass(className, roots);
   if (meant.empty()) meant = nearestPath(className);
-  if (!meant.empty()) hints.push_back(fmt::format("did you mean '{}'?", meant));
+  if (!meant.empty()) hints.push_back(suggestClass(meant, className, roots, words));
   return hints;
 }
 
@@ -58,6 +63,15 @@ std::vector<std::string> hintsOnAncestry(const Ancestry& ancestry, const ClassRo
 
 }  // namespace
 
+bool isClassName(std::string_view name) {
+  while (true) {
+    const std::size_t dot = name.find('.');
+    if (!isIdentifierName(name.substr(0, dot))) return false;
+    if (dot == std::string_view::npos) return true;
+    name.remove_prefix(dot + 1);
+  }
+}
+
 std::string describeMissing(const Ancestry::Missing& missing) {
   const auto name =
       fmt::format("the superclass '{}', named by '{}'", missing.name, missing.namedBy);
@@ -65,9 +79,10 @@ std::string describeMissing(const Ancestry::Missing& missing) {
                          : name + ", was not found";
 }
 
-OtherClassHints hintsOnOtherClass(std::string_view className, const ClassRoots& roots) {
+OtherClassHints hintsOnOtherClass(std::string_view className, const ClassRoots& roots,
+                                  WordsType words) {
   const auto description = sotarn::describeClass(className);
-  if (description == nullptr) return {hintsOnUnknownClass(className, roots)};
+  if (description == nullptr) return {hintsOnUnknownClass(className, roots, words)};
   if (description->origin == ClassOriginType::pFileOnly) {
     return {
         {"only a p-file was found, without its source beside it; a class table may say what it "
@@ -77,7 +92,7 @@ OtherClassHints hintsOnOtherClass(std::string_view className, const ClassRoots& 
     return {{"the class is one of the environment's own"}};
   }
   if (description->superClasses.empty() && !description->sourcePath.empty()) {
-    const FileVerdict verdict = judgeFile(description->sourcePath);
+    const FileVerdict verdict = judgeFile(description->sourcePath, words);
     if (verdict.type != FileVerdict::Type::holdsClass) return {{verdict.text}, verdict.type};
   }
   const Ancestry ancestry(className);

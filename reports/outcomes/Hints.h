@@ -20,7 +20,11 @@ struct OtherClassHints {
   std::vector<Ancestry::Missing> missing;
 };
 
-OtherClassHints hintsOnOtherClass(std::string_view className, const ClassRoots& roots);
+OtherClassHints hintsOnOtherClass(std::string_view className, const ClassRoots& roots,
+                                  WordsType words);
+
+// Whether all segments of the dotted name are identifiers.
+bool isClassName(std::string_view name);
 
 // "the superclass 'a.B', named by 'c.D', was not found", or the same of a superclass that has only
 // a p-file.

@@ -86,6 +86,14 @@ struct ClassOutcome {
   }
 };
 
+// A file that holds no class, with the reason.
+struct PassedOverFile {
+  enum class Type { isNamed, hasOtherName, isUtf16 };
+  Type type = Type::isNamed;
+  std::string path;
+  std::string reason;
+};
+
 // The result for one target.
 struct TargetOutcome {
   std::vector<ClassOutcome> classes;
@@ -99,6 +107,8 @@ struct TargetOutcome {
   std::optional<Failure> undecided;
   // Whether the target is a file without a class.
   bool hasNoClass = false;
+  // A file that is counted on its own.
+  std::optional<PassedOverFile> passedOver;
   // Of a class whose file or folder an argument names.
   DirectSuperClasses superClasses;
   // The folder of its file, if any of these was not found.

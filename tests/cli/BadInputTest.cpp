@@ -55,9 +55,12 @@ TEST(BadInput, WrongCommandLineDoesNothing) {
       {{"update", "--write", "A", "/etc"}, "the folder '/etc' is on no root"},
       {{"update", "--write", "A", "missing/"}, "there is no file or folder 'missing/'"},
       {{"update", "my-floder/D.txt", "A"}, "; did you mean 'my-folder/D.text'?"},
-      {{"update", "--write", "A", "notes.txt"}, "'notes.txt' is no class file"},
-      {{"update", "--write", "my-folder/B.vlm"}, "has no class name on any root"},
+      {{"update", "--as-service", "A", "notes.txt"}, "'notes.txt' is no class file"},
+      {{"actions", "A", "notes.txt"}, "'notes.txt' is no class file"},
+      {{"actions", "my-folder/B.vlm"}, "has no class name on any root"},
+      {{"update", "my-folder/C.vlm"}, "no file or folder 'my-folder/C.vlm'; did you mean 'my-fol"},
       {{"update", "--write", "my-folder"}, "is on no root"},
+      {{"update", "--write", "./my-folder/x"}, "there is no file or folder"},
       {{"update", "--write", "A\xff"}, "is not UTF-8"},
       {{"update", "--write", "--class-table", "t1.json"}, "unknown key \"supers\""},
       {{"update", "--write", "--class-table", "t2.json"}, "class table 't2.json' is wrong"},
@@ -238,9 +241,86 @@ TEST(BadInput, AMissingClassSuggestsTheNearestOne) {
   };
   for (const auto& [name, meant] : table) {
     const auto result = space.soca({"update", "-p", "one", "-p", "two", name});
+    EXPECT_NE(result.err.find("There is no class '" + name + "'."), std::string::npos);
     const std::string hint = meant.empty() ? "did you mean" : "did you mean '" + meant + "'?";
     const bool hasHint = result.err.find(hint) != std::string::npos;
     EXPECT_EQ(hasHint, !meant.empty()) << name << "\n" << result.err;
+  }
+}
+
+// The bytes of ASCII text in UTF-16, little end first, without a byte order mark.
+std::string inUtf16(std::string_view text) {
+  std::string bytes;
+  for (const char c : text) bytes.append({c, '\0'});
+  return bytes;
+}
+
+TEST(BadInput, WhatIsNoClassIsPassedOverOrNamed) {
+  const Workspace space;
+  space.write("a/A.vlm", outdatedClass("A"));
+  space.write("a/H H.vlm", outdatedClass("H"));
+  space.write("a/K.VLM", outdatedClass("K"));
+  space.write("a/U.vlm", inUtf16(outdatedClass("U")));
+  space.write("b/B.vlm", "\xff\xfe" + inUtf16(outdatedClass("B")));
+  space.write("b/Empty.vlm", "");
+  space.write("plain/P.vlm", "classdef P < handle\nend\n");
+  space.write("files/script.vlm", "x = 1;\n");
+  space.write("my-src/lib/M.vlm", outdatedClass("M"));
+  space.write("outer/my-src/lib/M.vlm", outdatedClass("M"));
+  space.write("src/dsp/Fir.vlm", outdatedClass("Fir"));
+  space.write("notes.md", "");
+  std::filesystem::create_directories(space.path() / "empty");
+  struct Row {
+    const char* what;
+    std::vector<std::string> arguments;
+    int exitCode;
+    // A part of standard error; nothing of the kind if it begins with `!`.
+    const char* error;
+  };
+  const std::vector<Row> table = {
+      {"an empty folder", {"--check", "empty"}, 2, "there is no class file in 'empty'; without"},
+      {"all of it", {"--check", "--no-ignore", "empty"}, 2, "no class file in 'empty'\n"},
+      {"only other classes", {"plain"}, 2, "no class in 'plain' is a System object\n"},
+      {"only other files", {"files"}, 2, "no file in 'files' holds a class\n"},
+      {"two folders", {"files", "plain"}, 2, "no class in 'files', 'plain' is"},
+      {"one folder of two", {"plain", "a"}, 0, "!is a System object"},
+      {"the service knows of no such thing", {"--as-service", "empty"}, 0, "!there is no"},
+      {"a folder whose name is no identifier", {"my-src"}, 2, "did you mean `-p my-src`?\n"},
+      {"one in a folder",
+       {"-p", "outer", "outer"},
+       2,
+       "root of the class path; did you mean `-p outer/my-src`?\n"},
+      {"text", {"a/A.vlm", "notes.md"}, 0, "note: 'notes.md' is passed over: its name ends in"},
+      {"a script", {"files/script.vlm"}, 0, "script.vlm' is passed over: it holds no class\n"},
+      {"an empty file", {"b/Empty.vlm"}, 0, "Empty.vlm' is passed over: it is empty\n"},
+      {"a name", {"a/H H.vlm", "a/K.VLM"}, 0, "H.vlm' is passed over: its name is no class name"},
+      {"a file on no root",
+       {"./my-src/lib/M.vlm"},
+       0,
+       "lib/M.vlm' is passed over: it is on no root of the class path: "},
+      {"and the root", {"my-src/lib/M.vlm"}, 0, "; did you mean `-p my-src`?\n"},
+      {"how many", {"b/Empty.vlm", "notes.md"}, 0, "0 stay as they are; 2 passed over\n"},
+      {"quietly", {"-q", "b/Empty.vlm", "notes.md"}, 0, "!note:"},
+      {"a script by its class", {"files.script"}, 2, "NotASystemObject"},
+      {"an old encoding", {"b/B.vlm"}, 2, "The file of 'b.B' is in UTF-16, which is not supported"},
+      {"in a folder", {"a"}, 0, "; 2 files without a class name; 1 file in UTF-16\n"},
+      {"named", {"-v", "a"}, 0, "note: 'a/U.vlm' is passed over: it is in UTF-16\n"},
+      {"the others too", {"-v", "a"}, 0, "note: 'a/K.VLM' is passed over: its name is no class"},
+      {"only with -v", {"a"}, 0, "!is passed over"},
+      {"a class of another root", {"dsp.Fir"}, 2, "in the folder 'src'; did you mean `-p src`?\n"},
+      {"a missing file", {"a/AX.vlm"}, 2, "There is no class 'a.AX'."},
+      {"no class name", {"a b"}, 2, "'a b' is no class name."},
+  };
+  for (const Row& row : table) {
+    SCOPED_TRACE(row.what);
+    auto arguments = row.arguments;
+    arguments.insert(arguments.begin(), "update");
+    const auto result = space.soca(arguments);
+    EXPECT_EQ(result.exitCode, row.exitCode) << result.err;
+    const std::string_view error = row.error;
+    const bool isAbsent = error.starts_with('!');
+    const bool isThere = result.err.find(error.substr(isAbsent ? 1 : 0)) != std::string::npos;
+    EXPECT_NE(isThere, isAbsent) << result.err;
   }
 }
 
