@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/runtime/ClassDescription.h"
+#include "platform/runtime/ClassTable.h"
 #include "platform/runtime/LongAncestry.h"
 
 namespace soca {
@@ -35,6 +36,17 @@ Ancestry::Ancestry(std::string_view className) {
   for (const auto& [name, namedBy, isPFile] : known->missing) {
     missing_.push_back({std::string(name), std::string(namedBy), isPFile});
   }
+}
+
+std::vector<Ancestry::Missing> Ancestry::unknown() const {
+  auto unknown = missing_;
+  const auto* table = sotarn::currentClassTable();
+  if (table == nullptr) return unknown;
+  std::erase_if(unknown, [&](const Missing& missing) {
+    const auto entry = table->find(missing.name);
+    return missing.isPFile && entry != table->end() && entry->second.superClasses;
+  });
+  return unknown;
 }
 
 void Ancestry::walk(std::string_view className) {

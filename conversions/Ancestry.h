@@ -32,6 +32,8 @@ class Ancestry {
   };
 
   const std::vector<Missing>& missing() const { return missing_; }
+  // The same without the p-files whose superclasses are in the class table.
+  std::vector<Missing> unknown() const;
   // Whether the class is among its own ancestors.
   bool isCyclic() const { return isCyclic_; }
 

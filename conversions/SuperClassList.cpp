@@ -52,12 +52,12 @@ std::optional<UnresolvedSuperClass> findUnresolvedInList(const PlannedClass& pla
   if (rewriting == planned.actions.end()) return std::nullopt;
   const std::string className = fl::i18n::to_string(planned.result.className);
   if (hasEnvironmentOnly(className)) return std::nullopt;
-  const Ancestry ancestry(className);
+  const auto unknown = Ancestry(className).unknown();
   const bool restsOnAll = addsSystemBase(*rewriting, *planned.analysis->getClassdef());
-  const auto missing = std::ranges::find_if(ancestry.missing(), [&](const auto& each) {
+  const auto missing = std::ranges::find_if(unknown, [&](const auto& each) {
     return restsOnAll || (each.namedBy == className && !each.isPFile);
   });
-  if (missing == ancestry.missing().end()) return std::nullopt;
+  if (missing == unknown.end()) return std::nullopt;
   return UnresolvedSuperClass{placeInSuperClassList(*planned.analysis, missing->name), *missing};
 }
 

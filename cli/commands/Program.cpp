@@ -9,6 +9,7 @@
 #include "cli/commands/StandardInput.h"
 #include "cli/commands/SyntaxCheck.h"
 #include "cli/commands/Undo.h"
+#include "cli/commands/Unresolved.h"
 #include "cli/commands/UpdateRun.h"
 #include "cli/commands/Version.h"
 #include "cli/options/CommandLine.h"
@@ -49,8 +50,11 @@ ExitCodeType runCommand(const Options& options, Console& console) {
       return UpdateRun(&options, &roots, &console).run();
     }
     case CommandType::actions:
-    case CommandType::classes:
-      return runReport(options, setClassPath(options.roots, options.classTable), console);
+    case CommandType::classes: {
+      const ClassRoots roots = setClassPath(options.roots, options.classTable);
+      return options.unresolved ? printUnresolved(options, roots, console)
+                                : runReport(options, roots, console);
+    }
   }
   return ExitCodeType::failed;
 }

@@ -24,7 +24,8 @@ constexpr auto commandDetails = std::to_array<CommandDetails>({
      "The report is that of the update service: for each edit the zero-based lines and columns of "
      "the text that it replaces, and the new text."},
     {CommandType::classes,
-     "The report is that of the update service: superclasses, properties and methods."},
+     "The report is that of the update service: superclasses, properties and methods. With "
+     "--unresolved the superclasses that are not found are printed in its place."},
     {CommandType::check,
      "Each error is printed on standard output with file, line and column, which count from one, "
      "and with the line that it is in. The files need not be on a class path."},

@@ -86,6 +86,15 @@ void checkStandardInput(const Options& options) {
   }
 }
 
+// Checks the format of `classes`.
+void checkFormat(const Options& options) {
+  const ReportFormat& format = *options.format;
+  if (format.isForPeople) return;
+  if (!options.unresolved) throw UsageError("--format needs --unresolved");
+  if (format.takesEdits && format.whyNotWritten.empty()) return;
+  throw UsageError(fmt::format("--format {} and --unresolved cannot be combined", format.name));
+}
+
 void checkOptions(const CommandRow& command, const Options& options) {
   if (options.write && options.check) {
     throw UsageError("--write and --check cannot be combined: --check changes nothing");
@@ -101,9 +110,10 @@ void checkOptions(const CommandRow& command, const Options& options) {
     throw UsageError("--edits and --write cannot be combined: written files need no edits");
   }
   if (command.type == CommandType::update) checkStandardInput(options);
+  if (command.type == CommandType::classes) checkFormat(options);
   if (options.quiet && options.verbose)
     throw UsageError("--quiet and --verbose cannot be combined");
-  if (command.needsArguments && options.arguments.empty()) {
+  if (command.needsArguments && options.arguments.empty() && !options.unresolved) {
     throw UsageError(fmt::format("'{}' is missing; write: soca {} [options] {}",
                                  command.arguments.substr(0, command.arguments.find(' ')),
                                  command.name, command.arguments));

@@ -38,6 +38,8 @@ struct Options {
   bool noIgnore = false;
   // Whether the answers are those of the service, without the program's own checks of the tree.
   bool asService = false;
+  // Whether to print the superclasses that are not found, in place of facts about classes.
+  bool unresolved = false;
   bool list = false;
   // Whether to print what an undo would do instead of doing it.
   bool dryRun = false;

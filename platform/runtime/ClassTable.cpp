@@ -113,12 +113,23 @@ PropertyDescription readProperty(const Json& object, const Place& place, const s
   return property;
 }
 
+// Empty for a list that is not filled in yet.
+std::optional<std::vector<std::string>> readSuperClasses(const Json& value, const Place& place) {
+  auto names = readStrings(value, place);
+  if (std::ranges::find(names, superClassToFillIn) != names.end()) return std::nullopt;
+  return names;
+}
+
+bool isToFillIn(const Json& entry, const ClassTableEntry& facts) {
+  return entry.size() == 1 && entry.contains("superclasses") && !facts.superClasses;
+}
+
 ClassTableEntry readEntry(const Json& object, const Place& place) {
   ClassTableEntry entry;
   readObject(
       object, place,
       {{"superclasses",
-        [&](const Json& v, const Place& p) { entry.superClasses = readStrings(v, p); }},
+        [&](const Json& v, const Place& p) { entry.superClasses = readSuperClasses(v, p); }},
        {"strictDefaults",
         [&](const Json& v, const Place& p) { entry.strictDefaults = readBool(v, p); }},
        {"methods", [&](const Json& v, const Place& p) { entry.methods = readStrings(v, p); }},
@@ -158,7 +169,9 @@ ClassTable parseClassTable(std::string_view json) {
              {{"classes", [&](const Json& classes, const Place& place) {
                  readNamed(classes, place,
                            [&](const std::string& name, const Json& entry, const Place& at) {
-                             table.emplace(name, readEntry(entry, at));
+                             auto facts = readEntry(entry, at);
+                             if (isToFillIn(entry, facts)) return;
+                             table.emplace(name, std::move(facts));
                            });
                }}});
   return table;

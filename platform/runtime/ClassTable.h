@@ -35,6 +35,10 @@ class ClassTableError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// In place of superclasses that are not filled in yet: such a list is no fact, and an entry without
+// other facts is none.
+inline constexpr const char* superClassToFillIn = "?";
+
 // Throws ClassTableError for text that is no JSON, an unknown key, or a value of a wrong type.
 ClassTable parseClassTable(std::string_view json);
 

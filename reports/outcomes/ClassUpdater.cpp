@@ -2,7 +2,6 @@
 
 #include <fmt/core.h>
 
-#include <algorithm>
 #include <new>
 #include <utility>
 #include <vector>
@@ -153,7 +152,7 @@ TargetOutcome ClassUpdater::update(const Target& target) const {
   SingleUpdate single = updateAlone(target.className);
   if (single.outcome) outcome.classes.push_back(std::move(*single.outcome));
   if (single.failure) addFailure(target, std::move(*single.failure), outcome);
-  addSuperClasses(target, outcome);
+  if (!request_.asService) outcome.addSuperClasses(target.className, target.path);
   return outcome;
 }
 
@@ -165,7 +164,7 @@ TargetOutcome ClassUpdater::update(const Target& target, SharedUpdates& shared) 
   for (Failure& failure : shared.failuresOf(target.className)) {
     addFailure(target, std::move(failure), outcome);
   }
-  addSuperClasses(target, outcome);
+  if (!request_.asService) outcome.addSuperClasses(target.className, target.path);
   return outcome;
 }
 
@@ -207,13 +206,6 @@ void ClassUpdater::finishPlan(PlannedClass& planned, const FindingsListener& lis
     single.scope = FailureScopeType::classOnly;
     single.failure = makeFailure(fault.id(), fault.arguments());
   }
-}
-
-void ClassUpdater::addSuperClasses(const Target& target, TargetOutcome& outcome) const {
-  if (request_.asService || target.path.empty()) return;
-  outcome.superClasses = findDirectSuperClasses(target.className);
-  if (outcome.superClasses.missing.empty()) return;
-  outcome.folder = target.path.substr(0, std::max<std::size_t>(target.path.rfind('/'), 1));
 }
 
 bool ClassUpdater::isUndecided(const Failure& failure, const std::string& path) const {

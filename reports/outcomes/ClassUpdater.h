@@ -66,7 +66,6 @@ class ClassUpdater {
   // Sets the outcome, or a failure that concerns the class alone.
   void finishPlan(PlannedClass& planned, const FindingsListener& listener,
                   SingleUpdate& single) const;
-  void addSuperClasses(const Target& target, TargetOutcome& outcome) const;
   void addFailure(const Target& target, Failure failure, TargetOutcome& outcome) const;
   bool isUndecided(const Failure& failure, const std::string& path) const;
   // Refuses the update if the new list of superclasses may be wrong.

@@ -29,7 +29,7 @@ std::string suggestClass(const std::string& meant, std::string_view className,
                        roots.all().front() == fl::filesystem::makeAbsoluteLexically({});
   if (!isBelow || words == WordsType::service) return fmt::format("did you mean '{}'?", meant);
   const auto folder = relativePathOfClass(meant.substr(0, meant.size() - className.size() - 1));
-  return fmt::format("there is a '{}.vlm' in the folder '{}'; did you mean `-p {}`?",
+  return fmt::format("'{}.vlm' is in the folder '{}'; did you mean `-p {}`?",
                      relativePathOfClass(className), folder, folder);
 }
 
@@ -39,8 +39,9 @@ std::vector<std::string> hintsOnUnknownClass(std::string_view className, const C
     return {fmt::format("'{}' is no class name: names are letters, digits and _, parted by points",
                         className)};
   }
+  const std::string where = whereLooked(className, roots);
   std::vector<std::string> hints = {
-      fmt::format("no such class was found; {}", whereLooked(className, roots))};
+      words == WordsType::program ? where : "no such class was found; " + where};
   if (stemOfClassFile(className)) {
     hints.push_back(fmt::format("there is no file '{}' in the current folder either", className));
   }
@@ -99,7 +100,7 @@ OtherClassHints hintsOnOtherClass(std::string_view className, const ClassRoots& 
   auto hints = hintsOnAncestry(ancestry, roots);
   if (ancestry.isCyclic()) hints.emplace_back("the class is among its own superclasses");
   if (!hints.empty()) {
-    return {std::move(hints), FileVerdict::Type::holdsClass, ancestry.missing()};
+    return {std::move(hints), FileVerdict::Type::holdsClass, ancestry.unknown()};
   }
   if (description->superClasses.empty()) return {{"the class names no superclass"}};
   return {{"none of the classes that it derives from is a System object"}};

@@ -16,7 +16,7 @@ struct OtherClassHints {
   std::vector<std::string> hints;
   // The contents of its file, if it has one.
   FileVerdict::Type file = FileVerdict::Type::holdsClass;
-  // The ancestors that were not found.
+  // The ancestors that were not found, and that the class table does not have.
   std::vector<Ancestry::Missing> missing;
 };
 

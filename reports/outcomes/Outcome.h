@@ -1,6 +1,8 @@
 // The results for the classes of an update.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <utility>
@@ -113,6 +115,14 @@ struct TargetOutcome {
   DirectSuperClasses superClasses;
   // The folder of its file, if any of these was not found.
   std::string folder;
+
+  // Sets these two for a class; `path` is that of the target, empty for a class name.
+  void addSuperClasses(const std::string& className, const std::string& path) {
+    if (path.empty()) return;
+    superClasses = findDirectSuperClasses(className);
+    if (superClasses.missing.empty()) return;
+    folder = path.substr(0, std::max<std::size_t>(path.rfind('/'), 1));
+  }
 };
 
 }  // namespace soca

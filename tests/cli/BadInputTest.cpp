@@ -67,6 +67,8 @@ TEST(BadInput, WrongCommandLineDoesNothing) {
       {{"update", "--write", "--class-table", "t3.json"},
        "the class table can't be read: t3.json: there is no such file"},
       {{"actions"}, "'CLASS' is missing"},
+      {{"classes", "--format=json", "A"}, "--format needs --unresolved"},
+      {{"classes", "--format=sarif", "--unresolved"}, "sarif and --unresolved cannot be combined"},
       {{"actions", "."}, "'.' is a folder"},
       {{"check"}, "'FILE' is missing"},
       {{"explain", "a", "b"}, "one id at a time"},

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "tests/Places.h"
 #include "tests/cli/ProgramRunner.h"
 
 namespace soca::testing {
@@ -41,6 +42,7 @@ void writeSuperClasses(const Workspace& space) {
   space.write("pkg/Both.vlm", "classdef Both < velum.System & far.Gone\nend\n");
   space.write("pkg/Plain.vlm", "classdef Plain < handle\nend\n");
   space.write("pkg/Sealed.p", "");
+  space.write("sealed.json", R"({"classes": {"pkg.Sealed": {"superclasses": []}}})");
   space.write("none.json", R"({"classes": {"far.Gone": {"superclasses": []}}})");
   space.write("base.json", R"({"classes": {"far.Gone": {"superclasses": ["velum.System"]}}})");
 }
@@ -121,6 +123,10 @@ TEST(Unresolved, ListsThatRestOnThemAreNotRewritten) {
        {},
        "results refused"},
       {"a p-file, where the base would be added", "pkg.Sealed" + andMixin, {}, "results refused"},
+      {"a p-file that the class table has",
+       "pkg.Sealed" + andMixin,
+       {"--class-table=sealed.json"},
+       "results"},
       {"the superclass of one that is a System object", "pkg.Both" + andMixin, {}, "results"},
       {"a p-file beside the base", "velum.System & pkg.Sealed" + andMixin, {}, "results"},
       {"a list that is not rewritten", "velum.System & far.Gone", {}, "results"},
@@ -189,6 +195,51 @@ TEST(Unresolved, IsSaidOfEachClassAndInTheSummary) {
   EXPECT_EQ(regionOf(0).at("startColumn"), 29);
   EXPECT_EQ(regionOf(1).at("startLine"), 2);
   EXPECT_EQ(log.at("invocations").at(0).at("exitCode"), 2);
+}
+
+TEST(Unresolved, AreListedAndMakeATableToComplete) {
+  const Workspace space;
+  writeSuperClasses(space);
+  space.write("pkg/X.vlm", std::string("classdef X < pkg.Sealed & ") + mixin + "\n" + flag);
+  space.write("pkg/Y.vlm",
+              std::string("classdef Y < velum.System & far.Gone & ") + mixin + "\nend\n");
+  const std::vector<std::string> options = {"classes", "--unresolved"};
+  const auto with = [&](std::vector<std::string> more) {
+    more.insert(more.begin(), options.begin(), options.end());
+    return space.soca(more);
+  };
+  const auto list = with({});
+  EXPECT_EQ(list.exitCode, 0);
+  EXPECT_EQ(list.out,
+            "far.Gone: named by pkg.Both and 2 more\n"
+            "pkg.Sealed: only a p-file was found; named by pkg.X\n");
+  EXPECT_EQ(
+      list.err,
+      "soca: 2 superclasses were not found; --format json prints a class table to complete\n");
+  EXPECT_EQ(with({"pkg.X"}).out, "pkg.Sealed: only a p-file was found; named by pkg.X\n");
+  EXPECT_EQ(with({"pkg/Plain.vlm"}).err, "soca: all superclasses were found\n");
+  EXPECT_EQ(with({"pkg.None"}).exitCode, 2);
+
+  std::string table = with({"--format=json"}).out;
+  space.write("table.json", table);
+  const auto lists = [&](const char* className) {
+    return verdictOf(space, className, {"--class-table=table.json", "pkg"}).lists;
+  };
+  // Nothing is filled in.
+  EXPECT_EQ(with({"--class-table=table.json"}).out, list.out);
+  EXPECT_EQ(lists("pkg.X"), "results refused");
+  EXPECT_EQ(lists("pkg.Y"), "results refused");
+  for (std::size_t at = table.find("\"?\""); at != std::string::npos; at = table.find("\"?\"")) {
+    table.replace(at, 3, "\"velum.System\"");
+  }
+  space.write("table.json", table);
+  EXPECT_EQ(with({"--class-table=table.json"}).out, "");
+  EXPECT_EQ(lists("pkg.X"), "results");
+  EXPECT_EQ(lists("pkg.Y"), "results");
+
+  const auto wrongRoot = space.run({"env", "-C", "pkg", programPath(), "classes", "--unresolved"});
+  EXPECT_EQ(wrongRoot.exitCode, 2);
+  EXPECT_NE(wrongRoot.err.find("did you mean `-p ..`?\n"), std::string::npos) << wrongRoot.err;
 }
 
 }  // namespace
