@@ -17,7 +17,7 @@
 #include "files/targets/Targets.h"
 #include "platform/paths/FileView.h"
 #include "platform/runtime/ClassDescription.h"
-#include "reports/ClassTableText.h"
+#include "reports/formats/ClassTableText.h"
 #include "reports/outcomes/Outcome.h"
 #include "reports/text/FileNames.h"
 

@@ -1,4 +1,4 @@
-#include "reports/ClassTableText.h"
+#include "reports/formats/ClassTableText.h"
 
 #include <nlohmann/json.hpp>
 
