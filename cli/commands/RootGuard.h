@@ -24,7 +24,12 @@ class RootGuard {
             const std::vector<NamedFolder>* named)
       : options_(options), names_(names), search_(roots, named) {}
 
-  void take(const TargetOutcome& outcome);
+  void take(const TargetOutcome& outcome) {
+    if (outcome.superClasses.hasOnPath) search_.addFound();
+    for (const std::string& missing : outcome.superClasses.missing) {
+      search_.addMissing(missing, outcome.folder);
+    }
+  }
   // To be called after the last outcome.
   void look() { suggestion_ = search_.find(); }
 
@@ -32,11 +37,17 @@ class RootGuard {
     return suggestion_ && suggestion_->isForAll && options_->roots.empty();
   }
   // Passes the suggestion to the report if it stops the run.
-  void report(UpdateReport& report) const;
+  void report(UpdateReport& report) const {
+    if (stopsTheRun()) report.addSuggestion(*suggestion_, text());
+  }
   // For a suggestion that does not stop the run.
-  void printNote(Console& console) const;
+  void printNote(Console& console) const {
+    if (suggestion_ && !stopsTheRun()) console.tell("note: " + text());
+  }
   // For a suggestion that stops it; the last line of the run.
-  void printSuggestion(Console& console) const;
+  void printSuggestion(Console& console) const {
+    if (stopsTheRun()) console.complain(text());
+  }
 
  private:
   std::string text() const { return describeSuggestion(*suggestion_, *names_, stopsTheRun()); }
