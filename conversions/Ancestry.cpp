@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "platform/runtime/ClassDescription.h"
 #include "platform/runtime/ClassTable.h"
 #include "platform/runtime/LongAncestry.h"
 
@@ -35,6 +34,9 @@ Ancestry::Ancestry(std::string_view className) {
   isCyclic_ = known->isCyclic;
   for (const auto& [name, namedBy, isPFile] : known->missing) {
     missing_.push_back({std::string(name), std::string(namedBy), isPFile});
+  }
+  for (const auto& [name, namedBy, part] : known->partlyRead) {
+    partlyRead_.push_back({std::string(name), std::string(namedBy), part});
   }
 }
 
@@ -70,6 +72,9 @@ void Ancestry::look(std::size_t index) {
     missing_.push_back({current.name, current.namedBy, isPFile});
   }
   if (description == nullptr) return;
+  if (index > 0 && description->readPart != sotarn::ReadPartType::all) {
+    partlyRead_.push_back({current.name, current.namedBy, description->readPart});
+  }
   for (const std::string& super : description->superClasses) add(super, current.name);
 }
 

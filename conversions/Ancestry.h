@@ -6,6 +6,8 @@
 #include <unordered_set>
 #include <vector>
 
+#include "platform/runtime/ClassDescription.h"
+
 namespace soca {
 
 // What was found of the superclasses that a class itself names, the environment's own aside.
@@ -31,9 +33,17 @@ class Ancestry {
     bool isPFile = false;
   };
 
+  // A class whose file could be read only in part.
+  struct PartlyRead {
+    std::string name;
+    std::string namedBy;
+    sotarn::ReadPartType part = sotarn::ReadPartType::all;
+  };
+
   const std::vector<Missing>& missing() const { return missing_; }
   // The same without the p-files whose superclasses are in the class table.
   std::vector<Missing> unknown() const;
+  const std::vector<PartlyRead>& partlyRead() const { return partlyRead_; }
   // Whether the class is among its own ancestors.
   bool isCyclic() const { return isCyclic_; }
 
@@ -54,6 +64,7 @@ class Ancestry {
   std::vector<Class> classes_;
   std::unordered_set<std::string> met_;
   std::vector<Missing> missing_;
+  std::vector<PartlyRead> partlyRead_;
   bool isCyclic_ = false;
 };
 

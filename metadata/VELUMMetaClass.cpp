@@ -8,6 +8,7 @@
 #include "platform/paths/Iri.h"
 #include "platform/paths/NativePath.h"
 #include "platform/paths/PathDispatcher.h"
+#include "platform/paths/SourceReader.h"
 #include "platform/runtime/Class.h"
 #include "platform/runtime/InternedId.h"
 #include "platform/text/Conversions.h"
@@ -31,6 +32,16 @@ bool derivesFromSystemBase(const tarn::ClassObject& classObject) {
          classObject.isDerivedFrom(tarn::internal::makeInterned("velum.system.SystemImpl"));
 }
 
+// A class that the runtime cannot read is a failure of every class whose answers depend on it.
+template <class Query>
+auto ask(const Query& query) {
+  try {
+    return query();
+  } catch (const fl::filesystem::ReadError& error) {
+    raiseErrMsgId(analyzerMessages::CodeAnalyzerError(error.path()));
+  }
+}
+
 fl::ustring nativePathOf(const ClassPathItem& item) {
   const foundation::storage::vfs::CanonicalAbsoluteIRI iri(item.base, item.folder + item.file);
   const fl::ustring& path = iri.getPath();
@@ -41,32 +52,36 @@ fl::ustring nativePathOf(const ClassPathItem& item) {
 
 VELUMMetaClass::VELUMMetaClass(const fl::ustring& className)
     : className_(fl::i18n::to_string(className)) {
-  const tarn::COSInterfacePtr pointer = tarn::COSClass::getClassInterface(idOfClass(className_));
-  const tarn::ClassObject* classObject = tarn::COSClassPtrHelper::getObject(pointer);
-  if (classObject == nullptr || !derivesFromSystemBase(*classObject)) return;
-  systemObject_ = true;
-  metaClass_ = sotarn::MetaClass::fromID(classObject->getID());
+  ask([this] {
+    const tarn::COSInterfacePtr pointer = tarn::COSClass::getClassInterface(idOfClass(className_));
+    const tarn::ClassObject* classObject = tarn::COSClassPtrHelper::getObject(pointer);
+    if (classObject == nullptr || !derivesFromSystemBase(*classObject)) return;
+    systemObject_ = true;
+    metaClass_ = sotarn::MetaClass::fromID(classObject->getID());
+  });
 }
 
 bool VELUMMetaClass::isSystemObject() const { return systemObject_; }
 
 std::vector<fl::ustring> VELUMMetaClass::getSuperClassNames() const {
   std::vector<fl::ustring> names;
-  for (const sotarn::MetaClass& superClass : metaClass_.getSuperClasses()) {
+  for (const sotarn::MetaClass& superClass : ask([this] { return metaClass_.getSuperClasses(); })) {
     names.push_back(fl::i18n::to_ustring(superClass.getName()));
   }
   return names;
 }
 
 ConstrainedSetInfo VELUMMetaClass::getConstrainedSetInfo(const fl::ustring& propertyName) const {
-  const auto property = metaClass_.getProperty(fl::i18n::to_string(propertyName));
+  const auto property = propertyOf(propertyName);
   return property.isConstrainedSetTarget() ? property.getConstrainedSetInfo()
                                            : ConstrainedSetInfo();
 }
 
 fl::ustring VELUMMetaClass::getClassFile() const {
-  const std::shared_ptr<ClassPathItem> item =
-      omGetMatchingClassPathItem(PathDispatcher::getDispatcher(), fl::i18n::to_ustring(className_));
+  const std::shared_ptr<ClassPathItem> item = ask([this] {
+    return omGetMatchingClassPathItem(PathDispatcher::getDispatcher(),
+                                      fl::i18n::to_ustring(className_));
+  });
   if (item == nullptr) raiseErrMsgId(analyzerMessages::NoFileForClass(className_));
   const fl::ustring path = nativePathOf(*item);
   if (fl::filesystem::detail::extract_extension(path) != pFileExtension) return path;
@@ -75,17 +90,24 @@ fl::ustring VELUMMetaClass::getClassFile() const {
 }
 
 bool VELUMMetaClass::isAbstractInAnyClass(const fl::ustring& propertyName) const {
-  return metaClass_.getProperty(fl::i18n::to_string(propertyName)).isAbstractInAnyClass();
+  return ask([&] { return propertyOf(propertyName).isAbstractInAnyClass(); });
 }
 
 bool VELUMMetaClass::isDependent(const fl::ustring& propertyName) const {
-  return metaClass_.getProperty(fl::i18n::to_string(propertyName)).isDependent();
+  return ask([&] { return propertyOf(propertyName).isDependent(); });
 }
 
-bool VELUMMetaClass::isStrictDefaultsClass() const { return metaClass_.isStrictDefaultsClass(); }
+bool VELUMMetaClass::isStrictDefaultsClass() const {
+  return ask([this] { return metaClass_.isStrictDefaultsClass(); });
+}
 
 bool VELUMMetaClass::isMethodDefinedInSuperClass(const fl::ustring& methodName) const {
-  return metaClass_.isMethodDefinedInSuperClass(fl::i18n::to_string(methodName));
+  return ask(
+      [&] { return metaClass_.isMethodDefinedInSuperClass(fl::i18n::to_string(methodName)); });
+}
+
+sotarn::MetaProperty VELUMMetaClass::propertyOf(const fl::ustring& name) const {
+  return ask([&] { return metaClass_.getProperty(fl::i18n::to_string(name)); });
 }
 
 }  // namespace soca

@@ -11,7 +11,8 @@
 namespace soca {
 
 // A System object is a class that derives from one of the two system bases. For any other class the
-// runtime is not queried further. Results are not cached.
+// runtime is not queried further. Results are not cached. The constructor and all queries raise
+// CodeAnalyzerError with the path of a file that the runtime cannot read.
 class VELUMMetaClass : public MetaClass {
  public:
   explicit VELUMMetaClass(const fl::ustring& className);
@@ -28,6 +29,8 @@ class VELUMMetaClass : public MetaClass {
   bool isMethodDefinedInSuperClass(const fl::ustring& methodName) const override;
 
  private:
+  sotarn::MetaProperty propertyOf(const fl::ustring& name) const;
+
   bool systemObject_ = false;
   // Dotted, in UTF-8, as the runtime spells it.
   std::string className_;

@@ -5,16 +5,12 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "platform/paths/SourceReader.h"
 #include "platform/text/Conversions.h"
 #include "platform/text/Letters.h"
 
 namespace soca {
 namespace {
-
-bool isThere(const std::string& path) {
-  struct stat status = {};
-  return ::stat(path.c_str(), &status) == 0;
-}
 
 // `a.b.` for `a/b`; empty if a segment is no identifier.
 std::optional<std::string> packagePrefix(std::string_view relativeFolder) {
@@ -69,7 +65,7 @@ std::optional<std::string> ClassRoots::fileInFrontOf(std::size_t root,
   for (std::size_t i = 0; i < root; ++i) {
     const std::string stem = join(roots_[i], relativePathOfClass(className));
     for (const char* extension : {".p", ".vlm"}) {
-      if (isThere(stem + extension)) return stem + extension;
+      if (fl::filesystem::stampOf(stem + extension)) return stem + extension;
     }
   }
   return std::nullopt;

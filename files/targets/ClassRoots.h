@@ -28,6 +28,7 @@ class ClassRoots {
 
   // The file of the class under a root before the root number `root`, if there is one: it hides the
   // class's file under that root.
+  // Throws fl::filesystem::ReadError if that cannot be determined.
   std::optional<std::string> fileInFrontOf(std::size_t root, std::string_view className) const;
 
   // The path below a root that leads to the same place, if `path` is below a root only by links;

@@ -10,14 +10,21 @@
 #include <tuple>
 #include <utility>
 
+#include "platform/paths/SourceReader.h"
+#include "platform/paths/SystemCall.h"
 #include "platform/text/FileText.h"
 
 namespace soca {
 namespace {
 
+using fl::filesystem::isNotThere;
+using fl::filesystem::uninterrupted;
+
 struct CloseFolder {
   void operator()(DIR* folder) const { ::closedir(folder); }
 };
+
+using Folder = std::unique_ptr<DIR, CloseFolder>;
 
 std::string pathIn(const std::string& folder, const std::string& name) {
   return folder.ends_with('/') ? folder + name : folder + '/' + name;
@@ -41,26 +48,51 @@ std::string placeIn(const GitPlace& folder, const std::string& name) {
   return folder.path.empty() ? name : folder.path + '/' + name;
 }
 
-bool exists(const std::string& path) {
+// Whether there may be something at the path.
+bool mayExist(const std::string& path) {
   struct stat status = {};
-  return ::lstat(path.c_str(), &status) == 0;
+  return uninterrupted([&] { return ::lstat(path.c_str(), &status); }) == 0 || !isNotThere(errno);
 }
 
 unsigned char typeOf(const struct stat& status) {
   return static_cast<unsigned char>(IFTODT(status.st_mode));
 }
 
-// DT_DIR, DT_REG, or another type of entry. A link to a file is treated as that file, and a link to
-// a folder stays a link; a dangling link is treated as a file, which then cannot be read.
-unsigned char entryType(const std::string& path, unsigned char type) {
+// DT_DIR, DT_REG, or another type of entry; empty if it cannot be determined, with the reason in
+// `errno`. A link to a file is treated as that file, and a link to a folder stays a link; a
+// dangling link is treated as a file, which then cannot be read.
+std::optional<unsigned char> entryType(const std::string& path, unsigned char type) {
   struct stat status = {};
   if (type == DT_UNKNOWN) {
-    if (::lstat(path.c_str(), &status) != 0) return DT_UNKNOWN;
-    type = typeOf(status);
+    if (uninterrupted([&] { return ::lstat(path.c_str(), &status); }) == 0) {
+      type = typeOf(status);
+    } else if (!isNotThere(errno)) {
+      return std::nullopt;
+    }
   }
   if (type != DT_LNK) return type;
-  if (::stat(path.c_str(), &status) != 0) return DT_REG;
-  return S_ISDIR(status.st_mode) ? type : typeOf(status);
+  if (uninterrupted([&] { return ::stat(path.c_str(), &status); }) == 0) {
+    return S_ISDIR(status.st_mode) ? type : typeOf(status);
+  }
+  if (!isNotThere(errno)) return std::nullopt;
+  return DT_REG;
+}
+
+Folder openFolder(const std::string& path) {
+  while (true) {
+    errno = 0;
+    Folder folder(::opendir(path.c_str()));
+    if (folder != nullptr || errno != EINTR) return folder;
+  }
+}
+
+// Null at the end of the folder, or with the reason in `errno`.
+const dirent* nextEntry(const Folder& folder) {
+  while (true) {
+    errno = 0;
+    const dirent* entry = ::readdir(folder.get());
+    if (entry != nullptr || errno != EINTR) return entry;
+  }
 }
 
 }  // namespace
@@ -72,7 +104,11 @@ FolderWalk::FolderWalk(const ClassRoots* roots, Git* git, WalkType type, std::st
 
 std::optional<FoundFile> FolderWalk::next() {
   while (true) {
-    if (unreadable_) return std::exchange(unreadable_, std::nullopt);
+    if (!unreadable_.empty()) {
+      FoundFile unreadable = std::move(unreadable_.front());
+      unreadable_.pop_front();
+      return unreadable;
+    }
     if (levels_.empty()) return std::nullopt;
     Level& level = levels_.back();
     if (level.entries.empty()) {
@@ -104,7 +140,7 @@ void FolderWalk::enterFolderIn(const Level& level, const Entry& entry) {
   if (isIgnored(level, entry) && !roots_->hasRootAtOrBelow(folder)) return;
   GitPlace git = level.git;
   if (git.repository != nullptr) git.path = placeIn(git, entry.name);
-  if (exists(pathIn(folder, ".git"))) git = askGit(folder);
+  if (mayExist(pathIn(folder, ".git"))) git = askGit(folder);
   enter(std::move(folder), std::move(git));
 }
 
@@ -147,26 +183,27 @@ bool FolderWalk::isIgnoredIn(const GitPlace& git, const std::string& path, bool 
 
 bool FolderWalk::isNewFolder(const std::string& link) {
   auto folder = resolveLinks(link);
+  if (!folder && !isNotThere(errno)) addUnreadable(link, errno);
   if (!folder || relativeTo(start_, *folder) || relativeTo(*folder, start_)) return false;
   return linked_.insert(std::move(*folder)).second;
 }
 
+void FolderWalk::addUnreadable(std::string path, int error) {
+  unreadable_.push_back({.type = FoundFile::Type::unreadable,
+                         .path = std::move(path),
+                         .className = {},
+                         .reason = std::strerror(error)});
+}
+
 std::vector<FolderWalk::Entry> FolderWalk::readEntries(const Level& level) {
   std::vector<Entry> entries;
-  const std::unique_ptr<DIR, CloseFolder> folder(::opendir(level.folder.c_str()));
+  const Folder folder = openFolder(level.folder);
   if (folder != nullptr) {
-    errno = 0;
-    while (const dirent* entry = ::readdir(folder.get())) {
+    while (const dirent* entry = nextEntry(folder)) {
       addEntry(level, entry->d_name, entry->d_type, entries);
-      errno = 0;
     }
   }
-  if (errno != 0) {
-    unreadable_ = FoundFile{.type = FoundFile::Type::unreadable,
-                            .path = level.folder,
-                            .className = {},
-                            .reason = std::strerror(errno)};
-  }
+  if (errno != 0) addUnreadable(level.folder, errno);
   // The file of a class precedes the folder of a package with its name, as `a.B` precedes `a.B.C`.
   // The entries are taken from the back, so the order is reversed.
   std::ranges::sort(entries, std::ranges::greater(), [](const Entry& entry) {
@@ -188,7 +225,10 @@ void FolderWalk::addEntry(const Level& level, const std::string& name, unsigned 
       type == DT_DIR || type == DT_UNKNOWN || (type == DT_LNK && type_ == WalkType::everything);
   if (!stem && !hasCapitals && !mayBeFolder) return;
   if (name == "." || name == "..") return;
-  type = entryType(pathIn(level.folder, name), type);
+  const auto known = entryType(pathIn(level.folder, name), type);
+  // A class file that cannot be looked at is a failure of its class, as soon as that is described.
+  if (!known && !stem) return addUnreadable(pathIn(level.folder, name), errno);
+  type = known.value_or(DT_REG);
   // A link to a folder keeps its type.
   const bool isLink = type == DT_LNK;
   if (type == DT_DIR || isLink) {

@@ -1,6 +1,7 @@
 // The class files below a folder of the class path, in order.
 #pragma once
 
+#include <deque>
 #include <optional>
 #include <string>
 #include <unordered_set>
@@ -21,7 +22,7 @@ struct FoundFile {
     otherName,
     // A `.vlm` or `.p` in the place of a class, whose path is not UTF-8.
     misnamed,
-    // A folder; `reason` is why it could not be read.
+    // A folder, or what may be one; `reason` is why it could not be read.
     unreadable,
   };
 
@@ -92,8 +93,11 @@ class FolderWalk {
   void addWarning(const std::string& problem);
   bool isIgnored(const Level& level, const Entry& entry);
   bool isIgnoredIn(const GitPlace& git, const std::string& path, bool isFolder);
-  // Whether the link leads to a folder that the walk would not reach otherwise.
+  // Whether the link leads to a folder that the walk would not reach otherwise; remembers it if
+  // that cannot be determined.
   bool isNewFolder(const std::string& link);
+  // Remembers the folder, with the reason by the error number.
+  void addUnreadable(std::string path, int error);
   std::vector<Entry> readEntries(const Level& level);
   void addEntry(const Level& level, const std::string& name, unsigned char type,
                 std::vector<Entry>& entries);
@@ -109,8 +113,8 @@ class FolderWalk {
   // The folders that links led to, without links.
   std::unordered_set<std::string> linked_;
   std::vector<std::string> warnings_;
-  // A folder that could not be read, to be returned next.
-  std::optional<FoundFile> unreadable_;
+  // Folders that could not be read, to be returned next.
+  std::deque<FoundFile> unreadable_;
 };
 
 }  // namespace soca

@@ -10,6 +10,7 @@
 #include "files/targets/NearestName.h"
 #include "files/targets/UsageError.h"
 #include "platform/paths/NativePath.h"
+#include "platform/paths/SourceReader.h"
 #include "platform/text/Conversions.h"
 #include "platform/text/FileText.h"
 
@@ -247,10 +248,16 @@ Target Targets::makeTarget(FoundFile file) const {
   }
   target.className = std::move(file.className);
   target.isNamed = named_.contains(target.className);
-  if (auto hiddenBy = roots_->fileInFrontOf(file.root, target.className)) {
-    target.type = Target::Type::hidden;
-    target.hiddenBy = std::move(*hiddenBy);
-    target.isNamed = false;
+  try {
+    if (auto hiddenBy = roots_->fileInFrontOf(file.root, target.className)) {
+      target.type = Target::Type::hidden;
+      target.hiddenBy = std::move(*hiddenBy);
+      target.isNamed = false;
+    }
+  } catch (const fl::filesystem::ReadError& error) {
+    target.type = Target::Type::undecided;
+    target.path = error.path();
+    target.reason = error.reason();
   }
   return target;
 }

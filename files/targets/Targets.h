@@ -30,6 +30,8 @@ struct Target {
     misnamed,
     // A folder that could not be read.
     unreadable,
+    // A class file that may be hidden by the file `path`, which could not be read.
+    undecided,
   };
 
   Type type = Type::aClass;
@@ -40,7 +42,7 @@ struct Target {
   // The file or folder that was found or named; empty for a class name.
   std::string path;
   std::string hiddenBy;
-  // The reason why a folder cannot be read, or a file is passed over.
+  // The reason why a folder or file cannot be read, or a file is passed over.
   std::string reason;
   // Whether the run passes over the file if it holds no class.
   bool mayHoldNoClass = false;

@@ -33,13 +33,9 @@ CurrentFile compareBytes(const SavedFile& file, const struct stat& status,
   if (stamp.size != file.oldDigest.size && stamp.size != file.newDigest.size) {
     return {Type::changed, std::string(changed), stamp};
   }
-  try {
-    const Digest digest = digestOf(fl::filesystem::readFileBytes(file.path, stamp.size));
-    if (digest == file.oldDigest) return {Type::old, {}, stamp};
-    if (digest != file.newDigest) return {Type::changed, std::string(changed), stamp};
-  } catch (const fl::filesystem::ReadError& error) {
-    return {Type::failed, fmt::format("it could not be read: {}", error.what()), stamp};
-  }
+  const Digest digest = digestOf(fl::filesystem::readFileBytes(file.path, stamp.size));
+  if (digest == file.oldDigest) return {Type::old, {}, stamp};
+  if (digest != file.newDigest) return {Type::changed, std::string(changed), stamp};
   if ((status.st_mode & 07777U) != file.mode) {
     return {Type::changed, "its permissions changed since the run wrote it", stamp};
   }
@@ -55,9 +51,13 @@ CurrentFile lookAt(const SavedFile& file) {
     return {Type::failed, fmt::format("it can't be looked at: {}", std::strerror(errno)), {}};
   }
   if (!S_ISREG(status.st_mode)) return {Type::changed, "it is no regular file any more", {}};
-  const auto stamp = fl::filesystem::stampOf(file.path);
-  if (!stamp || !isOf(status, *stamp)) return {Type::changed, std::string(changedReason), {}};
-  return compareBytes(file, status, *stamp);
+  try {
+    const auto stamp = fl::filesystem::stampOf(file.path);
+    if (!stamp || !isOf(status, *stamp)) return {Type::changed, std::string(changedReason), {}};
+    return compareBytes(file, status, *stamp);
+  } catch (const fl::filesystem::ReadError& error) {
+    return {Type::failed, fmt::format("it could not be read: {}", error.what()), {}};
+  }
 }
 
 class Restorer {

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/analyzer/FileAnalysis.h"
+#include "platform/paths/SourceReader.h"
 #include "platform/text/Conversions.h"
 
 namespace ca {
@@ -24,7 +25,11 @@ class SingleFileAnalyzer final : public Analyzer {
   std::shared_ptr<AnalysisResult> analyze(const fl::ustring& path, const fl::ustring& /*directory*/,
                                           const AnalysisOptions& /*options*/) override {
     const std::string file = fl::i18n::to_string(path);
-    return refuseTooDeep(analyzeFile(file), file);
+    try {
+      return refuseTooDeep(analyzeFile(file), file);
+    } catch (const fl::filesystem::ReadError& error) {
+      throw InvalidAnalysisException(error.what());
+    }
   }
 };
 

@@ -50,15 +50,11 @@ Analysis analyzeFile(const std::string& path) {
   Remembered& last = lastOfThread();
   if (isOfFileInView(last, path)) return last.analysis;
   last = {};
-  try {
-    auto source = fl::filesystem::readSourceFile(path, maximumFileSize);
-    const Phase phase(fl::timing::analysePhase);
-    auto analysis = std::make_shared<SourceAnalysis>(std::move(source));
-    if (analysis->file()) last = {path, nullptr, analysis};
-    return analysis;
-  } catch (const fl::filesystem::ReadError& error) {
-    throw InvalidAnalysisException(error.what());
-  }
+  auto source = fl::filesystem::readSourceFile(path, maximumFileSize);
+  const Phase phase(fl::timing::analysePhase);
+  auto analysis = std::make_shared<SourceAnalysis>(std::move(source));
+  if (analysis->file()) last = {path, nullptr, analysis};
+  return analysis;
 }
 
 void forgetLastAnalysis() { lastOfThread() = {}; }

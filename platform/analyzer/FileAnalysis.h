@@ -12,7 +12,7 @@ namespace ca {
 // for it. Nesting that is too deep is no failure here: see SourceAnalysis::isTooDeep. Each thread
 // keeps its last analysis and returns it again while the file is unchanged.
 //
-// Throws InvalidAnalysisException if the file cannot be read.
+// Throws fl::filesystem::ReadError if the file cannot be read.
 std::shared_ptr<SourceAnalysis> analyzeFile(const std::string& path);
 
 // Drops the thread's last analysis, before work that needs much memory.

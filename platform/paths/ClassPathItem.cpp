@@ -21,7 +21,8 @@ bool isClassName(fl::ustring_view name) {
   }
 }
 
-// Whether there is a file, a folder or an overlay text at the path.
+// Whether there is a file, a folder or an overlay text at the path. Throws ReadError if that is not
+// known.
 bool exists(const std::string& path) {
   return fl::filesystem::findOverlay(path) != nullptr || fl::filesystem::stampInView(path);
 }
@@ -35,12 +36,18 @@ std::string_view findExtension(const std::string& root, const std::string& locat
   if (path.back() != '/') path += '/';
   path += location;
   const std::size_t stem = path.size();
-  for (const std::string_view extension : {".p", ".vlm"}) {
+  const auto isThere = [&](std::string_view extension) {
     path.resize(stem);
-    path += extension;
-    if (exists(path)) return extension;
+    return exists(path += extension);
+  };
+  try {
+    if (isThere(".p")) return ".p";
+  } catch (const fl::filesystem::ReadError&) {
+    // Mostly nothing of the folder can be read, and then the failure should name the source file.
+    isThere(".vlm");
+    throw;
   }
-  return {};
+  return isThere(".vlm") ? ".vlm" : std::string_view();
 }
 
 using Roots = std::vector<PathDispatcher::Root>;

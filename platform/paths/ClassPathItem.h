@@ -18,6 +18,7 @@ struct ClassPathItem {
 
 // The item under the first root that has `<root>/a/b/C.p` or `<root>/a/b/C.vlm`, with the p-file if
 // it has both; null if there is none. An overlay text of this thread counts as a file, and so does
-// a folder of that name. A name with a segment that is no identifier has no item.
+// a folder of that name. A name with a segment that is no identifier has no item. Throws ReadError
+// if it cannot be determined whether there is a file.
 std::shared_ptr<ClassPathItem> omGetMatchingClassPathItem(const PathDispatcher& dispatcher,
                                                           const fl::ustring& className);

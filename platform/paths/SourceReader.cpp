@@ -10,6 +10,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "platform/paths/SystemCall.h"
 #include "platform/paths/ViewMemory.h"
 #include "platform/timing/Phase.h"
 
@@ -34,33 +35,15 @@ FileStamp makeStamp(const struct stat& status) {
           toNanoseconds(status.st_mtim), toNanoseconds(status.st_ctim)};
 }
 
-[[noreturn]] void fail(const std::string& path, std::string_view reason) {
-  throw ReadError(path + ": " + std::string(reason));
-}
-
-[[noreturn]] void failWithError(const std::string& path, int error) {
-  switch (error) {
-    case ENOENT:
-    case ENOTDIR:
-      fail(path, "there is no such file");
-    case EACCES:
-    case EPERM:
-      fail(path, "there is no permission to read it");
-    case ENXIO:  // a socket
-      fail(path, "it is no regular file");
-    default:
-      fail(path, std::generic_category().message(error));
-  }
-}
-
 // A file that is open for reading.
 class OpenFile {
  public:
   explicit OpenFile(const std::string& path)
       // Without O_NONBLOCK, opening a pipe waits for a writer.
-      : path_(path),
-        descriptor_(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY)) {
-    if (descriptor_ < 0) failWithError(path, errno);
+      : path_(path), descriptor_(uninterrupted([&] {
+          return ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+        })) {
+    if (descriptor_ < 0) throwReadError(path, errno);
   }
   ~OpenFile() { ::close(descriptor_); }
   OpenFile(const OpenFile&) = delete;
@@ -68,17 +51,17 @@ class OpenFile {
 
   struct stat getStatus() const {
     struct stat status;
-    if (::fstat(descriptor_, &status) != 0) failWithError(path_, errno);
+    if (uninterrupted([&] { return ::fstat(descriptor_, &status); }) != 0) {
+      throwReadError(path_, errno);
+    }
     return status;
   }
 
   // Reads up to `size` bytes; 0 at the end of the file.
   std::size_t read(char* to, std::size_t size) const {
-    while (true) {
-      const ssize_t count = ::read(descriptor_, to, size);
-      if (count >= 0) return static_cast<std::size_t>(count);
-      if (errno != EINTR) failWithError(path_, errno);
-    }
+    const ssize_t count = uninterrupted([&] { return ::read(descriptor_, to, size); });
+    if (count < 0) throwReadError(path_, errno);
+    return static_cast<std::size_t>(count);
   }
 
  private:
@@ -86,11 +69,16 @@ class OpenFile {
   int descriptor_;
 };
 
+void checkIsRegular(const std::string& path, const struct stat& status) {
+  if (S_ISDIR(status.st_mode)) throwReadError(path, EISDIR);
+  if (!S_ISREG(status.st_mode)) throwReadError(path, ENXIO);
+}
+
 void checkReadable(const std::string& path, const struct stat& status, std::uint64_t maximumSize) {
-  if (S_ISDIR(status.st_mode)) fail(path, "it is a folder");
-  if (!S_ISREG(status.st_mode)) fail(path, "it is no regular file");
+  checkIsRegular(path, status);
   if (static_cast<std::uint64_t>(status.st_size) > maximumSize) {
-    fail(path, "it is larger than the limit of " + std::to_string(maximumSize) + " bytes");
+    throw TooLargeError(path,
+                        "it is larger than the limit of " + std::to_string(maximumSize) + " bytes");
   }
 }
 
@@ -115,10 +103,30 @@ Bytes readBytes(const OpenFile& file, std::size_t size) {
 
 }  // namespace
 
+void throwReadError(const std::string& path, int error) {
+  switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+      throw ReadError(path, "there is no such file");
+    case EACCES:
+    case EPERM:
+      throw ReadError(path, "there is no permission to read it");
+    case EISDIR:
+      throw ReadError(path, "it is a folder");
+    case ENXIO:  // a socket
+      throw ReadError(path, "it is no regular file");
+    default:
+      throw ReadError(path, std::generic_category().message(error));
+  }
+}
+
+bool isNotThere(int error) { return error == ENOENT || error == ENOTDIR; }
+
 std::optional<FileStamp> stampOf(const std::string& path) {
   struct stat status;
-  if (::stat(path.c_str(), &status) != 0) return std::nullopt;
-  return makeStamp(status);
+  if (uninterrupted([&] { return ::stat(path.c_str(), &status); }) == 0) return makeStamp(status);
+  if (isNotThere(errno)) return std::nullopt;
+  throwReadError(path, errno);
 }
 
 std::optional<FileStamp> stampInView(const std::string& path) {
@@ -140,6 +148,12 @@ SourceFileText readSourceFile(const std::string& path, std::uint64_t maximumSize
   SourceFileText result{std::move(decoded.text), decoded.encoding, makeStamp(status), false};
   result.recentlyChanged = start - result.stamp.changeTime < settlingTime;
   return result;
+}
+
+std::string readHeadOfFile(const std::string& path, std::size_t size) {
+  const OpenFile file(path);
+  checkIsRegular(path, file.getStatus());
+  return std::string(readBytes(file, size).view());
 }
 
 std::string readFileBytes(const std::string& path, std::uint64_t maximumSize) {

@@ -11,11 +11,31 @@
 
 namespace fl::filesystem {
 
-// A file that cannot be read. `what` has the path and the reason, in UTF-8.
+// A file or folder that cannot be read. `what` has the path and the reason, in UTF-8.
 class ReadError : public std::runtime_error {
  public:
-  using std::runtime_error::runtime_error;
+  ReadError(const std::string& path, const std::string& reason)
+      : std::runtime_error(path + ": " + reason), path_(path) {}
+
+  const std::string& path() const { return path_; }
+  std::string reason() const { return what() + path_.size() + 2; }
+
+ private:
+  std::string path_;
 };
+
+// A file that is larger than the caller's limit.
+class TooLargeError : public ReadError {
+ public:
+  using ReadError::ReadError;
+};
+
+// Throws ReadError for the error number.
+[[noreturn]] void throwReadError(const std::string& path, int error);
+
+// Whether the error number means that there is no file or folder. All others mean that it is not
+// known whether there is one.
+bool isNotThere(int error);
 
 // Identifies one state of a file. Times are nanoseconds since 1970.
 struct FileStamp {
@@ -28,10 +48,12 @@ struct FileStamp {
   friend bool operator==(const FileStamp&, const FileStamp&) = default;
 };
 
-// The stamp of the file at the path, after following links; empty if there is none.
+// The stamp of the file at the path, after following links; empty if there is none. Throws
+// ReadError if that cannot be determined.
 std::optional<FileStamp> stampOf(const std::string& path);
 
 // The same; under a view in force, the stamp may have been looked up earlier under the view.
+// Failures are not cached.
 std::optional<FileStamp> stampInView(const std::string& path);
 
 // The state of a file when it was read: its stamp, and the encoding of its text.
@@ -53,10 +75,14 @@ struct SourceFileText {
 
 // The text of the regular file at a native path in UTF-8. Overlay texts are ignored. Throws
 // ReadError if there is no file, for anything other than a regular file (without waiting for it),
-// without permission, and for a file of more than `maximumSize` bytes, which is not read at all.
+// without permission, and TooLargeError for a file of more than `maximumSize` bytes, which is not
+// read at all.
 SourceFileText readSourceFile(const std::string& path, std::uint64_t maximumSize);
 
 // The bytes of the file, under the same conditions.
 std::string readFileBytes(const std::string& path, std::uint64_t maximumSize);
+
+// The first `size` bytes of a regular file of any size, or all of a shorter one.
+std::string readHeadOfFile(const std::string& path, std::size_t size);
 
 }  // namespace fl::filesystem

@@ -39,12 +39,17 @@ enum class ClassOriginType {
   classTable,   // an entry of the class table only
 };
 
+// Whether all of a source file was read, or only a part: why not the rest.
+enum class ReadPartType { all, hasSyntaxErrors, isTooDeep, isTooLarge };
+
 // Names are dotted and in UTF-8.
 struct ClassDescription {
   std::string name;
   ClassOriginType origin = ClassOriginType::source;
   // The native path of the source file; empty without one.
   std::string sourcePath;
+  // What was read of the source file.
+  ReadPartType readPart = ReadPartType::all;
   // As declared, in order, the environment's own classes included.
   std::vector<std::string> superClasses;
   bool strictDefaults = false;
@@ -54,7 +59,9 @@ struct ClassDescription {
 };
 
 // The description of the class: an environment class, or a class on the class path, each with the
-// values of a class table in place of its own. Null for an unknown class.
+// values of a class table in place of its own. Null for an unknown class. Throws
+// fl::filesystem::ReadError if its file, or whether it has one, cannot be determined: an unreadable
+// class is not an unknown one.
 std::shared_ptr<const ClassDescription> describeClass(std::string_view name);
 
 // Whether the name is one of the environment's own classes.

@@ -30,6 +30,7 @@ AncestryFacts ownFacts(const ClassDescription& description) {
   if (description.strictDefaults) facts |= hasStrictDefaults;
   if (declaresAnyAbstract(description)) facts |= declaresAbstract;
   if (description.origin == ClassOriginType::pFileOnly) facts |= isUnknown;
+  if (description.readPart != ReadPartType::all) facts |= isUnknown;
   return facts;
 }
 
@@ -76,9 +77,12 @@ std::optional<LongAncestry> ClassGraph::ancestryOf(std::string_view className) {
     if (i > 0 && (node.isMissing || node.isPFile)) {
       ancestry.missing.push_back({node.name, nodes_[namedBy].name, node.isPFile});
     }
+    if (i > 0 && node.readPart != ReadPartType::all) {
+      ancestry.partlyRead.push_back({node.name, nodes_[namedBy].name, node.readPart});
+    }
     for (const Id id : node.superClasses) {
       Node& superClass = nodes_[id];
-      // A class without the fact isUnknown reaches no missing class.
+      // A class without the fact isUnknown reaches none that is missing or partly read.
       if (superClass.search == lastSearch_ || (superClass.facts & isUnknown) == 0) continue;
       superClass.search = lastSearch_;
       met.push_back({id, current});
@@ -159,6 +163,7 @@ void ClassGraph::meet(Id id) {
   node.superClasses = std::move(superClasses);
   node.facts = ownFacts(*description);
   node.isPFile = description->origin == ClassOriginType::pFileOnly;
+  node.readPart = description->readPart;
 }
 
 // The classes from `first` on reach each other; all other classes that they reach are finished.

@@ -24,7 +24,7 @@ constexpr AncestryFacts isCoderSystem = 1;
 constexpr AncestryFacts isSystemImpl = 2;
 constexpr AncestryFacts hasStrictDefaults = 4;
 constexpr AncestryFacts declaresAbstract = 8;
-// The class was not found, or only as a p-file.
+// The class was not found, only as a p-file, or could be read only in part.
 constexpr AncestryFacts isUnknown = 16;
 }  // namespace ancestryFact
 
@@ -73,6 +73,7 @@ class ClassGraph {
     AncestryFacts facts = 0;
     bool isMissing = false;
     bool isPFile = false;
+    ReadPartType readPart = ReadPartType::all;
     bool isCyclic = false;
   };
 

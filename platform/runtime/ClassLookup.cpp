@@ -1,12 +1,8 @@
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <chrono>
 #include <unordered_map>
 #include <utility>
 
-#include "platform/analyzer/Analyzer.h"
 #include "platform/analyzer/FileAnalysis.h"
 #include "platform/paths/ClassPathItem.h"
 #include "platform/paths/NativePath.h"
@@ -38,14 +34,9 @@ DescriptionCache& cache() {
   return instance;
 }
 
+// The beginning of a large file, cut at a line end, which is never inside a character.
 std::string readHead(const std::string& path) {
-  std::string head(headLength, '\0');
-  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-  if (file < 0) return {};
-  const ssize_t length = read(file, head.data(), head.size());
-  close(file);
-  head.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
-  // Cuts at a line end, which is never inside a character.
+  std::string head = fl::filesystem::readHeadOfFile(path, headLength);
   head.resize(std::min(head.size(), head.rfind('\n')));
   return head;
 }
@@ -57,19 +48,28 @@ struct ReadDescription {
   std::optional<FileStamp> stamp;
 };
 
-// The description is empty if the file cannot be read.
+ReadDescription readLargeFile(const std::string& path) {
+  const std::optional<FileStamp> stamp = fl::filesystem::stampOf(path);
+  auto description = describeAnalysis(ca::SourceAnalysis(fl::decodeFileText(readHead(path)).text));
+  description->readPart = ReadPartType::isTooLarge;
+  return {std::move(description), stamp};
+}
+
+ReadPartType readPartOf(const ca::SourceAnalysis& analysis) {
+  if (analysis.isTooDeep()) return ReadPartType::isTooDeep;
+  return analysis.hasSyntaxError() ? ReadPartType::hasSyntaxErrors : ReadPartType::all;
+}
+
+// Throws ReadError.
 ReadDescription readDescription(const std::string& path) {
   try {
     const auto analysis = ca::analyzeFile(path);
     ReadDescription read{describeAnalysis(*analysis), {}};
+    read.description->readPart = readPartOf(*analysis);
     if (analysis->file()) read.stamp = analysis->file()->stamp;
     return read;
-  } catch (const ca::InvalidAnalysisException&) {
-    const std::optional<FileStamp> stamp = fl::filesystem::stampOf(path);
-    if (!stamp || stamp->size <= ca::maximumFileSize) {
-      return {std::make_shared<ClassDescription>(), stamp};
-    }
-    return {describeAnalysis(ca::SourceAnalysis(fl::decodeFileText(readHead(path)).text)), stamp};
+  } catch (const fl::filesystem::TooLargeError&) {
+    return readLargeFile(path);
   }
 }
 

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/runtime/ClassDescription.h"
+
 namespace sotarn {
 
 // The views are valid until the thread asks about another class.
@@ -17,8 +19,15 @@ struct LongAncestry {
     bool isPFile = false;
   };
 
-  // Nearest first, in breadth-first order.
+  struct PartlyRead {
+    std::string_view name;
+    std::string_view namedBy;
+    ReadPartType part = ReadPartType::all;
+  };
+
+  // Both nearest first, in breadth-first order.
   std::vector<Missing> missing;
+  std::vector<PartlyRead> partlyRead;
   // Whether the class is among its own ancestors.
   bool isCyclic = false;
 };

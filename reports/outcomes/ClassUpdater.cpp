@@ -91,6 +91,9 @@ TargetOutcome outcomeWithoutClass(const Target& target, bool asService) {
     case Target::Type::misnamed:
       addFailureOf(target, makeFailure("soca:NameNotUtf8", {target.className}), outcome);
       break;
+    case Target::Type::undecided:
+      addFailureOf(target, describeUnreadable({target.path, target.reason}), outcome);
+      break;
     default:
       outcome.hasNoClass = true;
   }

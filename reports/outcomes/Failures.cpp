@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/analyzer/Analyzer.h"
+#include "platform/messages/MessageCatalog.h"
 #include "platform/runtime/ClassDescription.h"
 #include "platform/text/Conversions.h"
 #include "reports/explanations/ProgramMessages.h"
@@ -71,6 +72,17 @@ void explainSafely(Failure& failure, const Explain& explain) {
 
 }  // namespace
 
+Failure describeUnreadable(const fl::filesystem::ReadError& error) {
+  const resource_core::BaseMsgID message = {
+      {error.path()}, "VELUM:system:Analyzer", "CodeAnalyzerError"};
+  Failure failure;
+  failure.id = message.catalog + ':' + message.id;
+  failure.message = fl::i18n::to_string(fl::i18n::MessageCatalog::makeText(message));
+  failure.argument = error.path();
+  failure.hints = {error.what()};
+  return failure;
+}
+
 Failure FailureDescriber::describeCurrentException(const FailedCall& call) const {
   Failure failure;
   failure.className = call.className;
@@ -78,6 +90,9 @@ Failure FailureDescriber::describeCurrentException(const FailedCall& call) const
     throw;
   } catch (const foundation::core::except::IMsgIDException& exception) {
     return describe(exception, call);
+  } catch (const fl::filesystem::ReadError& error) {
+    failure = describeUnreadable(error);
+    failure.className = call.className;
   } catch (const std::out_of_range&) {
     failure.id = "std::out_of_range";
     failure.message = programMessage(failure.id, {});
@@ -111,6 +126,7 @@ void FailureDescriber::explain(const resource_core::BaseMsgID& message, const Fa
   if (message.id == "CodeAnalyzerError") {
     try {
       analyzeFile(argument);
+      failure.hints = {"it can be read now; run the command again"};
     } catch (const ca::InvalidAnalysisException& reason) {
       failure.hints = {reason.what()};
     }

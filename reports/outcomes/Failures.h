@@ -7,6 +7,7 @@
 #include "files/targets/ClassRoots.h"
 #include "platform/failure/Exception.h"
 #include "platform/messages/BaseMsgID.h"
+#include "platform/paths/SourceReader.h"
 #include "reports/outcomes/Outcome.h"
 #include "reports/text/FileNames.h"
 #include "rules/RuleFamilies.h"
@@ -21,6 +22,9 @@ struct FailedCall {
   UpdateMask rules = allFamilies;
   bool includeSuperclasses = false;
 };
+
+// The failure of a class that cannot be updated because a file cannot be read; without the class.
+Failure describeUnreadable(const fl::filesystem::ReadError& error);
 
 // Describes a failure with the details that the program can find. Reads the files concerned again.
 class FailureDescriber {

@@ -51,6 +51,20 @@ std::vector<std::string> hintsOnUnknownClass(std::string_view className, const C
   return hints;
 }
 
+std::string_view reasonOf(sotarn::ReadPartType part) {
+  switch (part) {
+    case sotarn::ReadPartType::all:
+      break;
+    case sotarn::ReadPartType::hasSyntaxErrors:
+      return "it has syntax errors";
+    case sotarn::ReadPartType::isTooDeep:
+      return "it is nested too deep";
+    case sotarn::ReadPartType::isTooLarge:
+      return "it is too large";
+  }
+  return {};
+}
+
 std::vector<std::string> hintsOnAncestry(const Ancestry& ancestry, const ClassRoots& roots) {
   std::vector<std::string> hints;
   for (const Ancestry::Missing& missing : ancestry.missing()) {
@@ -58,6 +72,10 @@ std::vector<std::string> hintsOnAncestry(const Ancestry& ancestry, const ClassRo
                     (missing.isPFile
                          ? ", which tells nothing; a class table may say what it derives from"
                          : "; " + whereLooked(missing.name, roots)));
+  }
+  for (const Ancestry::PartlyRead& each : ancestry.partlyRead()) {
+    hints.push_back(fmt::format("the superclass '{}', named by '{}', could be read only in part: {}",
+                                each.name, each.namedBy, reasonOf(each.part)));
   }
   return hints;
 }

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include "platform/failure/Terminate.h"
+#include "platform/paths/SourceReader.h"
 #include "platform/runtime/ClassDescription.h"
 #include "reports/text/Escapes.h"
 
@@ -13,9 +14,13 @@ namespace {
 thread_local const std::string* currentClass = nullptr;
 
 std::string placeOf(const std::string& className) {
-  const auto description = sotarn::describeClass(className);
-  return description == nullptr || description->sourcePath.empty() ? "a file that is not known"
-                                                                   : description->sourcePath;
+  try {
+    const auto description = sotarn::describeClass(className);
+    if (description != nullptr && !description->sourcePath.empty()) return description->sourcePath;
+  } catch (const fl::filesystem::ReadError& error) {
+    return error.path();
+  }
+  return "a file that is not known";
 }
 
 void sayClass(const char* message, const char*, int, const char*) {

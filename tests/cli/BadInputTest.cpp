@@ -127,7 +127,11 @@ const std::vector<BadClass>& badClasses() {
       {"pkg.Sealed", nullptr, "NotASystemObject", "only a p-file was found", BadClass::skipped},
       {"pkg.Heir", "classdef Heir < pkg.Sealed\nend\n", "NotASystemObject",
        "of the superclass 'pkg.Sealed', named by 'pkg.Heir', only a p-file", BadClass::skipped},
-      {"pkg.Place", nullptr, "NotASystemObject", "it is a folder", BadClass::counted},
+      {"pkg.Place", nullptr, "CodeAnalyzerError", "Place.vlm: it is a folder", BadClass::counted},
+      {"pkg.OfPlace", "classdef OfPlace < velum.system.mixin.Propagates & pkg.Place\nend\n",
+       "CodeAnalyzerError", "Place.vlm: it is a folder", BadClass::failed},
+      {"pkg.Helper", "classdef Helper < pkg.Place\nend\n", "CodeAnalyzerError",
+       "Place.vlm: it is a folder", BadClass::failed},
       {"pkg.Nowhere", nullptr, "NotASystemObject", "looked for pkg/Nowhere.vlm", BadClass::counted},
       {"not a name", nullptr, "NotASystemObject", "is no class name", BadClass::counted},
       {"velum.System", nullptr, "NoFileForClass", "have no files", BadClass::counted},
@@ -337,6 +341,55 @@ TEST(BadInput, SyntaxErrorsOfASuperclassAreOfTheNamedClass) {
   EXPECT_EQ(error["class"], "A");
   EXPECT_EQ(error["diagnostics"][0]["line"], 4);
   EXPECT_EQ(error["diagnostics"][0]["column"], 7);
+}
+
+TEST(BadInput, WhatDerivesFromAPartlyReadClassIsUpdatedWithANote) {
+  const Workspace space;
+  const auto write = [&](const std::string& name, const std::string& super,
+                         const std::string& value) {
+    space.write(name + ".vlm", "classdef " + name + " < " + super +
+                                   "\nproperties (Logical)\nP = " + value + ";\nend\nend\n");
+  };
+  write("Broken", "velum.System", "(1");
+  write("Deep", "velum.System", std::string(1100, '(') + '1' + std::string(1100, ')'));
+  write("C0", "Broken & Deep", "true");
+  for (int i = 1; i < 50; ++i) {
+    write("C" + std::to_string(i), "C" + std::to_string(i - 1), "true");
+  }
+  // With a short ancestry and with a long one.
+  for (const char* name : {"C2", "C49"}) {
+    const auto result = space.soca({"update", "--check", name});
+    EXPECT_EQ(result.out, std::string(name) + '\n');
+    for (const char* note : {"note: the superclass 'Broken', named by 'C0', could be read only in "
+                             "part: it has syntax errors\n",
+                             "note: the superclass 'Deep', named by 'C0', could be read only in "
+                             "part: it is nested too deep\n"}) {
+      EXPECT_NE(result.err.find(note), std::string::npos) << name << '\n' << result.err;
+    }
+  }
+}
+
+TEST(BadInput, FoldersThatCannotBeReadAreFailures) {
+  const Workspace space;
+  const auto link = [&](const char* to, const char* name) {
+    std::filesystem::create_directories((space.path() / name).parent_path());
+    std::filesystem::create_symlink(to, space.path() / name);
+  };
+  space.write("one/A.vlm", outdatedClass("A"));
+  space.write("two/pkg/C.vlm", outdatedClass("C"));
+  link("sub", "one/sub");
+  link("pkg", "three/pkg");
+  const auto expectFailure = [&](const std::vector<std::string>& arguments, const char* text) {
+    auto command = arguments;
+    command.insert(command.begin(), {"update", "--write"});
+    const auto result = space.soca(command);
+    EXPECT_EQ(result.exitCode, 2) << text;
+    EXPECT_NE(result.err.find(text), std::string::npos) << result.err;
+  };
+  // The walk cannot tell what the link is, and then whether a root before hides the class.
+  expectFailure({"--no-ignore", "-p", "one"}, "one/sub");
+  expectFailure({"-p", "three", "-p", "two", "two"}, "three/pkg/C.p: Too many levels");
+  EXPECT_EQ(space.read("two/pkg/C.vlm"), outdatedClass("C"));
 }
 
 }  // namespace

@@ -3,7 +3,9 @@
 
 #include <optional>
 
+#include "platform/paths/FileView.h"
 #include "platform/paths/PathDispatcher.h"
+#include "platform/paths/SourceReader.h"
 #include "platform/runtime/Class.h"
 #include "platform/runtime/ClassTable.h"
 #include "platform/runtime/MetaClass.h"
@@ -29,6 +31,16 @@ class Runtime : public testing::Test {
     const auto pointer = tarn::COSClass::getClassInterface(makeInterned(name));
     const auto* object = tarn::COSClassPtrHelper::getObject(pointer);
     return object != nullptr && object->isDerivedFrom(makeInterned(base));
+  }
+
+  // The file that makes the class unreadable; empty if there is none.
+  static std::string unreadableOf(const std::string& name) {
+    try {
+      derives(name, "velum.System");
+    } catch (const fl::filesystem::ReadError& error) {
+      return error.path();
+    }
+    return "";
   }
 
   static sotarn::MetaClass metaClass(const std::string& name) {
@@ -94,12 +106,64 @@ TEST_F(Runtime, DescribesBrokenFilesByWhatCanBeRead) {
   write("Deep.vlm", "classdef Deep < velum.System\nproperties\nx = " + std::string(5000, '('));
   write("Script.vlm", "x = 1\n");
   write("Empty.vlm", "");
-  std::filesystem::create_directory(root_.path() + "/Folder.vlm");
   EXPECT_TRUE(derives("Broken", "velum.System"));
   EXPECT_TRUE(derives("Deep", "velum.System"));
-  for (const char* name : {"Script", "Empty", "Folder"}) {
+  for (const char* name : {"Script", "Empty"}) {
     EXPECT_TRUE(exists(name)) << name;
     EXPECT_FALSE(derives(name, "velum.system.SystemImpl")) << name;
+  }
+}
+
+TEST_F(Runtime, WhatCannotBeReadIsNotMissing) {
+  using std::filesystem::create_symlink;
+  const std::string longName(300, 'x');
+  std::filesystem::create_directory(root_.path() + "/Folder.vlm");
+  for (const char* name : {"Loop.vlm", "PLoop.p", "sub"}) {
+    create_symlink(name, root_.path() + "/" + name);
+  }
+  write("PLoop.vlm", "classdef PLoop < velum.System\nend\n");
+  create_symlink("nowhere", root_.path() + "/Dangling.vlm");
+  const struct {
+    const char* what;
+    std::string name;
+    // Empty for a class that is missing.
+    std::string path;
+  } table[] = {
+      {"a folder in place of the file", "Folder", "/Folder.vlm"},
+      {"a loop of links", "Loop", "/Loop.vlm"},
+      {"a loop of links in place of the p-file", "PLoop", "/PLoop.p"},
+      {"a package that cannot be searched", "sub.C", "/sub/C.vlm"},
+      {"a name that is too long for a file", longName, "/" + longName + ".vlm"},
+      {"a dangling link", "Dangling", ""},
+      {"no such package", "none.C", ""},
+      {"a file in place of the package", "PLoop.C", ""},
+  };
+  for (const auto& row : table) {
+    EXPECT_EQ(unreadableOf(row.name), row.path.empty() ? "" : root_.path() + row.path) << row.what;
+    write("Heir.vlm", "classdef Heir < velum.System & " + row.name + "\nend\n");
+    EXPECT_EQ(unreadableOf("Heir").empty(), row.path.empty()) << row.what;
+    sotarn::setClassTable(std::make_shared<sotarn::ClassTable>(sotarn::parseClassTable(
+        R"({"classes": {")" + row.name + R"(": {"superclasses": ["velum.System"]}}})")));
+    EXPECT_EQ(unreadableOf(row.name).empty(), row.path.empty()) << row.what;
+    sotarn::setClassTable(nullptr);
+  }
+}
+
+TEST_F(Runtime, FailuresToReadAreNotCached) {
+  for (int i = 1; i < 50; ++i) {
+    write("C" + std::to_string(i) + ".vlm", "classdef C < C" + std::to_string(i - 1) + "\nend\n");
+  }
+  const std::string base = root_.path() + "/C0.vlm";
+  // A short ancestry and a long one, which the thread keeps as a graph of classes.
+  for (const char* name : {"C3", "C49"}) {
+    const fl::filesystem::FileView view;
+    const fl::filesystem::FileView::Scope scope(view);
+    std::filesystem::create_directory(base);
+    EXPECT_EQ(unreadableOf(name), base);
+    std::filesystem::remove(base);
+    write("C0.vlm", "classdef C0 < velum.System\nend\n");
+    EXPECT_TRUE(derives(name, "velum.System"));
+    std::filesystem::remove(base);
   }
 }
 
