@@ -52,22 +52,43 @@ std::string shortId(const std::string& id) { return id.substr(id.rfind(':') + 1)
 
 }  // namespace
 
-void Summary::add(const ClassOutcome& outcome) {
-  ++classes;
-  findings += outcome.update.findings.size();
-  if (outcome.update.isRefused()) {
-    ++refused;
-  } else if (outcome.update.changed) {
-    ++changed;
-    for (const RuleFamily& family : ruleFamilies) {
-      conversions[family.type] += outcome.update.editCounts[family.type];
-    }
+ClassCounts::ClassCounts(const ClassOutcome& outcome)
+    : isChanged(outcome.update.changed && !outcome.update.isRefused()),
+      isRefused(outcome.update.isRefused()),
+      changesAgain(outcome.update.changesAgain),
+      isUncommitted(!outcome.writeRefusal.empty()) {
+  for (const RuleFamily& family : ruleFamilies) {
+    if (!isChanged) break;
+    edits[family.type] = static_cast<std::uint32_t>(outcome.update.editCounts[family.type]);
   }
+  findings.reserve(outcome.update.findings.size());
   for (const Finding& finding : outcome.update.findings) {
-    ++findingsById[finding.id.empty() ? "other" : shortId(finding.id)];
+    findings.push_back(finding.id.empty() ? "other" : shortId(finding.id));
   }
-  if (outcome.update.changesAgain) ++changesAgain;
-  if (!outcome.writeRefusal.empty()) ++uncommitted;
+}
+
+void Summary::add(const ClassCounts& counts) {
+  ++classes;
+  findings += counts.findings.size();
+  changed += counts.isChanged ? 1 : 0;
+  refused += counts.isRefused ? 1 : 0;
+  changesAgain += counts.changesAgain ? 1 : 0;
+  uncommitted += counts.isUncommitted ? 1 : 0;
+  for (const RuleFamily& family : ruleFamilies)
+    conversions[family.type] += counts.edits[family.type];
+  for (const std::string& id : counts.findings) ++findingsById[id];
+}
+
+void Summary::remove(const ClassCounts& counts) {
+  --classes;
+  findings -= counts.findings.size();
+  changed -= counts.isChanged ? 1 : 0;
+  refused -= counts.isRefused ? 1 : 0;
+  changesAgain -= counts.changesAgain ? 1 : 0;
+  uncommitted -= counts.isUncommitted ? 1 : 0;
+  for (const RuleFamily& family : ruleFamilies)
+    conversions[family.type] -= counts.edits[family.type];
+  for (const std::string& id : counts.findings) --findingsById[id];
 }
 
 void Summary::addFailure(const Failure& failure) {

@@ -2,13 +2,30 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "reports/outcomes/Outcome.h"
 #include "rules/RuleFamilies.h"
 
 namespace soca {
+
+// The part of one class in a summary.
+struct ClassCounts {
+  ClassCounts() = default;
+  explicit ClassCounts(const ClassOutcome& outcome);
+
+  bool isChanged = false;
+  bool isRefused = false;
+  bool changesAgain = false;
+  bool isUncommitted = false;
+  // The number of edits of each rule family, if it is changed.
+  PerFamily<std::uint32_t> edits;
+  // The short ids.
+  std::vector<std::string> findings;
+};
 
 struct Summary {
   // The classes that the service processed, and those of them that change.
@@ -37,7 +54,9 @@ struct Summary {
   std::map<std::string, std::size_t> findingsById;
   std::map<std::string, std::size_t> failuresById;
 
-  void add(const ClassOutcome& outcome);
+  void add(const ClassCounts& counts);
+  // Takes back what `add` did.
+  void remove(const ClassCounts& counts);
   void addFailure(const Failure& failure);
   void addPassedOver(PassedOverFile::Type type);
 };

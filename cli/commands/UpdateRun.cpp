@@ -60,7 +60,7 @@ UpdateRun::UpdateRun(const Options* options, const ClassRoots* roots, Console* c
       targets_(makeTargets()),
       reportOptions_(options->forReport()),
       updater_(roots, &names_, requestOf(*options, reportOptions_)),
-      shared_([this](const std::string& className) { return updateShared(className); }),
+      shared_([this](const std::string& className) { return updateAlone(className); }),
       guard_(options, roots, &names_, &targets_.namedFolders()),
       report_(options->format->make({&reportOptions_, roots, &names_, console})) {
   const bool asksInDryRun = targets_.haveFolders() && !options->noIgnore && !options->check;
@@ -133,13 +133,14 @@ void UpdateRun::computeAll() {
 
 TargetOutcome UpdateRun::work(const Target& target) {
   const fl::filesystem::FileView::Scope scope(view_);
+  const sotarn::ReadClasses::Scope reads(options_->write ? &reads_ : nullptr);
   if (options_->includeSuperclasses) return updater_.update(target, shared_);
   TargetOutcome outcome = updater_.update(target);
   for (ClassOutcome& entry : outcome.classes) finishOutcome(entry);
   return outcome;
 }
 
-SingleUpdate UpdateRun::updateShared(const std::string& className) {
+SingleUpdate UpdateRun::updateAlone(const std::string& className) {
   SingleUpdate update = updater_.updateAlone(className);
   if (update.outcome) finishOutcome(*update.outcome);
   return update;
@@ -184,7 +185,7 @@ void UpdateRun::take(TargetOutcome& outcome) {
 }
 
 void UpdateRun::takeClass(ClassOutcome& outcome) {
-  summary_.add(outcome);
+  summary_.add(ClassCounts(outcome));
   if (!options_->quiet) methodChanges_.add(outcome.update);
   // A file that several classes share by links is changed once.
   const bool hasNewText = outcome.update.hasNewText();
@@ -241,11 +242,80 @@ std::string UpdateRun::nothingText() const {
 void UpdateRun::writeAll() {
   {
     const Phase phase(writePhase);
+    if (queue_->lock()) updateChangedAgain();
     queue_->write();
   }
   isWritten_ = !queue_->result().isCutShort;
   fatalError_ = queue_->result().problem;
   takeWritten();
+}
+
+void UpdateRun::updateChangedAgain() {
+  const std::vector<std::size_t> changed = findChanged(reads_);
+  if (changed.empty()) return;
+  console_->tell(fmt::format("files have changed since they were read; {} again",
+                             changed.size() == 1
+                                 ? "1 class is updated"
+                                 : fmt::format("{} classes are updated", changed.size())));
+  sotarn::ReadClasses reads;
+  {
+    const fl::filesystem::FileView view;
+    const fl::filesystem::FileView::Scope scope(view);
+    const sotarn::ReadClasses::Scope readsScope(&reads);
+    for (const std::size_t entry : changed) {
+      if (!wasInterrupted()) updateAgain(entry);
+    }
+  }
+  if (wasInterrupted()) return;
+  for (const std::size_t entry : findChanged(reads, changed)) {
+    failWriting(entry, std::string(changedReason));
+    queue_->drop(entry);
+  }
+}
+
+std::vector<std::size_t> UpdateRun::findChanged(const sotarn::ReadClasses& reads) const {
+  std::vector<std::size_t> withNewFile;
+  const auto& entries = queue_->entries();
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    if (entries[i].hasNewFile) withNewFile.push_back(i);
+  }
+  return findChanged(reads, std::move(withNewFile));
+}
+
+std::vector<std::size_t> UpdateRun::findChanged(const sotarn::ReadClasses& reads,
+                                                std::vector<std::size_t> entries) const {
+  const auto hasNoNewFile = [&](std::size_t i) { return !queue_->entries()[i].hasNewFile; };
+  std::erase_if(entries, hasNoNewFile);
+  std::vector<std::string> names;
+  for (const std::size_t i : entries) names.push_back(queue_->entries()[i].className);
+  const auto changed = reads.findChanged(names);
+  std::erase_if(entries,
+                [&](std::size_t i) { return !changed.contains(queue_->entries()[i].className); });
+  return entries;
+}
+
+void UpdateRun::updateAgain(std::size_t entry) {
+  const std::string className = queue_->entries()[entry].className;
+  summary_.remove(queue_->entries()[entry].counts);
+  SingleUpdate update = updateAlone(className);
+  if (update.failure) {
+    update.failure->className = className;
+    addFailure(*update.failure);
+    queue_->drop(entry);
+    return;
+  }
+  summary_.add(ClassCounts(*update.outcome));
+  if (!options_->quiet) methodChanges_.add(update.outcome->update);
+  queue_->replace(entry, *update.outcome);
+  report_->printNotes(*update.outcome);
+}
+
+void UpdateRun::failWriting(std::size_t entry, const std::string& reason) {
+  const WriteQueue::Entry& failed = queue_->entries()[entry];
+  --summary_.changed;
+  --summary_.classes;
+  dropConversions(failed);
+  addFailure(makeWriteFailure(failed.className, failed.file, reason));
 }
 
 // Files that were not written do not count as results.
@@ -259,11 +329,7 @@ void UpdateRun::takeWritten() {
         if (entries[i].data.size > 0) report_->printData(queue_->dataOf(entries[i]));
         break;
       case WriteQueue::FateType::failed:
-        --summary_.changed;
-        --summary_.classes;
-        dropConversions(entries[i]);
-        addFailure(
-            makeWriteFailure(entries[i].className, entries[i].file, queue_->reasonOfFailure(i)));
+        failWriting(i, queue_->reasonOfFailure(i));
         break;
       case WriteQueue::FateType::leftOut:
         ++leftOut_;
@@ -275,7 +341,7 @@ void UpdateRun::takeWritten() {
 
 void UpdateRun::dropConversions(const WriteQueue::Entry& entry) {
   for (const RuleFamily& family : ruleFamilies) {
-    summary_.conversions[family.type] -= entry.editCounts[family.type];
+    summary_.conversions[family.type] -= entry.counts.edits[family.type];
   }
 }
 

@@ -22,6 +22,7 @@
 #include "files/targets/Git.h"
 #include "files/targets/Targets.h"
 #include "platform/paths/FileView.h"
+#include "platform/runtime/ReadClasses.h"
 #include "reports/ExitCodes.h"
 #include "reports/Summary.h"
 #include "reports/UpdateReport.h"
@@ -49,7 +50,7 @@ class UpdateRun {
   void countTargets(const std::stop_token& stop, Progress& progress);
   // Both are called by several threads.
   TargetOutcome work(const Target& target);
-  SingleUpdate updateShared(const std::string& className);
+  SingleUpdate updateAlone(const std::string& className);
   // Asks git, and prints the class into its data.
   void finishOutcome(ClassOutcome& outcome);
   // Refuses to change files that git could not restore; in a dry run only records that.
@@ -64,6 +65,15 @@ class UpdateRun {
   bool lookedAtNothing() const;
   std::string nothingText() const;
   void writeAll();
+  // Updates the classes again whose answers came from files that have changed since; they fail if
+  // the files change once more. To be called under the lock for writing.
+  void updateChangedAgain();
+  // The queue's entries with a new file, of all or of some, that no longer belong to the files.
+  std::vector<std::size_t> findChanged(const sotarn::ReadClasses& reads) const;
+  std::vector<std::size_t> findChanged(const sotarn::ReadClasses& reads,
+                                       std::vector<std::size_t> entries) const;
+  void updateAgain(std::size_t entry);
+  void failWriting(std::size_t entry, const std::string& reason);
   void takeWritten();
   // Removes the edits of a class that was not written from the summary.
   void dropConversions(const WriteQueue::Entry& entry);
@@ -77,6 +87,8 @@ class UpdateRun {
   Console* console_;
   // All results are computed from the state of the files before the run.
   fl::filesystem::FileView view_;
+  // Only with `--write`.
+  sotarn::ReadClasses reads_;
   FileNames names_;
   Git git_;
   Targets targets_;

@@ -21,6 +21,10 @@ WriteQueue::WriteQueue(Console* console) : console_(console) {
 }
 
 void WriteQueue::add(const ClassOutcome& outcome, bool hasNewFile) {
+  entries_.push_back(makeEntry(outcome, hasNewFile));
+}
+
+WriteQueue::Entry WriteQueue::makeEntry(const ClassOutcome& outcome, bool hasNewFile) {
   Entry entry;
   entry.className = outcome.update.className;
   entry.file = outcome.update.file;
@@ -31,11 +35,26 @@ void WriteQueue::add(const ClassOutcome& outcome, bool hasNewFile) {
     entry.newDigest = digestOf(outcome.file.newBytes);
   }
   entry.stamp = outcome.file.stamp;
-  for (const RuleFamily& family : ruleFamilies) {
-    entry.editCounts[family.type] =
-        static_cast<std::uint32_t>(outcome.update.editCounts[family.type]);
-  }
-  entries_.push_back(std::move(entry));
+  entry.counts = ClassCounts(outcome);
+  return entry;
+}
+
+void WriteQueue::replace(std::size_t entry, const ClassOutcome& outcome) {
+  entries_[entry] = makeEntry(outcome, outcome.update.hasNewText());
+}
+
+void WriteQueue::drop(std::size_t entry) {
+  entries_[entry].hasNewFile = false;
+  entries_[entry].data = {};
+}
+
+bool WriteQueue::lock() {
+  if (std::ranges::none_of(entries_, &Entry::hasNewFile)) return false;
+  lock_ = lockRuns(store_, *console_);
+  if (lock_) repairAndReport(store_, *lock_, *console_);
+  if (lock_ && !wasInterrupted()) return true;
+  lock_.reset();
+  return false;
 }
 
 void WriteQueue::write() {
@@ -48,9 +67,7 @@ void WriteQueue::write() {
     changes.push_back({entry.file, entry.stamp, entry.newDigest});
   }
   if (changes.empty()) return;
-  const auto lock = lockRuns(store_, *console_);
-  if (lock) repairAndReport(store_, *lock, *console_);
-  if (!lock || wasInterrupted()) {
+  if (!lock_) {
     result_.isWritten.resize(changes.size());
     result_.isCutShort = true;
     return;
@@ -62,7 +79,8 @@ void WriteQueue::write() {
     return bytes;
   };
   WriteProgress progress(console_, "files written");
-  result_ = writeFiles(store_, *lock, changes, newBytes, goesOn, progress.onStep());
+  result_ = writeFiles(store_, *lock_, changes, newBytes, goesOn, progress.onStep());
+  lock_.reset();
 }
 
 WriteQueue::FateType WriteQueue::fateOf(std::size_t entry) const {

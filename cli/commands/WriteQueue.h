@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,8 +10,8 @@
 #include "files/writing/FileBatch.h"
 #include "files/writing/RunStore.h"
 #include "files/writing/Spool.h"
+#include "reports/Summary.h"
 #include "reports/outcomes/Outcome.h"
-#include "rules/RuleFamilies.h"
 
 namespace soca::cli {
 
@@ -27,8 +27,7 @@ class WriteQueue {
     Spool::Place newBytes;
     fl::filesystem::FileStamp stamp;
     Digest newDigest;
-    // The number of edits of each rule family.
-    PerFamily<std::uint32_t> editCounts;
+    ClassCounts counts;
   };
 
   // The result for an entry.
@@ -42,18 +41,30 @@ class WriteQueue {
   void add(const ClassOutcome& outcome, bool hasNewFile);
   std::string dataOf(const Entry& entry) { return data_.take(entry.data); }
 
-  // Writes all new files. If it throws JournalError or std::runtime_error, no file was written.
+  // Replaces an entry that was computed again, or drops one that failed.
+  void replace(std::size_t entry, const ClassOutcome& outcome);
+  void drop(std::size_t entry);
+
+  // Waits until no other program writes, and repairs what it may have left. Returns false if there
+  // is nothing to write, or if the run was interrupted meanwhile.
+  bool lock();
+
+  // Writes all new files, if the lock is held. If it throws JournalError or std::runtime_error, no
+  // file was written.
   void write();
 
   const std::vector<Entry>& entries() const { return entries_; }
-  // To be called after `write`.
+  // To be called after `write`. Without it, all new files are left out.
   FateType fateOf(std::size_t entry) const;
   const std::string& reasonOfFailure(std::size_t entry) const;
   const BatchResult& result() const { return result_; }
 
  private:
+  Entry makeEntry(const ClassOutcome& outcome, bool hasNewFile);
+
   Console* console_;
   RunStore store_;
+  std::optional<RunStore::Lock> lock_;
   Spool data_;
   Spool newBytes_;
   std::vector<Entry> entries_;

@@ -14,6 +14,7 @@
 #include "platform/runtime/ClassTable.h"
 #include "platform/runtime/DescriptionCache.h"
 #include "platform/runtime/EnvironmentClasses.h"
+#include "platform/runtime/ReadClasses.h"
 #include "platform/runtime/SourceDescription.h"
 #include "platform/text/Conversions.h"
 #include "platform/text/FileText.h"
@@ -46,6 +47,8 @@ struct ReadDescription {
   std::shared_ptr<ClassDescription> description;
   // The stamp of the file; empty if the description must not be cached under it.
   std::optional<FileStamp> stamp;
+  // Of the text, if there is no stamp and reads are recorded.
+  std::size_t textHash = 0;
 };
 
 ReadDescription readLargeFile(const std::string& path) {
@@ -66,7 +69,11 @@ ReadDescription readDescription(const std::string& path) {
     const auto analysis = ca::analyzeFile(path);
     ReadDescription read{describeAnalysis(*analysis), {}};
     read.description->readPart = readPartOf(*analysis);
-    if (analysis->file()) read.stamp = analysis->file()->stamp;
+    if (analysis->file()) {
+      read.stamp = analysis->file()->stamp;
+    } else if (ReadClasses::current() != nullptr) {
+      read.textHash = ReadClasses::hashOf(analysis->sourceTextView());
+    }
     return read;
   } catch (const fl::filesystem::TooLargeError&) {
     return readLargeFile(path);
@@ -123,6 +130,10 @@ Description describeOverlay(const std::string& name, const std::string& path,
   return description;
 }
 
+void record(const ClassDescription& description, ReadClasses::FileRecord file) {
+  if (ReadClasses* classes = ReadClasses::current()) classes->add(description, std::move(file));
+}
+
 Description describeFile(const std::string& name, const std::string& path) {
   if (const auto overlay = fl::filesystem::findOverlay(path)) {
     return describeOverlay(name, path, overlay);
@@ -131,15 +142,19 @@ Description describeFile(const std::string& name, const std::string& path) {
   // With roots inside each other, one file may belong to several classes.
   const std::string key = name + '\0' + path;
   if (stamp) {
-    if (Description kept = cache().find(key, *stamp)) return kept;
+    if (Description kept = cache().find(key, *stamp)) {
+      record(*kept, {path, stamp});
+      return kept;
+    }
   }
   const std::int64_t readAt = nanosecondsSinceEpoch();
-  auto [description, stampOfText] = readDescription(path);
+  auto [description, stampOfText, textHash] = readDescription(path);
   description->name = name;
   description->sourcePath = path;
   if (stampOfText && !isRecent(*stampOfText, readAt)) {
     cache().keep(key, *stampOfText, description);
   }
+  record(*description, {path, stampOfText, textHash});
   return description;
 }
 
@@ -160,6 +175,7 @@ Description describePFile(const std::string& name, const ClassPathItem& item) {
   auto description = std::make_shared<ClassDescription>();
   description->name = name;
   description->origin = ClassOriginType::pFileOnly;
+  record(*description, {});
   return description;
 }
 

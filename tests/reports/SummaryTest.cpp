@@ -13,10 +13,10 @@ TEST(Summary, CountsByKindInLinesThatFit) {
   outcome.update.editCounts[RuleFamilyType::attributes] = 3;
   outcome.update.editCounts[RuleFamilyType::impl] = 12;
   outcome.update.findings = {{.id = "a:ImplSignatureMismatch"}, {.id = "Rare"}, {.id = "Rare"}, {}};
-  summary.add(outcome);
+  summary.add(ClassCounts(outcome));
   outcome.update.refusal = "no";
   outcome.update.findings.clear();
-  summary.add(outcome);
+  summary.add(ClassCounts(outcome));
   summary.addFailure({.id = "VELUM:system:Analyzer:SyntaxError"});
   EXPECT_EQ(formatDetails(summary, 80),
             "  conversions: 12 impl, 3 attributes\n"

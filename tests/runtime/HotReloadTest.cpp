@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <filesystem>
 #include <thread>
 
 #include "platform/analyzer/FileAnalysis.h"
@@ -10,6 +11,8 @@
 #include "platform/paths/Overlay.h"
 #include "platform/paths/PathDispatcher.h"
 #include "platform/runtime/ClassDescription.h"
+#include "platform/runtime/ClassTable.h"
+#include "platform/runtime/ReadClasses.h"
 #include "tests/platform/TemporaryFolder.h"
 
 namespace {
@@ -122,6 +125,62 @@ TEST_F(HotReload, ACallHasAViewOfItsOwnOrThatOfItsCaller) {
   const fl::filesystem::FileView view;
   const fl::filesystem::FileView::Scope scope(view);
   EXPECT_EQ(supersDuringCall('E') + supersDuringCall('F') + superNow(), "DDDDD");
+}
+
+// What of a chain, a class on its own and a class of the class table has changed.
+TEST_F(HotReload, ChangedClassesAreFoundWithAllThatDeriveFromThem) {
+  sotarn::setClassTable(std::make_shared<sotarn::ClassTable>(sotarn::parseClassTable(
+      R"({"classes": {"T": {"superclasses": ["B"]}, "U": {"superclasses": ["A"]}}})")));
+  const std::vector<std::string> names = {"A", "B", "C", "X", "T", "U"};
+  const auto writeAll = [&] {
+    root_.write("A.vlm", "classdef A < velum.System & Missing\nend\n");
+    root_.write("B.vlm", "classdef B < A\nend\n");
+    root_.write("C.vlm", "classdef C < B\nend\n");
+    root_.write("X.vlm", "classdef X < velum.System\nend\n");
+    root_.write("T.vlm", "classdef T < X\nend\n");
+    root_.write("P.p", "");
+    std::filesystem::remove(root_.path() + "/Missing.vlm");
+  };
+  const auto changedAfter = [&](const auto& change, int milliseconds) {
+    writeAll();
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    sotarn::ReadClasses reads;
+    const auto describeAll = [&] {
+      const sotarn::ReadClasses::Scope scope(&reads);
+      for (const std::string& name : names) sotarn::describeClass(name);
+      sotarn::describeClass("P");
+    };
+    describeAll();
+    EXPECT_EQ(reads.findChanged(names).size(), 0);
+    change();
+    std::thread(describeAll).join();
+    const auto changed = reads.findChanged(names);
+    std::string text;
+    for (const std::string& name : names) text += changed.contains(name) ? name : "";
+    return text;
+  };
+  const struct {
+    const char* file;
+    const char* text;
+    const char* changed;
+  } table[] = {
+      {"A.vlm", "classdef A < velum.System & missing\nend\n", "ABCTU"},
+      {"C.vlm", "classdef C < X\nend\n", "C"},
+      {"X.vlm", "classdef X < handle\nend\n", "X"},
+      {"T.vlm", "classdef T\nend\n", "T"},
+      {"Missing.vlm", "classdef Missing\nend\n", "ABCTU"},
+      {"Other.vlm", "classdef Other\nend\n", ""},
+  };
+  // Of a file that has just changed, the text is compared.
+  for (const int milliseconds : {0, 30}) {
+    for (const auto& row : table) {
+      const auto change = [&] { root_.write(row.file, row.text); };
+      EXPECT_EQ(changedAfter(change, milliseconds), row.changed) << row.file;
+    }
+    const auto remove = [&] { std::filesystem::remove(root_.path() + "/B.vlm"); };
+    EXPECT_EQ(changedAfter(remove, milliseconds), "BCT");
+  }
+  sotarn::setClassTable(nullptr);
 }
 
 }  // namespace
