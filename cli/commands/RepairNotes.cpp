@@ -31,6 +31,7 @@ void print(const RepairedRun& repaired, Console& console) {
     return;
   }
   console.tell(describe(repaired));
+  for (const std::string& warning : repaired.result.warnings) console.tell(warning);
   for (const LeftFile& file : repaired.result.changed) {
     console.complain(fmt::format("'{}' is left as it is: {}", file.path, file.reason));
   }

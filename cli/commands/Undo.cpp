@@ -163,6 +163,7 @@ ExitCodeType report(const Undo& undone, bool isVerbose, Console& console) {
   console.tell(fmt::format("run {} of {}: {} in '{}'", undone.run, timeText(undone.journal->time()),
                            counted(undone.selected.size(), "file"), undone.folder));
   printFiles(undone, isVerbose, console);
+  for (const std::string& warning : undone.result.warnings) console.tell(warning);
   console.tell(describe(undone));
   if (undone.result.isCutShort) return interruptExitCode();
   return undone.leftCount() == 0 ? ExitCodeType::done : ExitCodeType::failed;

@@ -349,6 +349,9 @@ void UpdateRun::finish() {
   guard_.report(*report_);
   report_->finish(exitCode());
   if (!options_->quiet) printWarnings();
+  if (queue_) {
+    for (const std::string& warning : queue_->result().warnings) console_->tell(warning);
+  }
   if (!fatalError_.empty()) console_->complain(fatalError_);
   if (lookedAtNothing()) console_->complain(nothingText());
   console_->tell(summaryText());

@@ -1,10 +1,13 @@
 #include "files/writing/FileAttributes.h"
 
+#include <fmt/core.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -12,7 +15,7 @@ namespace soca {
 namespace {
 
 constexpr std::int64_t second = 1'000'000'000;
-constexpr std::string_view accessList = "system.posix_acl_access";
+constexpr const char* accessList = "system.posix_acl_access";
 
 // The names, each terminated by NUL. A file system without attributes has no names.
 std::vector<std::string> splitNames(std::string_view bytes) {
@@ -24,36 +27,81 @@ std::vector<std::string> splitNames(std::string_view bytes) {
   return names;
 }
 
-std::vector<std::string> attributeNames(const std::string& path) {
+enum class CopyType { done, forbidden, failed };
+
+// What the last error of a call on an attribute means.
+CopyType typeOfError() {
+  const bool isForbidden = errno == EPERM || errno == EACCES || errno == ENOTSUP;
+  return isForbidden ? CopyType::forbidden : CopyType::failed;
+}
+
+// Empty, with errno, if they cannot be read.
+std::optional<std::vector<std::string>> attributeNames(const std::string& path) {
   const ssize_t size = ::llistxattr(path.c_str(), nullptr, 0);
-  if (size <= 0) return {};
+  if (size < 0 && errno == ENOTSUP) return std::vector<std::string>();
+  if (size < 0) return std::nullopt;
   std::string bytes(static_cast<std::size_t>(size), '\0');
   const ssize_t count = ::llistxattr(path.c_str(), bytes.data(), bytes.size());
-  return splitNames({bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))});
+  if (count < 0) return std::nullopt;
+  return splitNames({bytes.data(), static_cast<std::size_t>(count)});
 }
 
-bool copyAttribute(const std::string& path, const std::string& name, int newFile) {
-  const ssize_t size = ::lgetxattr(path.c_str(), name.c_str(), nullptr, 0);
-  if (size < 0) return false;
+// Empty, with errno, if it cannot be read. `read` is a system call that takes a place and its size.
+template <class Read>
+std::optional<std::string> valueOf(const Read& read) {
+  const ssize_t size = read(nullptr, 0);
+  if (size < 0) return std::nullopt;
   std::string value(static_cast<std::size_t>(size), '\0');
-  const ssize_t count = ::lgetxattr(path.c_str(), name.c_str(), value.data(), value.size());
-  return count >= 0 &&
-         ::fsetxattr(newFile, name.c_str(), value.data(), static_cast<std::size_t>(count), 0) == 0;
+  const ssize_t count = read(value.data(), value.size());
+  if (count < 0) return std::nullopt;
+  value.resize(static_cast<std::size_t>(count));
+  return value;
 }
 
-bool copyExtendedAttributes(const std::string& path, int newFile) {
-  bool hasAccessList = false;
-  for (const std::string& name : attributeNames(path)) {
-    const bool isCopied = copyAttribute(path, name, newFile);
-    if (name != accessList) continue;
-    if (!isCopied) return false;
-    hasAccessList = true;
+CopyType copyAttribute(const std::string& path, const std::string& name, int newFile) {
+  const auto value = valueOf([&](char* place, std::size_t size) {
+    return ::lgetxattr(path.c_str(), name.c_str(), place, size);
+  });
+  if (!value) return typeOfError();
+  if (::fsetxattr(newFile, name.c_str(), value->data(), value->size(), 0) == 0) {
+    return CopyType::done;
   }
-  // The new file may have inherited one from its folder.
-  if (!hasAccessList && ::flistxattr(newFile, nullptr, 0) > 0) {
-    ::fremovexattr(newFile, accessList.data());
+  const CopyType type = typeOfError();
+  const int error = errno;
+  // Some the new file has from its folder, and nobody may set them.
+  const auto own = valueOf([&](char* place, std::size_t size) {
+    return ::fgetxattr(newFile, name.c_str(), place, size);
+  });
+  errno = error;
+  return own == value ? CopyType::done : type;
+}
+
+std::string errorText(std::string_view what) {
+  return fmt::format("{}: {}", what, std::strerror(errno));
+}
+
+// The new file may have inherited one from its folder.
+bool dropAccessList(int newFile) {
+  return ::fremovexattr(newFile, accessList) == 0 || errno == ENODATA || errno == ENOTSUP;
+}
+
+void copyExtendedAttributes(const std::string& path, int newFile, CopiedAttributes& result) {
+  const auto names = attributeNames(path);
+  if (!names) {
+    result.fault = errorText("its extended attributes could not be read");
+    return;
   }
-  return true;
+  for (const std::string& name : *names) {
+    const CopyType type = copyAttribute(path, name, newFile);
+    if (type == CopyType::failed || (type == CopyType::forbidden && name == accessList)) {
+      result.fault = errorText(fmt::format("its attribute '{}' could not be copied", name));
+      return;
+    }
+    if (type == CopyType::forbidden) result.forbidden.push_back(name);
+  }
+  const bool hasAccessList = std::ranges::find(*names, accessList) != names->end();
+  if (hasAccessList || dropAccessList(newFile)) return;
+  result.fault = errorText("the access list that the new file has from its folder stays");
 }
 
 }  // namespace
@@ -74,14 +122,22 @@ bool isOf(const struct stat& status, const fl::filesystem::FileStamp& stamp) {
          nanosecondsOf(status.st_ctim) == stamp.changeTime;
 }
 
-bool copyAttributes(const std::string& path, const struct stat& old, int newFile) {
+CopiedAttributes copyAttributes(const std::string& path, const struct stat& old, int newFile) {
+  CopiedAttributes result;
   struct stat own = {};
-  if (::fstat(newFile, &own) != 0) return false;
   // The owner first, because changing it may remove permissions.
-  const bool isSameOwner = own.st_uid == old.st_uid && own.st_gid == old.st_gid;
-  if (!isSameOwner && ::fchown(newFile, old.st_uid, old.st_gid) != 0) return false;
-  if (!copyExtendedAttributes(path, newFile)) return false;
-  return ::fchmod(newFile, old.st_mode & 07777U) == 0;
+  const bool isOwned =
+      ::fstat(newFile, &own) == 0 && ((own.st_uid == old.st_uid && own.st_gid == old.st_gid) ||
+                                      ::fchown(newFile, old.st_uid, old.st_gid) == 0);
+  if (!isOwned) {
+    result.fault = errorText("the new file could not get the owner of the old one");
+    return result;
+  }
+  copyExtendedAttributes(path, newFile, result);
+  if (result.fault.empty() && ::fchmod(newFile, old.st_mode & 07777U) != 0) {
+    result.fault = errorText("the new file could not get the permissions of the old one");
+  }
+  return result;
 }
 
 }  // namespace soca

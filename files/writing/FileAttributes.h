@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "platform/paths/SourceReader.h"
 
@@ -17,10 +18,17 @@ timespec timeOf(std::int64_t nanoseconds);
 // Whether the status is that of the file with the stamp, unchanged since.
 bool isOf(const struct stat& status, const fl::filesystem::FileStamp& stamp);
 
+// The result of copying the attributes of a file.
+struct CopiedAttributes {
+  // What could not be copied, and why; empty if all could.
+  std::string fault;
+  // The names of the extended attributes that the system does not let this user read or set.
+  std::vector<std::string> forbidden;
+};
+
 // Sets the owner, the permissions and the extended attributes, including access lists, of the open
-// new file to those of the old one at `path`, whose status is `old`. Returns false and sets errno
-// if the owner, or an attribute that grants or denies access, cannot be copied; others are copied
-// if possible.
-bool copyAttributes(const std::string& path, const struct stat& old, int newFile);
+// new file to those of the old one at `path`, whose status is `old`. Stops at the first fault. An
+// access list that cannot be copied is one, even if the system forbids it.
+CopiedAttributes copyAttributes(const std::string& path, const struct stat& old, int newFile);
 
 }  // namespace soca

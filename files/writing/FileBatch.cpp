@@ -222,6 +222,7 @@ void Batch::commit(std::size_t index, const std::optional<std::string>& flushFai
 void Batch::finish() {
   result_.run = run_.number();
   writer_.discardRest();
+  result_.warnings = writer_.warnings();
   constexpr std::string_view whatFollows = "the next run takes back what this one has written";
   try {
     result_.problem = writer_.flushFolders().value_or("");

@@ -32,6 +32,8 @@ struct BatchResult {
   std::map<std::size_t, std::string> failures;
   // Whether it stopped before all possible files were written.
   bool isCutShort = false;
+  // Lines on written files that are not quite as before.
+  std::vector<std::string> warnings;
   // A fault after the last file; empty if there was none.
   std::string problem;
 };

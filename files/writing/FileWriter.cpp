@@ -1,7 +1,7 @@
 #include "files/writing/FileWriter.h"
 
 #include <fcntl.h>
-#include <fmt/core.h>
+#include <fmt/ranges.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -35,12 +35,13 @@ bool setModificationTime(int file, std::int64_t nanoseconds) {
   return ::futimens(file, times) == 0;
 }
 
+// `forbidden` gets the names of the attributes that the system does not let the new file have.
 std::optional<std::string> fill(const Descriptor& file, const Replacement& replacement,
-                                const struct stat& old) {
+                                const struct stat& old, std::vector<std::string>& forbidden) {
   if (!file.write(replacement.bytes)) return errorText("the new text could not be written");
-  if (!copyAttributes(replacement.path, old, file.number())) {
-    return errorText("the new file could not get the owner and permissions of the old one");
-  }
+  auto attributes = copyAttributes(replacement.path, old, file.number());
+  if (!attributes.fault.empty()) return std::move(attributes.fault);
+  forbidden = std::move(attributes.forbidden);
   const auto time = replacement.modificationTime;
   if (time && !setModificationTime(file.number(), *time)) {
     return errorText("the new file could not get the time of the old one");
@@ -65,11 +66,12 @@ std::optional<std::string> FileWriter::stage(std::size_t number, const Replaceme
   const Descriptor file(
       ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600));
   if (!file.isOpen()) return errorText("no new file could be made beside it");
-  if (auto reason = fill(file, replacement, old)) {
-    ::unlink(temporary.c_str());
+  StagedFile staged{replacement.path, std::move(temporary), replacement.stamp};
+  if (auto reason = fill(file, replacement, old, staged.forbiddenAttributes)) {
+    ::unlink(staged.temporary.c_str());
     return reason;
   }
-  staged_.push_back({replacement.path, std::move(temporary), replacement.stamp});
+  staged_.push_back(std::move(staged));
   return std::nullopt;
 }
 
@@ -90,6 +92,7 @@ std::optional<std::string> FileWriter::commit(std::size_t index) {
     return errorText("it could not be replaced");
   }
   file.isPending = false;
+  file.isCommitted = true;
   return std::nullopt;
 }
 
@@ -99,6 +102,18 @@ void FileWriter::discardRest() {
     ::unlink(file.temporary.c_str());
     file.isPending = false;
   }
+}
+
+std::vector<std::string> FileWriter::warnings() const {
+  std::vector<std::string> warnings;
+  warnings.reserve(staged_.size());
+  for (const StagedFile& file : staged_) {
+    if (!file.isCommitted || file.forbiddenAttributes.empty()) continue;
+    warnings.push_back(fmt::format(
+        "warning: '{}' no longer has what the system does not let you copy, the attributes {}",
+        file.target, fmt::join(file.forbiddenAttributes, ", ")));
+  }
+  return warnings;
 }
 
 std::optional<std::string> FileWriter::flushFolders() const {

@@ -56,6 +56,9 @@ class FileWriter {
   // Deletes the staged files that were not committed.
   void discardRest();
 
+  // Lines on the committed files that lack an extended attribute of the old ones.
+  std::vector<std::string> warnings() const;
+
   // Flushes the folders of the files to the disk.
   std::optional<std::string> flushFolders() const;
 
@@ -68,6 +71,9 @@ class FileWriter {
     fl::filesystem::FileStamp stamp;
     // Whether the temporary file exists.
     bool isPending = true;
+    bool isCommitted = false;
+    // Extended attributes of the old file that the new one lacks.
+    std::vector<std::string> forbiddenAttributes;
   };
 
   std::string token_;

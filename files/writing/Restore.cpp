@@ -82,6 +82,7 @@ class Restorer {
     }
     if (goesOn()) commitAll();
     writer_.discardRest();
+    result_.warnings = writer_.warnings();
     if (const auto reason = writer_.flushFolders()) throw JournalError(*reason);
   }
 

@@ -23,6 +23,8 @@ struct RestoreResult {
   // could not be written.
   std::vector<LeftFile> changed;
   std::vector<LeftFile> failed;
+  // Lines on restored files that are not quite as before.
+  std::vector<std::string> warnings;
   bool isCutShort = false;
 };
 
