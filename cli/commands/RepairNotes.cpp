@@ -2,6 +2,7 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <string>
 
 #include "cli/commands/WriteProgress.h"
@@ -19,6 +20,9 @@ std::string describe(const RepairedRun& repaired) {
                          : fmt::format("run {} was interrupted", run);
   const std::size_t count = result.restored.size();
   if (result.isCutShort) return text + "; putting its files back was interrupted, too";
+  if (count == 0 && result.changed.size() + result.failed.size() > 0) {
+    return text + "; not everything that it left could be put back or removed";
+  }
   if (count == 0) return text + "; it had left no changed file, and what else it left is removed";
   return text + fmt::format("; {} as before the run now",
                             count == 1 ? "1 file that it had changed is"
@@ -48,15 +52,26 @@ std::optional<RunStore::Lock> lockRuns(const RunStore& store, Console& console) 
                     goesOn);
 }
 
-std::vector<RunNumber> repairAndReport(const RunStore& store, const RunStore::Lock& lock,
-                                       Console& console) {
-  std::vector<RunNumber> runs;
+std::vector<RepairedRun> repairAndReport(const RunStore& store, const RunStore::Lock& lock,
+                                         Console& console,
+                                         const std::vector<RepairedRun>& reported) {
   WriteProgress progress(&console, "files put back");
-  for (const RepairedRun& repaired : repairRuns(store, lock, goesOn, progress.onStep())) {
-    print(repaired, console);
-    runs.push_back(repaired.run);
+  auto all = repairRuns(store, lock, goesOn, progress.onStep());
+  for (const RepairedRun& repaired : all) {
+    const bool isKnown =
+        std::ranges::find(reported, repaired.run, &RepairedRun::run) != reported.end();
+    if (!isKnown) print(repaired, console);
   }
-  return runs;
+  return all;
+}
+
+void tellOfDamaged(const RunStore& store, Console& console) {
+  for (const auto& [run, fault] : findDamagedRuns(store)) {
+    console.tell(fmt::format(
+        "warning: run {0} can be neither undone nor repaired: {1}; 'soca undo --forget {0}' names "
+        "its files and removes the journal",
+        run, fault));
+  }
 }
 
 void tellOfInterrupted(const RunStore& store, std::string_view what, Console& console) {

@@ -15,10 +15,14 @@ namespace soca::cli {
 // JournalError.
 std::optional<RunStore::Lock> lockRuns(const RunStore& store, Console& console);
 
-// Repairs all interrupted runs, and prints the result of each. Returns the runs. Throws
+// Repairs all interrupted runs, and prints the result of each that is not one of `reported`. Throws
 // JournalError.
-std::vector<RunNumber> repairAndReport(const RunStore& store, const RunStore::Lock& lock,
-                                       Console& console);
+std::vector<RepairedRun> repairAndReport(const RunStore& store, const RunStore::Lock& lock,
+                                         Console& console,
+                                         const std::vector<RepairedRun>& reported = {});
+
+// Prints the runs that can be neither undone nor repaired. Throws JournalError.
+void tellOfDamaged(const RunStore& store, Console& console);
 
 // Prints that interrupted runs wait for their repair, which `what` begins with.
 void tellOfInterrupted(const RunStore& store, std::string_view what, Console& console);

@@ -4,6 +4,8 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <ctime>
 #include <iterator>
 #include <memory>
@@ -16,6 +18,7 @@
 #include "cli/commands/WriteProgress.h"
 #include "cli/terminal/Signals.h"
 #include "files/targets/ClassRoots.h"
+#include "files/targets/UsageError.h"
 #include "files/writing/Journal.h"
 #include "files/writing/Restore.h"
 #include "files/writing/RunStore.h"
@@ -26,6 +29,11 @@ namespace soca::cli {
 namespace {
 
 constexpr std::string_view listAdvice = "'soca undo --list' shows the runs";
+
+RunNumber runOf(const std::string& argument) {
+  if (const auto run = parseRunNumber(argument)) return *run;
+  throw UsageError(fmt::format("'{}' is no number of a run; {}", argument, listAdvice));
+}
 
 // --- the list ---
 
@@ -39,7 +47,6 @@ std::string timeText(std::int64_t time) {
 std::string stateText(const Journal& journal, bool isBusy) {
   using StateType = Journal::StateType;
   switch (journal.state()) {
-    case StateType::notBegun:
     case StateType::interrupted:
       return isBusy ? "running" : "interrupted";
     case StateType::done:
@@ -48,10 +55,8 @@ std::string stateText(const Journal& journal, bool isBusy) {
       return fmt::format("undone but for {}", journal.pending().size());
     case StateType::undone:
       return journal.wasDone() ? "undone" : "interrupted, undone";
-    case StateType::damaged:
-      break;
   }
-  return "damaged";
+  return {};
 }
 
 std::string row(std::string_view run, std::string_view time, std::string_view files,
@@ -64,7 +69,8 @@ std::string listRow(const RunStore& store, RunNumber run, bool isBusy) {
   const std::string number = fmt::format("{}", run);
   if (journal == nullptr) return row(number, "?", "?", "damaged", "?");
   return row(number, timeText(journal->time()), fmt::format("{}", journal->changed().size()),
-             stateText(*journal, isBusy), withEscapesInLine(journal->commonFolder()));
+             journal->hasIntactBytes() ? stateText(*journal, isBusy) : "damaged",
+             withEscapesInLine(journal->commonFolder()));
 }
 
 ExitCodeType listRuns(const RunStore& store, Console& console) {
@@ -77,6 +83,7 @@ ExitCodeType listRuns(const RunStore& store, Console& console) {
   console.print(row("RUN", "TIME", "FILES", "STATE", "FOLDER"));
   std::ranges::reverse(runs);
   for (const RunNumber run : runs) console.print(listRow(store, run, isBusy));
+  tellOfDamaged(store, console);
   return ExitCodeType::done;
 }
 
@@ -84,12 +91,6 @@ ExitCodeType listRuns(const RunStore& store, Console& console) {
 
 // Throws JournalError if no file of the request can be restored.
 void checkUndoable(RunNumber run, const Journal& journal, const UndoRequest& request) {
-  if (journal.state() == Journal::StateType::damaged) {
-    throw JournalError(fmt::format("the journal of run {} is damaged, so it can't be undone", run));
-  }
-  if (journal.state() == Journal::StateType::notBegun) {
-    throw JournalError(fmt::format("run {} was interrupted before it changed a file", run));
-  }
   if (request.select(journal, journal.changed()).empty()) {
     throw JournalError(fmt::format("run {} changed no file in '{}', but some in '{}'", run,
                                    request.limit, journal.commonFolder()));
@@ -130,12 +131,10 @@ std::size_t Undo::leftCount() const {
 std::string describe(const Undo& undone) {
   const std::size_t restored = undone.result.restored.size();
   const std::size_t left = undone.leftCount();
+  const std::string_view verb = restored == 1 ? "is" : "are";
   std::string text = undone.result.isCutShort ? "interrupted; " : "";
   text += fmt::format("run {}: {} {} as {} before", undone.run, counted(restored, "file"),
-                      undone.isDry    ? "would be"
-                      : restored == 1 ? "is"
-                                      : "are",
-                      restored == 1 ? "it was" : "they were");
+                      undone.isDry ? "would be" : verb, restored == 1 ? "it was" : "they were");
   if (left == 0) return text;
   if (undone.isDry) return text + fmt::format(", {} would be left", left);
   return text + fmt::format(", {} {} left; once nothing is in the way, 'soca undo {}' goes on",
@@ -169,12 +168,32 @@ ExitCodeType report(const Undo& undone, bool isVerbose, Console& console) {
   return undone.leftCount() == 0 ? ExitCodeType::done : ExitCodeType::failed;
 }
 
+// Throws JournalError if there is no such run.
+void checkExists(const RunStore& store, RunNumber run) {
+  const auto runs = store.runs();
+  if (std::ranges::find(runs, run) != runs.end()) return;
+  throw JournalError(fmt::format("there is no run {}; {}", run, listAdvice));
+}
+
+// Throws JournalError if the journal is damaged. Only a part that is named is restored in spite of
+// a damaged old text, since then the user knows of it.
+void checkIntact(const RunStore& store, RunNumber run, const UndoRequest& request) {
+  const auto fault = findFault(store.folderOf(run));
+  if (!fault) return;
+  const bool isReadable = openJournal(store.folderOf(run)) != nullptr;
+  if (isReadable && !request.limit.empty()) return;
+  throw JournalError(fmt::format(
+      "run {0} can't be undone: {1}; {2}'soca undo --forget {0}' names its files and removes the "
+      "journal; other runs can be undone by their numbers",
+      run, *fault,
+      isReadable ? fmt::format("'soca undo {} FILE' puts back a file whose text is whole; ", run)
+                 : ""));
+}
+
 // Throws JournalError if there is no such run, or it cannot be undone.
 Undo openRun(const RunStore& store, RunNumber run, const UndoRequest& request) {
-  const auto runs = store.runs();
-  if (std::ranges::find(runs, run) == runs.end()) {
-    throw JournalError(fmt::format("there is no run {}; {}", run, listAdvice));
-  }
+  checkExists(store, run);
+  checkIntact(store, run, request);
   Undo undo;
   undo.run = run;
   undo.journal = std::make_unique<Journal>(store.folderOf(run));
@@ -202,9 +221,60 @@ ExitCodeType preview(const RunStore& store, const UndoRequest& request, const Op
 ExitCodeType exitCodeOfRepaired(const RunStore& store, RunNumber run) {
   if (wasInterrupted()) return interruptExitCode();
   const auto journal = openJournal(store.folderOf(run));
-  const bool isUndone = journal == nullptr || journal->pending().empty() ||
-                        journal->state() == Journal::StateType::notBegun;
+  const bool isUndone = journal == nullptr || journal->pending().empty();
   return isUndone ? ExitCodeType::done : ExitCodeType::failed;
+}
+
+// Without a number, the interrupted run instead of an older one, even if it had changed no file.
+std::optional<RunNumber> chooseRepaired(const UndoRequest& request, std::optional<RunNumber> run,
+                                        const std::vector<RepairedRun>& repaired) {
+  const bool isNewest = !repaired.empty() && (!run || repaired.back().run > *run) &&
+                        repaired.back().type == RepairedRun::Type::notBegun;
+  if (!request.run && isNewest) return repaired.back().run;
+  const bool isRepaired =
+      run && std::ranges::find(repaired, *run, &RepairedRun::run) != repaired.end();
+  return isRepaired ? run : std::nullopt;
+}
+
+// --- forgetting ---
+
+void printPaths(const std::vector<std::string>& paths, Console& console) {
+  for (const std::string& path : paths) console.print(withEscapesInLine(path) + '\n');
+}
+
+void forgetRun(const RunStore& store, const RunStore::Lock& lock, RunNumber run, Console& console) {
+  checkExists(store, run);
+  printPaths(readablePaths(store.folderOf(run)), console);
+  if (!store.remove(lock, run)) {
+    throw JournalError(fmt::format("the journal '{}' can't be removed: {}", store.folderOf(run),
+                                   std::strerror(errno)));
+  }
+  console.tell(fmt::format("run {} is forgotten, and can't be undone any more", run));
+}
+
+ExitCodeType previewForgetting(const RunStore& store, const std::vector<RunNumber>& runs,
+                               Console& console) {
+  for (const RunNumber run : runs) {
+    checkExists(store, run);
+    printPaths(readablePaths(store.folderOf(run)), console);
+    console.tell(fmt::format("run {} would be forgotten", run));
+  }
+  return ExitCodeType::done;
+}
+
+ExitCodeType forgetRuns(const RunStore& store, const Options& options, Console& console) {
+  std::vector<RunNumber> runs;
+  std::ranges::transform(options.arguments, std::back_inserter(runs), runOf);
+  if (options.dryRun) return previewForgetting(store, runs, console);
+  catchBrokenPipes();
+  const auto lock = lockRuns(store, console);
+  if (!lock) return interruptExitCode();
+  repairAndReport(store, *lock, console);
+  for (const RunNumber run : runs) {
+    if (wasInterrupted()) return interruptExitCode();
+    forgetRun(store, *lock, run, console);
+  }
+  return ExitCodeType::done;
 }
 
 }  // namespace
@@ -212,6 +282,7 @@ ExitCodeType exitCodeOfRepaired(const RunStore& store, RunNumber run) {
 ExitCodeType runUndo(const Options& options, Console& console) {
   const RunStore store;
   if (options.list) return listRuns(store, console);
+  if (options.forget) return forgetRuns(store, options, console);
   const UndoRequest request(options);
   if (options.dryRun) return preview(store, request, options, console);
 
@@ -222,9 +293,12 @@ ExitCodeType runUndo(const Options& options, Console& console) {
   const auto run = request.findRun(store);
   const auto repaired = repairAndReport(store, *lock, console);
   if (wasInterrupted()) return interruptExitCode();
+  if (const auto chosen = chooseRepaired(request, run, repaired)) {
+    return exitCodeOfRepaired(store, *chosen);
+  }
   if (!run) throw JournalError(request.whyNoRun(store));
-  if (std::ranges::find(repaired, *run) != repaired.end()) return exitCodeOfRepaired(store, *run);
   Undo undo = openRun(store, *run, request);
+  tellOfDamaged(store, console);
   {
     WriteProgress progress(&console, "files put back");
     undo.result = undoRun(*undo.journal, undo.selected, goesOn, progress.onStep());

@@ -25,13 +25,10 @@ FileNumbers numbersBelow(const Journal& journal, const FileNumbers& numbers,
   return below;
 }
 
-// Whether a run that was interrupted early might have changed files in the folder is not known, and
-// then it counts: an older run must not be undone instead of it.
+// One whose journal is damaged might, and an older run must not be undone instead of it.
 bool concerns(const RunStore& store, RunNumber run, std::string_view folder) {
   const auto journal = openJournal(store.folderOf(run));
-  if (journal == nullptr) return true;
-  if (journal->files().empty()) return !journal->isRemainder();
-  return !numbersBelow(*journal, journal->changed(), folder).empty();
+  return journal == nullptr || !numbersBelow(*journal, journal->changed(), folder).empty();
 }
 
 // "run 3 changed files in '/a', run 2 in '/b'"

@@ -47,6 +47,7 @@ void tellOfWaitingRuns(Console& console) {
     tellOfInterrupted(RunStore(), "the next run with --write, or 'soca undo',", console);
   } catch (const JournalError&) {
     // Only a run that writes needs the journals.
+    return;
   }
 }
 

@@ -10,6 +10,7 @@ OnStep WriteProgress::onStep() {
       advance(step, count, Progress::Clock::now());
     } catch (const std::bad_alloc&) {
       // The files matter more than what is shown of them.
+      progress_.reset();
     }
   };
 }

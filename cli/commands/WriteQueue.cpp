@@ -17,7 +17,10 @@ bool goesOn() { return !wasInterrupted(); }
 WriteQueue::WriteQueue(Console* console) : console_(console) {
   // The files beside the class files must be deleted even if the reader of the output is gone.
   catchBrokenPipes();
-  if (const auto lock = lockRuns(store_, *console_)) repairAndReport(store_, *lock, *console_);
+  if (const auto lock = lockRuns(store_, *console_)) {
+    repaired_ = repairAndReport(store_, *lock, *console_);
+    tellOfDamaged(store_, *console_);
+  }
 }
 
 void WriteQueue::add(const ClassOutcome& outcome, bool hasNewFile) {
@@ -51,7 +54,7 @@ void WriteQueue::drop(std::size_t entry) {
 bool WriteQueue::lock() {
   if (std::ranges::none_of(entries_, &Entry::hasNewFile)) return false;
   lock_ = lockRuns(store_, *console_);
-  if (lock_) repairAndReport(store_, *lock_, *console_);
+  if (lock_) repairAndReport(store_, *lock_, *console_, repaired_);
   if (lock_ && !wasInterrupted()) return true;
   lock_.reset();
   return false;

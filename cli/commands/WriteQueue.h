@@ -8,6 +8,7 @@
 
 #include "cli/terminal/Console.h"
 #include "files/writing/FileBatch.h"
+#include "files/writing/Repair.h"
 #include "files/writing/RunStore.h"
 #include "files/writing/Spool.h"
 #include "reports/Summary.h"
@@ -65,6 +66,8 @@ class WriteQueue {
   Console* console_;
   RunStore store_;
   std::optional<RunStore::Lock> lock_;
+  // The runs whose repair was reported before the first class was read.
+  std::vector<RepairedRun> repaired_;
   Spool data_;
   Spool newBytes_;
   std::vector<Entry> entries_;

@@ -36,7 +36,8 @@ constexpr auto commandDetails = std::to_array<CommandDetails>({
     {CommandType::undo,
      "RUN is the number of a run, as --list shows it; the default is the last run that changed a "
      "file in the current folder, or in the named one. The files get back their bytes, permissions "
-     "and times. With FILE or DIR, only that file, or the files below that folder, do."},
+     "and times. With FILE or DIR, only that file, or the files below that folder, do. A run whose "
+     "record is damaged is refused; several runs are taken only with --forget."},
 });
 
 constexpr auto descriptionTexts = std::to_array<std::string_view>({

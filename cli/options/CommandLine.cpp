@@ -127,6 +127,10 @@ void checkOptions(const CommandRow& command, const Options& options) {
   if (options.list && options.dryRun) {
     throw UsageError("--list and --dry-run cannot be combined: --list changes nothing");
   }
+  if (options.list && options.forget) throw UsageError("--list and --forget cannot be combined");
+  if (options.forget && options.arguments.empty()) {
+    throw UsageError("--forget needs the numbers of runs; 'soca undo --list' shows them");
+  }
 }
 
 // The option has no value, or an invalid one. The parser's message begins with its name, which may

@@ -22,7 +22,7 @@ constexpr auto commands = std::to_array<CommandRow>({
      "soca check src/control/Pid.vlm"},
     {CommandType::explain, "explain", "[ID]", false,
      "describe what a rule converts or a message means", "soca explain LegacyImplReferenced"},
-    {CommandType::undo, "undo", "[RUN] [FILE|DIR]", false,
+    {CommandType::undo, "undo", "[RUN ...] [FILE|DIR]", false,
      "undo the last or another run that wrote files", "soca undo --list"},
 });
 
@@ -131,6 +131,14 @@ std::vector<OptionRow> makeOptions() {
        "print what would be undone",
        "Nothing is changed, and interrupted runs are not repaired.",
        &Options::dryRun,
+       {}},
+      {"--forget",
+       "",
+       forUndo,
+       "print the files of the runs RUN ..., and remove their records",
+       "The runs cannot be undone any more. This is for a run whose record is damaged, or was "
+       "written by another version of soca.",
+       &Options::forget,
        {}},
       {"--edits",
        "",

@@ -43,6 +43,8 @@ struct Options {
   bool list = false;
   // Whether to print what an undo would do instead of doing it.
   bool dryRun = false;
+  // Whether to remove the journals of runs.
+  bool forget = false;
   // Whether to print the time and memory of the run.
   bool stats = false;
   const ReportFormat* format = &reportFormats().front();

@@ -1,11 +1,13 @@
 #include "files/writing/Journal.h"
 
 #include <fmt/core.h>
-#include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <functional>
 #include <iterator>
 #include <numeric>
 #include <random>
@@ -15,13 +17,30 @@
 namespace soca {
 namespace {
 
-// To be changed with the form of the records below.
-constexpr std::uint32_t formatVersion = 1;
+enum RecordType : std::uint32_t { run = 1, file, begun };
 
-enum RecordType : std::uint32_t { run = 1, file, begun, done, undoing, undone };
+constexpr std::size_t tokenSize = 16;
 
 std::string beforePath(const std::string& folder) { return folder + "/before"; }
-std::string statePath(const std::string& folder) { return folder + "/state"; }
+
+RecordFile openBefore(const std::string& folder, ReadType type) {
+  secureFolder(folder);
+  return RecordFile(beforePath(folder), type);
+}
+
+JournalError damage() { return JournalError(damageIn("before")); }
+
+// The names of temporary files come from it, so that it must not lead elsewhere.
+bool isToken(std::string_view text) {
+  return text.size() == tokenSize &&
+         text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
+}
+
+// Absolute, and without a step up.
+bool isSavedPath(std::string_view path) {
+  return path.starts_with('/') && path.find('\0') == std::string_view::npos &&
+         (std::string(path) + '/').find("/../") == std::string::npos;
+}
 
 std::string makeToken() {
   std::random_device random;
@@ -52,19 +71,20 @@ SavedFile readFile(FieldReader fields) {
   file.modificationTime = fields.number<std::int64_t>();
   file.oldDigest = readDigest(fields);
   file.newDigest = readDigest(fields);
+  if (!isSavedPath(file.path)) throw damage();
   return file;
 }
 
-std::string fieldsOf(const FileNumbers& numbers) {
-  FieldWriter fields;
-  for (const std::uint32_t number : numbers) fields.put(number);
-  return fields.bytes();
+// Whether they are ascending numbers of so many files.
+bool areNumbersOf(const FileNumbers& numbers, std::size_t count) {
+  return std::ranges::adjacent_find(numbers, std::greater_equal()) == numbers.end() &&
+         (numbers.empty() || numbers.back() < count);
 }
 
-FileNumbers readNumbers(FieldReader fields) {
-  FileNumbers numbers;
-  while (!fields.isAtEnd()) numbers.push_back(fields.number<std::uint32_t>());
-  return numbers;
+FileNumbers without(const FileNumbers& numbers, const FileNumbers& others) {
+  FileNumbers rest;
+  std::ranges::set_difference(numbers, others, std::back_inserter(rest));
+  return rest;
 }
 
 std::string_view folderOf(std::string_view path) {
@@ -86,13 +106,16 @@ std::string temporaryPath(const std::string& path, std::string_view token, std::
   return fmt::format("{}.soca-{}-{}", path.substr(0, path.rfind('/') + 1), token, number);
 }
 
+std::string newFolderOf(const std::string& folder) { return folder + ".new"; }
+std::string oldFolderOf(const std::string& folder) { return folder + ".old"; }
+
 JournalWriter::JournalWriter(std::string folder)
     : folder_(std::move(folder)),
       token_(makeToken()),
-      before_(beforePath(folder_)),
-      state_(statePath(folder_)) {
+      before_(beforePath(newFolderOf(folder_))),
+      stateFile_(newFolderOf(folder_)) {
   FieldWriter fields;
-  fields.put(formatVersion).put(std::int64_t{std::time(nullptr)}).put(token_);
+  fields.put(journalVersion).put(std::int64_t{std::time(nullptr)}).put(token_);
   before_.append(RecordType::run, fields.bytes());
 }
 
@@ -104,28 +127,43 @@ void JournalWriter::save(const SavedFile& file, std::string_view oldBytes) {
 }
 
 void JournalWriter::begin() {
-  // Reserves space for the last record, so that on a full disk a finished run is not taken for an
-  // interrupted one.
-  state_.reserve(4096 + sizeof(std::uint32_t) * std::uint64_t{count_});
   FieldWriter fields;
   fields.put(count_).put(commonFolder_);
   before_.append(RecordType::begun, fields.bytes());
   before_.flush();
-  const bool isOnDisk = flushPath(folder_) && flushPath(std::string(folderOf(folder_)));
-  if (isOnDisk) return;
-  throw JournalError(fmt::format("the folder '{}' of the journal could not be flushed: {}", folder_,
-                                 std::strerror(errno)));
+  state_.token = token_;
+  state_.beforeSize = before_.size();
+  stateFile_.write(state_);
+  // Reserves space for the last state, so that on a full disk a finished run is not taken for an
+  // interrupted one.
+  stateFile_.reserve(count_);
+  const bool isRenamed = std::rename(newFolderOf(folder_).c_str(), folder_.c_str()) == 0;
+  if (!isRenamed || !flushPath(std::string(folderOf(folder_)))) {
+    throw JournalError(fmt::format("the folder '{}' of the journal could not be made: {}", folder_,
+                                   std::strerror(errno)));
+  }
+  stateFile_.moveTo(folder_);
 }
 
 void JournalWriter::finish(const FileNumbers& left) {
-  state_.append(RecordType::done, fieldsOf(left));
-  state_.flush();
+  state_.stage = RunState::StageType::settled;
+  state_.wasDone = true;
+  state_.left = left;
+  stateFile_.write(state_);
 }
 
 Journal::Journal(const std::string& folder)
-    : statePath_(statePath(folder)), before_(beforePath(folder)) {
+    : before_(openBefore(folder, ReadType::untilDamage)), stateFile_(folder) {
   readBefore();
-  readState();
+  state_ = readState(folder);
+  checkState();
+  findPending();
+}
+
+Journal::StateType Journal::state() const {
+  if (state_.stage != RunState::StageType::settled) return StateType::interrupted;
+  if (pending_.empty()) return StateType::undone;
+  return state_.wasDone && state_.restored.empty() ? StateType::done : StateType::partlyUndone;
 }
 
 std::string_view Journal::oldBytes(std::size_t number) const {
@@ -135,88 +173,70 @@ std::string_view Journal::oldBytes(std::size_t number) const {
   throw JournalError("the journal no longer has its old text, since the disk has changed it");
 }
 
-void Journal::beginUndo() {
-  addState(RecordType::undoing, {});
-  state_ = StateType::interrupted;
+bool Journal::hasIntactBytes() const {
+  return std::ranges::all_of(before_.records(), &Record::hasIntactData);
+}
+
+FileNumbers Journal::unfinished() const {
+  return state_.stage == RunState::StageType::undoing ? state_.undoing : pending_;
+}
+
+void Journal::beginUndo(const FileNumbers& numbers) {
+  state_.stage = RunState::StageType::undoing;
+  state_.undoing = numbers;
+  stateFile_.write(state_);
+  stateFile_.reserve(files_.size());
 }
 
 void Journal::endUndo(const FileNumbers& restored) {
-  addState(RecordType::undone, fieldsOf(restored));
-  dropPending(restored);
-  state_ = pending_.empty() ? StateType::undone : StateType::partlyUndone;
+  state_.stage = RunState::StageType::settled;
+  state_.undoing.clear();
+  FileNumbers all;
+  std::ranges::set_union(state_.restored, restored, std::back_inserter(all));
+  state_.restored = std::move(all);
+  stateFile_.write(state_);
+  findPending();
 }
 
+// The records are: one of the run, one for each file, and the last one.
 void Journal::readBefore() {
-  for (const Record& record : before_.records()) {
-    FieldReader fields(record.fields);
-    switch (record.type) {
-      case RecordType::run:
-        if (fields.number<std::uint32_t>() != formatVersion) {
-          throw JournalError("its journal was written by another version of the program");
-        }
-        time_ = fields.number<std::int64_t>();
-        token_ = fields.text();
-        break;
-      case RecordType::file:
-        files_.push_back(readFile(fields));
-        break;
-      default:
-        hasBegun_ = fields.number<std::uint32_t>() == files_.size();
-        commonFolder_ = fields.text();
-    }
+  const auto& records = before_.records();
+  if (records.empty() || records.front().type != RecordType::run) throw damage();
+  FieldReader fields(records.front().fields);
+  if (fields.number<std::uint32_t>() != journalVersion) throw JournalError(otherVersionFault);
+  time_ = fields.number<std::int64_t>();
+  token_ = fields.text();
+  const std::size_t count = records.size() - 2;
+  if (!before_.isWhole() || records.size() < 2 || !isToken(token_)) throw damage();
+  files_.reserve(count);
+  for (std::size_t i = 1; i <= count; ++i) {
+    if (records[i].type != RecordType::file) throw damage();
+    files_.push_back(readFile(FieldReader(records[i].fields)));
   }
-  pending_.resize(files_.size());
-  std::iota(pending_.begin(), pending_.end(), 0U);
-  changed_ = pending_;
+  FieldReader last(records.back().fields);
+  if (records.back().type != RecordType::begun || last.number<std::uint32_t>() != count)
+    throw damage();
+  commonFolder_ = last.text();
 }
 
-void Journal::readState() {
-  const RecordFile state(statePath_);
-  stateSize_ = state.size();
-  if (!hasBegun_) {
-    // The file `before` was complete on the disk before anything was written here, and is deleted
-    // first when the journal is removed.
-    isRemainder_ = before_.isEmpty() && !state.records().empty();
-    if (!before_.isEmpty() && !state.records().empty()) state_ = StateType::damaged;
-    return;
-  }
-  state_ = StateType::interrupted;
-  for (const Record& record : state.records()) {
-    if (record.type == RecordType::undoing) {
-      state_ = StateType::interrupted;
-      continue;
-    }
-    dropPending(readNumbers(FieldReader(record.fields)));
-    if (record.type == RecordType::done) {
-      changed_ = pending_;
-      wasDone_ = true;
-      state_ = StateType::done;
-    } else {
-      state_ = pending_.empty() ? StateType::undone : StateType::partlyUndone;
-    }
-  }
+void Journal::checkState() const {
+  const bool fits = state_.token == token_ && state_.beforeSize == before_.size() &&
+                    areNumbersOf(state_.left, files_.size()) &&
+                    areNumbersOf(state_.restored, files_.size()) &&
+                    areNumbersOf(state_.undoing, files_.size());
+  if (!fits) throw JournalError(damageIn("state"));
 }
 
-void Journal::addState(std::uint32_t type, std::string_view fields) {
-  RecordWriter writer(statePath_, stateSize_);
-  writer.append(type, fields);
-  writer.flush();
-  stateSize_ = RecordFile(statePath_).size();
-}
-
-void Journal::dropPending(const FileNumbers& numbers) {
-  FileNumbers rest;
-  std::ranges::set_difference(pending_, numbers, std::back_inserter(rest));
-  pending_ = std::move(rest);
+void Journal::findPending() {
+  FileNumbers all(files_.size());
+  std::iota(all.begin(), all.end(), 0U);
+  changed_ = without(all, state_.left);
+  pending_ = without(changed_, state_.restored);
 }
 
 bool isSettled(const std::string& folder) {
-  struct stat before = {};
-  // Without that file it is no run.
-  if (::stat(beforePath(folder).c_str(), &before) != 0 || before.st_size == 0) return false;
   try {
-    const RecordFile state(statePath(folder));
-    return !state.records().empty() && state.records().back().type != RecordType::undoing;
+    return readState(folder).stage == RunState::StageType::settled;
   } catch (const JournalError&) {
     return false;
   }
@@ -228,6 +248,29 @@ std::unique_ptr<Journal> openJournal(const std::string& folder) {
   } catch (const JournalError&) {
     return nullptr;
   }
+}
+
+std::optional<std::string> findFault(const std::string& folder) {
+  try {
+    if (Journal(folder).hasIntactBytes()) return std::nullopt;
+    return "an old text in its journal is damaged";
+  } catch (const JournalError& error) {
+    return error.what();
+  }
+}
+
+std::vector<std::string> readablePaths(const std::string& folder) {
+  std::vector<std::string> paths;
+  try {
+    const RecordFile before = openBefore(folder, ReadType::salvage);
+    for (const Record& record : before.records()) {
+      if (record.type == RecordType::file) paths.push_back(FieldReader(record.fields).text());
+    }
+  } catch (const JournalError&) {
+    // The rest cannot be read.
+    return paths;
+  }
+  return paths;
 }
 
 }  // namespace soca

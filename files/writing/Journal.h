@@ -4,24 +4,26 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "files/writing/Digest.h"
 #include "files/writing/RecordFile.h"
+#include "files/writing/RunState.h"
 
 namespace soca {
 
 // A journal is a folder with two files of records. `before` has the old bytes of all files that the
-// run will change, and is on the disk before the first of them, or anything beside them, is
-// changed. `state` records the progress of the run and of its undo:
+// run will change. `state` is how far the run and its undo have come.
 //
 //   before:  run, file, file, ..., begun
-//   state:   [done [undoing undone]...]
+//   state:   RunState
 //
-// Without `begun`, no file was changed. With `begun` and without `done`, the run was interrupted;
-// the undo was interrupted if there is `undoing` without a following `undone`.
+// Both are made in a folder with another name, which is renamed when both are on the disk, before
+// the first file is changed. So no journal lacks a byte that was not damaged: it is neither undone
+// nor repaired then.
 
 // A file before the run.
 struct SavedFile {
@@ -35,16 +37,18 @@ struct SavedFile {
   Digest newDigest;
 };
 
-// Files by their numbers, from 0 in the order in which they were saved.
-using FileNumbers = std::vector<std::uint32_t>;
-
 // The name of the new file beside the old one before it replaces that. `token` belongs to the run.
 std::string temporaryPath(const std::string& path, std::string_view token, std::size_t number);
+
+// The names of the folder of a journal before and after it is one: what is in a folder with such a
+// name is not needed.
+std::string newFolderOf(const std::string& folder);
+std::string oldFolderOf(const std::string& folder);
 
 // The journal of a current run. All members throw JournalError.
 class JournalWriter {
  public:
-  // The folder must exist, be empty, and outlive the journal.
+  // The new folder of this one must exist and be empty.
   explicit JournalWriter(std::string folder);
 
   const std::string& token() const { return token_; }
@@ -59,7 +63,8 @@ class JournalWriter {
   std::string folder_;
   std::string token_;
   RecordWriter before_;
-  RecordWriter state_;
+  StateFile stateFile_;
+  RunState state_;
   std::uint32_t count_ = 0;
   // The deepest folder that contains all files.
   std::string commonFolder_;
@@ -68,25 +73,20 @@ class JournalWriter {
 // The journal of a finished or interrupted run.
 class Journal {
  public:
-  // Throws JournalError if it cannot be read. A journal that is torn by a crash can be read.
+  // Throws JournalError if it cannot be read, is damaged, or was written by another version; but
+  // does not read the saved bytes.
   explicit Journal(const std::string& folder);
 
   enum class StateType {
-    // No file was changed.
-    notBegun,
-    // Files may have been changed, and there may be temporary files beside them.
+    // Files may have been changed or restored, and there may be temporary files beside them.
     interrupted,
     done,
     partlyUndone,
     undone,
-    // The disk has lost data that an undo of the run needs.
-    damaged,
   };
-  StateType state() const { return state_; }
+  StateType state() const;
   // Whether the run itself finished, regardless of an undo.
-  bool wasDone() const { return wasDone_; }
-  // Whether it is the rest of a journal whose removal was interrupted.
-  bool isRemainder() const { return isRemainder_; }
+  bool wasDone() const { return state_.wasDone; }
 
   // In seconds since 1970.
   std::int64_t time() const { return time_; }
@@ -96,43 +96,48 @@ class Journal {
   const std::vector<SavedFile>& files() const { return files_; }
   // Throws JournalError if they are not those that were saved.
   std::string_view oldBytes(std::size_t number) const;
+  // Whether all old bytes are those that were saved.
+  bool hasIntactBytes() const;
   // The files that the run changed or may have changed; and those of them that are not yet
   // restored.
   const FileNumbers& changed() const { return changed_; }
   const FileNumbers& pending() const { return pending_; }
 
+  // The files that a repair of the interrupted run has to restore.
+  FileNumbers unfinished() const;
+
   // Record that the restoring of files begins, and that it ends, possibly without some files. Both
   // throw JournalError.
-  void beginUndo();
+  void beginUndo(const FileNumbers& numbers);
   void endUndo(const FileNumbers& restored);
 
  private:
   void readBefore();
-  void readState();
-  void addState(std::uint32_t type, std::string_view fields);
-  void dropPending(const FileNumbers& numbers);
+  void checkState() const;
+  void findPending();
 
-  std::string statePath_;
   RecordFile before_;
-  // The number of intact bytes of the other file.
-  std::uint64_t stateSize_ = 0;
-  StateType state_ = StateType::notBegun;
+  StateFile stateFile_;
+  RunState state_;
   std::int64_t time_ = 0;
   std::string token_;
   std::string commonFolder_;
-  bool hasBegun_ = false;
-  bool wasDone_ = false;
-  bool isRemainder_ = false;
   std::vector<SavedFile> files_;
   FileNumbers changed_;
   FileNumbers pending_;
 };
 
 // Whether the run in the folder finished, and an undo of it, if any, did too: then there is nothing
-// to repair. Unlike opening the journal this does not read the saved bytes.
+// to repair. Unlike opening the journal this does not read the list of files.
 bool isSettled(const std::string& folder);
 
-// Null if the journal cannot be read.
+// Null if the journal cannot be used.
 std::unique_ptr<Journal> openJournal(const std::string& folder);
+
+// Why the run cannot be undone or repaired, from all bytes of its journal; empty if it can.
+std::optional<std::string> findFault(const std::string& folder);
+
+// The paths of the run's files, as far as they can be read even in a damaged journal.
+std::vector<std::string> readablePaths(const std::string& folder);
 
 }  // namespace soca

@@ -5,6 +5,9 @@
 #include <sys/mman.h>
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <optional>
+
 #include "files/writing/Digest.h"
 
 namespace soca {
@@ -12,6 +15,9 @@ namespace {
 
 constexpr std::size_t bufferSize = std::size_t{1} << 20U;
 constexpr std::uint32_t recordMark = 0x61636f73;
+// After damage only records with fields up to this size are looked for, so that data that look like
+// many records do not take long.
+constexpr std::uint64_t salvagedFieldsSize = std::uint64_t{1} << 16U;
 
 // The head before the fields and data of each record.
 struct Head {
@@ -30,17 +36,38 @@ std::uint64_t checksumOfHead(const Head& head) {
   return checksumOf({reinterpret_cast<const char*>(&head), offsetof(Head, headChecksum)});
 }
 
+const std::string_view markBytes(reinterpret_cast<const char*>(&recordMark), sizeof(recordMark));
+
+// Adds the record at the start of the bytes, and returns its size; empty if there is none.
+std::optional<std::uint64_t> takeRecord(std::string_view bytes, std::uint64_t maximumFieldsSize,
+                                        std::vector<Record>& records) {
+  Head head;
+  if (bytes.size() < sizeof(head)) return std::nullopt;
+  std::memcpy(&head, bytes.data(), sizeof(head));
+  if (head.mark != recordMark || head.headChecksum != checksumOfHead(head)) return std::nullopt;
+  const std::uint64_t room = bytes.size() - sizeof(head);
+  if (head.fieldsSize > maximumFieldsSize) return std::nullopt;
+  if (head.fieldsSize > room || head.dataSize > room - head.fieldsSize) return std::nullopt;
+  const std::string_view fields = bytes.substr(sizeof(head), head.fieldsSize);
+  if (checksumOf(fields) != head.fieldsChecksum) return std::nullopt;
+  const std::string_view data = bytes.substr(sizeof(head) + head.fieldsSize, head.dataSize);
+  records.push_back({head.type, fields, data, head.dataChecksum});
+  return sizeof(head) + head.fieldsSize + head.dataSize;
+}
+
 }  // namespace
+
+std::string damageIn(std::string_view file) {
+  return fmt::format("the file '{}' of its journal is damaged", file);
+}
 
 bool Record::hasIntactData() const { return checksumOf(data) == dataChecksum; }
 
-RecordWriter::RecordWriter(std::string path, std::uint64_t size)
-    : path_(std::move(path)),
-      file_(::open(path_.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600)) {
-  const bool isReady = file_.isOpen() &&
-                       ::ftruncate(file_.number(), static_cast<off_t>(size)) == 0 &&
-                       ::lseek(file_.number(), 0, SEEK_END) >= 0;
-  if (!isReady) fail();
+RecordWriter::RecordWriter(std::string path) : path_(std::move(path)) {
+  ::unlink(path_.c_str());
+  file_ =
+      Descriptor(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600));
+  if (!file_.isOpen()) fail();
 }
 
 void RecordWriter::append(std::uint32_t type, std::string_view fields, std::string_view data) {
@@ -53,6 +80,7 @@ void RecordWriter::append(std::uint32_t type, std::string_view fields, std::stri
   head.headChecksum = checksumOfHead(head);
   buffer_.append(reinterpret_cast<const char*>(&head), sizeof(head));
   buffer_.append(fields).append(data);
+  size_ += sizeof(head) + fields.size() + data.size();
   if (buffer_.size() > bufferSize) writeOut();
 }
 
@@ -80,42 +108,39 @@ void RecordWriter::fail() const {
       fmt::format("the journal '{}' could not be written: {}", path_, std::strerror(errno)));
 }
 
-RecordFile::RecordFile(const std::string& path) {
-  const auto fail = [&] {
+RecordFile::RecordFile(const std::string& path, ReadType type) {
+  const Descriptor file = openOwnFile(path, O_RDONLY);
+  struct stat status = {};
+  const bool hasStatus = ::fstat(file.number(), &status) == 0;
+  const auto length = static_cast<std::size_t>(status.st_size);
+  if (hasStatus && length == 0) return;
+  void* place =
+      hasStatus ? ::mmap(nullptr, length, PROT_READ, MAP_PRIVATE, file.number(), 0) : MAP_FAILED;
+  if (place == MAP_FAILED) {
     throw JournalError(
         fmt::format("the journal '{}' could not be read: {}", path, std::strerror(errno)));
-  };
-  const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  if (!file.isOpen() && errno == ENOENT) return;
-  struct stat status = {};
-  if (!file.isOpen() || ::fstat(file.number(), &status) != 0) fail();
-  if (status.st_size == 0) return;
-  const auto length = static_cast<std::size_t>(status.st_size);
-  void* place = ::mmap(nullptr, length, PROT_READ, MAP_PRIVATE, file.number(), 0);
-  if (place == MAP_FAILED) fail();
-  bytes_ = {static_cast<const char*>(place), length};
-  while (takeRecord()) {
   }
+  bytes_ = {static_cast<const char*>(place), length};
+  findRecords(type);
 }
 
 RecordFile::~RecordFile() {
   if (!bytes_.empty()) ::munmap(const_cast<char*>(bytes_.data()), bytes_.size());
 }
 
-bool RecordFile::takeRecord() {
-  const std::string_view rest = bytes_.substr(size_);
-  Head head;
-  if (rest.size() < sizeof(head)) return false;
-  std::memcpy(&head, rest.data(), sizeof(head));
-  if (head.mark != recordMark || head.headChecksum != checksumOfHead(head)) return false;
-  const std::uint64_t room = rest.size() - sizeof(head);
-  if (head.fieldsSize > room || head.dataSize > room - head.fieldsSize) return false;
-  const std::string_view fields = rest.substr(sizeof(head), head.fieldsSize);
-  if (checksumOf(fields) != head.fieldsChecksum) return false;
-  const std::string_view data = rest.substr(sizeof(head) + head.fieldsSize, head.dataSize);
-  records_.push_back({head.type, fields, data, head.dataChecksum});
-  size_ += sizeof(head) + head.fieldsSize + head.dataSize;
-  return true;
+void RecordFile::findRecords(ReadType type) {
+  for (std::string_view rest = bytes_; !rest.empty();) {
+    const std::uint64_t maximum = isWhole_ ? rest.size() : salvagedFieldsSize;
+    if (const auto size = takeRecord(rest, maximum, records_)) {
+      rest.remove_prefix(*size);
+      continue;
+    }
+    isWhole_ = false;
+    if (type == ReadType::untilDamage) return;
+    // After the damage there may be intact records again.
+    const std::size_t next = rest.find(markBytes, 1);
+    rest.remove_prefix(std::min(next, rest.size()));
+  }
 }
 
 std::string_view FieldReader::take(std::uint64_t size) {

@@ -1,24 +1,23 @@
-// Files of records that are only appended to, and whose end may be torn by a crash.
+// Files of records with checksums.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <type_traits>
 #include <vector>
 
 #include "files/writing/Descriptor.h"
+#include "files/writing/StateFolder.h"
 
 namespace soca {
 
-// A journal that cannot be written or read. `what` has the file and the reason.
-class JournalError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
+// The faults of a journal that can be neither undone nor repaired.
+inline constexpr const char* otherVersionFault =
+    "its journal was written by another version of the program";
+std::string damageIn(std::string_view file);
 
 // A record has fields, which are checked when the file is opened, and data, which may be large.
 struct Record {
@@ -35,15 +34,16 @@ struct Record {
 // members throw JournalError.
 class RecordWriter {
  public:
-  // Creates the file, readable by its owner only, or continues after its first `size` bytes. The
-  // bytes after these were left by a crash, and are removed.
-  explicit RecordWriter(std::string path, std::uint64_t size = 0);
+  // Creates the file, readable by its owner only. What is at the path is removed.
+  explicit RecordWriter(std::string path);
 
   void append(std::uint32_t type, std::string_view fields, std::string_view data = {});
   void flush();
   // Reserves space for as many more bytes, so that they can be written even if the disk becomes
   // full. Does nothing if the file system does not support this.
   void reserve(std::uint64_t size);
+  // The number of bytes of all records so far.
+  std::uint64_t size() const { return size_; }
 
  private:
   void writeOut();
@@ -52,30 +52,34 @@ class RecordWriter {
   std::string path_;
   Descriptor file_;
   std::string buffer_;
+  std::uint64_t size_ = 0;
 };
 
-// The intact records from the start of a file.
+// The intact records of a file: those before the first damage, or to be salvaged, those after it
+// too. The latter may be a part of the data of another one, so they are good for messages only.
+enum class ReadType { untilDamage, salvage };
+
 class RecordFile {
  public:
-  // A file that does not exist has no records. Throws JournalError if it cannot be read.
-  explicit RecordFile(const std::string& path);
+  // Throws JournalError if the file cannot be read, is no regular file, or is not the user's.
+  explicit RecordFile(const std::string& path, ReadType type = ReadType::untilDamage);
   ~RecordFile();
   RecordFile(const RecordFile&) = delete;
   RecordFile& operator=(const RecordFile&) = delete;
 
   // They point into the mapped file, and are valid as long as this object.
   const std::vector<Record>& records() const { return records_; }
-  // The number of bytes of the records.
-  std::uint64_t size() const { return size_; }
-  // Whether the file has no bytes at all.
-  bool isEmpty() const { return bytes_.empty(); }
+  // Whether the file consists of nothing but these. Their data may still be damaged.
+  bool isWhole() const { return isWhole_; }
+  // The number of bytes of the file.
+  std::uint64_t size() const { return bytes_.size(); }
 
  private:
-  bool takeRecord();
+  void findRecords(ReadType type);
 
   std::string_view bytes_;
   std::vector<Record> records_;
-  std::uint64_t size_ = 0;
+  bool isWhole_ = true;
 };
 
 // Joins the fields of a record into bytes.

@@ -65,9 +65,9 @@ class Restorer {
   Restorer(const Journal* journal, const GoesOn* goesOn, const OnStep* onStep)
       : journal_(journal), goesOn_(goesOn), onStep_(onStep), writer_(journal->token()) {}
 
-  void removeTemporaries() {
+  void removeTemporaries(const FileNumbers& numbers) {
     const auto& files = journal_->files();
-    for (std::size_t number = 0; number < files.size(); ++number) {
+    for (const std::uint32_t number : numbers) {
       const std::string path = temporaryPath(files[number].path, journal_->token(), number);
       if (::unlink(path.c_str()) == 0 || errno == ENOENT || errno == ENOTDIR) continue;
       result_.failed.push_back({path, fmt::format("it could not be removed: {}", errorText())});
@@ -171,8 +171,11 @@ class Restorer {
     if (!bytes) return;
     const SavedFile& file = journal_->files()[number];
     auto reason = writer_.stage(number, {file.path, *bytes, *stamp, file.modificationTime});
-    if (!reason) return staged_.push_back(number);
-    result_.failed.push_back({file.path, std::move(*reason)});
+    if (reason) {
+      result_.failed.push_back({file.path, std::move(*reason)});
+    } else {
+      staged_.push_back(number);
+    }
   }
 
   const Journal* journal_;
@@ -188,16 +191,19 @@ class Restorer {
 
 RestoreResult repairRun(Journal& journal, const GoesOn& goesOn, const OnStep& onStep) {
   Restorer restorer(&journal, &goesOn, &onStep);
-  restorer.removeTemporaries();
-  restorer.restore(journal.pending());
+  const FileNumbers numbers = journal.unfinished();
+  restorer.removeTemporaries(numbers);
+  restorer.restore(numbers);
   if (restorer.isComplete()) journal.endUndo(restorer.takeDone());
   return restorer.takeResult();
 }
 
 RestoreResult undoRun(Journal& journal, const FileNumbers& numbers, const GoesOn& goesOn,
                       const OnStep& onStep) {
-  journal.beginUndo();
+  journal.beginUndo(numbers);
   Restorer restorer(&journal, &goesOn, &onStep);
+  // Those in a folder that was away when the run was repaired.
+  restorer.removeTemporaries(numbers);
   restorer.restore(numbers);
   journal.endUndo(restorer.takeDone());
   return restorer.takeResult();

@@ -6,7 +6,9 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
+#include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <filesystem>
@@ -29,15 +31,22 @@ constexpr timespec waitingTime = {0, 50'000'000};
 std::string lockPath(const std::string& folder) { return folder + "/lock"; }
 std::string runsFolder(const std::string& folder) { return folder + "/runs"; }
 
-bool isInterrupted(const std::string& folder) {
-  if (isSettled(folder)) return false;
-  const auto journal = openJournal(folder);
-  return journal != nullptr && journal->state() == Journal::StateType::interrupted;
+// Whether the run is whole and needs no repair.
+bool isFinished(const std::string& folder) {
+  return isSettled(folder) && !findFault(folder).has_value();
+}
+
+// Deletes a folder of a journal, or what is in place of it, as far as possible.
+void discard(const std::string& folder) {
+  // A link must not be followed.
+  if (::unlink(folder.c_str()) == 0) return;
+  for (const char* name : {"/before", "/state", "/state.new"}) ::unlink((folder + name).c_str());
+  ::rmdir(folder.c_str());
 }
 
 std::uint64_t sizeOf(const std::string& folder) {
   struct stat status = {};
-  if (::stat((folder + "/before").c_str(), &status) != 0) return 0;
+  if (::lstat((folder + "/before").c_str(), &status) != 0) return 0;
   return static_cast<std::uint64_t>(status.st_size);
 }
 
@@ -47,10 +56,10 @@ RunStore::RunStore() : folder_(stateFolder()) {}
 
 std::optional<RunStore::Lock> RunStore::lock(const std::function<void()>& onWait,
                                              const GoesOn& goesOn) const {
+  secure();
   makeFolders(runsFolder(folder_));
   const std::string path = lockPath(folder_);
-  Descriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-  if (!file.isOpen()) fail(path, "can't be opened");
+  Descriptor file = openOwnFile(path, O_RDWR | O_CREAT);
   bool isWaiting = false;
   while (::flock(file.number(), LOCK_EX | LOCK_NB) != 0) {
     if (errno != EWOULDBLOCK && errno != EINTR) fail(path, "can't be locked");
@@ -63,16 +72,29 @@ std::optional<RunStore::Lock> RunStore::lock(const std::function<void()>& onWait
 }
 
 bool RunStore::isLocked() const {
-  const Descriptor file(::open(lockPath(folder_).c_str(), O_RDWR | O_CLOEXEC));
-  return file.isOpen() && ::flock(file.number(), LOCK_SH | LOCK_NB) != 0;
+  secure();
+  const std::string path = lockPath(folder_);
+  if (::access(path.c_str(), F_OK) != 0) return false;
+  return ::flock(openOwnFile(path, O_RDWR).number(), LOCK_SH | LOCK_NB) != 0;
 }
 
-std::vector<RunNumber> RunStore::runs() const {
+std::vector<RunNumber> RunStore::runs() const { return numbersOf(""); }
+
+void RunStore::secure() const {
+  secureFolder(folder_);
+  secureFolder(runsFolder(folder_));
+}
+
+std::vector<RunNumber> RunStore::numbersOf(std::string_view suffix) const {
+  secure();
   std::vector<RunNumber> numbers;
   std::error_code error;
   for (auto entry = fs::directory_iterator(runsFolder(folder_), error);
        !error && entry != fs::directory_iterator(); entry.increment(error)) {
-    if (const auto run = parseRunNumber(entry->path().filename().string())) numbers.push_back(*run);
+    const std::string name = entry->path().filename().string();
+    if (!name.ends_with(suffix)) continue;
+    const auto run = parseRunNumber(std::string_view(name).substr(0, name.size() - suffix.size()));
+    if (run) numbers.push_back(*run);
   }
   if (error && error != std::errc::no_such_file_or_directory) {
     throw JournalError(
@@ -89,16 +111,27 @@ std::string RunStore::folderOf(RunNumber run) const {
 RunNumber RunStore::add(const Lock&) const {
   const auto numbers = runs();
   const RunNumber run = numbers.empty() ? 1 : numbers.back() + 1;
-  const std::string folder = folderOf(run);
+  const std::string folder = newFolderOf(folderOf(run));
   if (::mkdir(folder.c_str(), 0700) != 0) fail(folder, "can't be made");
   return run;
 }
 
-void RunStore::remove(const Lock&, RunNumber run) const {
-  // If this is interrupted, the rest is no run, or one that never began.
+bool RunStore::remove(const Lock&, RunNumber run) const {
+  // After the new name it is no run, even if the rest is interrupted.
   const std::string folder = folderOf(run);
-  for (const char* name : {"/before", "/state"}) ::unlink((folder + name).c_str());
-  ::rmdir(folder.c_str());
+  const std::string old = oldFolderOf(folder);
+  discard(newFolderOf(folder));
+  discard(old);
+  const bool isGone = std::rename(folder.c_str(), old.c_str()) == 0 || errno == ENOENT;
+  if (isGone) discard(old);
+  return isGone;
+}
+
+std::vector<RunNumber> RunStore::removeRests(const Lock&) const {
+  for (const RunNumber run : numbersOf(oldFolderOf(""))) discard(oldFolderOf(folderOf(run)));
+  auto unbegun = numbersOf(newFolderOf(""));
+  for (const RunNumber run : unbegun) discard(newFolderOf(folderOf(run)));
+  return unbegun;
 }
 
 void RunStore::prune(const Lock& lock) const {
@@ -110,7 +143,7 @@ void RunStore::prune(const Lock& lock) const {
     ++count;
     bytes += sizeOf(folder);
     const bool isTooMuch = count > mostRuns || (count > 1 && bytes > mostBytes);
-    if (isTooMuch && !isInterrupted(folder)) remove(lock, run);
+    if (isTooMuch && isFinished(folder)) remove(lock, run);
   }
 }
 

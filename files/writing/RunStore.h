@@ -29,7 +29,8 @@ using RunNumber = unsigned;
 // interrupted one.
 class RunStore {
  public:
-  // Throws JournalError if there is no folder for it.
+  // Throws JournalError if there is no folder for it. So do all members if the folder is not safe
+  // to be used; one that others can use is closed for them.
   RunStore();
 
   // The right to change files and journals; only one of the user's processes can hold it.
@@ -48,11 +49,14 @@ class RunStore {
   std::vector<RunNumber> runs() const;
   std::string folderOf(RunNumber run) const;
 
-  // A new run with an empty folder. Throws JournalError.
+  // A new run, with an empty folder that becomes that of the run later. Throws JournalError.
   RunNumber add(const Lock& lock) const;
-  // Deletes the run's folder, as far as possible.
-  void remove(const Lock& lock, RunNumber run) const;
-  // Deletes the oldest runs beyond the bounds, but not the newest one and no interrupted ones.
+  // Deletes the run, and returns whether it is gone; of its files some may be left.
+  bool remove(const Lock& lock, RunNumber run) const;
+  // Deletes what is left of removed runs and of runs that never began. Returns the latter.
+  std::vector<RunNumber> removeRests(const Lock& lock) const;
+  // Deletes the oldest runs beyond the bounds, but not the newest one, and none that is interrupted
+  // or damaged.
   void prune(const Lock& lock) const;
 
   // The bounds: the number of runs, and the total size of their journals in bytes.
@@ -60,6 +64,10 @@ class RunStore {
   static constexpr std::uint64_t mostBytes = std::uint64_t{1} << 30U;
 
  private:
+  void secure() const;
+  // Of the entries in the folder of the runs with the suffix.
+  std::vector<RunNumber> numbersOf(std::string_view suffix) const;
+
   std::string folder_;
 };
 

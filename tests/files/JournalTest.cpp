@@ -6,10 +6,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <map>
+#include <random>
 #include <sstream>
 
 #include "files/writing/FileBatch.h"
@@ -28,9 +31,46 @@ constexpr std::string_view oldText = "old text";
 constexpr std::string_view newText = "new";
 const GoesOn always = [] { return true; };
 
+// Runs `work` in a process that dies at the step. Returns whether it reached the step.
+bool diesAt(int step, const std::function<void(const GoesOn&)>& work) {
+  const pid_t process = ::fork();
+  if (process == 0) {
+    work([&] { return step-- > 0 || (::_exit(9), true); });
+    ::_exit(0);
+  }
+  int status = 0;
+  ::waitpid(process, &status, 0);
+  return status != 0;
+}
+
+unsigned numberIn(const char* variable, unsigned otherwise) {
+  const char* value = std::getenv(variable);
+  return value == nullptr ? otherwise : static_cast<unsigned>(std::strtoul(value, nullptr, 10));
+}
+
+std::string bytesOf(const fs::path& path) {
+  std::ostringstream bytes;
+  bytes << std::ifstream(path).rdbuf();
+  return bytes.str();
+}
+
+// Many file systems flush a file that is emptied, so this makes a new one.
+void replaceFile(const fs::path& path, const std::string& bytes) {
+  fs::remove(path);
+  std::ofstream(path) << bytes;
+}
+
+// The bytes with a flipped bit, or a part of them.
+std::string damage(std::string bytes, std::mt19937& random) {
+  const std::size_t place = random() % bytes.size();
+  if (random() % 2 == 0) return bytes.substr(0, place);
+  bytes[place] = static_cast<char>(bytes[place] ^ (1 << random() % 8));
+  return bytes;
+}
+
 // Four files in two folders, and the user's store of runs.
 class JournalTest : public ::testing::Test {
- protected:
+ public:
   JournalTest() {
     int mode = 0600;
     for (const std::string& name : names_) {
@@ -75,10 +115,18 @@ class JournalTest : public ::testing::Test {
   BatchResult write(const GoesOn& goesOn) {
     return writeFiles(store_, lock(), changes(), [](auto) { return std::string(newText); }, goesOn);
   }
-  RestoreResult undoLast(const GoesOn& goesOn) {
+  // Without numbers, all files.
+  RestoreResult undoLast(const GoesOn& goesOn, const FileNumbers& numbers = {}) {
     const auto held = lock();
     Journal journal(store_.folderOf(store_.runs().back()));
-    return undoRun(journal, journal.pending(), goesOn);
+    return undoRun(journal, numbers.empty() ? journal.pending() : numbers, goesOn);
+  }
+  RestoreResult undoAll(const GoesOn& goesOn) { return undoLast(goesOn); }
+
+  // Does the work in a process that is killed at the step.
+  template <class Work>
+  void dieAt(int step, const Work& work) {
+    ASSERT_TRUE(diesAt(step, [&](const GoesOn& goesOn) { std::invoke(work, *this, goesOn); }));
   }
   std::vector<RepairedRun> repair() { return repairRuns(store_, lock(), always); }
   StateType stateOfLast() const { return Journal(store_.folderOf(store_.runs().back())).state(); }
@@ -88,18 +136,6 @@ class JournalTest : public ::testing::Test {
   std::map<std::string, std::string> start_;
   RunStore store_;
 };
-
-// Runs `work` in a process that dies at the step. Returns whether it reached the step.
-bool diesAt(int step, const std::function<void(const GoesOn&)>& work) {
-  const pid_t process = ::fork();
-  if (process == 0) {
-    work([&] { return step-- > 0 || (::_exit(9), true); });
-    ::_exit(0);
-  }
-  int status = 0;
-  ::waitpid(process, &status, 0);
-  return status != 0;
-}
 
 GoesOn stopAt(int step) {
   return [step]() mutable { return step-- > 0; };
@@ -157,32 +193,183 @@ TEST_F(JournalTest, ARunThatStopsAtAnyStepCanBeUndone) {
   }
 }
 
-TEST_F(JournalTest, TornJournals) {
+// The kinds of runs whose journals are kept.
+struct KeptRun {
+  const char* what;
+  std::function<void(JournalTest&)> make;
+};
+
+TEST_F(JournalTest, DamageIsReportedAndChangesNothing) {
+  const KeptRun kinds[] = {
+      {"done", [](JournalTest& test) { test.write(always); }},
+      {"interrupted", [](JournalTest& test) { test.dieAt(10, &JournalTest::write); }},
+      {"partly undone",
+       [](JournalTest& test) {
+         test.write(always);
+         test.undoLast(always, {0, 2});
+       }},
+      {"interrupted in an undo",
+       [](JournalTest& test) {
+         test.write(always);
+         test.dieAt(6, &JournalTest::undoAll);
+       }},
+  };
+  const unsigned damages = numberIn("DAMAGES", 1000);
+  std::mt19937 random(numberIn("SEED", 1));
   write(always);
+  undoLast(always);
   const fs::path folder = store_.folderOf(1);
-  const auto copy = folder.string() + ".copy";
-  fs::copy(folder, copy);
-  const auto whole = fs::file_size(folder / "state");
-  for (std::uintmax_t size = 0; size < whole; size += 9) {
-    fs::resize_file(folder / "state", size);
-    ASSERT_EQ(repair().size(), 1) << size;
-    ASSERT_EQ(look(), start_) << size;
-    ASSERT_EQ(stateOfLast(), StateType::undone) << size;
+  // With so many newer runs, only the damaged one could be pruned.
+  const auto forOthers = [&](const auto& use) {
+    for (RunNumber run = 2; run < 2 + RunStore::mostRuns; ++run) use(store_.folderOf(run));
+  };
+  forOthers([&](const std::string& other) { fs::copy(folder, other + ".away"); });
+  for (const KeptRun& kind : kinds) {
+    SCOPED_TRACE(kind.what);
     fs::remove_all(folder);
-    fs::copy(copy, folder);
-    for (const std::string& name : names_) std::ofstream(space_.path() / name) << newText;
+    kind.make(*this);
+    const auto files = look();
+    const auto before = bytesOf(folder / "before");
+    const auto state = bytesOf(folder / "state");
+    for (unsigned i = 0; i < damages / std::size(kinds) && !HasFailure(); ++i) {
+      const bool isState = i % 2 == 0;
+      const fs::path path = folder / (isState ? "state" : "before");
+      const std::string damaged = damage(isState ? state : before, random);
+      replaceFile(path, damaged);
+      const auto found = findDamagedRuns(store_);
+      ASSERT_EQ(found.size(), 1);
+      ASSERT_EQ(found[0].run, 1);
+      ASSERT_TRUE(repair().empty());
+      if (i % 25 == 0) {
+        forOthers([](const std::string& other) { fs::rename(other + ".away", other); });
+        store_.prune(lock());
+        forOthers([](const std::string& other) { fs::rename(other, other + ".away"); });
+        ASSERT_TRUE(fs::exists(folder));
+      }
+      ASSERT_EQ(look(), files);
+      replaceFile(path, isState ? state : before);
+    }
+    ASSERT_TRUE(findDamagedRuns(store_).empty());
+    repair();
+    undoLast(always);
+    ASSERT_EQ(look(), start_);
   }
-  // The file `before` is complete before any file is changed: if it is torn, none was.
-  for (std::uintmax_t size = fs::file_size(folder / "before"); size > 0;) {
-    size -= std::min<std::uintmax_t>(size, 13);
-    fs::resize_file(folder / "before", size);
-    ASSERT_EQ(stateOfLast(), size > 0 ? StateType::damaged : StateType::notBegun) << size;
-    fs::resize_file(folder / "state", 0);
-    ASSERT_EQ(stateOfLast(), StateType::notBegun) << size;
-    fs::copy(copy + "/state", folder / "state", fs::copy_options::overwrite_existing);
+}
+
+TEST_F(JournalTest, AJournalFromElsewhereIsNotUsed) {
+  const std::string token = "0123456789abcdef";
+  const struct {
+    const char* what;
+    std::uint32_t version;
+    std::string token;
+    std::string path;
+    std::uint32_t count;
+    const char* fault;
+  } table[] = {
+      {"a good one", journalVersion, token, "/a", 1, nullptr},
+      {"another version", 1, token, "/a", 1, "by another version of the program"},
+      {"a token that leads elsewhere", journalVersion, "../0123456789abc", "/a", 1, "'before'"},
+      {"a token with letters", journalVersion, "0123456789abcdeF", "/a", 1, "'before'"},
+      {"a relative path", journalVersion, token, "a", 1, "'before'"},
+      {"a path that leads up", journalVersion, token, "/a/../b", 1, "'before'"},
+      {"a path that ends above", journalVersion, token, "/a/..", 1, "'before'"},
+      {"another number of files", journalVersion, token, "/a", 2, "'before'"},
+  };
+  for (const auto& row : table) {
+    const std::string folder = space_.path() / "journal";
+    fs::create_directory(folder);
+    RecordWriter before(folder + "/before");
+    before.append(1, FieldWriter().put(row.version).put(std::int64_t{1}).put(row.token).bytes());
+    FieldWriter file;
+    file.put(row.path).put(0600U).put(std::int64_t{1});
+    for (int i = 0; i < 6; ++i) file.put(std::uint64_t{0});
+    before.append(2, file.bytes());
+    before.append(3, FieldWriter().put(row.count).put("/").bytes());
+    before.flush();
+    StateFile(folder).write({.token = row.token, .beforeSize = before.size()});
+    const auto fault = findFault(folder);
+    if (row.fault == nullptr) {
+      EXPECT_EQ(fault, std::nullopt) << row.what;
+    } else {
+      EXPECT_NE(fault.value_or("").find(row.fault), std::string::npos) << row.what;
+    }
+    fs::remove_all(folder);
   }
-  repair();
+}
+
+// Runs that were killed when all new files were beside the old ones, and two of them replaced.
+TEST_F(JournalTest, ARepairThatFailsIsRepeated) {
+  dieAt(12, &JournalTest::write);
+  EXPECT_EQ(space_.read("a/B"), newText);
+  const std::string temporary =
+      temporaryPath(space_.path() / "b/C", Journal(store_.folderOf(1)).token(), 2);
+  ASSERT_TRUE(fs::remove(temporary) && fs::create_directory(temporary));
+  for (int i = 0; i < 2; ++i) {
+    const auto repaired = repair();
+    ASSERT_EQ(repaired.size(), 1);
+    ASSERT_EQ(repaired[0].result.failed.size(), 1);
+    EXPECT_EQ(repaired[0].result.failed[0].path, temporary);
+    EXPECT_EQ(stateOfLast(), StateType::interrupted);
+  }
+  EXPECT_EQ(look(), start_);
+  fs::remove(temporary);
+  EXPECT_EQ(repair().size(), 1);
+  EXPECT_EQ(stateOfLast(), StateType::undone);
+}
+
+TEST_F(JournalTest, ARepairEndsWithoutFilesThatCannotBeRestored) {
+  dieAt(12, &JournalTest::write);
+  fs::create_hard_link(space_.path() / "a/A", space_.path() / "link");
+  fs::rename(space_.path() / "b", space_.path() / "away");
+  const auto repaired = repair();
+  ASSERT_EQ(repaired.size(), 1);
+  std::string reasons;
+  for (const LeftFile& file : repaired[0].result.changed) reasons += file.reason + "; ";
+  EXPECT_EQ(reasons, "it has more than one hard link now; it is gone; it is gone; ");
+  EXPECT_TRUE(repair().empty());
+  EXPECT_EQ(stateOfLast(), StateType::partlyUndone);
+  EXPECT_EQ(space_.read("a/A"), newText);
+  EXPECT_EQ(space_.read("a/B"), oldText);
+  // An undo removes the files that the run left in the other folder, too.
+  fs::remove(space_.path() / "link");
+  fs::rename(space_.path() / "away", space_.path() / "b");
+  EXPECT_EQ(space_.readAll().size(), 6);
+  undoLast(always);
+  EXPECT_EQ(look(), start_);
+}
+
+TEST_F(JournalTest, AFileThatWasNotWrittenIsNotUndone) {
+  const auto list = changes();
+  const OnStep changeOne = [&](StepType step, std::size_t) {
+    if (step == StepType::staging) space_.write("a/B", "mine");
+  };
+  const auto newBytes = [](auto) { return std::string(newText); };
+  const auto result = writeFiles(store_, lock(), list, newBytes, always, changeOne);
+  EXPECT_EQ(result.failures.size(), 1);
+  EXPECT_EQ(Journal(store_.folderOf(1)).changed(), FileNumbers({0, 2, 3}));
+  EXPECT_TRUE(undoLast(always).changed.empty());
+  EXPECT_EQ(stateOfLast(), StateType::undone);
+  EXPECT_EQ(space_.read("a/B"), "mine");
+}
+
+TEST_F(JournalTest, AnInterruptedUndoOfAPartLeavesTheOthers) {
+  write(always);
+  dieAt(4, [](JournalTest& test, const GoesOn& goesOn) { test.undoLast(goesOn, {0, 2}); });
+  EXPECT_EQ(stateOfLast(), StateType::interrupted);
+  EXPECT_EQ(repair().size(), 1);
+  for (const std::string& name : names_) {
+    EXPECT_EQ(space_.read(name), name == "a/A" || name == "b/C" ? oldText : newText);
+  }
+  EXPECT_EQ(stateOfLast(), StateType::partlyUndone);
+}
+
+// What is left of a removed run is no run, and nothing is reported.
+TEST_F(JournalTest, AnInterruptedRemovalIsCompleted) {
+  write(always);
+  fs::rename(store_.folderOf(1), oldFolderOf(store_.folderOf(1)));
   EXPECT_TRUE(store_.runs().empty());
+  EXPECT_TRUE(repair().empty());
+  EXPECT_TRUE(fs::is_empty(space_.statePath() / "soca/runs"));
 }
 
 TEST_F(JournalTest, ACorruptOldTextIsNotRestored) {
@@ -203,16 +390,19 @@ TEST_F(JournalTest, TheNewestRunsAreKept) {
   write(always);
   undoLast(always);
   for (RunNumber run = 2; run < 24; ++run) fs::copy(store_.folderOf(1), store_.folderOf(run));
+  RunState state = readState(store_.folderOf(2));
+  state.stage = RunState::StageType::running;
+  StateFile(store_.folderOf(2)).write(state);
   write(always);
-  auto runs = store_.runs();
-  EXPECT_EQ(runs.size(), RunStore::mostRuns);
-  EXPECT_EQ(runs.back(), 24);
+  EXPECT_EQ(store_.runs().size(), RunStore::mostRuns + 1);
+  EXPECT_EQ(store_.runs().front(), 2) << "it waits for its repair";
+  EXPECT_EQ(store_.runs().back(), 24);
   undoLast(always);
   fs::resize_file(store_.folderOf(10) + "/before", RunStore::mostBytes);
   write(always);
-  runs = store_.runs();
-  EXPECT_EQ(runs.front(), 11);
-  EXPECT_EQ(runs.back(), 25);
+  EXPECT_EQ(store_.runs(), (std::vector<RunNumber>{2, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20,
+                                                   21, 22, 23, 24, 25}))
+      << "run 10 is damaged";
 }
 
 TEST_F(JournalTest, EachStepCountsItsFiles) {

@@ -119,7 +119,8 @@ TEST_F(KillTest, EachFileIsWholeAndTheNextRunRepairs) {
   const unsigned kills = numberIn("KILLS", 10);
   unsigned killed = 0;
   unsigned halfWay = 0;
-  for (unsigned i = 0; i < kills && !HasFailure(); ++i) {
+  // More of them until one was killed while it wrote.
+  for (unsigned i = 0; (i < kills || (halfWay == 0 && i < 10 * kills)) && !HasFailure(); ++i) {
     SCOPED_TRACE(i);
     // Otherwise the limit of kept journals would keep their number constant.
     for (const auto& run : fs::directory_iterator(runs())) fs::remove_all(run);
@@ -143,6 +144,8 @@ TEST_F(KillTest, EachFileIsWholeAndTheNextRunRepairs) {
     EXPECT_EQ(space_.readAll(), old_);
     EXPECT_EQ(states(), oldStates_);
   }
+  EXPECT_GT(killed, 0);
+  EXPECT_GT(halfWay, 0);
   fmt::print("{} files; {} of {} runs were killed, {} of them between two files\n", old_.size(),
              killed, 2 * kills, halfWay);
 }

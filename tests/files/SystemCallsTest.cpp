@@ -133,11 +133,12 @@ class SystemCallsTest : public ::testing::Test {
 TEST_F(SystemCallsTest, FilesAreOnTheDiskBeforeTheyAreNeeded) {
   writeAndUndo({"a/A", "a/B", "b/C"});
   EXPECT_EQ(calls,
-            "flush before; flush 1; flush runs; "
+            "flush before; flush state.new; state.new > state; flush 1.new; 1.new > 1; flush runs; "
             "flush .0; flush .1; flush .2; .0 > A; .1 > B; .2 > C; flush a; flush b; "
-            "flush state; \nflush state; "
+            "flush state.new; state.new > state; flush 1; \n"
+            "flush state.new; state.new > state; flush 1; "
             "flush .0; flush .1; flush .2; .0 > A; .1 > B; .2 > C; flush a; flush b; "
-            "flush state; ");
+            "flush state.new; state.new > state; flush 1; ");
 }
 
 TEST_F(SystemCallsTest, ManyFilesAreFlushedTogether) {

@@ -1,9 +1,14 @@
 // The command `undo`, and the folder of the program's state.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <sstream>
+
+#include "files/writing/Journal.h"
 
 #include "tests/Places.h"
 #include "tests/cli/ProgramRunner.h"
@@ -99,6 +104,9 @@ TEST(Undo, OfRunsThatCannotBeUndone) {
       {{"undo", ".", "A.vlm"}, "takes one file or folder at a time"},
       {{"undo", "B.vlm"}, "'B.vlm' is no number of a run, and no file or folder"},
       {{"undo", "--list", "--dry-run"}, "cannot be combined"},
+      {{"undo", "--list", "--forget"}, "cannot be combined"},
+      {{"undo", "--forget"}, "--forget needs the numbers of runs"},
+      {{"undo", "--forget", "A.vlm"}, "'A.vlm' is no number of a run"},
       {{"undo", "--list", "1"}, "takes no argument"},
   };
   for (const auto& [arguments, message] : cases) {
@@ -107,6 +115,15 @@ TEST(Undo, OfRunsThatCannotBeUndone) {
     EXPECT_NE(result.err.find(message), std::string::npos) << result.err;
   }
   EXPECT_EQ(space.read("A.vlm"), outdatedClass("A"));
+}
+
+// As if the run had been killed when all its files were written.
+void interrupt(const Workspace& space, int run) {
+  const std::string folder = space.statePath() / "soca/runs" / std::to_string(run);
+  RunState state = readState(folder);
+  state.stage = RunState::StageType::running;
+  state.wasDone = false;
+  StateFile(folder).write(state);
 }
 
 // Two trees with a run each; both have two classes, in folders of their own.
@@ -175,8 +192,7 @@ TEST_F(UndoInFolders, TakesTheLastRunThere) {
 }
 
 TEST_F(UndoInFolders, ADryRunSaysThatARunWaits) {
-  // As after a run that was killed when all its files were written.
-  fs::resize_file(space_.statePath() / "soca/runs/2/state", 0);
+  interrupt(space_, 2);
   const std::string waits = "soca: warning: run 2 was interrupted; ";
   const auto update = socaIn(".", "update -p one");
   EXPECT_NE(update.err.find(waits + "the next run with --write, or 'soca undo', first puts"),
@@ -219,6 +235,128 @@ TEST(Undo, TheStateFolder) {
     EXPECT_NE(space.read("A.vlm"), outdatedClass("A"));
     space.write("A.vlm", outdatedClass("A"));
   }
+}
+
+TEST(Undo, WhatIsInTheStateFolderIsLookedAtFirst) {
+  constexpr const char* run = "state/soca/runs/1";
+  const struct {
+    const char* what;
+    // What happens after a run, in `state/soca`.
+    std::string change;
+    // What `undo` prints; empty if it undoes the run.
+    std::string message;
+  } table[] = {
+      {"others can write", "chmod 777 . runs runs/1", ""},
+      {"a link in place of the folder", "mv runs ../away && ln -s ../away runs",
+       "since it is a link"},
+      {"a run that is a link", "mv runs/1 away && ln -s ../away runs/1", "since it is a link"},
+      {"a journal that is a link", "mv runs/1/state away && ln -s ../../away runs/1/state",
+       "it is a link"},
+      {"a pipe as the journal", "rm runs/1/before && mkfifo runs/1/before", "is no regular file"},
+      {"a pipe as the state", "rm runs/1/state && mkfifo runs/1/state", "is no regular file"},
+      {"a pipe as the lock", "rm lock && mkfifo lock", "is no regular file"},
+      {"another user's folder", "chown 12345 .", "belongs to another user"},
+      {"another user's journal", "chown 12345 runs/1/before", "belongs to another user"},
+  };
+  for (const auto& row : table) {
+    SCOPED_TRACE(row.what);
+    if (row.change.starts_with("chown") && ::geteuid() != 0) continue;
+    const Workspace space;
+    space.write("A.vlm", outdatedClass("A"));
+    const auto soca = [&](const std::string& arguments) {
+      return space.run(
+          {"sh", "-c", "XDG_STATE_HOME=$PWD/state " + programPath() + " " + arguments});
+    };
+    ASSERT_EQ(soca("update --write").exitCode, 0);
+    ASSERT_EQ(space.run({"sh", "-c", "cd state/soca && " + row.change}).exitCode, 0);
+    const auto list = soca("undo --list");
+    const auto result = soca("undo");
+    EXPECT_EQ(result.exitCode, row.message.empty() ? 0 : 2);
+    EXPECT_EQ(space.read("A.vlm") == outdatedClass("A"), row.message.empty());
+    EXPECT_NE(result.err.find(row.message), std::string::npos) << result.err;
+    EXPECT_EQ(list.exitCode == 2 || list.err.find(row.message) != std::string::npos, true)
+        << list.err;
+    if (!row.message.empty()) continue;
+    for (const char* folder : {"state/soca", "state/soca/runs", run}) {
+      EXPECT_EQ(fs::status(space.path() / folder).permissions(), fs::perms(0700)) << folder;
+    }
+  }
+}
+
+TEST_F(UndoInFolders, ADamagedRunIsReportedAndForgotten) {
+  const std::string runs = space_.statePath() / "soca/runs/";
+  fs::resize_file(runs + "2/state", fs::file_size(runs + "2/state") - 1);
+  const std::string fault =
+      "the file 'state' of its journal is damaged; 'soca undo --forget 2' names its files and "
+      "removes the journal";
+  const std::string warning =
+      "soca: warning: run 2 can be neither undone nor repaired: " + fault + "\n";
+  const auto list = socaIn(".", "undo --list");
+  EXPECT_NE(list.out.find("   2  ?                          ?  damaged "), std::string::npos)
+      << list.out;
+  EXPECT_EQ(list.err, warning);
+  EXPECT_EQ(socaIn(".", "update --write -q -p one").err.substr(0, warning.size()), warning);
+  for (const char* arguments : {"undo", "undo --dry-run", "undo 2", "undo 2 b"}) {
+    const auto refused = socaIn("two", arguments);
+    EXPECT_EQ(refused.exitCode, 2) << arguments;
+    EXPECT_NE(refused.err.find("soca: run 2 can't be undone: " + fault), std::string::npos)
+        << refused.err;
+  }
+  EXPECT_EQ(restored(), "");
+  const std::string names =
+      (space_.path() / "two/a/A.vlm\n").string() + (space_.path() / "two/b/B.vlm\n").string();
+  EXPECT_EQ(socaIn(".", "undo --forget 2 --dry-run").out, names);
+  EXPECT_TRUE(fs::exists(runs + "2"));
+  EXPECT_EQ(socaIn(".", "undo --forget 3").exitCode, 2);
+  const auto forgotten = socaIn(".", "undo --forget 2");
+  EXPECT_EQ(forgotten.exitCode, 0);
+  EXPECT_EQ(forgotten.out, names);
+  EXPECT_EQ(forgotten.err, "soca: run 2 is forgotten, and can't be undone any more\n");
+  EXPECT_EQ(std::distance(fs::directory_iterator(runs), {}), 1);
+  EXPECT_EQ(socaIn(".", "undo").exitCode, 0);
+  EXPECT_EQ(restored(), "one/a/A.vlm one/b/B.vlm ");
+}
+
+TEST_F(UndoInFolders, WithADamagedOldTextOnlyTheOthersAreRestored) {
+  const std::string path = space_.statePath() / "soca/runs/2/before";
+  std::fstream file(path);
+  std::ostringstream bytes;
+  bytes << file.rdbuf();
+  file.seekp(static_cast<std::streamoff>(bytes.str().find("classdef A")));
+  file << "CLASSDEF" << std::flush;
+  EXPECT_NE(
+      socaIn("two", "undo")
+          .err.find("an old text in its journal is damaged; 'soca undo 2 FILE' puts back a file"),
+      std::string::npos);
+  EXPECT_NE(socaIn(".", "undo --list").out.find("2  damaged"), std::string::npos);
+  EXPECT_EQ(socaIn("two", "undo a").exitCode, 2);
+  EXPECT_EQ(restored(), "");
+  EXPECT_EQ(socaIn("two", "undo b").exitCode, 0);
+  EXPECT_EQ(restored(), "two/b/B.vlm ");
+}
+
+TEST_F(UndoInFolders, ARepairThatFailsIsReportedOnce) {
+  interrupt(space_, 2);
+  const std::string journal = space_.statePath() / "soca/runs/2";
+  const std::string temporary =
+      temporaryPath(space_.path() / "two/a/A.vlm", Journal(journal).token(), 0);
+  fs::create_directory(temporary);
+  const std::string again = "; this is tried again with the next run\n";
+  const std::string failures = "soca: '" + temporary +
+                               "': it could not be removed: Is a directory" + again + "soca: '" +
+                               (space_.path() / "two/a/A.vlm").string() +
+                               "': no new file could be made beside it: File exists" + again;
+  space_.write("one/a/A.vlm", outdatedClass("A"));
+  EXPECT_EQ(socaIn(".", "update --write -q -p one").err,
+            "soca: run 2 was interrupted; 1 file that it had changed is as before the run now\n" +
+                failures + "soca: looked at 2 classes: 1 changed, 1 stays as it is\n");
+  EXPECT_EQ(socaIn("other", "undo 2").err,
+            "soca: run 2 was interrupted; not everything that it left could be put back or "
+            "removed\n" +
+                failures);
+  fs::remove(temporary);
+  EXPECT_EQ(socaIn("other", "undo 2").err,
+            "soca: run 2 was interrupted; 1 file that it had changed is as before the run now\n");
 }
 
 constexpr int mountIsRefused = 99;
