@@ -15,6 +15,7 @@
 #include "files/writing/NewFile.h"
 #include "platform/analyzer/Analyzer.h"
 #include "platform/analyzer/FileAnalysis.h"
+#include "platform/paths/SourceReader.h"
 #include "platform/runtime/ClassDescription.h"
 #include "platform/text/Conversions.h"
 #include "reports/explanations/ProgramMessages.h"
@@ -110,9 +111,14 @@ bool isAboutItself(const Failure& failure, const Target& target) {
 }
 
 // Empty for a class without a source file.
+// Empty also if its file cannot be read.
 std::string sourcePathOf(const Target& target) {
-  const auto description = sotarn::describeClass(target.className);
-  return description == nullptr ? std::string() : description->sourcePath;
+  try {
+    const auto description = sotarn::describeClass(target.className);
+    return description == nullptr ? std::string() : description->sourcePath;
+  } catch (const fl::filesystem::ReadError&) {
+    return {};
+  }
 }
 
 // An undecided class: the reason in place of the service's text.
@@ -263,7 +269,7 @@ ClassOutcome ClassUpdater::makeOutcome(PlannedClass& planned,
   ClassUpdate& update = outcome.update;
   update = describeUpdate(planned, listener, needs.places);
   if (needs.text) outcome.text = to_string(planned.text());
-  if (needs.hints) outcome.hints = hintsOnMissingSuperClasses(update.className, *roots_);
+  if (needs.hints) outcome.hints = hintsOnSuperClasses(update.className, *roots_, words());
   if (update.changed && !request_.asService) checkSuperClasses(planned, outcome);
   if (update.hasNewText()) {
     const Phase phase(checksPhase);

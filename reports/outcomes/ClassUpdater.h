@@ -45,10 +45,7 @@ class ClassUpdater {
  public:
   // Both pointers must outlive this object.
   ClassUpdater(const ClassRoots* roots, const FileNames* names, UpdateRequest request)
-      : roots_(roots),
-        names_(names),
-        request_(request),
-        describer_(roots, names, request.asService ? WordsType::service : WordsType::program) {}
+      : roots_(roots), names_(names), request_(request), describer_(roots, names, words()) {}
 
   // All three turn any fault into a failure, except std::bad_alloc, which they throw.
 
@@ -67,6 +64,7 @@ class ClassUpdater {
   void finishPlan(PlannedClass& planned, const FindingsListener& listener,
                   SingleUpdate& single) const;
   void addFailure(const Target& target, Failure failure, TargetOutcome& outcome) const;
+  WordsType words() const { return request_.asService ? WordsType::service : WordsType::program; }
   bool isUndecided(const Failure& failure, const std::string& path) const;
   // Refuses the update if the new list of superclasses may be wrong.
   static void checkSuperClasses(const PlannedClass& planned, ClassOutcome& outcome);

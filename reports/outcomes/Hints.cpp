@@ -65,7 +65,8 @@ std::string_view reasonOf(sotarn::ReadPartType part) {
   return {};
 }
 
-std::vector<std::string> hintsOnAncestry(const Ancestry& ancestry, const ClassRoots& roots) {
+std::vector<std::string> hintsOnAncestry(const Ancestry& ancestry, const ClassRoots& roots,
+                                         WordsType words) {
   std::vector<std::string> hints;
   for (const Ancestry::Missing& missing : ancestry.missing()) {
     hints.push_back(describeMissing(missing) +
@@ -73,9 +74,11 @@ std::vector<std::string> hintsOnAncestry(const Ancestry& ancestry, const ClassRo
                          ? ", which tells nothing; a class table may say what it derives from"
                          : "; " + whereLooked(missing.name, roots)));
   }
+  if (words == WordsType::service) return hints;
   for (const Ancestry::PartlyRead& each : ancestry.partlyRead()) {
-    hints.push_back(fmt::format("the superclass '{}', named by '{}', could be read only in part: {}",
-                                each.name, each.namedBy, reasonOf(each.part)));
+    hints.push_back(
+        fmt::format("the superclass '{}', named by '{}', could be read only in part: {}", each.name,
+                    each.namedBy, reasonOf(each.part)));
   }
   return hints;
 }
@@ -115,7 +118,7 @@ OtherClassHints hintsOnOtherClass(std::string_view className, const ClassRoots& 
     if (verdict.type != FileVerdict::Type::holdsClass) return {{verdict.text}, verdict.type};
   }
   const Ancestry ancestry(className);
-  auto hints = hintsOnAncestry(ancestry, roots);
+  auto hints = hintsOnAncestry(ancestry, roots, words);
   if (ancestry.isCyclic()) hints.emplace_back("the class is among its own superclasses");
   if (!hints.empty()) {
     return {std::move(hints), FileVerdict::Type::holdsClass, ancestry.unknown()};
@@ -124,9 +127,9 @@ OtherClassHints hintsOnOtherClass(std::string_view className, const ClassRoots& 
   return {{"none of the classes that it derives from is a System object"}};
 }
 
-std::vector<std::string> hintsOnMissingSuperClasses(std::string_view className,
-                                                    const ClassRoots& roots) {
-  return hintsOnAncestry(Ancestry(className), roots);
+std::vector<std::string> hintsOnSuperClasses(std::string_view className, const ClassRoots& roots,
+                                             WordsType words) {
+  return hintsOnAncestry(Ancestry(className), roots, words);
 }
 
 std::vector<std::string> hintsOnPFile(const std::string& sourcePath) {

@@ -30,9 +30,10 @@ bool isClassName(std::string_view name);
 // a p-file.
 std::string describeMissing(const Ancestry::Missing& missing);
 
-// Hints about the ancestors of the class that could not be found.
-std::vector<std::string> hintsOnMissingSuperClasses(std::string_view className,
-                                                    const ClassRoots& roots);
+// Hints about the ancestors of the class that could not be found or, in the program's words, were
+// read only in part.
+std::vector<std::string> hintsOnSuperClasses(std::string_view className, const ClassRoots& roots,
+                                             WordsType words);
 
 // Hints about the missing source of a class that is found as a p-file; `sourcePath` is the path
 // that it should have.
