@@ -20,13 +20,14 @@ bool canTrace() {
 }
 
 // The output of an update that has computed everything, and then waits for some time for its turn
-// to write, while `change` is called.
+// to write, while `change` is called. It looks at files slowly, so that others can change them.
 std::string updateWhile(const Workspace& space, const std::function<void()>& change,
                         int expectedExitCode) {
   // The first lock is that of the repair before the update.
-  TerminalRun run(space, {"strace", "-f", "-qq", "-o", "/dev/null", "-e", "trace=flock", "-e",
-                          "inject=flock:error=EAGAIN:when=2..6", programPath(), "update", "--write",
-                          "--color=never"});
+  TerminalRun run(
+      space, {"strace", "-f", "-qq", "-o", "/dev/null", "-e", "trace=flock,newfstatat", "-e",
+              "inject=flock:error=EAGAIN:when=2..6", "-e", "inject=newfstatat:delay_enter=3000",
+              programPath(), "update", "--write", "--color=never"});
   EXPECT_TRUE(run.waitFor("waiting for it to end")) << run.output();
   change();
   EXPECT_EQ(run.finish(), expectedExitCode) << run.output();
@@ -96,8 +97,9 @@ TEST(ChangedFiles, ClassesFailWhoseFilesKeepChanging) {
   std::jthread changer;
   const auto change = [&] {
     changer = std::jthread([&](const std::stop_token& stop) {
-      for (int i = 0; !stop.stop_requested(); ++i) {
-        space.write("next", "classdef Base < handle\nend\n%" + std::to_string(i));
+      for (std::size_t i = 0; !stop.stop_requested(); ++i) {
+        // Two files of one size may have equal stamps if there are milliseconds between them.
+        space.write("next", "classdef Base < handle\nend\n%" + std::string(i % 1000, 'x'));
         fs::rename(space.path() / "next", space.path() / "Base.vlm");
       }
     });
