@@ -1,6 +1,7 @@
 #include "files/targets/GitFiles.h"
 
 #include <fmt/core.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cctype>
@@ -21,10 +22,9 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::uint64_t maximumRulesSize = 16'000'000;
-// Matching takes time with a power of these: for a name of 255 characters and three stars, some ten
-// milliseconds.
-constexpr int maximumStars = 3;
-constexpr int maximumFolderStars = 4;
+// For one path some tens of milliseconds.
+constexpr double maximumWays = 1e7;
+constexpr std::ptrdiff_t maximumFolderStars = 4;
 // As git has it, for files that include files.
 constexpr int maximumDepth = 10;
 
@@ -40,11 +40,20 @@ fs::file_status statusOf(const fs::path& path) {
   return status;
 }
 
-// What is neither a file nor a folder may be a pipe.
+bool isNullDevice(const fs::path& path) {
+  struct stat status = {};
+  struct stat null = {};
+  return ::stat(path.c_str(), &status) == 0 && ::stat("/dev/null", &null) == 0 &&
+         S_ISCHR(status.st_mode) && status.st_rdev == null.st_rdev;
+}
+
+// What is neither a file nor a folder may be a pipe. The null device is usual for "no file".
 void checkFile(const fs::path& path) {
   const auto status = statusOf(path);
-  if (fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status)) {
-    fail(path, "is no regular file; remove it");
+  const bool isUsual =
+      !fs::exists(status) || fs::is_regular_file(status) || fs::is_directory(status);
+  if (!isUsual && !isNullDevice(path)) {
+    fail(path, "is neither a file nor a folder, as git has them; put a file in its place");
   }
 }
 
@@ -113,36 +122,66 @@ fs::path valuePath(std::string value, const fs::path& folder) {
   return folder / value;
 }
 
-// The value of the key in a line of a configuration, which may follow the name of its section;
-// empty if there is none.
-std::string valueOf(std::string_view line, std::string_view key) {
-  const auto isSpace = [](char character) { return character == ' ' || character == '\t'; };
-  const auto skipSpace = [&](std::string_view text) {
-    return text.substr(std::ranges::find_if_not(text, isSpace) - text.begin());
-  };
-  if (skipSpace(line).starts_with('['))
-    line.remove_prefix(std::min(line.find(']'), line.size() - 1) + 1);
-  line = skipSpace(line);
-  const auto isSame = [](char one, char other) { return std::tolower(one) == other; };
-  if (line.size() < key.size() || !std::ranges::equal(line.substr(0, key.size()), key, isSame))
-    return {};
-  line = skipSpace(line.substr(key.size()));
-  return line.starts_with('=') ? std::string(skipSpace(line.substr(1))) : std::string();
+std::string_view withoutSpace(std::string_view text) {
+  const std::size_t start = std::min(text.find_first_not_of(" \t"), text.size());
+  return text.substr(start, text.find_last_not_of(" \t") + 1 - start);
+}
+
+std::string lowerCase(std::string_view text) {
+  std::string result(text);
+  std::ranges::transform(result, result.begin(), [](unsigned char letter) {
+    return static_cast<char>(std::tolower(letter));
+  });
+  return result;
+}
+
+// Reads a configuration line by line.
+class ConfigurationReader {
+ public:
+  // Whether the line has a key; the name of a section may stand before it.
+  bool read(std::string_view line) {
+    line = withoutSpace(line);
+    if (line.starts_with('[')) {
+      const std::size_t end = std::min(line.find(']'), line.size() - 1);
+      section_ = lowerCase(line.substr(1, std::min(line.find_first_of(" \t\"]"), end) - 1));
+      line = withoutSpace(line.substr(end + 1));
+    }
+    const std::size_t sign = line.find('=');
+    if (sign == std::string_view::npos) return false;
+    key_ = lowerCase(withoutSpace(line.substr(0, sign)));
+    value_ = withoutSpace(line.substr(sign + 1));
+    return !value_.empty();
+  }
+
+  bool isInclude() const { return section_.starts_with("include") && key_ == "path"; }
+  bool namesRules() const {
+    return section_ == "core" && (key_ == "excludesfile" || key_ == "attributesfile");
+  }
+  const std::string& value() const { return value_; }
+
+ private:
+  std::string section_;
+  std::string key_;
+  std::string value_;
+};
+
+void keepSlowest(SlowestPattern& slowest, SlowestPattern other) {
+  if (other.stars > slowest.stars) slowest = std::move(other);
 }
 
 // With the files that it includes or names.
-void checkConfiguration(const fs::path& path, int depth = 0) {
+SlowestPattern checkConfiguration(const fs::path& path, int depth = 0) {
+  SlowestPattern slowest;
   checkFile(path);
-  if (depth > maximumDepth) return;
+  if (depth > maximumDepth) return slowest;
+  ConfigurationReader reader;
   for (const std::string& line : readLines(path)) {
-    if (const auto value = valueOf(line, "path"); !value.empty()) {
-      checkConfiguration(valuePath(value, path.parent_path()), depth + 1);
-    }
-    for (const char* key : {"excludesfile", "attributesfile"}) {
-      const auto value = valueOf(line, key);
-      if (!value.empty()) checkRules(valuePath(value, path.parent_path()));
-    }
+    if (!reader.read(line)) continue;
+    const fs::path named = valuePath(reader.value(), path.parent_path());
+    if (reader.isInclude()) keepSlowest(slowest, checkConfiguration(named, depth + 1));
+    if (reader.namesRules()) keepSlowest(slowest, checkRules(named));
   }
+  return slowest;
 }
 
 void checkObjectFolder(const fs::path& folder, std::set<std::string>& checked) {
@@ -153,24 +192,26 @@ void checkObjectFolder(const fs::path& folder, std::set<std::string>& checked) {
   }
 }
 
-// Runs of stars count as one star.
-bool isSlow(std::string_view pattern) {
-  int folderStars = 0;
-  for (const auto part : std::views::split(pattern, '/')) {
-    const std::string_view name(part.begin(), part.end());
-    if (name == "**" && ++folderStars > maximumFolderStars) return true;
-    int stars = 0;
-    for (std::size_t at = 0; at < name.size(); ++at) {
-      stars += static_cast<int>(name[at] == '*' && !name.substr(0, at).ends_with('*'));
-    }
-    if (stars > maximumStars) return true;
+std::size_t starsOf(std::string_view name) {
+  std::size_t stars = 0;
+  for (std::size_t at = 0; at < name.size(); ++at) {
+    if (name[at] == '*' && (at == 0 || name[at - 1] != '*')) ++stars;
   }
-  return false;
+  return stars;
+}
+
+// The number of ways to choose the ends of so many stars in so many characters, or more.
+double waysToMatch(std::size_t stars, std::size_t length) {
+  double ways = 1;
+  for (std::size_t i = 0; i < std::min(stars, length / 2); ++i) {
+    ways *= static_cast<double>(length - i) / static_cast<double>(i + 1);
+  }
+  return ways;
 }
 
 }  // namespace
 
-void checkRepositoryFiles(const std::string& folder) {
+SlowestPattern checkRepositoryFiles(const std::string& folder) {
   const fs::path git = gitFolderOf(fs::path(folder) / ".git");
   for (const char* name : {"HEAD", "index", "commondir", "config.worktree"}) checkFile(git / name);
   const fs::path common = commonFolderOf(git);
@@ -180,10 +221,11 @@ void checkRepositoryFiles(const std::string& folder) {
     }
   }
   for (const char* name : {"packed-refs", "shallow"}) checkFile(common / name);
-  checkConfiguration(common / "config");
-  checkConfiguration(git / "config.worktree");
-  checkRules((common / "info/attributes").string());
-  checkRules((common / "info/exclude").string());
+  SlowestPattern slowest = checkConfiguration(common / "config");
+  keepSlowest(slowest, checkConfiguration(git / "config.worktree"));
+  keepSlowest(slowest, checkRules((common / "info/attributes").string()));
+  keepSlowest(slowest, checkRules((common / "info/exclude").string()));
+  return slowest;
 }
 
 void checkObjectFiles(const std::string& folder) {
@@ -195,15 +237,35 @@ void checkObjectFiles(const std::string& folder) {
   checkObjectFolder(common / "objects", checked);
 }
 
-void checkRules(const std::string& path) {
+SlowestPattern checkRules(const std::string& path) {
   checkFile(path);
+  SlowestPattern slowest;
   const auto lines = readLines(path);
   for (std::size_t number = 0; number < lines.size(); ++number) {
-    if (lines[number].starts_with('#') || !isSlow(lines[number])) continue;
-    fail(path, fmt::format("has in line {} a pattern with so many stars that matching it may take "
-                           "too long; write it with at most {} in a name",
-                           number + 1, maximumStars));
+    const std::string& line = lines[number];
+    if (line.starts_with('#') || line.find('*') == std::string::npos) continue;
+    const auto place = fmt::format("line {} of '{}'", number + 1, path);
+    std::ptrdiff_t folderStars = 0;
+    for (const auto part : std::views::split(line, '/')) {
+      const std::string_view name(part.begin(), part.end());
+      folderStars += static_cast<std::ptrdiff_t>(name == "**");
+      keepSlowest(slowest, {starsOf(name), place});
+    }
+    if (folderStars <= maximumFolderStars) continue;
+    throw GitError(fmt::format("{} has `**` more than {} times, which may take too long", place,
+                               maximumFolderStars));
   }
+  return slowest;
+}
+
+void checkMatching(const SlowestPattern& pattern, const std::string& path) {
+  std::size_t longest = 0;
+  for (const auto name : std::views::split(path, '/')) {
+    longest = std::max(longest, static_cast<std::size_t>(std::ranges::distance(name)));
+  }
+  if (waysToMatch(pattern.stars, longest) <= maximumWays) return;
+  throw GitError(fmt::format("{} has a pattern of {} stars, which may take too long to match '{}'",
+                             pattern.place, pattern.stars, path));
 }
 
 }  // namespace soca

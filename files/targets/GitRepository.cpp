@@ -54,18 +54,23 @@ std::unique_ptr<GitRepository> GitRepository::open(const std::string& folder) {
         "libgit2, which reads git repositories, is not installed; install it (on Debian 12 the "
         "package libgit2-1.5)");
   }
-  checkRepositoryFiles(folder);
+  auto ownRules = checkRepositoryFiles(folder);
   git_repository* opened = nullptr;
   const int error =
       git->repository_open_ext(&opened, folder.c_str(), GIT_REPOSITORY_OPEN_NO_SEARCH, nullptr);
   if (error != 0) failToOpen(*git, folder, error);
   Repository repository(opened);
   if (git->repository_workdir(opened) == nullptr) return nullptr;
-  return std::unique_ptr<GitRepository>(new GitRepository(git, std::move(repository), folder));
+  return std::unique_ptr<GitRepository>(
+      new GitRepository(git, std::move(repository), folder, std::move(ownRules)));
 }
 
-GitRepository::GitRepository(const GitLibrary* git, Repository repository, std::string folder)
-    : git_(git), repository_(std::move(repository)), folder_(std::move(folder)) {
+GitRepository::GitRepository(const GitLibrary* git, Repository repository, std::string folder,
+                             SlowestPattern ownRules)
+    : git_(git),
+      repository_(std::move(repository)),
+      folder_(std::move(folder)),
+      ownRules_(std::move(ownRules)) {
   git_index* index = nullptr;
   if (const int error = git_->repository_index(&index, repository_.get())) {
     failToOpen(*git_, folder_, error);
@@ -88,24 +93,30 @@ bool GitRepository::isFileIgnored(const std::string& path) {
   return !isConflicted(path) && matchesRules(path);
 }
 
-const std::string& GitRepository::rulesProblem(const std::string& folder) {
-  if (const auto known = rulesProblems_.find(folder); known != rulesProblems_.end()) {
-    return known->second;
+const GitRepository::Rules& GitRepository::rulesOf(const std::string& folder) {
+  if (const auto known = rules_.find(folder); known != rules_.end()) return known->second;
+  Rules rules;
+  if (folder.empty()) {
+    rules.slowest = ownRules_;
+  } else {
+    rules = rulesOf(folderOf(folder));
   }
-  std::string problem = folder.empty() ? "" : rulesProblem(folderOf(folder));
   try {
     const std::string place = workFolder_ + '/' + (folder.empty() ? "" : folder + '/');
-    if (problem.empty()) {
-      for (const char* name : {".gitignore", ".gitattributes"}) checkRules(place + name);
+    for (const char* name : {".gitignore", ".gitattributes"}) {
+      auto slowest = checkRules(place + name);
+      if (slowest.stars > rules.slowest.stars) rules.slowest = std::move(slowest);
     }
   } catch (const GitError& error) {
-    problem = error.what();
+    if (rules.problem.empty()) rules.problem = error.what();
   }
-  return rulesProblems_.emplace(folder, std::move(problem)).first->second;
+  return rules_.emplace(folder, std::move(rules)).first->second;
 }
 
 void GitRepository::checkRulesFor(const std::string& path) {
-  if (const auto& problem = rulesProblem(folderOf(path)); !problem.empty()) throw GitError(problem);
+  const Rules& rules = rulesOf(folderOf(path));
+  if (!rules.problem.empty()) throw GitError(rules.problem);
+  checkMatching(rules.slowest, path);
 }
 
 void GitRepository::checkObjects() {

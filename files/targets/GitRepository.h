@@ -51,13 +51,19 @@ class GitRepository {
   using Index = std::unique_ptr<git_index, Release<&GitLibrary::index_free>>;
   using Object = std::unique_ptr<git_object, Release<&GitLibrary::object_free>>;
 
-  GitRepository(const GitLibrary* git, Repository repository, std::string folder);
+  GitRepository(const GitLibrary* git, Repository repository, std::string folder,
+                SlowestPattern ownRules);
 
   // Check what the library is about to open, all of it once. Throw GitError.
   void checkRulesFor(const std::string& path);
   void checkObjects();
-  // Of the rules in the folder and above it; empty for none.
-  const std::string& rulesProblem(const std::string& folder);
+  // The rules in a folder and above it.
+  struct Rules {
+    SlowestPattern slowest;
+    // Why they cannot be read; empty if they can.
+    std::string problem;
+  };
+  const Rules& rulesOf(const std::string& folder);
   bool matchesRules(const std::string& path);
   // The contents of the file in the last commit; null if it is not in there.
   const git_oid* committedContent(const std::string& path);
@@ -71,7 +77,9 @@ class GitRepository {
   std::string folder_;
   std::string workFolder_;
   std::optional<std::string> objectsProblem_;
-  std::unordered_map<std::string, std::string> rulesProblems_;
+  // Of the repository as a whole, then by folder.
+  SlowestPattern ownRules_;
+  std::unordered_map<std::string, Rules> rules_;
   // The last folder of the commit that was looked up, or null if it does not exist; cached because
   // files are queried folder by folder.
   bool hasTree_ = false;
