@@ -18,10 +18,10 @@
 #include "platform/text/FileText.h"
 #include "rules/RuleFamilies.h"
 #include "service/ActionCollection.h"
-#include "service/ApplyUpdates.h"
 #include "service/ClassLoader.h"
 #include "service/ServiceContext.h"
 #include "service/UpdatePlan.h"
+#include "service/UpdatedClass.h"
 
 namespace {
 
@@ -126,9 +126,7 @@ void collect(benchmark::State& state) {
     state.PauseTiming();
     auto loaded = soca::ClassLoader{u"Sample", context.metaData.get()}.load();
     state.ResumeTiming();
-    std::vector<std::size_t> counts;
-    benchmark::DoNotOptimize(
-        soca::collectClassActions(std::move(loaded), context.factories, counts));
+    benchmark::DoNotOptimize(soca::collectClassActions(std::move(loaded), context.factories));
   }
   countBytes(state, sample);
 }
@@ -136,11 +134,14 @@ void collect(benchmark::State& state) {
 void apply(benchmark::State& state) {
   const Sample sample = sampleOf(state);
   const soca::ServiceContext context(soca::allFamilies);
-  std::vector<std::size_t> counts;
-  const auto entry = soca::collectClassActions(
-      soca::ClassLoader{u"Sample", context.metaData.get()}.load(), context.factories, counts);
   for (auto _ : state) {
-    benchmark::DoNotOptimize(soca::applyClassUpdate(entry));
+    state.PauseTiming();
+    auto entry = soca::collectClassActions(
+        soca::ClassLoader{u"Sample", context.metaData.get()}.load(), context.factories);
+    state.ResumeTiming();
+    const auto updated =
+        soca::updateClass(std::move(entry), context, soca::MissingDelimiterType::endsProcess);
+    benchmark::DoNotOptimize(updated.file->getText());
   }
   countBytes(state, sample);
 }

@@ -52,7 +52,10 @@ target_sources(
   soca_core
   PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES
          model/Extent.h
+         model/SourceFile.h
          model/SourcePosition.h
+         rules/RuleConversion.h
+         rules/RuleFinding.h
          rules/RuleFamilies.h
          service/UpdatePlan.h
          service/UpdaterImpl.h)

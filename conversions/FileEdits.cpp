@@ -14,18 +14,6 @@ namespace {
 
 constexpr std::size_t noAction = std::numeric_limits<std::size_t>::max();
 
-// The old text with all actions applied; it still has one record for each old line.
-SourceFile applyActions(const PlannedClass& planned) {
-  SourceFile file(*planned.oldText);
-  for (const PlannedAction& action : planned.actions) {
-    for (const PlannedEdit& edit : action.edits) {
-      file.replace(edit.text, edit.delimiterFlags, edit.extent);
-    }
-  }
-  file.removeEmptiedLines();
-  return file;
-}
-
 // The lines of a text without their line ends; after a final line end there is an empty last line.
 std::vector<fl::ustring_view> splitText(fl::ustring_view text) {
   std::vector<fl::ustring_view> lines;
@@ -114,7 +102,7 @@ class EditFinder {
  public:
   EditFinder(const PlannedClass& planned, fl::EncodingType encoding)
       : planned_(planned),
-        file_(applyActions(planned)),
+        newLines_(planned.newLines->getLines()),
         oldLines_(splitText(*planned.oldText)),
         cursor_(encoding) {}
 
@@ -155,7 +143,7 @@ class EditFinder {
   }
 
   std::string newText(std::size_t line) const {
-    const SourceFile::Line& record = file_.getLines()[line];
+    const SourceFile::Line& record = newLines_[line];
     if ((record.flags & SourceFile::LineDeleted) != 0) return {};
     std::string text = fl::i18n::to_string(record.text);
     if ((record.flags & SourceFile::LineNoNewline) == 0) text += '\n';
@@ -218,7 +206,7 @@ class EditFinder {
   }
 
   const PlannedClass& planned_;
-  SourceFile file_;
+  const std::vector<SourceFile::Line>& newLines_;
   std::vector<fl::ustring_view> oldLines_;
   // The number of an action for each line.
   std::vector<std::size_t> actions_;
@@ -229,7 +217,7 @@ class EditFinder {
 }  // namespace
 
 FileEdits findFileEdits(const PlannedClass& planned, fl::EncodingType encoding) {
-  if (planned.actions.empty()) return {};
+  if (planned.newLines == nullptr) return {};
   return EditFinder(planned, encoding).find();
 }
 

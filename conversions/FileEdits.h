@@ -34,7 +34,7 @@ struct FileEdits {
 };
 
 // The edits for a file of this encoding. Together they give exactly the new text of `planned`,
-// which must have no missing delimiter.
+// which must have its new lines; without a new text there are no edits.
 FileEdits findFileEdits(const PlannedClass& planned, fl::EncodingType encoding);
 
 }  // namespace soca

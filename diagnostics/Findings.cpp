@@ -10,12 +10,16 @@ fl::ustring findingText(const resource_core::BaseMsgID& message) {
   return fl::i18n::MessageCatalog::get_message(message, fl::i18n::Locale::global());
 }
 
-fl::ustring findingText(const char* id, std::initializer_list<fl::ustring> arguments) {
+resource_core::BaseMsgID makeMessage(const char* id, std::initializer_list<fl::ustring> arguments) {
   resource_core::BaseMsgID message;
   message.arguments.assign(arguments.begin(), arguments.end());
   message.catalog = VELUM::system::Analyzer::catalogName;
   message.id = id;
-  return findingText(message);
+  return message;
+}
+
+fl::ustring findingText(const char* id, std::initializer_list<fl::ustring> arguments) {
+  return findingText(makeMessage(id, arguments));
 }
 
 }  // namespace soca

@@ -28,6 +28,7 @@ class Method {
   // The name without a copy, valid as long as the analysis.
   fl::ustring_view nameView() const { return node_->name->text.view(); }
   const MethodsBlock& getBlock() const { return *block_; }
+  const ca::astapi::FunctionDeclaration& getNode() const { return *node_; }
   // False for a signature without a body.
   bool isFunctionDefinition() const;
 

@@ -43,6 +43,7 @@ class MethodsBlock {
   MethodsBlock& operator=(MethodsBlock&& other) noexcept;
   ~MethodsBlock() = default;
 
+  const ca::astapi::MethodsBlockNode& getNode() const { return *node_; }
   // In source order.
   const std::vector<Method>& getMethods() const { return methods_; }
   std::uint64_t getNumberOfMethods() const { return methods_.size(); }

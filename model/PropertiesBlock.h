@@ -74,6 +74,7 @@ class PropertiesBlock {
   PropertiesBlock& operator=(PropertiesBlock&& other) noexcept;
   ~PropertiesBlock() = default;
 
+  const ca::astapi::PropertiesBlockNode& getNode() const { return *node_; }
   // In source order.
   const std::vector<Property>& getProperties() const { return properties_; }
   std::uint64_t getNumberOfProperties() const { return properties_.size(); }

@@ -33,6 +33,7 @@ class Property {
   // The name without a copy, valid as long as the analysis.
   fl::ustring_view nameView() const { return node_->name->text.view(); }
   const PropertiesBlock& getBlock() const { return *block_; }
+  const ca::astapi::PropertyNode& getNode() const { return *node_; }
 
   // From the class's metadata of the property; exceptions are passed on.
   ConstrainedSetInfo getConstrainedSetInfo() const;

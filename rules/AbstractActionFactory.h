@@ -1,29 +1,51 @@
-// A rule family: the edits and messages for the deprecated forms in a class.
+// A rule family: the conversions, edits and findings for the deprecated forms in a class.
 #pragma once
 
-#include <list>
+#include <cstddef>
+#include <memory>
+#include <vector>
 
-#include "platform/text/UString.h"
 #include "rules/Action.h"
+#include "rules/RuleConversion.h"
+#include "rules/RuleFinding.h"
 
 namespace soca {
 
 struct AnalyzedClass;
 
-// The result of one rule family for one class.
+// The result of one rule family for one class. It must not outlive the class.
 struct RuleResult {
-  // In the order in which they are to be applied. They must not outlive the class.
+  // The edits of the conversions that are made, in the order in which they are to be applied.
   ActionList actions;
-  // Finished texts about what cannot be converted or needs a person's attention.
-  std::list<fl::ustring> messages;
+  // What cannot be converted or needs a person's attention, in the order of the messages.
+  std::vector<RuleFinding> findings;
+  // All conversions that the rules found, made or not.
+  std::vector<RuleConversion> conversions;
+  // The conversions that each action belongs to, in the order of the actions. An action that
+  // results from several conversions together, such as the joining of two blocks, belongs to none.
+  std::vector<ActionOwner> owners;
+
+  // Appends the conversion and returns its index.
+  std::size_t addConversion(const RuleConversion& conversion);
+  void addAction(std::unique_ptr<Action> action) { actions.push_back(std::move(action)); }
+  void addAction(std::unique_ptr<Action> action, std::size_t conversion);
+  // Adds a further conversion to those of the last action.
+  void addOwner(std::size_t conversion);
 };
 
 class AbstractActionFactory {
  public:
   virtual ~AbstractActionFactory() = default;
 
-  // Keeps nothing of the class. Exceptions of the class's metadata are passed on.
-  virtual RuleResult createActions(const AnalyzedClass& analyzedClass) const = 0;
+  // Finds the conversions of the class and makes those of the choice. Only these determine which
+  // blocks are deleted and which are joined; a conversion that is not made does not change its
+  // text. Keeps nothing of the class. Exceptions of the class's metadata are passed on.
+  virtual RuleResult createActions(const AnalyzedClass& analyzedClass,
+                                   const ConversionChoice& choice) const = 0;
+  // Makes all conversions.
+  RuleResult createActions(const AnalyzedClass& analyzedClass) const {
+    return createActions(analyzedClass, ConversionChoice());
+  }
 
  protected:
   AbstractActionFactory() = default;

@@ -1,13 +1,16 @@
 #include "rules/CustomAttributeDeprecationFactory.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
-#include <map>
+#include <iterator>
 #include <memory>
+#include <optional>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 #include <vector>
 
-#include "diagnostics/Findings.h"
 #include "model/AnalyzedClass.h"
 #include "model/ClassDefinition.h"
 #include "model/PropertiesBlock.h"
@@ -38,94 +41,45 @@ using DeleteBlock = ReplaceEntity<PropertiesBlock, GetExtent<PropertiesBlock>>;
 using DeleteOpening = ReplaceEntity<PropertiesBlock, GetOpeningExtent>;
 using DeleteEnd = ReplaceEntity<PropertiesBlock, GetEndExtent>;
 
-// Adds the edits of one property to the update of its block.
-using MakePropertyActions = void (*)(const Property&, BlockUpdate&);
-
-void makePositiveIntegerActions(const Property& property, BlockUpdate& update) {
+std::unique_ptr<Action> makePositiveIntegerActions(const Property& property) {
   ActionList actions;
   actions.push_back(std::make_unique<PositiveIntegerInitializer>(&property));
   actions.push_back(std::make_unique<AddValidators>(
       &property, std::vector<fl::ustring>{u"mustBePositive", u"mustBeInteger"}));
   actions.push_back(std::make_unique<SizeValidation>(&property, u"1"));
-  update.addGroup(std::move(actions));
+  return std::make_unique<ActionGroup>(std::move(actions));
 }
 
-void makeLogicalActions(const Property& property, BlockUpdate& update) {
+std::unique_ptr<Action> makeLogicalActions(const Property& property) {
   ActionList actions;
   actions.push_back(std::make_unique<ClassValidation>(&property, u"logical"));
   actions.push_back(std::make_unique<SizeValidation>(&property, u"1"));
-  update.addGroup(std::move(actions));
+  return std::make_unique<ActionGroup>(std::move(actions));
 }
 
-// Whether the property prevents the conversion of its block; adds a message if so.
-bool reportUnconvertibleProperty(const Property& property, BlockUpdate& update) {
-  if (reportAbstractProperty(property, update)) return true;
+struct AttributeRule {
+  PropertyAttributeType attribute;
+  ConversionKindType kind;
+  // Makes the edits of one property, as a group.
+  std::unique_ptr<Action> (*makeActions)(const Property&);
+
+  std::uint64_t bit() const { return std::uint64_t{1} << static_cast<std::uint32_t>(attribute); }
+};
+
+// In the order in which they are applied.
+constexpr std::array<AttributeRule, attributeCount> attributeRules = {{
+    {PropertyAttributeType::PositiveInteger, ConversionKindType::positiveInteger,
+     makePositiveIntegerActions},
+    {PropertyAttributeType::Logical, ConversionKindType::logical, makeLogicalActions},
+}};
+
+// Whether the property prevents the conversion of its block; adds a finding if so.
+bool reportUnconvertibleProperty(const Property& property, ConversionKindType kind,
+                                 BlockUpdate& update) {
+  if (reportAbstractProperty(property, kind, update)) return true;
   if (property.hasDefaultValue()) return false;
-  update.messages.push_back(findingText("PropertyHasEmptyDefault", {property.getName()}));
+  update.findings.push_back(makeFinding("PropertyHasEmptyDefault", kind, property));
   return true;
-}
-
-// A block is converted completely or not at all: the first property that prevents it drops all
-// edits of the block, including those for an earlier attribute.
-void applyAttributeRule(BlockUpdate& update, PropertyAttributeType attribute,
-                        MakePropertyActions makePropertyActions) {
-  const PropertiesBlock& block = *update.block;
-  if (!block.hasLogicalAttribute(attribute)) return;
-  const std::uint64_t bit = std::uint64_t{1} << static_cast<std::uint32_t>(attribute);
-  update.attributeMask &= ~bit;
-  update.attributeActions.push_back(
-      std::make_unique<RemoveLogicalAttributeAction>(attribute, &block));
-  if (block.hasLogicalAttributeValue(attribute, false)) return;
-  for (const Property& property : block.getProperties()) {
-    if (reportUnconvertibleProperty(property, update)) {
-      update.dropActions();
-      update.attributeMask |= bit;
-      return;
-    }
-    makePropertyActions(property, update);
-  }
-}
-
-void applyAttributeRule(std::vector<BlockUpdate>& updates, PropertyAttributeType attribute,
-                        MakePropertyActions makePropertyActions) {
-  for (BlockUpdate& update : updates) applyAttributeRule(update, attribute, makePropertyActions);
-}
-
-// The names of the companions that are no longer needed, with duplicates.
-std::vector<fl::ustring> convertStringSets(const AnalyzedClass& analyzedClass,
-                                           std::vector<BlockUpdate>& updates) {
-  const ClassDefinition& classDefinition = *analyzedClass.definition;
-  CompanionUses uses(&classDefinition, analyzedClass.sourceTextView());
-  std::vector<fl::ustring> setProperties;
-  for (BlockUpdate& update : updates) {
-    for (const Property& property : update.block->getProperties()) {
-      convertStringSet(classDefinition, property, uses, update, setProperties);
-    }
-  }
-  return setProperties;
-}
-
-void deleteCompanions(std::vector<BlockUpdate>& updates,
-                      const std::vector<fl::ustring>& setProperties) {
-  const std::unordered_set<fl::ustring_view> names(setProperties.begin(), setProperties.end());
-  for (BlockUpdate& update : updates) {
-    for (const Property& property : update.block->getProperties()) {
-      if (!names.contains(property.nameView())) continue;
-      update.propertyActions.push_back(
-          std::make_unique<DeleteProperty>(&property, u"", SourceFile::ConsumeListDelimiter));
-      --update.remainingProperties;
-    }
-  }
-}
-
-// Includes the blocks that never had a property.
-void deleteEmptyBlocks(std::vector<BlockUpdate>& updates) {
-  for (BlockUpdate& update : updates) {
-    if (update.remainingProperties != 0) continue;
-    update.dropActions();
-    update.blockActions.push_back(std::make_unique<DeleteBlock>(update.block, u"", 0));
-    update.deleted = true;
-  }
 }
 
 bool areAlike(const BlockUpdate& left, const BlockUpdate& right) {
@@ -133,49 +87,289 @@ bool areAlike(const BlockUpdate& left, const BlockUpdate& right) {
          left.block->getAccess() == right.block->getAccess();
 }
 
-// Deletes the `end` of the first block and the opening of the second. Deleting the opening replaces
-// all other edits of it.
-void join(BlockUpdate& first, BlockUpdate& second) {
-  first.endActions.push_back(std::make_unique<DeleteEnd>(first.block, u"", 0));
-  second.attributeActions.clear();
-  second.attributeActions.push_back(std::make_unique<DeleteOpening>(second.block, u"", 0));
-}
-
-// Joins each block with the previous one if both will have equal attributes and access, and at
-// least one of them has edits. Deleted blocks between them are ignored; blocks of other keywords
-// separate them.
-void joinNeighbours(const ClassDefinition& classDefinition, std::vector<BlockUpdate>& updates) {
-  std::map<const PropertiesBlock*, BlockUpdate*> updateOf;
-  for (BlockUpdate& update : updates) updateOf.emplace(update.block, &update);
-  BlockUpdate* previous = nullptr;
-  bool previousChanged = false;
-  for (const ClassMember& member : classDefinition.getMembers()) {
-    if (member.propertiesBlock == nullptr) {
-      previous = nullptr;
-      continue;
+// The companions of the convertible sets, by name.
+class Companions {
+ public:
+  // Links the sets with companions of the same name. `sets` must outlive this object, and its size
+  // must not change.
+  explicit Companions(std::vector<ConvertibleSet>* sets) : sets_(*sets) {
+    for (std::size_t i = 0; i < sets_.size(); ++i) {
+      const auto [chain, isNew] = chains_.try_emplace(sets_[i].companion->nameView(), Chain{i, i});
+      if (isNew) continue;
+      sets_[chain->second.last].nextOfCompanion = i;
+      chain->second.last = i;
     }
-    BlockUpdate& update = *updateOf.at(member.propertiesBlock);
-    if (update.deleted) continue;
-    if (previous != nullptr && (previousChanged || update.hasActions()) &&
-        areAlike(*previous, update)) {
-      join(*previous, update);
-    }
-    previous = &update;
-    previousChanged = update.hasActions();
   }
-}
 
-RuleResult takeResult(std::vector<BlockUpdate>& updates) {
-  RuleResult result;
-  for (BlockUpdate& update : updates) {
-    result.actions.splice(result.actions.end(), update.attributeActions);
-    result.actions.splice(result.actions.end(), update.endActions);
-    result.actions.splice(result.actions.end(), update.propertyActions);
-    result.actions.splice(result.actions.end(), update.blockActions);
-    result.messages.splice(result.messages.end(), update.messages);
+  bool empty() const { return sets_.empty(); }
+  bool contains(const Property& property) const { return chains_.contains(property.nameView()); }
+
+  // Determines the companions to delete. Requires the sets to know whether they are converted.
+  void settle() {
+    for (auto& [name, chain] : chains_) {
+      visitSets(chain, [&](const ConvertibleSet& set) { chain.isFreed &= set.isMade; });
+    }
   }
-  return result;
-}
+
+  // Whether all conversions that use the companion are made. False for other properties.
+  bool isFreed(const Property& property) const {
+    const auto chain = chains_.find(property.nameView());
+    return chain != chains_.end() && chain->second.isFreed;
+  }
+
+  template <class Visit>
+  void visitSetsOf(const Property& companion, const Visit& visit) const {
+    visitSets(chains_.at(companion.nameView()), visit);
+  }
+
+ private:
+  struct Chain {
+    std::size_t first;
+    std::size_t last;
+    bool isFreed = true;
+  };
+
+  template <class Visit>
+  void visitSets(const Chain& chain, const Visit& visit) const {
+    std::size_t next = chain.first;
+    do {
+      visit(sets_[next]);
+      next = sets_[next].nextOfCompanion;
+    } while (next != 0);
+  }
+
+  std::vector<ConvertibleSet>& sets_;
+  std::unordered_map<fl::ustring_view, Chain> chains_;
+};
+
+// Applies the rules to one class: finds the conversions, determines the changes of the blocks from
+// those that are made, and makes the edits.
+class BlockRules {
+ public:
+  BlockRules(const AnalyzedClass* analyzedClass, const ConversionChoice* choice)
+      : analyzedClass_(*analyzedClass),
+        definition_(*analyzedClass->definition),
+        choice_(*choice),
+        updates_(definition_.getPropertiesBlocks().begin(),
+                 definition_.getPropertiesBlocks().end()) {}
+
+  RuleResult run() {
+    for (std::size_t i = 0; i < attributeRules.size(); ++i) {
+      for (BlockUpdate& update : updates_) findAttribute(i, update);
+    }
+    findSets();
+    companions_.emplace(&sets_);
+    for (BlockUpdate& update : updates_) addConversions(update);
+    companions_->settle();
+    for (BlockUpdate& update : updates_) deleteProperties(update);
+    joinNeighbours();
+    for (BlockUpdate& update : updates_) addActions(update);
+    return std::move(result_);
+  }
+
+ private:
+  // A block is converted completely or not at all: the first property that prevents it drops the
+  // change of the attribute, and of an earlier one.
+  void findAttribute(std::size_t index, BlockUpdate& update) {
+    const AttributeRule& rule = attributeRules[index];
+    const PropertiesBlock& block = *update.block;
+    if (!block.hasLogicalAttribute(rule.attribute)) return;
+    update.attributeMask &= ~rule.bit();
+    update.attributes[index] = AttributeStateType::goes;
+    if (block.hasLogicalAttributeValue(rule.attribute, false)) return;
+    update.attributes[index] = AttributeStateType::isTakenOver;
+    for (const Property& property : block.getProperties()) {
+      if (!reportUnconvertibleProperty(property, rule.kind, update)) continue;
+      update.attributes = {};
+      update.attributeMask |= rule.bit();
+      return;
+    }
+  }
+
+  void findSets() {
+    CompanionUses uses(&definition_, analyzedClass_.sourceTextView());
+    const bool needsNames = std::ranges::any_of(updates_, &BlockUpdate::losesAttribute);
+    for (BlockUpdate& update : updates_) {
+      update.firstSet = sets_.size();
+      for (const Property& property : update.block->getProperties()) {
+        ConstrainedSetInfo info = property.getConstrainedSetInfo();
+        if (info.kind != 0 && needsNames) companionNames_.insert(info.setPropertyName);
+        auto set = findConvertibleSet(definition_, property, std::move(info), uses, update);
+        if (set) sets_.push_back(std::move(*set));
+      }
+      update.endOfSets = sets_.size();
+    }
+  }
+
+  // --- the conversions ---
+
+  void addConversions(BlockUpdate& update) {
+    if (update.remainingProperties == 0) {
+      addEmptyBlock(update);
+    } else if (update.losesAttribute()) {
+      addAttributes(update);
+    }
+    for (std::size_t i = update.firstSet; i < update.endOfSets; ++i) addSet(sets_[i], update);
+  }
+
+  void addEmptyBlock(BlockUpdate& update) {
+    update.attributes = {};
+    update.conversions[0] = result_.addConversion(
+        {.kind = ConversionKindType::emptyBlock, .block = &update.block->getNode()});
+    update.isDeleted = choice_.isMade(update.conversions[0]);
+    update.staysApart = !update.isDeleted;
+  }
+
+  void addAttributes(BlockUpdate& update) {
+    const Property* named = findNamedProperty(update);
+    for (std::size_t i = 0; i < attributeRules.size(); ++i) {
+      if (update.attributes[i] == AttributeStateType::stays) continue;
+      if (named != nullptr) {
+        update.conversions[i] = result_.addConversion({.kind = attributeRules[i].kind,
+                                                       .block = &update.block->getNode(),
+                                                       .property = &named->getNode()});
+        if (choice_.isMade(update.conversions[i])) continue;
+        update.staysApart = true;
+      }
+      keepAttribute(i, update);
+    }
+  }
+
+  // The property that names the conversions of the block: the first that is not a companion of any
+  // set, otherwise the first that stays. Null if the whole block is to be deleted with its
+  // companions.
+  const Property* findNamedProperty(const BlockUpdate& update) const {
+    const auto& properties = update.block->getProperties();
+    const auto stays = [&](const Property& property) { return !companions_->contains(property); };
+    auto named = std::ranges::find_if(properties, [&](const Property& property) {
+      return stays(property) && !companionNames_.contains(property.getName());
+    });
+    if (named == properties.end()) named = std::ranges::find_if(properties, stays);
+    return named == properties.end() ? nullptr : &*named;
+  }
+
+  static void keepAttribute(std::size_t index, BlockUpdate& update) {
+    update.attributes[index] = AttributeStateType::stays;
+    update.attributeMask |= update.block->getLogicalAttributes() & attributeRules[index].bit();
+  }
+
+  void addSet(ConvertibleSet& set, BlockUpdate& update) {
+    set.conversion = result_.addConversion({.kind = ConversionKindType::stringSet,
+                                            .property = &set.property->getNode(),
+                                            .companion = &set.companion->getNode()});
+    set.isMade = choice_.isMade(set.conversion);
+    if (set.isMade) update.changesProperties = true;
+  }
+
+  // --- the blocks ---
+
+  // Counts the deleted companions. A block without remaining properties is deleted.
+  void deleteProperties(BlockUpdate& update) {
+    if (companions_->empty() || update.remainingProperties == 0) return;
+    for (const Property& property : update.block->getProperties()) {
+      if (!companions_->isFreed(property)) continue;
+      --update.remainingProperties;
+      update.changesProperties = true;
+    }
+    update.isDeleted = update.remainingProperties == 0;
+  }
+
+  // Joins each block with the previous one if both will have equal attributes and access, and at
+  // least one of them has edits. Deleted blocks between them are ignored; blocks of other keywords
+  // separate them.
+  void joinNeighbours() {
+    BlockUpdate* previous = nullptr;
+    bool previousChanged = false;
+    auto next = updates_.begin();
+    for (const ClassMember& member : definition_.getMembers()) {
+      if (member.propertiesBlock == nullptr) {
+        previous = nullptr;
+        continue;
+      }
+      BlockUpdate& update = *next++;
+      if (update.isDeleted) continue;
+      if (previous != nullptr && !update.staysApart && (previousChanged || update.hasActions()) &&
+          areAlike(*previous, update)) {
+        previous->losesEnd = true;
+        update.losesOpening = true;
+      }
+      previous = update.staysApart ? nullptr : &update;
+      previousChanged = update.hasActions();
+    }
+  }
+
+  // --- the edits ---
+
+  void addActions(BlockUpdate& update) {
+    std::ranges::move(update.findings, std::back_inserter(result_.findings));
+    if (update.isDeleted) {
+      addBlockDeletion(update);
+    } else if (update.hasActions()) {
+      addOpeningActions(update);
+      if (update.losesEnd) {
+        result_.addAction(std::make_unique<DeleteEnd>(update.block, u"", 0));
+      }
+      addAttributeActions(update);
+      if (update.changesProperties) addPropertyActions(update);
+    }
+  }
+
+  void addBlockDeletion(const BlockUpdate& update) {
+    result_.addAction(std::make_unique<DeleteBlock>(update.block, u"", 0));
+    if (update.block->getNumberOfProperties() == 0) result_.addOwner(update.conversions[0]);
+  }
+
+  // Deleting the opening replaces all other edits of it.
+  void addOpeningActions(const BlockUpdate& update) {
+    if (update.losesOpening) {
+      result_.addAction(std::make_unique<DeleteOpening>(update.block, u"", 0));
+      return;
+    }
+    for (std::size_t i = 0; i < attributeRules.size(); ++i) {
+      if (update.attributes[i] == AttributeStateType::stays) continue;
+      result_.addAction(
+          std::make_unique<RemoveLogicalAttributeAction>(attributeRules[i].attribute, update.block),
+          update.conversions[i]);
+    }
+  }
+
+  void addAttributeActions(const BlockUpdate& update) {
+    for (std::size_t i = 0; i < attributeRules.size(); ++i) {
+      if (update.attributes[i] != AttributeStateType::isTakenOver) continue;
+      for (const Property& property : update.block->getProperties()) {
+        result_.addAction(attributeRules[i].makeActions(property), update.conversions[i]);
+      }
+    }
+  }
+
+  void addPropertyActions(const BlockUpdate& update) {
+    for (std::size_t i = update.firstSet; i < update.endOfSets; ++i) {
+      const ConvertibleSet& set = sets_[i];
+      if (!set.isMade) continue;
+      result_.addAction(std::make_unique<ActionGroup>(makeMemberActions(*set.property, set.set)),
+                        set.conversion);
+    }
+    for (const Property& property : update.block->getProperties()) {
+      if (!companions_->isFreed(property)) continue;
+      result_.addAction(
+          std::make_unique<DeleteProperty>(&property, u"", SourceFile::ConsumeListDelimiter));
+      companions_->visitSetsOf(
+          property, [&](const ConvertibleSet& set) { result_.addOwner(set.conversion); });
+    }
+  }
+
+  const AnalyzedClass& analyzedClass_;
+  const ClassDefinition& definition_;
+  const ConversionChoice& choice_;
+  // In the order of the file.
+  std::vector<BlockUpdate> updates_;
+  std::vector<ConvertibleSet> sets_;
+  // The companions of all sets, convertible or not. Filled only if the name of a conversion depends
+  // on it.
+  std::unordered_set<fl::ustring> companionNames_;
+  std::optional<Companions> companions_;
+  RuleResult result_;
+};
 
 }  // namespace
 
@@ -184,18 +378,9 @@ std::unique_ptr<AbstractActionFactory> makeCustomAttributeDeprecationFactory(
   return std::make_unique<CustomAttributeDeprecationFactory>();
 }
 
-RuleResult CustomAttributeDeprecationFactory::createActions(
-    const AnalyzedClass& analyzedClass) const {
-  const ClassDefinition& classDefinition = *analyzedClass.definition;
-  std::vector<BlockUpdate> updates(classDefinition.getPropertiesBlocks().begin(),
-                                   classDefinition.getPropertiesBlocks().end());
-  applyAttributeRule(updates, PropertyAttributeType::PositiveInteger, makePositiveIntegerActions);
-  applyAttributeRule(updates, PropertyAttributeType::Logical, makeLogicalActions);
-  const std::vector<fl::ustring> setProperties = convertStringSets(analyzedClass, updates);
-  deleteCompanions(updates, setProperties);
-  deleteEmptyBlocks(updates);
-  joinNeighbours(classDefinition, updates);
-  return takeResult(updates);
+RuleResult CustomAttributeDeprecationFactory::createActions(const AnalyzedClass& analyzedClass,
+                                                            const ConversionChoice& choice) const {
+  return BlockRules(&analyzedClass, &choice).run();
 }
 
 }  // namespace soca

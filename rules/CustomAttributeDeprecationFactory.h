@@ -18,10 +18,12 @@ namespace soca {
 //   ModeSet = velum.system.StringSet({'a', 'b'});  ->     Mode, {'a', 'b'})} = 'a';
 //
 // A block that is or becomes empty is deleted; a block that becomes equal to its neighbour is
-// joined with it. What cannot be converted stays unchanged, with a message.
+// joined with it. What cannot be converted stays unchanged, with a finding.
 class CustomAttributeDeprecationFactory : public AbstractActionFactory {
  public:
-  RuleResult createActions(const AnalyzedClass& analyzedClass) const override;
+  using AbstractActionFactory::createActions;
+  RuleResult createActions(const AnalyzedClass& analyzedClass,
+                           const ConversionChoice& choice) const override;
 };
 
 }  // namespace soca

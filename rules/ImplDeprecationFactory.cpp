@@ -1,9 +1,10 @@
 #include "rules/ImplDeprecationFactory.h"
 
+#include <cstddef>
 #include <cstdint>
-#include <list>
 #include <memory>
 #include <ranges>
+#include <utility>
 #include <vector>
 
 #include "diagnostics/Findings.h"
@@ -13,6 +14,7 @@
 #include "model/Method.h"
 #include "model/MethodsBlock.h"
 #include "platform/text/UString.h"
+#include "rules/FindingPlaces.h"
 #include "rules/MethodActions.h"
 #include "rules/RuleFamilies.h"
 
@@ -24,81 +26,52 @@ using VELUM::system::Analyzer::ImplNameConflictAfterConversion;
 using VELUM::system::Analyzer::ImplSignatureMismatch;
 using VELUM::system::Analyzer::LegacyImplReferenced;
 
-// The result of the rules for one method. The lists of actions are applied in this order.
-struct ImplConversion {
-  const Method* method;
-  ActionList renameActions;
-  ActionList negationActions;
-  ActionList deleteActions;
-  std::list<fl::ustring> messages;
+// Queries about one input and about the object only, and a method with inputs and no result.
+constexpr ExpectedSignature queryOfInput{.inputs = 2, .takesMoreInputs = false, .outputs = 1};
+constexpr ExpectedSignature queryOfObject{.inputs = 1, .takesMoreInputs = false, .outputs = 1};
+constexpr ExpectedSignature changeHandler{.inputs = 2, .takesMoreInputs = true, .outputs = 0};
 
-  explicit ImplConversion(const Method& aMethod) : method(&aMethod) {}
+struct RenameRule {
+  const char16_t* oldName;
+  const char16_t* newName;
+  // `renameNegate` for a query whose new name has the opposite meaning.
+  ConversionKindType kind;
+  const ExpectedSignature* expected;
 };
+
+constexpr RenameRule renameRules[] = {
+    {u"isInputSizeLockedImpl", u"isInputSizeMutableImpl", ConversionKindType::renameNegate,
+     &queryOfInput},
+    {u"isInputComplexityLockedImpl", u"isInputComplexityMutableImpl",
+     ConversionKindType::renameNegate, &queryOfInput},
+    {u"processInputSizeChangeImpl", u"processInputSpecificationChangeImpl",
+     ConversionKindType::rename, &changeHandler},
+};
+
+constexpr const char16_t* obsoleteMethods[] = {u"isOutputComplexityLockedImpl",
+                                               u"isOutputSizeLockedImpl"};
 
 struct RedundantMethod {
   const char16_t* name;
-  // Includes the object.
-  std::uint64_t inputs;
+  const ExpectedSignature* expected;
 };
 
 // Methods that are redundant in a class with strict defaults if they return `false`.
-constexpr RedundantMethod kRedundantMethods[] = {
-    {u"isInputDataTypeMutableImpl", 2},           {u"isInputSizeMutableImpl", 2},
-    {u"isInputComplexityMutableImpl", 2},         {u"isDiscreteStateSpecificationMutableImpl", 1},
-    {u"isTunablePropertyDataTypeMutableImpl", 1},
+constexpr RedundantMethod redundantMethods[] = {
+    {u"isInputDataTypeMutableImpl", &queryOfInput},
+    {u"isInputSizeMutableImpl", &queryOfInput},
+    {u"isInputComplexityMutableImpl", &queryOfInput},
+    {u"isDiscreteStateSpecificationMutableImpl", &queryOfObject},
+    {u"isTunablePropertyDataTypeMutableImpl", &queryOfObject},
 };
 
-void addRenameAction(ImplConversion& conversion, const fl::ustring& newName) {
-  conversion.renameActions.push_back(
-      std::make_unique<RenameMethodAction>(newName, conversion.method));
-}
-
-void addDeleteAction(ImplConversion& conversion) {
-  conversion.deleteActions.push_back(std::make_unique<DeleteMethodAction>(conversion.method));
-}
-
-// Negates the output before the closing `end`, then before the `return` statements from the last to
-// the first.
-void addNegationLines(ImplConversion& conversion, const fl::ustring& target) {
-  const Method& method = *conversion.method;
-  const auto add = [&](SourcePosition position, bool atMethodEnd) {
-    conversion.negationActions.push_back(
-        std::make_unique<NegateReturnValueAction>(target, position, &method, atMethodEnd));
-  };
-  // The body ends one column before `end`; for an `end` in the first column the sum wraps to 0.
-  SourcePosition closing = method.getBodyExtent().end;
-  closing.column += 1;
-  add(closing, true);
-  const std::vector<Extent> returns = method.findReturnStatements();
-  for (const Extent& statement : std::views::reverse(returns)) add(statement.start, false);
-}
-
-// The method must have an output.
-void addNegationActions(ImplConversion& conversion) {
-  const Method& method = *conversion.method;
-  const fl::ustring output = method.getOutputName(0);
-  bool constant = false;
-  Extent extent;
-  if (method.isSimpleConstantAssignment(output, constant, extent.start, extent.end)) {
-    conversion.negationActions.push_back(
-        std::make_unique<NegateReturnValueActionSimpleAssignment>(extent, &method, !constant));
-    return;
-  }
-  addNegationLines(conversion, output == u"varargout" ? output + u"{1}" : output);
-}
-
-bool isProtected(const Method& method) {
-  return method.getBlock().getAccess() == MethodAccessType::protectedAccess;
-}
-
-// Whether the method is a protected query: `inputs` inputs, including the object, and one output.
-bool isQuery(const Method& method, std::uint64_t inputs) {
-  return method.getNumberOfInputs() == inputs && method.getNumberOfOutputs() == 1 &&
-         isProtected(method);
-}
-
-bool isChangeHandler(const Method& method) {
-  return method.getNumberOfInputs() >= 2 && method.getNumberOfOutputs() == 0 && isProtected(method);
+// Whether the method is protected and has the signature.
+bool isAsExpected(const Method& method, const ExpectedSignature& expected) {
+  const std::uint64_t inputs = method.getNumberOfInputs();
+  const bool hasInputs =
+      expected.takesMoreInputs ? inputs >= expected.inputs : inputs == expected.inputs;
+  return hasInputs && method.getNumberOfOutputs() == expected.outputs &&
+         method.getBlock().getAccess() == MethodAccessType::protectedAccess;
 }
 
 // Whether the body only returns `false`.
@@ -113,102 +86,153 @@ bool returnsFalse(const Method& method) {
 // Applies the rules to one class. Each rule works on the unedited class.
 class ImplRules {
  public:
-  explicit ImplRules(const ClassDefinition& definition) : definition_(definition) {}
+  ImplRules(const ClassDefinition* definition, const ConversionChoice* choice)
+      : definition_(*definition), choice_(*choice) {}
 
-  // For a query whose new name has the opposite meaning.
-  void negateAndRename(const char16_t* oldName, const char16_t* newName) {
-    ImplConversion* conversion = takeUp(oldName);
-    if (conversion == nullptr || reportConflict(*conversion, oldName, newName)) return;
-    if (!isQuery(*conversion->method, 2)) {
-      report(*conversion, ImplSignatureMismatch(oldName, newName));
-      return;
+  void rename(const RenameRule& rule) {
+    const Method* method = takeUp(rule.oldName);
+    if (method == nullptr) return;
+    // A signature without a body also prevents it.
+    if (const Method* other = definition_.findMethod(rule.newName)) {
+      report(ImplNameConflictAfterConversion(rule.oldName, rule.newName), rule.kind, *method,
+             {.other = &other->getNode(), .findPlaces = findOtherMethod});
+    } else if (!isAsExpected(*method, *rule.expected)) {
+      report(ImplSignatureMismatch(rule.oldName, rule.newName), rule.kind, *method,
+             {.expected = rule.expected, .findPlaces = findSignature});
+    } else {
+      makeRenameActions(*method, rule);
     }
-    reportReference(*conversion, LegacyImplReferenced(oldName, newName));
-    addNegationActions(*conversion);
-    addRenameAction(*conversion, newName);
-  }
-
-  void rename(const char16_t* oldName, const char16_t* newName) {
-    ImplConversion* conversion = takeUp(oldName);
-    if (conversion == nullptr || reportConflict(*conversion, oldName, newName)) return;
-    if (!isChangeHandler(*conversion->method)) {
-      report(*conversion, ImplSignatureMismatch(oldName, newName));
-      return;
-    }
-    reportReference(*conversion, LegacyImplReferenced(oldName, newName));
-    addRenameAction(*conversion, newName);
   }
 
   // Deletes the method even if it is referenced, whatever its body is.
   void deleteObsolete(const char16_t* name) {
-    ImplConversion* conversion = takeUp(name);
-    if (conversion == nullptr) return;
-    if (!isQuery(*conversion->method, 2)) {
-      report(*conversion, "ImplSignatureMismatchForDeletion", name);
+    constexpr auto kind = ConversionKindType::deleteObsolete;
+    const Method* method = takeUp(name);
+    if (method == nullptr) return;
+    if (!isAsExpected(*method, queryOfInput)) {
+      report(makeMessage("ImplSignatureMismatchForDeletion", {name}), kind, *method,
+             {.expected = &queryOfInput, .findPlaces = findSignature});
       return;
     }
-    reportReference(*conversion, DeprecatedImplReferenced(name));
-    addDeleteAction(*conversion);
+    const std::size_t conversion = addConversion(kind, *method);
+    if (!choice_.isMade(conversion)) return;
+    reportReferences(DeprecatedImplReferenced(name), *method, conversion);
+    addDeleteAction(*method, conversion);
   }
 
   // Checks the signature and the references even in a class without strict defaults.
   void deleteRedundant(const RedundantMethod& rule) {
-    ImplConversion* conversion = takeUp(rule.name);
-    if (conversion == nullptr) return;
-    const Method& method = *conversion->method;
-    if (!isQuery(method, rule.inputs)) {
-      report(*conversion, "ImplSignatureMismatchForDeletionStrictDefaultsRedundantNonObsolete",
-             rule.name);
-    } else if (method.isMethodReferencedInSysObj()) {
-      report(*conversion, "LegacyImplReferencedStrictDefaultsRedundantNonObsolete", rule.name);
-    } else if (definition_.isStrictDefaultsClass() &&
-               !definition_.isMethodDefinedInSuperClass(rule.name) && returnsFalse(method)) {
-      addDeleteAction(*conversion);
+    constexpr auto kind = ConversionKindType::deleteRedundant;
+    const Method* method = takeUp(rule.name);
+    if (method == nullptr) return;
+    if (!isAsExpected(*method, *rule.expected)) {
+      report(makeMessage("ImplSignatureMismatchForDeletionStrictDefaultsRedundantNonObsolete",
+                         {rule.name}),
+             kind, *method, {.expected = rule.expected, .findPlaces = findSignature});
+    } else if (method->isMethodReferencedInSysObj()) {
+      report(makeMessage("LegacyImplReferencedStrictDefaultsRedundantNonObsolete", {rule.name}),
+             kind, *method, {.findPlaces = findReferences});
+    } else if (isRedundant(*method, rule.name)) {
+      const std::size_t conversion = addConversion(kind, *method);
+      if (choice_.isMade(conversion)) addDeleteAction(*method, conversion);
     }
   }
 
-  RuleResult takeResult() {
-    RuleResult result;
-    for (ImplConversion& conversion : conversions_) {
-      result.actions.splice(result.actions.end(), conversion.renameActions);
-      result.actions.splice(result.actions.end(), conversion.negationActions);
-      result.actions.splice(result.actions.end(), conversion.deleteActions);
-      result.messages.splice(result.messages.end(), conversion.messages);
-    }
-    return result;
-  }
+  RuleResult takeResult() { return std::move(result_); }
 
  private:
-  // A new record for the method of that name; null if there is none or only a signature.
-  ImplConversion* takeUp(const char16_t* name) {
+  // The parts of a finding besides its message, kind and method.
+  struct FindingDetails {
+    const ca::astapi::Node* other = nullptr;
+    const ExpectedSignature* expected = nullptr;
+    PlaceFinder* findPlaces = nullptr;
+    std::size_t conversion = noConversion;
+  };
+
+  // The method of that name; null if there is none or only a signature.
+  const Method* takeUp(const char16_t* name) const {
     const Method* method = definition_.findMethod(name);
-    if (method == nullptr || !method->isFunctionDefinition()) return nullptr;
-    return &conversions_.emplace_back(*method);
+    return method != nullptr && method->isFunctionDefinition() ? method : nullptr;
   }
 
-  // Whether the class has a method of the new name, if only a signature; adds a message if so.
-  bool reportConflict(ImplConversion& conversion, const char16_t* oldName,
-                      const char16_t* newName) const {
-    if (definition_.findMethod(newName) == nullptr) return false;
-    report(conversion, ImplNameConflictAfterConversion(oldName, newName));
-    return true;
+  bool isRedundant(const Method& method, const char16_t* name) const {
+    return definition_.isStrictDefaultsClass() && !definition_.isMethodDefinedInSuperClass(name) &&
+           returnsFalse(method);
   }
 
-  static void reportReference(ImplConversion& conversion, const resource_core::BaseMsgID& message) {
-    if (conversion.method->isMethodReferencedInSysObj()) report(conversion, message);
+  // --- findings ---
+
+  void report(const resource_core::BaseMsgID& message, ConversionKindType kind,
+              const Method& method, const FindingDetails& details) {
+    result_.findings.push_back({.message = message,
+                                .kind = kind,
+                                .member = &method.getNode(),
+                                .memberName = method.getNode().name,
+                                .other = details.other,
+                                .expected = details.expected,
+                                .findPlaces = details.findPlaces,
+                                .conversion = details.conversion});
   }
 
-  static void report(ImplConversion& conversion, const resource_core::BaseMsgID& message) {
-    conversion.messages.push_back(findingText(message));
+  void reportReferences(const resource_core::BaseMsgID& message, const Method& method,
+                        std::size_t conversion) {
+    if (!method.isMethodReferencedInSysObj()) return;
+    report(message, result_.conversions[conversion].kind, method,
+           {.findPlaces = findReferences, .conversion = conversion});
   }
 
-  static void report(ImplConversion& conversion, const char* id, const char16_t* name) {
-    conversion.messages.push_back(findingText(id, {name}));
+  // --- edits ---
+
+  std::size_t addConversion(ConversionKindType kind, const Method& method,
+                            fl::ustring_view newName = {}) {
+    return result_.addConversion({.kind = kind, .method = &method.getNode(), .newName = newName});
+  }
+
+  void makeRenameActions(const Method& method, const RenameRule& rule) {
+    const std::size_t conversion = addConversion(rule.kind, method, rule.newName);
+    if (!choice_.isMade(conversion)) return;
+    reportReferences(LegacyImplReferenced(rule.oldName, rule.newName), method, conversion);
+    result_.addAction(std::make_unique<RenameMethodAction>(rule.newName, &method), conversion);
+    if (rule.kind == ConversionKindType::renameNegate) addNegationActions(method, conversion);
+  }
+
+  void addDeleteAction(const Method& method, std::size_t conversion) {
+    result_.addAction(std::make_unique<DeleteMethodAction>(&method), conversion);
+  }
+
+  // The method must have an output.
+  void addNegationActions(const Method& method, std::size_t conversion) {
+    const fl::ustring output = method.getOutputName(0);
+    bool constant = false;
+    Extent extent;
+    if (method.isSimpleConstantAssignment(output, constant, extent.start, extent.end)) {
+      result_.addAction(
+          std::make_unique<NegateReturnValueActionSimpleAssignment>(extent, &method, !constant),
+          conversion);
+    } else {
+      addNegationLines(method, conversion, output == u"varargout" ? output + u"{1}" : output);
+    }
+  }
+
+  // Negates the output before the closing `end`, then before the `return` statements from the last
+  // to the first.
+  void addNegationLines(const Method& method, std::size_t conversion, const fl::ustring& target) {
+    const auto add = [&](SourcePosition position, bool atMethodEnd) {
+      result_.addAction(
+          std::make_unique<NegateReturnValueAction>(target, position, &method, atMethodEnd),
+          conversion);
+    };
+    // The body ends one column before `end`; for an `end` in the first column the sum wraps to 0.
+    SourcePosition closing = method.getBodyExtent().end;
+    closing.column += 1;
+    add(closing, true);
+    const std::vector<Extent> returns = method.findReturnStatements();
+    for (const Extent& statement : std::views::reverse(returns)) add(statement.start, false);
   }
 
   const ClassDefinition& definition_;
-  // In the order of the rules.
-  std::list<ImplConversion> conversions_;
+  const ConversionChoice& choice_;
+  RuleResult result_;
 };
 
 }  // namespace
@@ -217,14 +241,12 @@ std::unique_ptr<AbstractActionFactory> makeImplDeprecationFactory(MetaDataInterf
   return std::make_unique<ImplDeprecationFactory>(metaData);
 }
 
-RuleResult ImplDeprecationFactory::createActions(const AnalyzedClass& analyzedClass) const {
-  ImplRules rules(*analyzedClass.definition);
-  rules.negateAndRename(u"isInputSizeLockedImpl", u"isInputSizeMutableImpl");
-  rules.negateAndRename(u"isInputComplexityLockedImpl", u"isInputComplexityMutableImpl");
-  rules.rename(u"processInputSizeChangeImpl", u"processInputSpecificationChangeImpl");
-  rules.deleteObsolete(u"isOutputComplexityLockedImpl");
-  rules.deleteObsolete(u"isOutputSizeLockedImpl");
-  for (const RedundantMethod& rule : kRedundantMethods) rules.deleteRedundant(rule);
+RuleResult ImplDeprecationFactory::createActions(const AnalyzedClass& analyzedClass,
+                                                 const ConversionChoice& choice) const {
+  ImplRules rules(analyzedClass.definition.get(), &choice);
+  for (const RenameRule& rule : renameRules) rules.rename(rule);
+  for (const char16_t* name : obsoleteMethods) rules.deleteObsolete(name);
+  for (const RedundantMethod& rule : redundantMethods) rules.deleteRedundant(rule);
   return rules.takeResult();
 }
 

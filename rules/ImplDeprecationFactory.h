@@ -13,13 +13,15 @@ namespace soca {
 //       flag = false;                             ->       flag = true;
 //   end                                                end
 //
-// A method without the expected signature stays unchanged, with a message. References to a method
-// are never changed; a message reports them.
+// A method without the expected signature stays unchanged, with a finding. References to a method
+// are never changed; a finding reports them.
 class ImplDeprecationFactory : public AbstractActionFactory {
  public:
   explicit ImplDeprecationFactory(MetaDataInterface* metaData) : metaData_(metaData) {}
 
-  RuleResult createActions(const AnalyzedClass& analyzedClass) const override;
+  using AbstractActionFactory::createActions;
+  RuleResult createActions(const AnalyzedClass& analyzedClass,
+                           const ConversionChoice& choice) const override;
 
  private:
   // All families that may need other classes have this parameter. These rules need only the class's

@@ -104,13 +104,17 @@ std::unique_ptr<AbstractActionFactory> makeMixinDeprecationFactory(MetaDataInter
   return std::make_unique<MixinDeprecationFactory>(metaData);
 }
 
-RuleResult MixinDeprecationFactory::createActions(const AnalyzedClass& analyzedClass) const {
+RuleResult MixinDeprecationFactory::createActions(const AnalyzedClass& analyzedClass,
+                                                  const ConversionChoice& choice) const {
   const SuperClasses& superClasses = analyzedClass.definition->getSuperClasses();
   RuleResult result;
   if (std::ranges::none_of(superClasses, isDeprecated)) return result;
+  const std::size_t conversion = result.addConversion({.kind = ConversionKindType::mixins});
+  if (!choice.isMade(conversion)) return result;
   auto names = newSuperClassNames(superClasses, needsSystemBase(superClasses, *metaData_));
-  result.actions.push_back(std::make_unique<RewriteSuperClasses>(
-      &superClasses.front(), &superClasses.back(), std::move(names)));
+  result.addAction(std::make_unique<RewriteSuperClasses>(&superClasses.front(),
+                                                         &superClasses.back(), std::move(names)),
+                   conversion);
   return result;
 }
 

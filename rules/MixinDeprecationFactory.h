@@ -12,13 +12,15 @@ namespace soca {
 //   classdef Mixer < MyBase & velum.system.mixin.CustomIcon   ->   classdef Mixer < MyBase &
 //   velum.System
 //
-// Makes at most one action, which replaces the whole list, and no messages.
+// Makes at most one action, which replaces the whole list, and no findings.
 class MixinDeprecationFactory : public AbstractActionFactory {
  public:
   // `metaData` must outlive the factory.
   explicit MixinDeprecationFactory(MetaDataInterface* metaData) : metaData_(metaData) {}
 
-  RuleResult createActions(const AnalyzedClass& analyzedClass) const override;
+  using AbstractActionFactory::createActions;
+  RuleResult createActions(const AnalyzedClass& analyzedClass,
+                           const ConversionChoice& choice) const override;
 
  private:
   MetaDataInterface* metaData_;

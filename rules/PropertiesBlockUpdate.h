@@ -1,34 +1,57 @@
 // The update of one properties block. Included only by CustomAttributeDeprecationFactory.cpp.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
-#include <list>
 #include <utility>
+#include <vector>
 
 #include "diagnostics/Findings.h"
 #include "model/PropertiesBlock.h"
 #include "model/Property.h"
-#include "platform/text/UString.h"
-#include "rules/Action.h"
+#include "rules/FindingPlaces.h"
+#include "rules/RuleFinding.h"
 
 namespace soca {
 namespace {
 
-// The edits and messages for one properties block. The four lists of actions are applied in their
-// order here.
+// The change of a deprecated attribute of a block.
+enum class AttributeStateType {
+  // The block does not have the attribute, or keeps it.
+  stays,
+  // The attribute is removed. It was `false`, so the properties do not change.
+  goes,
+  // The attribute is removed, and the declarations of the properties replace it.
+  isTakenOver,
+};
+
+// The number of deprecated attributes.
+constexpr std::size_t attributeCount = 2;
+
+// The edits and findings for one properties block.
 struct BlockUpdate {
   const PropertiesBlock* block;
-  // The block's logical attributes after the update.
+  // The logical attributes of the block after the update.
   std::uint64_t attributeMask;
   std::uint64_t remainingProperties;
-  // The edits of the block's opening, its `end`, its properties, and the whole block.
-  ActionList attributeActions;
-  ActionList endActions;
-  ActionList propertyActions;
-  ActionList blockActions;
-  std::list<fl::ustring> messages;
-  // Whether the whole block is deleted.
-  bool deleted = false;
+  // Indexed like the table of attribute rules.
+  std::array<AttributeStateType, attributeCount> attributes{};
+  // The indices of the conversions of the attributes. For a block without properties, the first is
+  // the index of the conversion of the block.
+  std::array<std::size_t, attributeCount> conversions{};
+  // The range of the sets of this block in the list of all convertible sets.
+  std::size_t firstSet = 0;
+  std::size_t endOfSets = 0;
+  std::vector<RuleFinding> findings;
+  // Whether a set is converted or a companion is deleted in the block.
+  bool changesProperties = false;
+  // The whole block is deleted; its opening is deleted; its `end` is deleted.
+  bool isDeleted = false;
+  bool losesOpening = false;
+  bool losesEnd = false;
+  // A conversion of the whole block is not made, so the block is not joined with another.
+  bool staysApart = false;
 
   explicit BlockUpdate(const PropertiesBlock& propertiesBlock)
       : block(&propertiesBlock),
@@ -36,26 +59,26 @@ struct BlockUpdate {
         remainingProperties(propertiesBlock.getNumberOfProperties()) {}
 
   bool hasActions() const {
-    return !attributeActions.empty() || !endActions.empty() || !propertyActions.empty() ||
-           !blockActions.empty();
+    return isDeleted || losesOpening || losesEnd || changesProperties || losesAttribute();
   }
 
-  void dropActions() {
-    attributeActions.clear();
-    endActions.clear();
-    propertyActions.clear();
-    blockActions.clear();
-  }
-
-  void addGroup(ActionList&& children) {
-    propertyActions.push_back(std::make_unique<ActionGroup>(std::move(children)));
-  }
+  bool losesAttribute() const { return attributes != decltype(attributes){}; }
 };
 
-// Whether the property is abstract in any class; adds a message if so.
-bool reportAbstractProperty(const Property& property, BlockUpdate& update) {
+RuleFinding makeFinding(const char* id, ConversionKindType kind, const Property& property) {
+  return {.message = makeMessage(id, {property.getName()}),
+          .kind = kind,
+          .member = &property.getNode(),
+          .memberName = property.getNode().name};
+}
+
+// Whether the property is abstract in any class; adds a finding if so.
+bool reportAbstractProperty(const Property& property, ConversionKindType kind,
+                            BlockUpdate& update) {
   if (!property.isAbstract()) return false;
-  update.messages.push_back(findingText("CustomAttributeAbstractBaseClass", {property.getName()}));
+  RuleFinding finding = makeFinding("CustomAttributeAbstractBaseClass", kind, property);
+  finding.findPlaces = findAbstractAttributes;
+  update.findings.push_back(std::move(finding));
   return true;
 }
 

@@ -5,17 +5,25 @@
 namespace soca {
 namespace {
 
-constexpr bool isTableInOrder() {
+template <class Table>
+constexpr bool isInOrder(const Table& table) {
+  for (std::size_t i = 0; i < table.size(); ++i) {
+    if (static_cast<std::size_t>(table[i].type) != i) return false;
+  }
+  return true;
+}
+static_assert(isInOrder(ruleFamilies));
+static_assert(isInOrder(conversionKinds));
+
+constexpr bool hasEachABitOfItsOwn() {
   std::uint64_t mask = 0;
-  for (std::size_t i = 0; i < ruleFamilies.size(); ++i) {
-    const RuleFamily& family = ruleFamilies[i];
-    if (static_cast<std::size_t>(family.type) != i) return false;
+  for (const RuleFamily& family : ruleFamilies) {
     if (!std::has_single_bit(family.bit) || (mask & family.bit) != 0) return false;
     mask |= family.bit;
   }
   return true;
 }
-static_assert(isTableInOrder());
+static_assert(hasEachABitOfItsOwn());
 
 }  // namespace
 

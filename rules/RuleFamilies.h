@@ -1,5 +1,5 @@
-// The rule families. All code that names, counts, selects or makes them uses the table in this
-// file.
+// The rule families and the kinds of conversions that they make. All code that names, counts,
+// selects or makes them uses the tables in this file.
 #pragma once
 
 #include <array>
@@ -41,20 +41,58 @@ inline constexpr auto ruleFamilies = std::to_array<RuleFamily>({
     {RuleFamilyType::impl, 4, "impl", makeImplDeprecationFactory},
 });
 
-// One value for each family.
-template <class Value>
-class PerFamily {
- public:
-  constexpr Value& operator[](RuleFamilyType type) { return values_[indexOf(type)]; }
-  constexpr const Value& operator[](RuleFamilyType type) const { return values_[indexOf(type)]; }
+// The kinds of conversions, which differ in their subject: a superclass list, a block, a property
+// or a method.
+enum class ConversionKindType {
+  positiveInteger,
+  logical,
+  stringSet,
+  emptyBlock,
+  mixins,
+  rename,
+  renameNegate,
+  deleteObsolete,
+  deleteRedundant,
+};
 
- private:
-  static constexpr std::size_t indexOf(RuleFamilyType type) {
-    return static_cast<std::size_t>(type);
+struct ConversionKind {
+  ConversionKindType type;
+  RuleFamilyType family;
+  // The name of the family, in most kinds followed by a slash and a second word.
+  std::string_view name;
+};
+
+// In the order of ConversionKindType.
+inline constexpr auto conversionKinds = std::to_array<ConversionKind>({
+    {ConversionKindType::positiveInteger, RuleFamilyType::attributes,
+     "attributes/positive-integer"},
+    {ConversionKindType::logical, RuleFamilyType::attributes, "attributes/logical"},
+    {ConversionKindType::stringSet, RuleFamilyType::attributes, "attributes/string-set"},
+    {ConversionKindType::emptyBlock, RuleFamilyType::attributes, "attributes/empty-block"},
+    {ConversionKindType::mixins, RuleFamilyType::mixins, "mixins"},
+    {ConversionKindType::rename, RuleFamilyType::impl, "impl/rename"},
+    {ConversionKindType::renameNegate, RuleFamilyType::impl, "impl/rename-negate"},
+    {ConversionKindType::deleteObsolete, RuleFamilyType::impl, "impl/delete-obsolete"},
+    {ConversionKindType::deleteRedundant, RuleFamilyType::impl, "impl/delete-redundant"},
+});
+
+// One value for each enumerator of a type with `count` of them.
+template <class Type, std::size_t count, class Value>
+class PerType {
+ public:
+  constexpr Value& operator[](Type type) { return values_[static_cast<std::size_t>(type)]; }
+  constexpr const Value& operator[](Type type) const {
+    return values_[static_cast<std::size_t>(type)];
   }
 
-  std::array<Value, ruleFamilies.size()> values_{};
+ private:
+  std::array<Value, count> values_{};
 };
+
+template <class Value>
+using PerFamily = PerType<RuleFamilyType, ruleFamilies.size(), Value>;
+template <class Value>
+using PerKind = PerType<ConversionKindType, conversionKinds.size(), Value>;
 
 // The mask that selects every family.
 constexpr std::uint64_t maskOfAllFamilies() {
@@ -66,6 +104,10 @@ inline constexpr std::uint64_t allFamilies = maskOfAllFamilies();
 
 constexpr const RuleFamily& ruleFamily(RuleFamilyType type) {
   return ruleFamilies[static_cast<std::size_t>(type)];
+}
+
+constexpr const ConversionKind& conversionKind(ConversionKindType type) {
+  return conversionKinds[static_cast<std::size_t>(type)];
 }
 
 // The families that the mask selects, in running order.

@@ -83,18 +83,24 @@ class CompanionUses {
   std::optional<DotIndex> index_;
 };
 
-// Whether the companion can be deleted; adds a message for each reason against it.
+// Whether the companion can be deleted; adds a finding for each reason against it.
 bool canDeleteCompanion(const Property& property, const Property& companion, CompanionUses& uses,
                         BlockUpdate& update) {
-  const auto report = [&](const char* id) {
-    update.messages.push_back(findingText(id, {property.getName(), companion.getName()}));
+  const auto report = [&](const char* id, PlaceFinder* findPlaces) {
+    update.findings.push_back(
+        {.message = makeMessage(id, {property.getName(), companion.getName()}),
+         .kind = ConversionKindType::stringSet,
+         .member = &property.getNode(),
+         .memberName = property.getNode().name,
+         .other = &companion.getNode(),
+         .findPlaces = findPlaces});
   };
   const bool hasGetter = companion.hasGetAccessor();
-  if (hasGetter) report("AssociatedStringSetHasGetter");
+  if (hasGetter) report("AssociatedStringSetHasGetter", findGetMethod);
   const bool isDirect = companion.hasStringSetDefault();
-  if (!isDirect) report("StringSetIndirectInstantiation");
+  if (!isDirect) report("StringSetIndirectInstantiation", findCompanionDefault);
   const bool isUsed = uses.isUsed(companion);
-  if (isUsed) report("AssociatedStringSetUsedInSourceCode");
+  if (isUsed) report("AssociatedStringSetUsedInSourceCode", findCompanionUse);
   return !hasGetter && isDirect && !isUsed;
 }
 
@@ -128,20 +134,31 @@ bool lacksFirstValue(const Property& property, const ConstrainedSetInfo& set) {
   return set.values.empty() && !property.hasDefaultValue() && !property.isDependent();
 }
 
-// Declares the members of the property's set in the property itself, and adds the name of the
-// companion, which is then no longer needed, to `setProperties`. Otherwise adds a message with the
-// reason.
-void convertStringSet(const ClassDefinition& classDefinition, const Property& property,
-                      CompanionUses& uses, BlockUpdate& update,
-                      std::vector<fl::ustring>& setProperties) {
-  const ConstrainedSetInfo set = property.getConstrainedSetInfo();
-  if (!isReplaceableSet(set)) return;
-  if (reportAbstractProperty(property, update)) return;
+// A set that can be declared in its property.
+struct ConvertibleSet {
+  const Property* property;
+  const Property* companion;
+  ConstrainedSetInfo set;
+  // The index of the conversion, and whether it is made.
+  std::size_t conversion = 0;
+  bool isMade = false;
+  // The index of the next set with a companion of the same name; 0 for the last.
+  std::size_t nextOfCompanion = 0;
+};
+
+// The set of the property if it can be declared in the property, after which the companion is no
+// longer needed. Otherwise empty; adds findings with the reasons.
+std::optional<ConvertibleSet> findConvertibleSet(const ClassDefinition& classDefinition,
+                                                 const Property& property, ConstrainedSetInfo set,
+                                                 CompanionUses& uses, BlockUpdate& update) {
+  if (!isReplaceableSet(set)) return std::nullopt;
+  if (reportAbstractProperty(property, ConversionKindType::stringSet, update)) return std::nullopt;
   const Property* companion = classDefinition.findProperty(set.setPropertyName);
-  if (companion == nullptr || !canDeleteCompanion(property, *companion, uses, update)) return;
-  if (lacksFirstValue(property, set)) return;
-  update.addGroup(makeMemberActions(property, set));
-  setProperties.push_back(set.setPropertyName);
+  if (companion == nullptr || !canDeleteCompanion(property, *companion, uses, update)) {
+    return std::nullopt;
+  }
+  if (lacksFirstValue(property, set)) return std::nullopt;
+  return ConvertibleSet{&property, companion, std::move(set)};
 }
 
 }  // namespace

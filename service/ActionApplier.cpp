@@ -1,31 +1,42 @@
 #include "service/ActionApplier.h"
 
-#include <cstdint>
 #include <utility>
 
 #include "diagnostics/Messages.h"
 #include "diagnostics/RaiseErrMsgId.h"
 
 namespace soca {
+namespace {
+
+PlannedEdit planEdit(const Action& action) {
+  const auto& edit = static_cast<const SingleAction&>(action);
+  return {edit.getExtent(), edit.getText(), edit.getDelimiterFlags()};
+}
+
+std::vector<PlannedEdit> planEdits(const Action& action) {
+  std::vector<PlannedEdit> edits;
+  if (!action.isGroup()) {
+    edits.push_back(planEdit(action));
+    return edits;
+  }
+  const ActionList& children = static_cast<const ActionGroup&>(action).getActions();
+  edits.reserve(children.size());
+  for (const auto& child : children) {
+    if (!child->isGroup()) edits.push_back(planEdit(*child));
+  }
+  return edits;
+}
+
+}  // namespace
+
+PlannedAction planAction(const Action& action, RuleFamilyType family) {
+  return {family, action.isGroup(), action.getExtent(), planEdits(action)};
+}
 
 ActionApplier::ActionApplier(SourceFile* file, fl::ustring fileName)
     : file_(file), fileName_(std::move(fileName)) {}
 
-void ActionApplier::apply(const Action& action) {
-  if (checkOverlap_) claim(action.getExtent());
-  if (!action.isGroup()) {
-    replace(static_cast<const SingleAction&>(action));
-    return;
-  }
-  checkOverlap_ = false;
-  for (const auto& child : static_cast<const ActionGroup&>(action).getActions()) {
-    if (!child->isGroup()) replace(static_cast<const SingleAction&>(*child));
-  }
-  checkOverlap_ = true;
-}
-
-std::optional<SourcePosition> ActionApplier::applyUnlessDelimiterMissing(
-    const PlannedAction& action) {
+std::optional<SourcePosition> ActionApplier::tryApply(const PlannedAction& action) {
   claim(action.extent);
   for (const PlannedEdit& edit : action.edits) {
     const auto missing = file_->findMissingDelimiter(edit.delimiterFlags, edit.extent);
@@ -35,17 +46,20 @@ std::optional<SourcePosition> ActionApplier::applyUnlessDelimiterMissing(
   return std::nullopt;
 }
 
+void ActionApplier::apply(const PlannedAction& action) {
+  // At another character than a delimiter, the search ends the process.
+  if (const auto missing = tryApply(action)) file_->movePastDelimiter(*missing, {});
+}
+
+void ActionApplier::apply(const Action& action) {
+  apply(planAction(action, RuleFamilyType::attributes));
+}
+
 void ActionApplier::claim(const Extent& extent) {
   if (claimedExtents_.collidesWith(extent)) {
     raiseErrMsgId(VELUM::system::Analyzer::OverlappingExtent(fileName_));
   }
   claimedExtents_.add(extent);
-}
-
-void ActionApplier::replace(const SingleAction& action) {
-  const std::uint64_t flags = action.getDelimiterFlags();
-  const fl::ustring text = action.getText();
-  file_->replace(text, flags, action.getExtent());
 }
 
 }  // namespace soca

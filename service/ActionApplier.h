@@ -12,6 +12,9 @@
 
 namespace soca {
 
+// The results of the functions of the action. Without groups among the children of a group.
+PlannedAction planAction(const Action& action, RuleFamilyType family);
+
 // Each action claims its extent, a group as a whole; an action must not begin on a line that an
 // earlier one has claimed. So the columns of each action stay valid. Only the beginning of the new
 // extent is tested: an extent that begins above a claimed one may overlap it.
@@ -20,22 +23,21 @@ class ActionApplier {
   // `file` must outlive this object; errors name `fileName`.
   ActionApplier(SourceFile* file, fl::ustring fileName);
 
-  // Raises OverlappingExtent. Throws std::out_of_range, or ends the process, as SourceFile::replace
-  // does. Edits made before that are kept.
-  void apply(const Action& action);
+  // Applies the action. Stops before an edit that would end the process because of a missing
+  // delimiter, and returns the place of the search; empty if there was no such edit. Raises
+  // OverlappingExtent. Throws std::out_of_range as SourceFile::replace does. Edits made before that
+  // are kept.
+  std::optional<SourcePosition> tryApply(const PlannedAction& action);
 
-  // The same for a planned action. Stops before an edit that would end the process because of a
-  // missing delimiter, and returns the place of the search; empty if there was no such edit.
-  std::optional<SourcePosition> applyUnlessDelimiterMissing(const PlannedAction& action);
+  // The same, but a missing delimiter ends the process.
+  void apply(const PlannedAction& action);
+  void apply(const Action& action);
 
  private:
   void claim(const Extent& extent);
-  void replace(const SingleAction& action);
 
   SourceFile* file_;
   fl::ustring fileName_;
-  // False only while the children of a group are applied.
-  bool checkOverlap_ = true;
   // Without those of the children of groups.
   ClaimedExtents claimedExtents_;
 };

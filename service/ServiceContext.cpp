@@ -1,13 +1,14 @@
 #include "service/ServiceContext.h"
 
 #include "metadata/VELUMMetaDataInterface.h"
-#include "rules/RuleFamilies.h"
 
 namespace soca {
 
-ServiceContext::ServiceContext(const UpdateMask& mask)
-    : metaData(std::make_unique<VELUMMetaDataInterface>()) {
-  for (const RuleFamilyType family : selectRuleFamilies(mask)) {
+ServiceContext::ServiceContext(const UpdateMask& selected)
+    : mask(selected),
+      metaData(std::make_unique<VELUMMetaDataInterface>()),
+      families(selectRuleFamilies(mask)) {
+  for (const RuleFamilyType family : families) {
     factories.push_back(ruleFamily(family).makeFactory(metaData.get()));
   }
 }

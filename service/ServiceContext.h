@@ -3,9 +3,11 @@
 
 #include <list>
 #include <memory>
+#include <vector>
 
 #include "metadata/MetaDataInterface.h"
 #include "rules/AbstractActionFactory.h"
+#include "rules/RuleFamilies.h"
 #include "soca/Updater.h"
 
 namespace soca {
@@ -14,11 +16,13 @@ using FactoryList = std::list<std::unique_ptr<AbstractActionFactory>>;
 
 // The factories point to the metadata, so the fields must be destroyed from the last to the first.
 struct ServiceContext {
-  // Makes the metadata of the environment, and the factories that `mask` selects.
-  explicit ServiceContext(const UpdateMask& mask);
+  // Makes the metadata of the environment, and the factories that the mask selects.
+  explicit ServiceContext(const UpdateMask& selected);
 
+  UpdateMask mask;
   std::unique_ptr<MetaDataInterface> metaData;
-  // In the order in which they run, which is that of `selectRuleFamilies`.
+  // In the order in which they run, with the factories in the same order.
+  std::vector<RuleFamilyType> families;
   FactoryList factories;
 };
 

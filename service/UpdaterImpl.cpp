@@ -16,7 +16,7 @@ std::vector<UpdateResult> UpdaterImpl::update(const fl::ustring& className, cons
                                               bool includeSuperclasses) {
   const FileView::CallScope view;
   const ServiceContext context(mask);
-  return applyUpdates(className, context.metaData.get(), context.factories, includeSuperclasses);
+  return applyUpdates(className, context, includeSuperclasses);
 }
 
 fl::ustring UpdaterImpl::reportActions(const fl::ustring& className, bool includeSuperclasses) {

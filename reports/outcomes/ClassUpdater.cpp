@@ -184,7 +184,8 @@ SingleUpdate ClassUpdater::updateAlone(const std::string& className) const {
     const Phase phase(rulesPhase);
     const FindingsListener listener;
     ClassPlan plan =
-        planClassOnce(to_ustring(className), request_.rules, request_.includeSuperclasses);
+        planClassOnce(to_ustring(className), request_.rules, request_.includeSuperclasses,
+                      {.keepLines = request_.needs.edits});
     for (const fl::ustring& name : plan.superClassNames) {
       single.superClasses.push_back(to_string(name));
     }

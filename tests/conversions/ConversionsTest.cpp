@@ -43,7 +43,7 @@ std::string withoutBlanks(std::string text) {
 std::string settle(const PlannedClass& whole, fl::ustring text) {
   for (int i = 0; i < 3; ++i) {
     const fl::filesystem::OverlayScope overlay(to_string(whole.result.fileName), text);
-    text = planUpdate(whole.result.className, 7, false).front().text();
+    text = planUpdate(whole.result.className, allFamilies, false).front().text();
   }
   return withoutBlanks(to_string(text));
 }
@@ -52,7 +52,7 @@ void expectIndependence(const std::string& className) {
   SCOPED_TRACE(className);
   std::vector<PlannedClass> planned;
   try {
-    planned = planUpdate(to_ustring(className), 7, false);
+    planned = planUpdate(to_ustring(className), allFamilies, false, {.keepLines = true});
   } catch (const std::exception&) {
     // Other tests check this result.
     return;

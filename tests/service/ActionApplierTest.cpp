@@ -111,7 +111,7 @@ TEST(ActionApplier, StopsBeforeAMissingDelimiter) {
   SourceFile file(u"abc\nd e\nf");
   ActionApplier applier(&file, u"/a/C.vlm");
   const auto apply = [&](const Extent& extent, std::vector<PlannedEdit> edits) {
-    return applier.applyUnlessDelimiterMissing({.extent = extent, .edits = std::move(edits)});
+    return applier.tryApply({.extent = extent, .edits = std::move(edits)});
   };
   EXPECT_EQ(apply({{0, 0}, {0, 1}}, {{{{0, 0}, {0, 1}}}}), std::nullopt);
   const std::vector<PlannedEdit> failing = {

@@ -4,6 +4,7 @@
 #include "platform/failure/Exception.h"
 
 #include <gtest/gtest.h>
+#include "diagnostics/Findings.h"
 #include "platform/text/Conversions.h"
 #include "rules/RuleFamilies.h"
 #include "service/ActionCollection.h"
@@ -43,15 +44,22 @@ TEST(RuleFamilies, RunInOneOrderForAnyMask) {
   EXPECT_EQ(ServiceContext(3).factories.size(), 2U);
 }
 
-// Makes one action on line `line`, and one message.
+// Finds two conversions, of which the second has an action on line `line` and a finding.
 class FakeFactory : public AbstractActionFactory {
  public:
   explicit FakeFactory(std::uint64_t line) : line_(line) {}
 
-  RuleResult createActions(const AnalyzedClass& analyzedClass) const override {
+  RuleResult createActions(const AnalyzedClass& analyzedClass,
+                           const ConversionChoice& choice) const override {
     RuleResult result;
-    result.actions = listOf(edit({{{line_, 0}, {line_, 1}}, analyzedClass.className}));
-    result.messages = {analyzedClass.className + fl::i18n::to_ustring(std::to_string(line_))};
+    result.addConversion({});
+    const std::size_t conversion = result.addConversion({});
+    result.findings.push_back({.message = {}, .kind = ConversionKindType::mixins});
+    if (!choice.isMade(conversion)) return result;
+    result.addAction(edit({{{line_, 0}, {line_, 1}}, analyzedClass.className}), conversion);
+    result.findings.push_back({.message = makeMessage("Id", {analyzedClass.className}),
+                               .kind = ConversionKindType::mixins,
+                               .conversion = conversion});
     return result;
   }
 
@@ -77,7 +85,13 @@ TEST(CollectActions, OneFamilyAfterTheOther) {
   factories.push_back(std::make_unique<FakeFactory>(5));
   auto entries = collectActions(classes, factories);
   ASSERT_EQ(entries.size(), 2U);
-  EXPECT_EQ(entries.front().messages, (std::list<fl::ustring>{u"a.B8", u"a.B5"}));
+  const ClassActions& first = entries.front();
+  EXPECT_EQ(first.conversions.size(), 4U);
+  EXPECT_EQ(first.owners, (std::vector<ActionOwner>{{0, 1}, {1, 3}}));
+  ASSERT_EQ(first.findings.size(), 4U);
+  EXPECT_EQ(first.findings[2].conversion, noConversion);
+  EXPECT_EQ(first.findings[3].conversion, 3U);
+  EXPECT_EQ(findingText(first.findings[3].message), findingText("Id", {u"a.B"}));
   EXPECT_EQ(entries.back().actions.front()->getExtent().start.line, 8U);
   EXPECT_EQ(entries.back().actions.back()->getExtent().start.line, 5U);
   // The classes were moved into the entries.
@@ -92,13 +106,25 @@ TEST(CollectActions, OneFamilyAfterTheOther) {
             "\nRange: From (5,0) to (5,1)\nReplacement: \"C\"\n\n\n");
 }
 
+TEST(CollectActions, AChoiceCountsOverAllFamilies) {
+  FactoryList factories;
+  factories.push_back(std::make_unique<FakeFactory>(8));
+  factories.push_back(std::make_unique<FakeFactory>(5));
+  const std::vector<bool> made = {false, false, false, true};
+  const ClassActions entry =
+      collectClassActions(makeClass(u"C", u"/C.vlm"), factories, ConversionChoice(&made));
+  ASSERT_EQ(entry.actions.size(), 1U);
+  EXPECT_EQ(entry.actions.front()->getExtent().start.line, 5U);
+  EXPECT_EQ(entry.owners, (std::vector<ActionOwner>{{0, 3}}));
+}
+
 TEST(CollectActions, NoFamilyStillGivesAnEntry) {
   ClassList classes;
   classes.push_back(makeClass(u"C", u"/C.vlm"));
   const auto entries = collectActions(classes, FactoryList());
   ASSERT_EQ(entries.size(), 1U);
   EXPECT_TRUE(entries.front().actions.empty());
-  EXPECT_TRUE(entries.front().messages.empty());
+  EXPECT_TRUE(entries.front().findings.empty());
 }
 
 TEST(ActionReport, Groups) {

@@ -1,0 +1,74 @@
+#include "service/UpdatedClass.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "diagnostics/Findings.h"
+#include "service/ActionApplier.h"
+
+namespace soca {
+namespace {
+
+// Frees each action once it is planned, so that memory does not hold all actions twice.
+std::vector<PlannedAction> takeActions(ClassActions& entry,
+                                       const std::vector<RuleFamilyType>& families) {
+  ActionList& left = entry.actions;
+  std::vector<PlannedAction> actions;
+  actions.reserve(left.size());
+  for (std::size_t i = 0; i < families.size(); ++i) {
+    for (std::size_t count = entry.actionCounts[i]; count > 0; --count) {
+      actions.push_back(planAction(*left.front(), families[i]));
+      left.pop_front();
+    }
+  }
+  return actions;
+}
+
+UpdateResult makeResult(const ClassActions& entry) {
+  UpdateResult result;
+  result.className = entry.analyzedClass->className;
+  result.fileName = entry.analyzedClass->metaClass->getClassFile();
+  std::ranges::transform(entry.findings, std::back_inserter(result.messages),
+                         [](const RuleFinding& finding) { return findingText(finding.message); });
+  return result;
+}
+
+}  // namespace
+
+PlannedClass planClass(ClassActions entry, const ServiceContext& context) {
+  PlannedClass planned;
+  planned.result = makeResult(entry);
+  planned.mask = context.mask;
+  planned.analysis = entry.analyzedClass->analysis;
+  planned.oldText = planned.analysis->sharedSourceText();
+  planned.oldFile = planned.analysis->file();
+  planned.actions = takeActions(entry, context.families);
+  planned.findings = std::move(entry.findings);
+  planned.conversions = std::move(entry.conversions);
+  planned.owners = std::move(entry.owners);
+  return planned;
+}
+
+UpdatedClass updateClass(ClassActions entry, const ServiceContext& context,
+                         MissingDelimiterType missingDelimiter) {
+  UpdatedClass update{planClass(std::move(entry), context), std::nullopt};
+  PlannedClass& planned = update.planned;
+  // Without actions the text stays exactly the same: a SourceFile could remove the last line.
+  if (planned.actions.empty()) return update;
+  update.file.emplace(fl::ustring_view(*planned.oldText));
+  ActionApplier applier(&*update.file, planned.result.fileName);
+  for (const PlannedAction& action : planned.actions) {
+    if (missingDelimiter == MissingDelimiterType::endsProcess) {
+      applier.apply(action);
+    } else if ((planned.missingDelimiter = applier.tryApply(action))) {
+      update.file.reset();
+      return update;
+    }
+  }
+  update.file->removeEmptiedLines();
+  planned.result.updated = true;
+  return update;
+}
+
+}  // namespace soca

@@ -1,0 +1,29 @@
+// The update of one class, from its actions to its new text. All updates use these functions.
+#pragma once
+
+#include <optional>
+
+#include "model/SourceFile.h"
+#include "service/ActionCollection.h"
+#include "service/ServiceContext.h"
+#include "service/UpdatePlan.h"
+
+namespace soca {
+
+// The effect of an edit with a missing delimiter.
+enum class MissingDelimiterType { endsProcess, stopsUpdate };
+
+struct UpdatedClass {
+  PlannedClass planned;
+  // The lines after the edits; empty if the class has no actions, or if the update stopped.
+  std::optional<SourceFile> file;
+};
+
+// The plan of the class without applying its actions. `context` is that of their collection.
+PlannedClass planClass(ClassActions entry, const ServiceContext& context);
+
+// The same with all actions applied. Throws the exceptions of ActionApplier.
+UpdatedClass updateClass(ClassActions entry, const ServiceContext& context,
+                         MissingDelimiterType missingDelimiter);
+
+}  // namespace soca
