@@ -7,6 +7,7 @@
 
 #include "conversions/Checks.h"
 #include "fuzz/AnalysisProperties.h"
+#include "fuzz/ConversionProperties.h"
 #include "fuzz/KnownCauses.h"
 #include "fuzz/Violation.h"
 #include "platform/failure/Exception.h"
@@ -178,6 +179,7 @@ UpdateVerdict checkUpdate(const std::vector<ClassFile>& files) {
   checkReports(className);
   for (const RuleFamily& family : ruleFamilies) checkCall(className, family.bit, false);
   checkCall(className, allFamilies, true);
+  checkConversions(className);
   UpdateVerdict verdict = checkCall(className, allFamilies, false);
   if (verdict.type == UpdateVerdict::Type::updated) {
     PlannedClass planned = std::move(planUpdate(className, allFamilies, false).front());

@@ -1,0 +1,22 @@
+// Properties of the conversions of any class.
+#pragma once
+
+#include <string>
+
+#include "platform/text/UString.h"
+
+namespace soca::fuzz {
+
+// Makes subsets of the conversions that all families find in the class: all and none, all subsets
+// of a few, and some of many. Throws a Violation unless:
+// - with all conversions, the actions, the text and the messages, or the failure, are those of the
+//   update; with none, the text does not change;
+// - each action belongs only to conversions that are made, and so does each finding that belongs to
+//   one;
+// - a new text has no syntax errors and exactly the expected members, unless there is a known
+//   cause;
+// - only members of conversions that are made change, and the next update finds the other
+//   conversions.
+void checkConversions(const fl::ustring& className);
+
+}  // namespace soca::fuzz
