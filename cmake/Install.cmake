@@ -57,6 +57,7 @@ target_sources(
          rules/RuleConversion.h
          rules/RuleFinding.h
          rules/RuleFamilies.h
+         service/PlannedClass.h
          service/UpdatePlan.h
          service/UpdaterImpl.h)
 

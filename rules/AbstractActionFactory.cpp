@@ -1,5 +1,7 @@
 #include "rules/AbstractActionFactory.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <utility>
 
 namespace soca {
@@ -10,13 +12,21 @@ std::size_t RuleResult::addConversion(const RuleConversion& conversion) {
 }
 
 void RuleResult::addAction(std::unique_ptr<Action> action, std::size_t conversion) {
+  owners.push_back(
+      {static_cast<std::uint32_t>(actions.size()), static_cast<std::uint32_t>(conversion)});
   actions.push_back(std::move(action));
-  addOwner(conversion);
 }
 
-void RuleResult::addOwner(std::size_t conversion) {
-  owners.push_back(
-      {static_cast<std::uint32_t>(actions.size() - 1), static_cast<std::uint32_t>(conversion)});
+void RuleResult::addAction(std::unique_ptr<Action> action,
+                           std::vector<std::size_t> conversionsOfAction) {
+  std::ranges::sort(conversionsOfAction);
+  const auto same = std::ranges::unique(conversionsOfAction);
+  conversionsOfAction.erase(same.begin(), same.end());
+  for (const std::size_t each : conversionsOfAction) {
+    owners.push_back(
+        {static_cast<std::uint32_t>(actions.size()), static_cast<std::uint32_t>(each)});
+  }
+  actions.push_back(std::move(action));
 }
 
 }  // namespace soca

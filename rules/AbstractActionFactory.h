@@ -21,16 +21,15 @@ struct RuleResult {
   std::vector<RuleFinding> findings;
   // All conversions that the rules found, made or not.
   std::vector<RuleConversion> conversions;
-  // The conversions that each action belongs to, in the order of the actions. An action that
-  // results from several conversions together, such as the joining of two blocks, belongs to none.
+  // The conversions that each action results from, in the order of the actions: at least one. An
+  // action that results from several belongs to none of them alone, such as the joining of blocks.
   std::vector<ActionOwner> owners;
 
   // Appends the conversion and returns its index.
   std::size_t addConversion(const RuleConversion& conversion);
-  void addAction(std::unique_ptr<Action> action) { actions.push_back(std::move(action)); }
   void addAction(std::unique_ptr<Action> action, std::size_t conversion);
-  // Adds a further conversion to those of the last action.
-  void addOwner(std::size_t conversion);
+  // For several conversions, which may be repeated.
+  void addAction(std::unique_ptr<Action> action, std::vector<std::size_t> conversionsOfAction);
 };
 
 class AbstractActionFactory {

@@ -278,24 +278,45 @@ class BlockRules {
   // least one of them has edits. Deleted blocks between them are ignored; blocks of other keywords
   // separate them.
   void joinNeighbours() {
+    BlockUpdate* before = nullptr;
     BlockUpdate* previous = nullptr;
     bool previousChanged = false;
     auto next = updates_.begin();
     for (const ClassMember& member : definition_.getMembers()) {
       if (member.propertiesBlock == nullptr) {
-        previous = nullptr;
+        before = previous = nullptr;
         continue;
       }
       BlockUpdate& update = *next++;
+      if (before != nullptr) noteNeighbours(*before, update);
+      before = &update;
       if (update.isDeleted) continue;
       if (previous != nullptr && !update.staysApart && (previousChanged || update.hasActions()) &&
           areAlike(*previous, update)) {
-        previous->losesEnd = true;
-        update.losesOpening = true;
+        join(*previous, update);
       }
       previous = update.staysApart ? nullptr : &update;
       previousChanged = update.hasActions();
     }
+  }
+
+  static void noteNeighbours(BlockUpdate& before, BlockUpdate& update) {
+    if (before.staysApart || update.staysApart || !areAlike(before, update)) return;
+    if (before.isDeleted && !update.isDeleted) before.next = &update;
+    if (update.isDeleted && !before.isDeleted) update.previous = &before;
+  }
+
+  void join(BlockUpdate& previous, BlockUpdate& update) {
+    if (!previous.losesOpening) {
+      previous.run = runs_.size();
+      runs_.push_back({&previous, &previous});
+    }
+    previous.losesEnd = true;
+    previous.next = &update;
+    update.losesOpening = true;
+    update.previous = &previous;
+    update.run = previous.run;
+    runs_[update.run].last = &update;
   }
 
   // --- the edits ---
@@ -307,7 +328,8 @@ class BlockRules {
     } else if (update.hasActions()) {
       addOpeningActions(update);
       if (update.losesEnd) {
-        result_.addAction(std::make_unique<DeleteEnd>(update.block, u"", 0));
+        result_.addAction(std::make_unique<DeleteEnd>(update.block, u"", 0),
+                          conversionsOfJoin(update, *update.next));
       }
       addAttributeActions(update);
       if (update.changesProperties) addPropertyActions(update);
@@ -315,14 +337,20 @@ class BlockRules {
   }
 
   void addBlockDeletion(const BlockUpdate& update) {
-    result_.addAction(std::make_unique<DeleteBlock>(update.block, u"", 0));
-    if (update.block->getNumberOfProperties() == 0) result_.addOwner(update.conversions[0]);
+    std::vector<std::size_t> conversions = conversionsOf(update, update);
+    if (update.block->getNumberOfProperties() > 0) {
+      // Without some of its conversions the block stays, and can be joined with its neighbours.
+      addNeighboursConversions(update.previous, conversions);
+      addNeighboursConversions(update.next, conversions);
+    }
+    result_.addAction(std::make_unique<DeleteBlock>(update.block, u"", 0), std::move(conversions));
   }
 
   // Deleting the opening replaces all other edits of it.
   void addOpeningActions(const BlockUpdate& update) {
     if (update.losesOpening) {
-      result_.addAction(std::make_unique<DeleteOpening>(update.block, u"", 0));
+      result_.addAction(std::make_unique<DeleteOpening>(update.block, u"", 0),
+                        conversionsOfJoin(*update.previous, update));
       return;
     }
     for (std::size_t i = 0; i < attributeRules.size(); ++i) {
@@ -351,10 +379,77 @@ class BlockRules {
     }
     for (const Property& property : update.block->getProperties()) {
       if (!companions_->isFreed(property)) continue;
+      std::vector<std::size_t> conversions;
+      addSetsOf(property, conversions);
       result_.addAction(
-          std::make_unique<DeleteProperty>(&property, u"", SourceFile::ConsumeListDelimiter));
-      companions_->visitSetsOf(
-          property, [&](const ConvertibleSet& set) { result_.addOwner(set.conversion); });
+          std::make_unique<DeleteProperty>(&property, u"", SourceFile::ConsumeListDelimiter),
+          std::move(conversions));
+    }
+  }
+
+  // --- the conversions of an edit ---
+
+  void addSetsOf(const Property& companion, std::vector<std::size_t>& conversions) const {
+    companions_->visitSetsOf(
+        companion, [&](const ConvertibleSet& set) { conversions.push_back(set.conversion); });
+  }
+
+  // Those made that change one of the blocks from `first` to `last`.
+  std::vector<std::size_t> conversionsOf(const BlockUpdate& first, const BlockUpdate& last) const {
+    std::vector<std::size_t> conversions;
+    for (const BlockUpdate* update = &first; update <= &last; ++update) {
+      addConversionsOf(*update, conversions);
+    }
+    return conversions;
+  }
+
+  // Any change of a block joins it with its neighbours, these with theirs, and so on. So with
+  // several conversions in a run, an edit may result from each of them; only those of the two
+  // blocks are listed and two others, because the lists would grow with the square of the run.
+  std::vector<std::size_t> conversionsOfJoin(const BlockUpdate& first, const BlockUpdate& last) {
+    const std::vector<std::size_t>& all = conversionsOfRun(first.run);
+    if (all.size() == 1) return all;
+    std::vector<std::size_t> conversions = conversionsOf(first, last);
+    conversions.push_back(all.front());
+    conversions.push_back(all.back());
+    return conversions;
+  }
+
+  void addNeighboursConversions(const BlockUpdate* neighbour,
+                                std::vector<std::size_t>& conversions) {
+    if (neighbour == nullptr) return;
+    addConversionsOf(*neighbour, conversions);
+    if (!neighbour->isJoined()) return;
+    const std::vector<std::size_t>& all = conversionsOfRun(neighbour->run);
+    conversions.push_back(all.front());
+    conversions.push_back(all.back());
+  }
+
+  // Computed when the first edit of the run is made.
+  const std::vector<std::size_t>& conversionsOfRun(std::size_t run) {
+    if (run != currentRun_) {
+      currentRun_ = run;
+      conversionsOfRun_ = conversionsOf(*runs_[run].first, *runs_[run].last);
+      std::ranges::sort(conversionsOfRun_);
+      const auto same = std::ranges::unique(conversionsOfRun_);
+      conversionsOfRun_.erase(same.begin(), same.end());
+    }
+    return conversionsOfRun_;
+  }
+
+  void addConversionsOf(const BlockUpdate& update, std::vector<std::size_t>& conversions) const {
+    if (update.isDeleted && update.block->getNumberOfProperties() == 0) {
+      conversions.push_back(update.conversions[0]);
+    }
+    for (std::size_t i = 0; i < attributeRules.size(); ++i) {
+      if (update.attributes[i] == AttributeStateType::stays) continue;
+      conversions.push_back(update.conversions[i]);
+    }
+    for (std::size_t i = update.firstSet; i < update.endOfSets; ++i) {
+      if (sets_[i].isMade) conversions.push_back(sets_[i].conversion);
+    }
+    for (const Property& property : update.block->getProperties()) {
+      if (companions_->isFreed(property)) addSetsOf(property, conversions);
     }
   }
 
@@ -368,6 +463,9 @@ class BlockRules {
   // on it.
   std::unordered_set<fl::ustring> companionNames_;
   std::optional<Companions> companions_;
+  std::vector<JoinedRun> runs_;
+  std::vector<std::size_t> conversionsOfRun_;
+  std::size_t currentRun_ = noConversion;
   RuleResult result_;
 };
 

@@ -1,12 +1,12 @@
 #include "rules/FindingPlaces.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "model/AnalyzerPositions.h"
 #include "model/ClassContext.h"
 #include "model/MethodsBlock.h"
 #include "platform/analyzer/tree/NodeVisitor.h"
-#include "platform/text/TextSearch.h"
 
 namespace soca {
 namespace {
@@ -27,6 +27,19 @@ std::vector<FindingPlace> sorted(std::vector<FindingPlace> places) {
   std::ranges::stable_sort(places, {},
                            [](const FindingPlace& place) { return place.extent.start; });
   return places;
+}
+
+template <class NodesByName>
+std::vector<const Node*> nodesOf(const NodesByName& nodes, fl::ustring_view name) {
+  std::vector<const Node*> found;
+  const auto [first, last] = nodes.equal_range(name);
+  for (auto node = first; node != last; ++node) found.push_back(node->second);
+  return found;
+}
+
+bool makesAbstract(const ca::astapi::Attribute& attribute) {
+  return attribute.name->text.view() == u"Abstract" &&
+         attribute.isAttributeWithGivenLogicalValue(true);
 }
 
 const PropertyNode& companionOf(const RuleFinding& finding) {
@@ -60,50 +73,87 @@ Extent signatureOf(const AnalysisResult& analysis, const FunctionDefinition& met
 
 }  // namespace
 
-std::vector<FindingPlace> findAbstractAttributes(const AnalysisResult& analysis,
-                                                 const RuleFinding& finding) {
-  std::vector<FindingPlace> places;
-  for (const auto* block : analysis.getClassdef()->getPropertiesBlocks()) {
-    const bool declaresIt = std::ranges::any_of(block->members, [&](const Node* member) {
-      return static_cast<const PropertyNode*>(member)->name->id == finding.memberName->id;
-    });
-    if (!declaresIt) continue;
-    for (const ca::astapi::Attribute* attribute : block->attributes) {
-      const bool isAbstract = attribute->name->text.view() == u"Abstract" &&
-                              attribute->isAttributeWithGivenLogicalValue(true);
-      if (!isAbstract) continue;
-      places.push_back(makePlace(analysis, FindingPlaceType::abstractAttribute, *attribute));
+// --- what several findings need ---
+
+std::vector<FindingPlace> PlaceSearch::placesOf(const RuleFinding& finding) {
+  if (finding.findPlaces == nullptr) return {};
+  return finding.findPlaces(*this, finding);
+}
+
+std::vector<const Node*> PlaceSearch::abstractAttributesOf(fl::ustring_view property) {
+  if (!abstractAttributes_) {
+    abstractAttributes_.emplace();
+    for (const auto* block : analysis_.getClassdef()->getPropertiesBlocks()) {
+      for (const ca::astapi::Attribute* attribute : block->attributes) {
+        if (!makesAbstract(*attribute)) continue;
+        for (const Node* member : block->members) {
+          const auto& name = *static_cast<const PropertyNode*>(member)->name;
+          abstractAttributes_->emplace(name.text.view(), attribute);
+        }
+      }
     }
   }
+  return nodesOf(*abstractAttributes_, property);
+}
+
+std::vector<const Node*> PlaceSearch::methodNames(fl::ustring_view method) {
+  if (!methods_) {
+    methods_.emplace();
+    for (const auto* each : analysis_.getClassdef()->getMethods()) {
+      methods_->emplace(each->name->text.view(), each->name);
+    }
+  }
+  return nodesOf(*methods_, method);
+}
+
+std::size_t PlaceSearch::findBehindDot(fl::ustring_view property) {
+  if (!dots_) {
+    std::vector<fl::ustring_view> names;
+    for (const auto* block : analysis_.getClassdef()->getPropertiesBlocks()) {
+      for (const Node* member : block->members) {
+        names.push_back(static_cast<const PropertyNode*>(member)->name->text.view());
+      }
+    }
+    dots_.emplace(analysis_.sourceTextView(), std::move(names));
+  }
+  return dots_->findBehind(property);
+}
+
+// --- the places of each kind of finding ---
+
+std::vector<FindingPlace> findAbstractAttributes(PlaceSearch& search, const RuleFinding& finding) {
+  std::vector<FindingPlace> places;
+  for (const Node* attribute : search.abstractAttributesOf(finding.memberName->text.view())) {
+    places.push_back(makePlace(search.analysis(), FindingPlaceType::abstractAttribute, *attribute));
+  }
+  places = sorted(std::move(places));
+  const auto same = std::ranges::unique(places);
+  places.erase(same.begin(), same.end());
   return places;
 }
 
-std::vector<FindingPlace> findGetMethod(const AnalysisResult& analysis,
-                                        const RuleFinding& finding) {
-  std::vector<FindingPlace> places = {placeOfCompanion(analysis, finding)};
-  const fl::ustring name = u"get." + companionOf(finding).name->text.getText();
-  for (const auto* method : analysis.getClassdef()->getMethods()) {
-    if (method->name->text.view() != name) continue;
-    places.push_back(makePlace(analysis, FindingPlaceType::getMethod, *method->name));
+std::vector<FindingPlace> findGetMethod(PlaceSearch& search, const RuleFinding& finding) {
+  std::vector<FindingPlace> places = {placeOfCompanion(search.analysis(), finding)};
+  for (const Node* name : search.methodNames(u"get." + companionOf(finding).name->text.getText())) {
+    places.push_back(makePlace(search.analysis(), FindingPlaceType::getMethod, *name));
   }
   return sorted(std::move(places));
 }
 
-std::vector<FindingPlace> findCompanionDefault(const AnalysisResult& analysis,
-                                               const RuleFinding& finding) {
-  std::vector<FindingPlace> places = {placeOfCompanion(analysis, finding)};
+std::vector<FindingPlace> findCompanionDefault(PlaceSearch& search, const RuleFinding& finding) {
+  std::vector<FindingPlace> places = {placeOfCompanion(search.analysis(), finding)};
   const Node* value = companionOf(finding).defaultValue;
   if (value != nullptr) {
-    places.push_back(makePlace(analysis, FindingPlaceType::companionDefault, *value));
+    places.push_back(makePlace(search.analysis(), FindingPlaceType::companionDefault, *value));
   }
   return places;
 }
 
-std::vector<FindingPlace> findCompanionUse(const AnalysisResult& analysis,
-                                           const RuleFinding& finding) {
+std::vector<FindingPlace> findCompanionUse(PlaceSearch& search, const RuleFinding& finding) {
+  const AnalysisResult& analysis = search.analysis();
   std::vector<FindingPlace> places = {placeOfCompanion(analysis, finding)};
   const fl::ustring_view name = companionOf(finding).name->text.view();
-  const std::size_t behind = fl::findBehindDot(analysis.sourceTextView(), name);
+  const std::size_t behind = search.findBehindDot(name);
   if (behind != fl::ustring_view::npos) {
     const auto start = static_cast<std::uint32_t>(behind - name.size());
     places.push_back(
@@ -112,14 +162,14 @@ std::vector<FindingPlace> findCompanionUse(const AnalysisResult& analysis,
   return sorted(std::move(places));
 }
 
-std::vector<FindingPlace> findOtherMethod(const AnalysisResult& analysis,
-                                          const RuleFinding& finding) {
+std::vector<FindingPlace> findOtherMethod(PlaceSearch& search, const RuleFinding& finding) {
+  const AnalysisResult& analysis = search.analysis();
   const auto& other = static_cast<const ca::astapi::FunctionDeclaration&>(*finding.other);
   return {makePlace(analysis, FindingPlaceType::otherMethod, *other.name)};
 }
 
-std::vector<FindingPlace> findSignature(const AnalysisResult& analysis,
-                                        const RuleFinding& finding) {
+std::vector<FindingPlace> findSignature(PlaceSearch& search, const RuleFinding& finding) {
+  const AnalysisResult& analysis = search.analysis();
   const auto& method = static_cast<const FunctionDefinition&>(*finding.member);
   std::vector<FindingPlace> places;
   if (const MethodsBlockNode* node = blockOf(analysis, finding.member)) {
@@ -135,8 +185,8 @@ std::vector<FindingPlace> findSignature(const AnalysisResult& analysis,
   return places;
 }
 
-std::vector<FindingPlace> findReferences(const AnalysisResult& analysis,
-                                         const RuleFinding& finding) {
+std::vector<FindingPlace> findReferences(PlaceSearch& search, const RuleFinding& finding) {
+  const AnalysisResult& analysis = search.analysis();
   std::vector<FindingPlace> places;
   ca::astapi::NodeVisitor<Identifier> visitor([&](const Identifier& identifier) {
     if (&identifier == finding.memberName || !(identifier.id == finding.memberName->id)) return;

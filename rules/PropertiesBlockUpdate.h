@@ -50,6 +50,12 @@ struct BlockUpdate {
   bool isDeleted = false;
   bool losesOpening = false;
   bool losesEnd = false;
+  // The block with which this one is joined, if it loses its opening, or its end; for a block that
+  // is deleted with its companions, the block with which it could be joined otherwise. And the
+  // index of the run of joined blocks.
+  const BlockUpdate* previous = nullptr;
+  const BlockUpdate* next = nullptr;
+  std::size_t run = 0;
   // A conversion of the whole block is not made, so the block is not joined with another.
   bool staysApart = false;
 
@@ -62,7 +68,14 @@ struct BlockUpdate {
     return isDeleted || losesOpening || losesEnd || changesProperties || losesAttribute();
   }
 
+  bool isJoined() const { return losesOpening || losesEnd; }
   bool losesAttribute() const { return attributes != decltype(attributes){}; }
+};
+
+// Blocks that become one.
+struct JoinedRun {
+  const BlockUpdate* first;
+  const BlockUpdate* last;
 };
 
 RuleFinding makeFinding(const char* id, ConversionKindType kind, const Property& property) {

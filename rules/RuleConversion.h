@@ -29,7 +29,7 @@ struct RuleConversion {
   fl::ustring_view newName;
 };
 
-// The conversion is made by the action, alone or together with other actions. Both are indices into
+// The action is a result of the conversion, alone or together with others. Both are indices into
 // the lists of the class.
 struct ActionOwner {
   std::uint32_t action = 0;

@@ -54,10 +54,10 @@ struct ExpectedSignature {
 };
 
 struct RuleFinding;
+class PlaceSearch;
 
 // Finds the places of a finding in its file, in the order of the file.
-using PlaceFinder = std::vector<FindingPlace>(const ca::AnalysisResult& analysis,
-                                              const RuleFinding& finding);
+using PlaceFinder = std::vector<FindingPlace>(PlaceSearch& search, const RuleFinding& finding);
 
 // The pointers are into the analysis of the class, which must outlive it, or to constants.
 struct RuleFinding {

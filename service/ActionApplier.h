@@ -8,7 +8,7 @@
 #include "platform/text/UString.h"
 #include "rules/Action.h"
 #include "service/ClaimedExtents.h"
-#include "service/UpdatePlan.h"
+#include "service/PlannedClass.h"
 
 namespace soca {
 

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "service/ActionCollection.h"
-#include "service/UpdatedClass.h"
+#include "service/EditedClass.h"
 
 namespace soca {
 
@@ -12,9 +12,9 @@ std::vector<UpdateResult> applyUpdates(const fl::ustring& className, const Servi
   ClassList classes = collectClasses(className, context.metaData.get(), includeSuperclasses);
   std::vector<UpdateResult> results;
   for (ClassActions& entry : collectActions(classes, context.factories)) {
-    UpdatedClass update = updateClass(std::move(entry), context, MissingDelimiterType::endsProcess);
-    UpdateResult& result = results.emplace_back(std::move(update.planned.result));
-    result.text = update.file ? update.file->getText() : *update.planned.oldText;
+    EditedClass edited = editClass(std::move(entry), context, MissingDelimiterType::endsProcess);
+    UpdateResult& result = results.emplace_back(std::move(edited.planned.result));
+    result.text = edited.file ? edited.file->getText() : *edited.planned.oldText;
   }
   return results;
 }

@@ -1,16 +1,15 @@
 #include "service/UpdatePlan.h"
 
-#include <algorithm>
+#include <exception>
 #include <memory>
 #include <utility>
 
-#include "model/AnalyzerPositions.h"
 #include "platform/paths/FileView.h"
 #include "platform/text/TextSearch.h"
 #include "service/ActionCollection.h"
 #include "service/ClassLoader.h"
+#include "service/EditedClass.h"
 #include "service/ServiceContext.h"
-#include "service/UpdatedClass.h"
 
 namespace soca {
 namespace {
@@ -25,7 +24,7 @@ void takeEach(const fl::ustring& className, const ServiceContext& context, bool 
   for (ClassActions& entry : collectActions(classes, context.factories)) take(std::move(entry));
 }
 
-PlannedClass finishPlan(UpdatedClass update, const PlanOptions& options) {
+PlannedClass finishPlan(EditedClass update, const PlanOptions& options) {
   PlannedClass planned = std::move(update.planned);
   if (!update.file) return planned;
   planned.newText = std::make_shared<const fl::ustring>(update.file->getText());
@@ -47,22 +46,6 @@ std::unique_ptr<AnalyzedClass> reloadClass(const PlannedClass& planned,
 
 }  // namespace
 
-std::span<const ActionOwner> PlannedClass::ownersOf(std::size_t action) const {
-  const auto range = std::ranges::equal_range(owners, static_cast<std::uint32_t>(action), {},
-                                              &ActionOwner::action);
-  return {range.begin(), range.end()};
-}
-
-Member PlannedClass::memberOf(const RuleFinding& finding) const {
-  return {finding.memberName->text.getText(), makeExtentOfNode(*analysis, *finding.member),
-          makeExtentOfNode(*analysis, *finding.memberName)};
-}
-
-std::vector<FindingPlace> PlannedClass::placesOf(const RuleFinding& finding) const {
-  if (finding.findPlaces == nullptr) return {};
-  return finding.findPlaces(*analysis, finding);
-}
-
 std::vector<PlannedClass> planUpdate(const fl::ustring& className, const UpdateMask& mask,
                                      bool includeSuperclasses, const PlanOptions& options) {
   const FileView::CallScope view;
@@ -70,7 +53,7 @@ std::vector<PlannedClass> planUpdate(const fl::ustring& className, const UpdateM
   std::vector<PlannedClass> planned;
   takeEach(className, context, includeSuperclasses, [&](ClassActions entry) {
     planned.push_back(finishPlan(
-        updateClass(std::move(entry), context, MissingDelimiterType::stopsUpdate), options));
+        editClass(std::move(entry), context, MissingDelimiterType::stopsUpdate), options));
   });
   return planned;
 }
@@ -91,7 +74,7 @@ PlannedClass planConversions(const PlannedClass& planned, const std::vector<bool
   const ServiceContext context(planned.mask);
   ClassActions entry = collectClassActions(reloadClass(planned, *context.metaData),
                                            context.factories, ConversionChoice(&made));
-  return finishPlan(updateClass(std::move(entry), context, MissingDelimiterType::stopsUpdate),
+  return finishPlan(editClass(std::move(entry), context, MissingDelimiterType::stopsUpdate),
                     options);
 }
 
@@ -109,7 +92,7 @@ ClassPlan planClassOnce(const fl::ustring& className, const UpdateMask& mask,
     ClassActions entry = collectClassActions(std::move(analyzedClass), context.factories);
     plan.stage = UpdateStageType::edits;
     plan.planned = finishPlan(
-        updateClass(std::move(entry), context, MissingDelimiterType::stopsUpdate), options);
+        editClass(std::move(entry), context, MissingDelimiterType::stopsUpdate), options);
   } catch (...) {
     plan.failure = std::current_exception();
   }
@@ -123,8 +106,8 @@ RepeatedUpdate repeatUpdate(const fl::ustring& className, const UpdateMask& mask
   takeEach(className, context, false, [&](ClassActions entry) {
     repeated.analysis = entry.analyzedClass->analysis;
     if (entry.actions.empty()) return;
-    const UpdatedClass update =
-        updateClass(std::move(entry), context, MissingDelimiterType::stopsUpdate);
+    const EditedClass update =
+        editClass(std::move(entry), context, MissingDelimiterType::stopsUpdate);
     repeated.changesAgain =
         update.file ? !fl::areEqualTexts(update.file->getText(), *update.planned.oldText)
                     : update.planned.missingDelimiter.has_value();

@@ -28,12 +28,14 @@ std::string describe(const PlannedClass& planned) {
   constexpr std::string_view names[] = {"attribute", "companion", "default", "getter",   "use",
                                         "other",     "signature", "access",  "reference"};
   std::string text;
-  for (const RuleFinding& finding : planned.findings) {
+  const auto places = planned.findPlaces();
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    const RuleFinding& finding = planned.findings[i];
     text += std::string(conversionKind(finding.kind).name) + ' ' +
             textAt(planned, planned.memberOf(finding).nameExtent);
     if (finding.conversion != noConversion) text += " [" + std::to_string(finding.conversion) + "]";
     text += ':';
-    for (const FindingPlace& place : planned.placesOf(finding)) {
+    for (const FindingPlace& place : places[i]) {
       text += ' ' + std::string(names[static_cast<std::size_t>(place.type)]) + " '" +
               textAt(planned, place.extent) + "'";
     }

@@ -1,4 +1,4 @@
-#include "service/UpdatedClass.h"
+#include "service/EditedClass.h"
 
 #include <algorithm>
 #include <iterator>
@@ -50,25 +50,25 @@ PlannedClass planClass(ClassActions entry, const ServiceContext& context) {
   return planned;
 }
 
-UpdatedClass updateClass(ClassActions entry, const ServiceContext& context,
-                         MissingDelimiterType missingDelimiter) {
-  UpdatedClass update{planClass(std::move(entry), context), std::nullopt};
-  PlannedClass& planned = update.planned;
+EditedClass editClass(ClassActions entry, const ServiceContext& context,
+                      MissingDelimiterType missingDelimiter) {
+  EditedClass edited{planClass(std::move(entry), context), std::nullopt};
+  PlannedClass& planned = edited.planned;
   // Without actions the text stays exactly the same: a SourceFile could remove the last line.
-  if (planned.actions.empty()) return update;
-  update.file.emplace(fl::ustring_view(*planned.oldText));
-  ActionApplier applier(&*update.file, planned.result.fileName);
+  if (planned.actions.empty()) return edited;
+  edited.file.emplace(fl::ustring_view(*planned.oldText));
+  ActionApplier applier(&*edited.file, planned.result.fileName);
   for (const PlannedAction& action : planned.actions) {
     if (missingDelimiter == MissingDelimiterType::endsProcess) {
       applier.apply(action);
     } else if ((planned.missingDelimiter = applier.tryApply(action))) {
-      update.file.reset();
-      return update;
+      edited.file.reset();
+      return edited;
     }
   }
-  update.file->removeEmptiedLines();
+  edited.file->removeEmptiedLines();
   planned.result.updated = true;
-  return update;
+  return edited;
 }
 
 }  // namespace soca

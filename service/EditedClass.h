@@ -5,15 +5,15 @@
 
 #include "model/SourceFile.h"
 #include "service/ActionCollection.h"
+#include "service/PlannedClass.h"
 #include "service/ServiceContext.h"
-#include "service/UpdatePlan.h"
 
 namespace soca {
 
 // The effect of an edit with a missing delimiter.
 enum class MissingDelimiterType { endsProcess, stopsUpdate };
 
-struct UpdatedClass {
+struct EditedClass {
   PlannedClass planned;
   // The lines after the edits; empty if the class has no actions, or if the update stopped.
   std::optional<SourceFile> file;
@@ -23,7 +23,7 @@ struct UpdatedClass {
 PlannedClass planClass(ClassActions entry, const ServiceContext& context);
 
 // The same with all actions applied. Throws the exceptions of ActionApplier.
-UpdatedClass updateClass(ClassActions entry, const ServiceContext& context,
-                         MissingDelimiterType missingDelimiter);
+EditedClass editClass(ClassActions entry, const ServiceContext& context,
+                      MissingDelimiterType missingDelimiter);
 
 }  // namespace soca
