@@ -1,11 +1,13 @@
 #include "conversions/ClassUpdate.h"
 
+#include <algorithm>
 #include <exception>
 #include <new>
 #include <utility>
 
 #include "conversions/Checks.h"
 #include "conversions/ClassMembers.h"
+#include "conversions/Findings.h"
 #include "model/NameIndex.h"
 #include "platform/analyzer/Analyzer.h"
 #include "platform/analyzer/FileAnalysis.h"
@@ -53,21 +55,21 @@ RepeatedUpdate updateAgain(const PlannedClass& planned, UpdateMask rules) {
 
 }  // namespace
 
-ClassUpdate describeUpdate(const PlannedClass& planned, const FindingsListener& listener,
-                           FindingPlacesType places) {
+ClassUpdate describeUpdate(const PlannedClass& planned, FindingPlacesType places) {
   ClassUpdate update;
   update.className = to_string(planned.result.className);
   update.file = to_string(planned.result.fileName);
   update.updated = planned.result.updated;
   update.changed = planned.result.updated && !fl::areEqualTexts(planned.text(), *planned.oldText);
-  update.findings = listener.findingsOf(planned, places);
-  for (const PlannedAction& action : planned.actions) ++update.editCounts[action.family];
+  update.findings = describeFindings(planned, places);
+  for (const RuleConversion& each : planned.conversions) ++update.conversionCounts[each.kind];
   return update;
 }
 
 void checkUpdate(PlannedClass& planned, UpdateMask rules, PlanNeeds needs, ClassUpdate& update) {
   const NewTextCheck check(planned);
-  const bool editsMethods = update.editCounts[RuleFamilyType::impl] > 0;
+  const bool editsMethods = std::ranges::any_of(
+      planned.conversions, [](const RuleConversion& each) { return each.method != nullptr; });
   std::vector<DeclaredMethod> methods;
   if (editsMethods) methods = declaredMethods(*planned.analysis);
   // The tree of the old text is freed before that of the new one is made, which may be three times

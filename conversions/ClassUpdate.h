@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "conversions/Finding.h"
-#include "conversions/Findings.h"
 #include "conversions/SuperClassList.h"
 #include "rules/RuleFamilies.h"
 #include "service/UpdatePlan.h"
@@ -31,7 +30,8 @@ struct ClassUpdate {
   bool updated = false;
   bool changed = false;
   std::vector<Finding> findings;
-  PerFamily<std::size_t> editCounts;
+  // The conversions that the new text has, by kind.
+  PerKind<std::size_t> conversionCounts;
   // The reason why the program refuses the new text; empty if it does not.
   std::string refusal;
   // The superclass because of which it does not, if it is that.
@@ -52,8 +52,7 @@ struct PlanNeeds {
 };
 
 // Describes the update of a planned class.
-ClassUpdate describeUpdate(const PlannedClass& planned, const FindingsListener& listener,
-                           FindingPlacesType places);
+ClassUpdate describeUpdate(const PlannedClass& planned, FindingPlacesType places);
 
 // Checks the new text of the class, which must differ from the old one, and sets the results: the
 // refusal, or whether a second update changes the text again and which methods change. Moves from

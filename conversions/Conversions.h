@@ -1,8 +1,6 @@
-// The conversions that an update makes in a class.
+// The conversions that an update makes in a class, for clients that show them.
 #pragma once
 
-#include <cstddef>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,27 +8,28 @@
 #include "conversions/FileEdits.h"
 #include "model/Extent.h"
 #include "rules/RuleFamilies.h"
-#include "service/UpdatePlan.h"
+#include "service/PlannedClass.h"
 
 namespace soca {
 
-// Edits that depend on each other: those of a method, of the superclass list, or of properties
-// blocks that are joined or share a property and its companion. The conversions of a file are
-// independent: any subset of them may be made.
+// All texts are UTF-8.
 struct Conversion {
-  RuleFamilyType family = RuleFamilyType::attributes;
+  ConversionKindType kind = ConversionKindType::mixins;
+  // Unique among all conversions: `audio.Mixer#attributes/logical:Gain`.
+  std::string id;
   // The key of the text in the family, and the arguments for its placeholders.
   std::string_view message;
   std::vector<std::string> arguments;
-  // The first member concerned, in UTF-8; empty if there is none.
+  // The member that names it; empty if there is none.
   std::string member;
-  // The name of the member, or the first edit.
+  // The name of the member, otherwise the block or the superclass list.
   Extent place;
-  // Indices of the edits of the file, in order.
-  std::vector<std::size_t> edits;
+  // The edits of the file that make only this conversion; empty if they were not requested or are
+  // not known.
+  std::vector<FileEdit> edits;
 };
 
-// In the order of the file. Every edit belongs to exactly one conversion.
-std::vector<Conversion> findConversions(const PlannedClass& planned, const FileEdits& fileEdits);
+// All conversions of the class, in the order of the rules.
+std::vector<Conversion> describeConversions(const PlannedClass& planned);
 
 }  // namespace soca

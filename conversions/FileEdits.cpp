@@ -1,7 +1,6 @@
 #include "conversions/FileEdits.h"
 
 #include <algorithm>
-#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -11,8 +10,6 @@
 
 namespace soca {
 namespace {
-
-constexpr std::size_t noAction = std::numeric_limits<std::size_t>::max();
 
 // The lines of a text without their line ends; after a final line end there is an empty last line.
 std::vector<fl::ustring_view> splitText(fl::ustring_view text) {
@@ -117,17 +114,20 @@ class EditFinder {
  private:
   // The first action that edits each line; a line without one has that of the line above.
   void findActionsOfLines() {
-    actions_.assign(oldLines_.size(), noAction);
+    actions_.assign(oldLines_.size(), everyAction);
     for (std::size_t i = 0; i < planned_.actions.size(); ++i) {
       for (const PlannedEdit& edit : planned_.actions[i].edits) claimLines(edit.extent, i);
     }
+    const bool isLastClaimed = actions_.back() != everyAction;
     std::size_t last = 0;
-    for (std::size_t& action : actions_) last = action = action == noAction ? last : action;
+    for (std::size_t& action : actions_) last = action = action == everyAction ? last : action;
+    const bool isLastDeleted = (newLines_.back().flags & SourceFile::LineDeleted) != 0;
+    if (!isLastClaimed && isLastDeleted) actions_.back() = everyAction;
   }
 
   void claimLines(const Extent& extent, std::size_t action) {
     for (std::size_t line = extent.start.line; line <= extent.end.line; ++line) {
-      if (actions_[line] == noAction) actions_[line] = action;
+      if (actions_[line] == everyAction) actions_[line] = action;
       share(actions_[line], action);
     }
   }

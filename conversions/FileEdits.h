@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,6 +12,10 @@
 #include "service/UpdatePlan.h"
 
 namespace soca {
+
+// Of an edit that every action makes: with any edit, the engine deletes a last line that is blank
+// or only a continuation.
+inline constexpr std::size_t everyAction = std::numeric_limits<std::size_t>::max();
 
 // A part of the old file and its replacement. The texts differ, and either may be empty. If words
 // change, the parts are whole words.
@@ -22,14 +27,14 @@ struct FileEdit {
   std::size_t length = 0;
   // In UTF-8 for any encoding of the file.
   std::string text;
-  // The first action that makes it.
+  // The first action that makes it, or `everyAction`.
   std::size_t action = 0;
 };
 
 struct FileEdits {
   // In the order of the file, with unchanged text between any two of them.
   std::vector<FileEdit> edits;
-  // Pairs of actions that share an edit, or a line of one.
+  // Pairs of actions that share an edit, or a line of one; the second may be `everyAction`.
   std::vector<std::pair<std::size_t, std::size_t>> shared;
 };
 

@@ -9,12 +9,13 @@ namespace soca {
 
 // All texts are UTF-8.
 
-// A part of one line of the file that was read. All are one-based, columns count UTF-16 code units,
-// and `endColumn` is the one after it. Line 0 is an unknown place.
+// A part of the file that was read, usually of one line. All are one-based, columns count UTF-16
+// code units, and `endColumn` is the one after it. Line 0 is an unknown place.
 struct LinePlace {
   std::uint64_t line = 0;
   std::uint64_t column = 0;
   std::uint64_t endColumn = 0;
+  std::uint64_t endLine = 0;
 };
 
 // Another place that belongs to a finding.
@@ -24,7 +25,7 @@ struct RelatedPlace : LinePlace {
 
 // One message of the service, at the name of the member that it concerns.
 struct Finding : LinePlace {
-  // The short id; empty if it is not known.
+  // The short id.
   std::string id;
   std::string text;
   // The arguments for the placeholders of the text.

@@ -1,28 +1,20 @@
-// The messages of an update with the ids and places that their finished texts do not have.
+// The findings of the rules in the form for clients that show them.
 #pragma once
 
-#include <unordered_map>
 #include <vector>
 
 #include "conversions/Finding.h"
-#include "platform/messages/BaseMsgID.h"
-#include "platform/messages/MessageListener.h"
-#include "platform/text/UString.h"
-#include "service/UpdatePlan.h"
+#include "model/Extent.h"
+#include "platform/analyzer/AnalysisResult.h"
+#include "platform/analyzer/tree/Ast.h"
+#include "service/PlannedClass.h"
 
 namespace soca {
 
-// During its life, receives the messages of which this thread makes texts.
-class FindingsListener {
- public:
-  FindingsListener();
+// One for each message of the class, in their order, with the places that are requested.
+std::vector<Finding> describeFindings(const PlannedClass& planned, FindingPlacesType places);
 
-  // The messages of the class, in their order.
-  std::vector<Finding> findingsOf(const PlannedClass& planned, FindingPlacesType places) const;
-
- private:
-  std::unordered_map<fl::ustring, resource_core::BaseMsgID> messages_;
-  fl::i18n::MessageListener listener_;
-};
+LinePlace placeOf(const Extent& extent);
+LinePlace placeOfName(const ca::AnalysisResult& analysis, const ca::astapi::Node& name);
 
 }  // namespace soca

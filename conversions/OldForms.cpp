@@ -5,7 +5,6 @@
 #include <optional>
 #include <utility>
 
-#include "model/AnalyzerPositions.h"
 #include "platform/analyzer/FileAnalysis.h"
 #include "platform/analyzer/tree/Ast.h"
 #include "platform/paths/Overlay.h"
@@ -28,10 +27,8 @@ std::optional<fl::ustring> textOfSystemObject(const std::string& path) {
   return text;
 }
 
-bool deletesEmptyBlock(const PlannedAction& action, const ca::AnalysisResult& analysis) {
-  return std::ranges::any_of(analysis.getClassdef()->getPropertiesBlocks(), [&](const auto* block) {
-    return block->members.empty() && makeExtentOfNode(analysis, *block) == action.extent;
-  });
+bool isOldForm(const RuleConversion& conversion) {
+  return conversion.kind != ConversionKindType::emptyBlock;
 }
 
 }  // namespace
@@ -43,10 +40,7 @@ bool hasOldForms(const std::string& className, const std::string& path, UpdateMa
     const fl::filesystem::OverlayScope overlay(path, std::move(*text));
     const auto planned = planActions(fl::i18n::to_ustring(className), rules, false);
     return std::ranges::any_of(planned, [](const PlannedClass& each) {
-      return !each.result.messages.empty() ||
-             std::ranges::any_of(each.actions, [&](const PlannedAction& action) {
-               return !deletesEmptyBlock(action, *each.analysis);
-             });
+      return !each.result.messages.empty() || std::ranges::any_of(each.conversions, isOldForm);
     });
   } catch (const std::exception&) {
     // Whatever is wrong with the file.

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "conversions/FindingPlaces.h"
+#include "conversions/Findings.h"
 #include "platform/analyzer/tree/Ast.h"
 #include "platform/runtime/ClassDescription.h"
 #include "platform/text/Conversions.h"

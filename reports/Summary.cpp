@@ -57,13 +57,13 @@ ClassCounts::ClassCounts(const ClassOutcome& outcome)
       isRefused(outcome.update.isRefused()),
       changesAgain(outcome.update.changesAgain),
       isUncommitted(!outcome.writeRefusal.empty()) {
-  for (const RuleFamily& family : ruleFamilies) {
+  for (const ConversionKind& kind : conversionKinds) {
     if (!isChanged) break;
-    edits[family.type] = static_cast<std::uint32_t>(outcome.update.editCounts[family.type]);
+    conversions[kind.type] = static_cast<std::uint32_t>(outcome.update.conversionCounts[kind.type]);
   }
   findings.reserve(outcome.update.findings.size());
   for (const Finding& finding : outcome.update.findings) {
-    findings.push_back(finding.id.empty() ? "other" : shortId(finding.id));
+    findings.push_back(finding.id);
   }
 }
 
@@ -74,8 +74,9 @@ void Summary::add(const ClassCounts& counts) {
   refused += counts.isRefused ? 1 : 0;
   changesAgain += counts.changesAgain ? 1 : 0;
   uncommitted += counts.isUncommitted ? 1 : 0;
-  for (const RuleFamily& family : ruleFamilies)
-    conversions[family.type] += counts.edits[family.type];
+  for (const ConversionKind& kind : conversionKinds) {
+    conversions[kind.type] += counts.conversions[kind.type];
+  }
   for (const std::string& id : counts.findings) ++findingsById[id];
 }
 
@@ -86,8 +87,9 @@ void Summary::remove(const ClassCounts& counts) {
   refused -= counts.isRefused ? 1 : 0;
   changesAgain -= counts.changesAgain ? 1 : 0;
   uncommitted -= counts.isUncommitted ? 1 : 0;
-  for (const RuleFamily& family : ruleFamilies)
-    conversions[family.type] -= counts.edits[family.type];
+  for (const ConversionKind& kind : conversionKinds) {
+    conversions[kind.type] -= counts.conversions[kind.type];
+  }
   for (const std::string& id : counts.findings) --findingsById[id];
 }
 
@@ -146,8 +148,8 @@ std::string formatSummary(const Summary& summary, TenseType tense) {
 
 std::string formatDetails(const Summary& summary, std::size_t width) {
   Counts conversions;
-  for (const RuleFamily& family : ruleFamilies) {
-    conversions.emplace_back(family.name, summary.conversions[family.type]);
+  for (const ConversionKind& kind : conversionKinds) {
+    conversions.emplace_back(kind.name, summary.conversions[kind.type]);
   }
   return listing("conversions", conversions, width) +
          listing("findings", countsOf(summary.findingsById), width) +

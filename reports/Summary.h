@@ -21,8 +21,8 @@ struct ClassCounts {
   bool isRefused = false;
   bool changesAgain = false;
   bool isUncommitted = false;
-  // The number of edits of each rule family, if it is changed.
-  PerFamily<std::uint32_t> edits;
+  // The number of conversions of each kind, if it is changed.
+  PerKind<std::uint32_t> conversions;
   // The short ids.
   std::vector<std::string> findings;
 };
@@ -48,8 +48,8 @@ struct Summary {
   // In a dry run, the classes that change and that `--write` would refuse.
   std::size_t uncommitted = 0;
 
-  // The number of edits of each rule family in the classes that change.
-  PerFamily<std::size_t> conversions;
+  // The number of conversions of each kind in the classes that change.
+  PerKind<std::size_t> conversions;
   // The number of findings and failures of each id, in its short form.
   std::map<std::string, std::size_t> findingsById;
   std::map<std::string, std::size_t> failuresById;

@@ -341,8 +341,8 @@ void UpdateRun::takeWritten() {
 }
 
 void UpdateRun::dropConversions(const WriteQueue::Entry& entry) {
-  for (const RuleFamily& family : ruleFamilies) {
-    summary_.conversions[family.type] -= entry.counts.edits[family.type];
+  for (const ConversionKind& kind : conversionKinds) {
+    summary_.conversions[kind.type] -= entry.counts.conversions[kind.type];
   }
 }
 

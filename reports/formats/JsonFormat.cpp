@@ -12,11 +12,13 @@
 // The answers of the service have no `undecided`. Where nothing is written because the roots of the
 // class path are wrong, there is a key more: "suggestedRoots": ["/abs/src"].
 //
-// With `--edits` a result has three more keys: the checksum of the current file, the single
-// replacements in it, in the order of the file, and the messages with their places. Offsets and
-// lengths are bytes of that file; a finding without a known place has no line.
+// With `--edits` a result has four more keys: the checksum of the current file, the single
+// replacements in it, in the order of the file, the conversions that they make, and the messages
+// with their places. Offsets and lengths are bytes of that file.
 //
 //    "sha256": "9f86...", "edits": [{"offset": 120, "length": 4, "text": "..."}],
+//    "conversions": [{"id": "a.B#impl/rename:f", "kinds": ["impl/rename"], "member": "f",
+//                     "line": 3, "column": 5}],
 //    "findings": [{"id": "VELUM:system:Analyzer:LegacyImplReferenced", "message": "...", "line": 3,
 //                  "column": 5, "endColumn": 26, "related": [{"line": 9, ..., "message": "..."}]}]
 //
@@ -57,15 +59,27 @@ Json editOf(const FileEdit& edit) {
   return {{"offset", edit.offset}, {"length", edit.length}, {"text", edit.text}};
 }
 
+Json conversionOf(const Conversion& conversion) {
+  Json json = {{"id", conversion.id},
+               {"kinds", Json::array({conversionKind(conversion.kind).name})}};
+  if (!conversion.member.empty()) json["member"] = conversion.member;
+  json["line"] = conversion.place.start.line + 1;
+  json["column"] = conversion.place.start.column + 1;
+  return json;
+}
+
 Json placeOf(const LinePlace& place) {
-  return {{"line", place.line}, {"column", place.column}, {"endColumn", place.endColumn}};
+  Json json = {{"line", place.line}, {"column", place.column}};
+  if (place.endLine > place.line) json["endLine"] = place.endLine;
+  json["endColumn"] = place.endColumn;
+  return json;
 }
 
 Json findingOf(const Finding& finding) {
   Json json;
   if (const auto* known = findMessageExplanation(finding.id)) json["id"] = known->fullId;
   json["message"] = finding.text;
-  if (finding.line != 0) json.update(placeOf(finding));
+  json.update(placeOf(finding));
   Json related = Json::array();
   for (const RelatedPlace& place : finding.related) {
     related.push_back(placeOf(place));
@@ -147,6 +161,7 @@ std::string JsonReport::dataOf(const ClassOutcome& outcome) const {
   if (outcome.file.bytes) {
     add("sha256", dump(outcome.file.bytes->sha256));
     add("edits", dumpList(outcome.file.edits.edits, editOf));
+    add("conversions", dumpList(outcome.file.conversions, conversionOf));
     add("findings", dumpList(outcome.update.findings, findingOf));
   }
   if (!outcome.hints.empty()) add("hint", dump(joinHints(outcome.hints)));
@@ -204,7 +219,8 @@ void JsonReport::beginResults() {
 }
 
 OutcomeNeeds needsOf(const ReportOptions& options) {
-  OutcomeNeeds needs{.text = true, .hints = true, .edits = options.edits};
+  OutcomeNeeds needs{
+      .text = true, .hints = true, .edits = options.edits, .conversions = options.edits};
   if (needs.edits) needs.places = FindingPlacesType::related;
   return needs;
 }

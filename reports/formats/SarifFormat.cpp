@@ -1,9 +1,10 @@
 // An update as a SARIF 2.1.0 log, for tools that show the results of analyses.
 //
-// Every conversion is a result with its edits as a fix. Every message of a finding is a result
-// without one, and so is a class that is undecided, or refused because a superclass was not found.
-// A class that fails, is refused for another reason or is skipped is a notification. The log has no
-// times and no names of the machine: the same tree gives the same bytes.
+// Every conversion is a result with the edits that make it alone as a fix. Every message of a
+// finding is a result without one, and so is a class that is undecided, or refused because a
+// superclass was not found. A class that fails, is refused for another reason or is skipped is a
+// notification. The log has no times and no names of the machine: the same tree gives the same
+// bytes.
 #include <fmt/core.h>
 #include <cstddef>
 #include <map>
@@ -86,15 +87,14 @@ class ClassResults {
     result["locations"] =
         Json::array({locationOf(regionOf(conversion.place, hasMark()), conversion.member)});
     addFingerprint(conversion.member, result);
-    result["fixes"] = Json::array({fixOf(conversion)});
+    if (!conversion.edits.empty()) result["fixes"] = Json::array({fixOf(conversion)});
     return result;
   }
 
   Json makeResult(const Finding& finding) {
     Json result = sarifResult(finding);
     const std::string member = finding.arguments.empty() ? "" : finding.arguments.front();
-    const Json region = finding.line == 0 ? Json() : regionOf(finding, hasMark());
-    result["locations"] = Json::array({locationOf(region, member)});
+    result["locations"] = Json::array({locationOf(regionOf(finding, hasMark()), member)});
     for (std::size_t i = 0; i < finding.related.size(); ++i) {
       const RelatedPlace& place = finding.related[i];
       result["relatedLocations"].push_back(
@@ -107,12 +107,9 @@ class ClassResults {
     return result;
   }
 
-  // Without a region if it is null.
   Json locationOf(const Json& region, const std::string& member) const {
-    Json place = {{"artifactLocation", artifact_}};
-    if (!region.is_null()) place["region"] = region;
     return {
-        {"physicalLocation", std::move(place)},
+        {"physicalLocation", {{"artifactLocation", artifact_}, {"region", region}}},
         {"logicalLocations", Json::array({logicalLocationOf(outcome_.update.className, member)})}};
   }
 
@@ -123,8 +120,7 @@ class ClassResults {
 
   Json fixOf(const Conversion& conversion) const {
     Json replacements = Json::array();
-    for (const std::size_t number : conversion.edits) {
-      const FileEdit& edit = outcome_.file.edits.edits[number];
+    for (const FileEdit& edit : conversion.edits) {
       Json replacement = {{"deletedRegion", regionOf(edit.extent, hasMark())}};
       if (!edit.text.empty()) replacement["insertedContent"] = {{"text", edit.text}};
       replacements.push_back(std::move(replacement));
@@ -302,7 +298,11 @@ void SarifReport::begin() {
 }
 
 OutcomeNeeds needsOf(const ReportOptions&) {
-  return {.hints = true, .edits = true, .conversions = true, .places = FindingPlacesType::related};
+  return {.hints = true,
+          .edits = true,
+          .conversions = true,
+          .editsOfEach = true,
+          .places = FindingPlacesType::related};
 }
 
 std::unique_ptr<UpdateReport> makeReport(const ReportContext& context) {

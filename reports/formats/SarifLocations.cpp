@@ -60,8 +60,9 @@ Json regionOf(const Extent& extent, bool hasByteOrderMark) {
 }
 
 Json regionOf(const LinePlace& place, bool hasByteOrderMark) {
-  return regionOf(Extent{{place.line - 1, place.column - 1}, {place.line - 1, place.endColumn - 1}},
-                  hasByteOrderMark);
+  return regionOf(
+      Extent{{place.line - 1, place.column - 1}, {place.endLine - 1, place.endColumn - 1}},
+      hasByteOrderMark);
 }
 
 std::string percentEncode(std::string_view path) {

@@ -128,12 +128,12 @@ Json sarifTool(bool asService) {
 }
 
 Json sarifResult(const Conversion& conversion) {
-  const std::string_view family = ruleFamily(conversion.family).name;
-  const auto texts = findRuleExplanation(family)->texts;
+  const ConversionKind& kind = conversionKind(conversion.kind);
+  const auto texts = findRuleExplanation(ruleFamily(kind.family).name)->texts;
   const auto text = std::ranges::find(texts, conversion.message, &ConversionText::id);
   return {
-      {"ruleId", family},
-      {"ruleIndex", static_cast<std::size_t>(conversion.family)},
+      {"ruleId", kind.name},
+      {"ruleIndex", static_cast<std::size_t>(kind.family)},
       {"level", "note"},
       {"message", messageOf(conversion.message, fillPlaceholders(text->text, conversion.arguments),
                             conversion.arguments)}};
@@ -142,17 +142,11 @@ Json sarifResult(const Conversion& conversion) {
 Json sarifResult(const Finding& finding) {
   static const auto explanations = explanationsOf(MessageKindType::finding);
   const auto known = std::ranges::find(explanations, finding.id, &MessageExplanation::id);
-  Json result = Json::object();
-  if (known != explanations.end()) {
-    result["ruleId"] = (*known)->fullId;
-    result["ruleIndex"] =
-        ruleFamilies.size() + static_cast<std::size_t>(known - explanations.begin());
-  }
-  result["level"] = "warning";
-  result["message"] = known == explanations.end()
-                          ? Json{{"text", finding.text}}
-                          : messageOf("default", finding.text, finding.arguments);
-  return result;
+  return {
+      {"ruleId", (*known)->fullId},
+      {"ruleIndex", ruleFamilies.size() + static_cast<std::size_t>(known - explanations.begin())},
+      {"level", "warning"},
+      {"message", messageOf("default", finding.text, finding.arguments)}};
 }
 
 Json sarifResult(std::string_view fullId, std::string text) {

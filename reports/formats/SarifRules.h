@@ -17,7 +17,8 @@ namespace soca {
 // service for each reason of the program; and a notification for each failure.
 nlohmann::ordered_json sarifTool(bool asService);
 
-// The keys that refer to a rule: `ruleId`, `ruleIndex`, `level` and `message`.
+// The keys that refer to a rule: `ruleId`, `ruleIndex`, `level` and `message`. The id of a
+// conversion is its kind, whose first part is the rule family.
 nlohmann::ordered_json sarifResult(const Conversion& conversion);
 nlohmann::ordered_json sarifResult(const Finding& finding);
 

@@ -15,15 +15,15 @@ namespace {
 // The number of lines of one kind that a quiet run prints.
 constexpr std::size_t mostInQuietRun = 10;
 
-// "3 attributes, 1 mixins", or a text for no edits.
-std::string editsOf(const ClassOutcome& outcome) {
+// "3 attributes/logical, 1 mixins", or a text for no conversions.
+std::string conversionsOf(const ClassOutcome& outcome) {
   std::string text;
-  for (const RuleFamily& family : ruleFamilies) {
-    const std::size_t count = outcome.update.editCounts[family.type];
+  for (const ConversionKind& kind : conversionKinds) {
+    const std::size_t count = outcome.update.conversionCounts[kind.type];
     if (count == 0) continue;
-    text += fmt::format("{}{} {}", text.empty() ? "edits: " : ", ", count, family.name);
+    text += fmt::format("{}{} {}", text.empty() ? "conversions: " : ", ", count, kind.name);
   }
-  return text.empty() ? "no edits" : text;
+  return text.empty() ? "no conversions" : text;
 }
 
 // `file:line: warning: text [id]`
@@ -84,7 +84,7 @@ void TextReport::printData(const std::string& data) {
 void TextReport::printNotes(const ClassOutcome& outcome) {
   std::string text;
   const std::string file = names_->shown(outcome.update.file);
-  if (options_->verbose) text += fmt::format("{}: {}\n", file, editsOf(outcome));
+  if (options_->verbose) text += fmt::format("{}: {}\n", file, conversionsOf(outcome));
   if (!options_->quiet) {
     for (const Finding& finding : outcome.update.findings) text += findingLine(file, finding);
     for (const std::string& hint : outcome.hints) {

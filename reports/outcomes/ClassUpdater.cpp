@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
+#include "conversions/ConversionEdits.h"
 #include "conversions/Conversions.h"
 #include "conversions/FileEdits.h"
-#include "conversions/Findings.h"
 #include "conversions/OldForms.h"
 #include "conversions/SuperClassList.h"
 #include "files/writing/Digest.h"
@@ -182,7 +182,6 @@ SingleUpdate ClassUpdater::updateAlone(const std::string& className) const {
   SingleUpdate single;
   try {
     const Phase phase(rulesPhase);
-    const FindingsListener listener;
     ClassPlan plan =
         planClassOnce(to_ustring(className), request_.rules, request_.includeSuperclasses,
                       {.keepLines = request_.needs.edits});
@@ -192,7 +191,7 @@ SingleUpdate ClassUpdater::updateAlone(const std::string& className) const {
     single.scope = scopeOf(plan.stage);
     if (plan.failure) std::rethrow_exception(plan.failure);
     single.scope = FailureScopeType::outcome;
-    finishPlan(*plan.planned, listener, single);
+    finishPlan(*plan.planned, single);
   } catch (const std::bad_alloc&) {
     // Not a fault of the class: the next one would fail as well.
     throw;
@@ -202,8 +201,7 @@ SingleUpdate ClassUpdater::updateAlone(const std::string& className) const {
   return single;
 }
 
-void ClassUpdater::finishPlan(PlannedClass& planned, const FindingsListener& listener,
-                              SingleUpdate& single) const {
+void ClassUpdater::finishPlan(PlannedClass& planned, SingleUpdate& single) const {
   if (planned.missingDelimiter) {
     single.scope = FailureScopeType::classOnly;
     single.failure =
@@ -211,7 +209,7 @@ void ClassUpdater::finishPlan(PlannedClass& planned, const FindingsListener& lis
     return;
   }
   try {
-    single.outcome = makeOutcome(planned, listener);
+    single.outcome = makeOutcome(planned);
   } catch (const ClassFault& fault) {
     single.scope = FailureScopeType::classOnly;
     single.failure = makeFailure(fault.id(), fault.arguments());
@@ -263,19 +261,20 @@ void ClassUpdater::checkSuperClasses(const PlannedClass& planned, ClassOutcome& 
   outcome.update.unresolved = std::move(unresolved);
 }
 
-ClassOutcome ClassUpdater::makeOutcome(PlannedClass& planned,
-                                       const FindingsListener& listener) const {
+ClassOutcome ClassUpdater::makeOutcome(PlannedClass& planned) const {
   const OutcomeNeeds& needs = request_.needs;
   ClassOutcome outcome;
   ClassUpdate& update = outcome.update;
-  update = describeUpdate(planned, listener, needs.places);
+  update = describeUpdate(planned, needs.places);
   if (needs.text) outcome.text = to_string(planned.text());
   if (needs.hints) outcome.hints = hintsOnSuperClasses(update.className, *roots_, words());
   if (update.changed && !request_.asService) checkSuperClasses(planned, outcome);
   if (update.hasNewText()) {
     const Phase phase(checksPhase);
-    checkUpdate(planned, request_.rules, {.analysis = needs.conversions, .actions = needs.edits},
+    if (needs.conversions) outcome.file.conversions = describeConversions(planned);
+    checkUpdate(planned, request_.rules, {.analysis = needs.editsOfEach, .actions = needs.edits},
                 update);
+    if (update.isRefused()) outcome.file.conversions.clear();
   }
   if (update.hasNewText() || needs.edits) addFile(planned, outcome);
   return outcome;
@@ -299,7 +298,9 @@ void ClassUpdater::addFile(const PlannedClass& planned, ClassOutcome& outcome) c
     const fl::ustring_view text = *planned.oldText;
     file.bytes = FileBytes{sha256(bytesOf(text)), old.encoding, text.starts_with(u'\uFEFF')};
     if (outcome.update.hasNewText()) file.edits = findFileEdits(planned, old.encoding);
-    if (needs.conversions) file.conversions = findConversions(planned, file.edits);
+    if (needs.editsOfEach && outcome.update.hasNewText()) {
+      findEditsOfEach(planned, old.encoding, file.conversions);
+    }
   }
   if (!outcome.update.hasNewText()) return;
   if (needs.diff || needs.newBytes) {

@@ -24,8 +24,9 @@ struct OutcomeNeeds {
   bool newBytes = false;
   // The single replacements, and the identification of their file.
   bool edits = false;
-  // The conversions that the edits belong to.
+  // The conversions, and the edits that make each of them alone, for which `edits` are needed too.
   bool conversions = false;
+  bool editsOfEach = false;
   FindingPlacesType places = FindingPlacesType::none;
 };
 
@@ -61,15 +62,14 @@ class ClassUpdater {
 
  private:
   // Sets the outcome, or a failure that concerns the class alone.
-  void finishPlan(PlannedClass& planned, const FindingsListener& listener,
-                  SingleUpdate& single) const;
+  void finishPlan(PlannedClass& planned, SingleUpdate& single) const;
   void addFailure(const Target& target, Failure failure, TargetOutcome& outcome) const;
   WordsType words() const { return request_.asService ? WordsType::service : WordsType::program; }
   bool isUndecided(const Failure& failure, const std::string& path) const;
   // Refuses the update if the new list of superclasses may be wrong.
   static void checkSuperClasses(const PlannedClass& planned, ClassOutcome& outcome);
   // Moves from the plan what is not needed afterwards.
-  ClassOutcome makeOutcome(PlannedClass& planned, const FindingsListener& listener) const;
+  ClassOutcome makeOutcome(PlannedClass& planned) const;
   fl::filesystem::FileState oldFileOf(const PlannedClass& planned, const std::string& path) const;
   // Sets the fields that depend on the bytes of the file.
   void addFile(const PlannedClass& planned, ClassOutcome& outcome) const;

@@ -84,6 +84,7 @@ struct ClassOutcome {
     update.methods = {};
     update.changesAgain = false;
     file.diff.clear();
+    file.conversions.clear();
     file.newBytes.clear();
   }
 };

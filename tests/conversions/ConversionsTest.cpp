@@ -1,12 +1,14 @@
-// Conversions are independent: when any one is made alone, the file is still a class, and a later
+// Conversions are independent: the edits of each give the text with only this one, and a later
 // update makes the others.
-#include "conversions/Conversions.h"
+#include "conversions/ConversionEdits.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
 
+#include "conversions/ClassMembers.h"
+#include "platform/analyzer/Analyzer.h"
 #include "platform/paths/Overlay.h"
 #include "platform/paths/PathDispatcher.h"
 #include "platform/text/Conversions.h"
@@ -22,30 +24,31 @@ using fl::i18n::to_string;
 using fl::i18n::to_ustring;
 using testing::Case;
 
-std::string applyOne(const FileEdits& all, const Conversion& conversion, const std::string& text) {
+std::string applyAll(const std::vector<FileEdit>& edits, const std::string& text) {
   std::string newText;
   std::size_t position = 0;
-  for (const std::size_t number : conversion.edits) {
-    const FileEdit& edit = all.edits[number];
+  for (const FileEdit& edit : edits) {
     newText += text.substr(position, edit.offset - position) + edit.text;
     position = edit.offset + edit.length;
   }
   return newText + text.substr(position);
 }
 
-// Without blanks at the ends of lines and blank lines, which depend on the edits made together.
-std::string withoutBlanks(std::string text) {
-  std::erase_if(text, [](char c) { return c == ' ' || c == '\n' || c == '\r' || c == '\t'; });
-  return text;
-}
-
-// The text after repeated updates, until an update changes nothing.
-std::string settle(const PlannedClass& whole, fl::ustring text) {
+// The declarations and bodies of the class after repeated updates. Its blocks depend on the
+// conversions that are made together.
+std::vector<std::string> settledMembers(const PlannedClass& whole, fl::ustring text) {
   for (int i = 0; i < 3; ++i) {
     const fl::filesystem::OverlayScope overlay(to_string(whole.result.fileName), text);
     text = planUpdate(whole.result.className, allFamilies, false).front().text();
   }
-  return withoutBlanks(to_string(text));
+  const auto analysis = ca::analyzeText(text);
+  std::vector<std::string> members;
+  const auto add = [&](const ca::astapi::Node& node) {
+    members.push_back(to_string(analysis->nodeTextView(node)));
+  };
+  for (const DeclaredProperty& property : declaredProperties(*analysis)) add(*property.node);
+  for (const DeclaredMethod& method : declaredMethods(*analysis)) add(*method.node);
+  return members;
 }
 
 void expectIndependence(const std::string& className) {
@@ -58,18 +61,19 @@ void expectIndependence(const std::string& className) {
     return;
   }
   const PlannedClass& whole = planned.front();
-  if (whole.missingDelimiter) return;
-  const auto edits = findFileEdits(whole, fl::EncodingType::utf8);
-  const auto conversions = findConversions(whole, edits);
-  const auto settled = settle(whole, fl::ustring(whole.text()));
-  std::size_t count = 0;
-  for (const Conversion& conversion : conversions) {
-    count += conversion.edits.size();
-    EXPECT_FALSE(conversion.message.empty());
-    const auto text = applyOne(edits, conversion, to_string(whole.analysis->sourceTextView()));
-    EXPECT_EQ(settle(whole, to_ustring(text)), settled) << text;
+  if (whole.newText == nullptr) return;
+  auto conversions = describeConversions(whole);
+  findEditsOfEach(whole, fl::EncodingType::utf8, conversions);
+  const auto settled = settledMembers(whole, fl::ustring(whole.text()));
+  for (std::size_t i = 0; i < conversions.size(); ++i) {
+    SCOPED_TRACE(conversions[i].id);
+    std::vector<bool> made(conversions.size());
+    made[i] = true;
+    const fl::ustring expected(planConversions(whole, made).text());
+    EXPECT_EQ(applyAll(conversions[i].edits, to_string(*whole.oldText)), to_string(expected));
+    EXPECT_FALSE(conversions[i].edits.empty());
+    EXPECT_EQ(settledMembers(whole, expected), settled);
   }
-  EXPECT_EQ(count, edits.edits.size());
 }
 
 void expectIndependenceBelow(const fs::path& root) {
