@@ -29,7 +29,6 @@ target_sources(
          platform/failure/LegacyErrorChannel.h
          platform/failure/Terminate.h
          platform/messages/MessageCatalog.h
-         platform/messages/MessageListener.h
          platform/paths/ClassPathItem.h
          platform/paths/Iri.h
          platform/paths/NativePath.h

@@ -7,9 +7,8 @@
 namespace foundation::core::except {
 namespace {
 
-// Does not notify the listeners, because the text may never be read.
 std::string describe(const resource_core::BaseMsgID& message) {
-  const fl::ustring text = fl::i18n::MessageCatalog::makeText(message);
+  const auto text = fl::i18n::MessageCatalog::get_message(message, fl::i18n::Locale::global());
   return IMsgIDException::get_error_id(message) + ": " + fl::i18n::to_string(text);
 }
 

@@ -5,7 +5,6 @@
 #include <variant>
 
 #include "MessageTable.h"
-#include "platform/messages/MessageListener.h"
 #include "platform/text/Conversions.h"
 
 namespace fl::i18n {
@@ -63,16 +62,10 @@ ustring makeTextWithoutEntry(const BaseMsgID& message) {
 
 }  // namespace
 
-ustring MessageCatalog::makeText(const BaseMsgID& message) {
+ustring MessageCatalog::get_message(const BaseMsgID& message, const Locale&) {
   const CatalogEntry* entry = findEntry(message);
   if (entry == nullptr) return makeTextWithoutEntry(message);
   return fillIn(to_ustring(entry->text), message);
-}
-
-ustring MessageCatalog::get_message(const BaseMsgID& message, const Locale&) {
-  const ustring text = makeText(message);
-  MessageListener::tell(message, text);
-  return text;
 }
 
 }  // namespace fl::i18n

@@ -9,12 +9,9 @@ namespace fl::i18n {
 
 class MessageCatalog {
  public:
-  // The text of the message with its arguments filled in; notifies the listeners of this thread. An
-  // id that is not in the catalog gives a text that names the id and the arguments.
+  // The text of the message with its arguments filled in. An id that is not in the catalog gives a
+  // text that names the id and the arguments.
   static ustring get_message(const resource_core::BaseMsgID& message, const Locale& locale);
-
-  // The same without notifying the listeners.
-  static ustring makeText(const resource_core::BaseMsgID& message);
 };
 
 }  // namespace fl::i18n

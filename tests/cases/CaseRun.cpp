@@ -166,6 +166,11 @@ void update(const Options& options, const CaseFolder& folder, const Case& testCa
             }),
             failure);
   expectSameResults(planned, results);
+  for (const PlannedClass& each : planned) {
+    for (const RuleFinding& finding : each.findings) {
+      outcome.findings.insert(finding.message.catalog + ":" + finding.message.id);
+    }
+  }
   if (!failure.empty()) outcome.sections["error"] = folder.portable(failure) + "\n";
   addResults(results, folder, testCase, outcome);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 
 #include "tests/cases/CaseFile.h"
@@ -11,6 +12,8 @@ namespace soca::testing {
 // The results of a case, as the sections that it should have.
 struct CaseOutcome {
   std::map<std::string, std::string> sections;
+  // The full ids of the findings.
+  std::set<std::string> findings;
   // The unexpected effect of an update of the updated text; empty if there is none.
   std::string again;
 };

@@ -2,13 +2,11 @@
 
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "platform/failure/LegacyErrorChannel.h"
 #include "platform/failure/Terminate.h"
 #include "platform/messages/MessageCatalog.h"
-#include "platform/messages/MessageListener.h"
 #include "platform/text/Conversions.h"
 
 namespace fl::i18n {
@@ -51,43 +49,6 @@ TEST(Messages, ArgumentsAreFilledInOnce) {
       {"an id of another catalog", {{}, "other", "SyntaxError"}, u"Message 'other:SyntaxError'"},
   };
   for (const auto& c : cases) EXPECT_EQ(textOf(c.message), c.text) << c.shows;
-}
-
-TEST(Messages, ListenersReceiveTextsOfTheirThreadInnermostFirst) {
-  std::vector<std::string> heard;
-  const auto note = [&heard](const std::string& who) {
-    return [&heard, who](const BaseMsgID& message, const ustring& text) {
-      heard.push_back(who + " " + message.id + " " + std::to_string(text.size()));
-    };
-  };
-  const BaseMsgID message{{ustring(u"f")}, kCatalog, "SyntaxError"};
-  const MessageListener outer(note("outer"));
-  {
-    const MessageListener inner(note("inner"));
-    textOf(message);
-    MessageCatalog::makeText(message);
-    std::thread([&message] { textOf(message); }).join();
-  }
-  textOf(message);
-  EXPECT_EQ(heard, (std::vector<std::string>{"inner SyntaxError 31", "outer SyntaxError 31",
-                                             "outer SyntaxError 31"}));
-}
-
-TEST(Messages, AListenerMayUseTheCatalogAndMayThrow) {
-  const BaseMsgID message{{ustring(u"f")}, kCatalog, "SyntaxError"};
-  int calls = 0;
-  const MessageListener outer([&calls](const BaseMsgID&, const ustring&) { ++calls; });
-  {
-    const MessageListener inner([&](const BaseMsgID&, const ustring&) {
-      textOf(message);  // the outer one receives this, the inner one does not
-      throw std::runtime_error("enough");
-    });
-    EXPECT_THROW(textOf(message), std::runtime_error);
-    EXPECT_THROW(textOf(message), std::runtime_error);
-    EXPECT_EQ(calls, 2);
-  }
-  textOf(message);
-  EXPECT_EQ(calls, 3);
 }
 
 TEST(TerminateDeathTest, CallsTheHandlerThenEndsTheProcess) {

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "platform/failure/Exception.h"
-#include "platform/messages/MessageListener.h"
 #include "platform/paths/Overlay.h"
 #include "platform/paths/PathDispatcher.h"
 #include "platform/text/Conversions.h"
@@ -33,13 +32,12 @@ Outcome updateMixer(std::string_view source) {
   const std::string& root = PathDispatcher::getDispatcher().classPath().front();
   const fl::filesystem::OverlayScope overlay(root + "/Mixer.vlm", fl::i18n::to_ustring(source));
   Outcome outcome;
-  const fl::i18n::MessageListener listener(
-      [&outcome](const resource_core::BaseMsgID& message, const fl::ustring&) {
-        outcome.ids.push_back(message.id);
-      });
   try {
     const std::vector<PlannedClass> plan = planUpdate(u"Mixer", allFamilies, false);
     outcome.text = fl::i18n::to_string(plan.front().text());
+    for (const RuleFinding& finding : plan.front().findings) {
+      outcome.ids.push_back(finding.message.id);
+    }
     if (plan.front().missingDelimiter) outcome.ids.emplace_back("soca:DelimiterNotFound");
   } catch (const foundation::core::except::IMsgIDException& failure) {
     outcome.ids.push_back(failure.GetBaseMsgIDObj().id);
