@@ -9,6 +9,7 @@
 #include "bench/Dice.h"
 #include "conversions/Checks.h"
 #include "conversions/ClassMembers.h"
+#include "conversions/ConversionEdits.h"
 #include "fuzz/KnownCauses.h"
 #include "fuzz/Violation.h"
 #include "model/PropertiesBlock.h"
@@ -72,18 +73,55 @@ std::vector<std::string> plainIds(const PlannedClass& planned) {
   return ids;
 }
 
+// For each conversion its index in the next plan: that of the same id, or else of the first one
+// with the same id but for its number, because numbers change when declarations are deleted.
+std::vector<std::optional<std::size_t>> findAgain(const PlannedClass& planned,
+                                                  const PlannedClass& next) {
+  const auto ids = makeConversionIds(*planned.analysis, planned.conversions);
+  const auto found = makeConversionIds(*next.analysis, next.conversions);
+  std::vector<std::optional<std::size_t>> indices;
+  for (const fl::ustring& id : ids) {
+    auto place = std::ranges::find(found, id);
+    if (place == found.end()) place = std::ranges::find(found, plainId(id), plainId);
+    std::optional<std::size_t>& index = indices.emplace_back();
+    if (place != found.end()) index = static_cast<std::size_t>(place - found.begin());
+  }
+  return indices;
+}
+
 fl::ustring_view nameOf(const RuleConversion& conversion) {
   if (conversion.method != nullptr) return conversion.method->name->text.view();
   if (conversion.property != nullptr) return conversion.property->name->text.view();
   return {};
 }
 
+// The members that a text declares: first the properties, then the methods, each with its text from
+// its first to its last token.
+struct MemberTexts {
+  explicit MemberTexts(const ca::AnalysisResult& analysis) {
+    const auto add = [&](const auto& each) {
+      texts.emplace_back(analysis.nodeTextView(*each.node));
+    };
+    std::ranges::for_each(declaredProperties(analysis), add);
+    propertyCount = texts.size();
+    std::ranges::for_each(declaredMethods(analysis), add);
+  }
+
+  friend bool operator==(const MemberTexts&, const MemberTexts&) = default;
+
+  std::vector<fl::ustring> texts;
+  std::size_t propertyCount = 0;
+};
+
 // Checks one subset of the conversions of a class.
 class SubsetCheck {
  public:
-  SubsetCheck(const PlannedClass& whole, const std::vector<bool>& made)
+  // `all` has the members after all conversions; null if these cannot be made, or not without
+  // faults.
+  SubsetCheck(const PlannedClass& whole, const std::vector<bool>& made, const MemberTexts* all)
       : whole_(whole),
         made_(made),
+        all_(all),
         subset_(attempt([&] { return planConversions(whole, made); })) {}
 
   void run() {
@@ -105,6 +143,14 @@ class SubsetCheck {
     checkRest();
   }
 
+  // The members of the new text; empty if there is none, or if it has faults.
+  std::optional<MemberTexts> members() const {
+    if (!subset_.planned) return std::nullopt;
+    const auto updated = ca::analyzeText(fl::ustring(subset_.planned->text()));
+    if (NewTextCheck(*subset_.planned).findReasonToRefuse(*updated)) return std::nullopt;
+    return MemberTexts(*updated);
+  }
+
   const Attempt& attempted() const { return subset_; }
 
  private:
@@ -116,16 +162,20 @@ class SubsetCheck {
     return false;
   }
 
+  bool isFreedByAll(fl::ustring_view name) const {
+    return std::ranges::any_of(whole_.conversions, [&](const RuleConversion& each) {
+      return each.companion != nullptr && each.companion->name->text.view() == name;
+    });
+  }
+
   // Whether there are conversions with the companion of that name, and all of them are made.
   bool isFreed(fl::ustring_view name) const {
-    bool isUsed = false;
     for (std::size_t i = 0; i < made_.size(); ++i) {
       const auto* companion = whole_.conversions[i].companion;
       if (companion == nullptr || companion->name->text.view() != name) continue;
       if (!made_[i]) return false;
-      isUsed = true;
     }
-    return isUsed;
+    return isFreedByAll(name);
   }
 
   void checkOwners() const {
@@ -149,49 +199,71 @@ class SubsetCheck {
 
   // --- the members of the new text ---
 
-  bool isChanged(const DeclaredProperty& property) const {
-    return anyMade([&](const RuleConversion& conversion) {
-      if (conversion.kind == ConversionKindType::stringSet) {
-        return conversion.property == property.node;
-      }
-      return conversion.block != nullptr &&
-             std::ranges::find(conversion.block->members, property.node) !=
-                 conversion.block->members.end();
-    });
-  }
-
-  void checkProperties(const ca::AnalysisResult& updated) const {
-    auto expected = declaredProperties(*whole_.analysis);
-    std::erase_if(expected,
-                  [&](const DeclaredProperty& property) { return isFreed(property.name); });
-    const auto found = declaredProperties(updated);
-    require(
-        std::ranges::equal(found, expected, {}, &DeclaredProperty::name, &DeclaredProperty::name),
-        "the properties are not those expected");
-    for (std::size_t i = 0; i < found.size(); ++i) {
-      require(isChanged(expected[i]) ||
-                  textOf(updated, *found[i].node) == textOf(*whole_.analysis, *expected[i].node),
-              "property '{}' changes", to_string(found[i].name));
+  static bool isAbout(const RuleConversion& conversion, const DeclaredProperty& property) {
+    if (conversion.kind == ConversionKindType::stringSet) {
+      return conversion.property == property.node;
     }
+    return conversion.block != nullptr &&
+           std::ranges::find(conversion.block->members, property.node) !=
+               conversion.block->members.end();
   }
 
+  // The number of conversions that change the property, and of those that are made.
+  std::pair<std::size_t, std::size_t> countConversions(const DeclaredProperty& property) const {
+    std::pair<std::size_t, std::size_t> counts;
+    for (std::size_t i = 0; i < made_.size(); ++i) {
+      if (!isAbout(whole_.conversions[i], property)) continue;
+      ++counts.first;
+      if (made_[i]) ++counts.second;
+    }
+    return counts;
+  }
+
+  // A declaration without conversions that are made keeps its text; with all of its conversions it
+  // has the text that it has in the whole.
+  void checkProperties(const ca::AnalysisResult& updated) const {
+    const auto found = declaredProperties(updated);
+    auto next = found.begin();
+    std::size_t inAll = 0;
+    for (const DeclaredProperty& property : declaredProperties(*whole_.analysis)) {
+      const bool staysInAll = !isFreedByAll(property.name);
+      const std::size_t number = staysInAll ? inAll++ : 0;
+      if (isFreed(property.name)) continue;
+      const std::string name = to_string(property.name);
+      require(next != found.end() && next->name == property.name, "property '{}' is gone", name);
+      const fl::ustring_view text = textOf(updated, *next++->node);
+      const auto [count, madeCount] = countConversions(property);
+      require(madeCount > 0 || text == textOf(*whole_.analysis, *property.node),
+              "property '{}' changes", name);
+      if (all_ == nullptr || madeCount != count || !staysInAll) continue;
+      require(text == all_->texts.at(number), "property '{}' is not that of the whole", name);
+    }
+    require(next == found.end(), "there are more properties than before");
+  }
+
+  // The same for the methods, each of which has at most one conversion.
   void checkMethods(const ca::AnalysisResult& updated) const {
     const auto found = declaredMethods(updated);
     auto next = found.begin();
+    std::size_t inAll = 0;
     for (const DeclaredMethod& method : declaredMethods(*whole_.analysis)) {
       const auto place =
           std::ranges::find(whole_.conversions, method.node, &RuleConversion::method);
-      const bool isMade = place != whole_.conversions.end() &&
-                          made_[static_cast<std::size_t>(place - whole_.conversions.begin())];
-      if (isMade && place->newName.empty()) continue;
-      require(next != found.end(), "method '{}' is gone", to_string(method.name));
-      if (isMade) {
-        require(next->name == place->newName, "method '{}' keeps its name", to_string(method.name));
-      } else {
-        require(textOf(updated, *next->node) == textOf(*whole_.analysis, *method.node),
-                "method '{}' changes", to_string(method.name));
-      }
-      ++next;
+      const bool isKnown = place != whole_.conversions.end();
+      const bool isMade =
+          isKnown && made_[static_cast<std::size_t>(place - whole_.conversions.begin())];
+      const bool isDeletion = isKnown && place->newName.empty();
+      const std::size_t number = isDeletion ? 0 : inAll++;
+      if (isMade && isDeletion) continue;
+      const std::string name = to_string(method.name);
+      require(next != found.end(), "method '{}' is gone", name);
+      require(!isMade || next->name == place->newName, "method '{}' keeps its name", name);
+      const fl::ustring_view text = textOf(updated, *next++->node);
+      require(isMade || text == textOf(*whole_.analysis, *method.node), "method '{}' changes",
+              name);
+      if (all_ == nullptr || !isMade) continue;
+      require(text == all_->texts.at(all_->propertyCount + number),
+              "method '{}' is not that of the whole", name);
     }
     require(next == found.end(), "there are more methods than before");
   }
@@ -240,18 +312,37 @@ class SubsetCheck {
            std::ranges::any_of(next.conversions, isFreed);
   }
 
-  // The next update finds the conversions that were not made.
+  // Whether a companion stays although a conversion with it is made. The next update finds that
+  // conversion again.
+  bool sharesCompanion() const {
+    return anyMade([&](const RuleConversion& each) {
+      return each.companion != nullptr && !isFreed(each.companion->name->text.view());
+    });
+  }
+
+  // The next update finds the conversions that were not made. With these the class has the members
+  // of the whole.
   void checkRest() const {
     const fl::filesystem::OverlayScope overlay(to_string(whole_.result.fileName),
                                                fl::ustring(subset_.planned->text()));
     const PlannedClass next = planActions(whole_.result.className, whole_.mask, false).front();
-    const auto found = plainIds(next);
-    const auto ids = plainIds(whole_);
+    const auto again = findAgain(whole_, next);
+    std::vector<bool> rest(next.conversions.size());
+    bool isWhole = all_ != nullptr && !sharesCompanion();
     for (std::size_t i = 0; i < made_.size(); ++i) {
-      const bool isFound = std::ranges::find(found, ids[i]) != found.end();
-      require(made_[i] || isFound || isKnown(whole_.conversions[i], next),
-              "'{}' was not made and is not found again", ids[i]);
+      if (made_[i]) continue;
+      require(again[i].has_value() || isKnown(whole_.conversions[i], next),
+              "'{}' was not made and is not found again", plainIds(whole_)[i]);
+      isWhole = isWhole && again[i].has_value();
+      if (again[i]) rest[*again[i]] = true;
     }
+    if (!isWhole) return;
+    const auto members = SubsetCheck(next, rest, nullptr).members();
+    require(members.has_value(), "the rest cannot be made afterwards");
+    const auto [member, inAll] = std::ranges::mismatch(members->texts, all_->texts);
+    require(*members == *all_, "the rest gives other members than the whole: '{}', not '{}'",
+            member == members->texts.end() ? "" : to_string(*member),
+            inAll == all_->texts.end() ? "" : to_string(*inAll));
   }
 
   static fl::ustring_view textOf(const ca::AnalysisResult& analysis, const Node& node) {
@@ -260,17 +351,19 @@ class SubsetCheck {
 
   const PlannedClass& whole_;
   const std::vector<bool>& made_;
+  const MemberTexts* all_;
   Attempt subset_;
 };
 
-void checkAll(const PlannedClass& whole) {
+// Returns the members after all conversions.
+std::optional<MemberTexts> checkAll(const PlannedClass& whole) {
   const std::vector<bool> made(whole.conversions.size(), true);
-  SubsetCheck check(whole, made);
+  SubsetCheck check(whole, made, nullptr);
   const Attempt update = attempt(
       [&] { return std::move(planUpdate(whole.result.className, whole.mask, false).front()); });
   require(check.attempted().failure == update.failure, "all conversions fail with '{}', not '{}'",
           check.attempted().failure, update.failure);
-  if (!update.planned) return;
+  if (!update.planned) return std::nullopt;
   const PlannedClass& all = *check.attempted().planned;
   require(all.text() == update.planned->text(), "all conversions give another text");
   require(all.result.messages == update.planned->result.messages, "other messages");
@@ -279,6 +372,7 @@ void checkAll(const PlannedClass& whole) {
           "all conversions give other actions");
   require(all.owners == update.planned->owners, "all conversions give other owners");
   check.run();
+  return check.members();
 }
 
 void checkNone(const PlannedClass& whole) {
@@ -297,22 +391,54 @@ void checkIds(const PlannedClass& whole) {
 
 // All subsets of a few conversions; of more, each alone, all but each, and random ones.
 std::vector<std::vector<bool>> subsetsOf(std::size_t count) {
-  constexpr std::size_t few = 3;
+  constexpr std::size_t few = 4;
   constexpr std::size_t mostAlone = 6;
+  constexpr std::size_t randomOnes = 20;
   std::vector<std::vector<bool>> subsets;
   for (std::size_t bits = 0; count <= few && bits < std::size_t{1} << count; ++bits) {
     std::vector<bool>& made = subsets.emplace_back(count);
     for (std::size_t i = 0; i < count; ++i) made[i] = (bits >> i & 1U) != 0;
   }
   if (count <= few) return subsets;
-  bench::Dice dice(count);
   for (std::size_t i = 0; i < std::min(count, mostAlone); ++i) {
     subsets.emplace_back(count)[i] = true;
     subsets.emplace_back(count, true)[i] = false;
+  }
+  bench::Dice dice(count);
+  for (std::size_t i = 0; i < randomOnes; ++i) {
     std::vector<bool>& made = subsets.emplace_back(count);
     for (std::size_t each = 0; each < count; ++each) made[each] = dice.once(2);
   }
   return subsets;
+}
+
+std::string applyAll(const std::vector<FileEdit>& edits, const std::string& text) {
+  std::string newText;
+  std::size_t position = 0;
+  for (const FileEdit& edit : edits) {
+    newText += text.substr(position, edit.offset - position) + edit.text;
+    position = edit.offset + edit.length;
+  }
+  return newText + text.substr(position);
+}
+
+// The edits of each conversion give the text with only this one.
+void checkEditsOfEach(const PlannedClass& whole) {
+  const Attempt update = attempt([&] {
+    return std::move(
+        planUpdate(whole.result.className, whole.mask, false, {.keepLines = true}).front());
+  });
+  if (!update.planned || update.planned->newText == nullptr) return;
+  auto conversions = describeConversions(*update.planned);
+  findEditsOfEach(*update.planned, fl::EncodingType::utf8, conversions);
+  for (std::size_t i = 0; i < conversions.size(); ++i) {
+    std::vector<bool> made(conversions.size());
+    made[i] = true;
+    const Attempt alone = attempt([&] { return planConversions(whole, made); });
+    const std::string expected = to_string(alone.planned ? alone.planned->text() : *whole.oldText);
+    const std::string edited = applyAll(conversions[i].edits, to_string(*whole.oldText));
+    require(edited == expected, "the edits of '{}' give another text", conversions[i].id);
+  }
 }
 
 }  // namespace
@@ -325,15 +451,16 @@ void checkConversions(const fl::ustring& className) {
     return;
   }
   checkIds(*whole);
-  checkAll(*whole);
+  const auto all = checkAll(*whole);
   checkNone(*whole);
+  checkEditsOfEach(*whole);
   for (const std::vector<bool>& made : subsetsOf(whole->conversions.size())) {
     try {
-      SubsetCheck(*whole, made).run();
+      SubsetCheck(*whole, made, all ? &*all : nullptr).run();
     } catch (const Violation& violation) {
       std::string ids;
-      const auto all = plainIds(*whole);
-      for (std::size_t i = 0; i < made.size(); ++i) ids += made[i] ? all[i] + ' ' : "";
+      const auto plain = plainIds(*whole);
+      for (std::size_t i = 0; i < made.size(); ++i) ids += made[i] ? plain[i] + ' ' : "";
       throw Violation(fmt::format("with {}made: {}", ids, violation.what()));
     }
   }

@@ -8,15 +8,17 @@
 namespace soca::fuzz {
 
 // Makes subsets of the conversions that all families find in the class: all and none, all subsets
-// of a few, and some of many. Throws a Violation unless:
+// of a few, and 20 random ones of many. Throws a Violation unless:
 // - with all conversions, the actions, the text and the messages, or the failure, are those of the
 //   update; with none, the text does not change;
 // - each action belongs only to conversions that are made, and so does each finding that belongs to
 //   one;
 // - a new text has no syntax errors and exactly the expected members, unless there is a known
 //   cause;
-// - only members of conversions that are made change, and the next update finds the other
-//   conversions.
+// - only members of conversions that are made change, and those are as with all conversions;
+// - the next update finds the other conversions, and with these the members are as with all, except
+//   where a companion stays for another property;
+// - the edits of each conversion give the text with only this one.
 void checkConversions(const fl::ustring& className);
 
 }  // namespace soca::fuzz
