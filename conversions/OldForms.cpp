@@ -8,6 +8,7 @@
 #include "platform/analyzer/FileAnalysis.h"
 #include "platform/analyzer/tree/Ast.h"
 #include "platform/paths/Overlay.h"
+#include "platform/paths/SourceReader.h"
 #include "platform/text/Conversions.h"
 #include "platform/text/UString.h"
 #include "service/UpdatePlan.h"
@@ -42,6 +43,8 @@ bool hasOldForms(const std::string& className, const std::string& path, UpdateMa
     return std::ranges::any_of(planned, [](const PlannedClass& each) {
       return !each.result.messages.empty() || std::ranges::any_of(each.conversions, isOldForm);
     });
+  } catch (const fl::filesystem::ReadError&) {
+    throw;
   } catch (const std::exception&) {
     // Whatever is wrong with the file.
     return false;

@@ -18,6 +18,7 @@
 #include "platform/paths/FileView.h"
 #include "platform/runtime/ClassDescription.h"
 #include "reports/formats/ClassTableText.h"
+#include "reports/outcomes/Failures.h"
 #include "reports/outcomes/Outcome.h"
 #include "reports/text/FileNames.h"
 
@@ -44,13 +45,20 @@ Needs needsOf(const Target& target) {
   if (target.type == Target::Type::unreadable) {
     needs.failure = fmt::format("the folder '{}' can't be read: {}", target.path, target.reason);
   }
-  if (target.type != Target::Type::aClass) return needs;
-  if (target.isNamed && sotarn::describeClass(target.className) == nullptr) {
-    needs.failure = fmt::format("there is no class '{}'", target.className);
-    return needs;
+  if (target.type == Target::Type::undecided) {
+    needs.failure = describeUnreadable({target.path, target.reason}).message;
   }
-  needs.missing = Ancestry(target.className).unknown();
-  needs.outcome.addSuperClasses(target.className, target.path);
+  if (target.type != Target::Type::aClass) return needs;
+  try {
+    if (target.isNamed && sotarn::describeClass(target.className) == nullptr) {
+      needs.failure = fmt::format("there is no class '{}'", target.className);
+      return needs;
+    }
+    needs.missing = Ancestry(target.className).unknown();
+    needs.outcome.addSuperClasses(target.className, target.path);
+  } catch (const fl::filesystem::ReadError& error) {
+    needs.failure = describeUnreadable(error).message;
+  }
   return needs;
 }
 

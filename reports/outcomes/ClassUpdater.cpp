@@ -111,14 +111,9 @@ bool isAboutItself(const Failure& failure, const Target& target) {
 }
 
 // Empty for a class without a source file.
-// Empty also if its file cannot be read.
 std::string sourcePathOf(const Target& target) {
-  try {
-    const auto description = sotarn::describeClass(target.className);
-    return description == nullptr ? std::string() : description->sourcePath;
-  } catch (const fl::filesystem::ReadError&) {
-    return {};
-  }
+  const auto description = sotarn::describeClass(target.className);
+  return description == nullptr ? std::string() : description->sourcePath;
 }
 
 // An undecided class: the reason in place of the service's text.
@@ -128,7 +123,7 @@ Failure describeUndecided(Failure failure, const std::string& path) {
   failure.path = path;
   try {
     failure.place = placeInSuperClassList(*ca::analyzeFile(path), failure.missing.front().name);
-  } catch (const ca::InvalidAnalysisException&) {
+  } catch (const fl::filesystem::ReadError&) {
     // The file changed meanwhile.
   }
   return failure;
@@ -160,8 +155,9 @@ TargetOutcome ClassUpdater::update(const Target& target) const {
   TargetOutcome outcome;
   SingleUpdate single = updateAlone(target.className);
   if (single.outcome) outcome.classes.push_back(std::move(*single.outcome));
-  if (single.failure) addFailure(target, std::move(*single.failure), outcome);
-  if (!request_.asService) outcome.addSuperClasses(target.className, target.path);
+  std::vector<Failure> failures;
+  if (single.failure) failures.push_back(std::move(*single.failure));
+  complete(target, std::move(failures), outcome);
   return outcome;
 }
 
@@ -170,11 +166,19 @@ TargetOutcome ClassUpdater::update(const Target& target, SharedUpdates& shared) 
   TargetOutcome outcome;
   outcome.sharedClass = target.className;
   shared.update(target.className);
-  for (Failure& failure : shared.failuresOf(target.className)) {
-    addFailure(target, std::move(failure), outcome);
-  }
-  if (!request_.asService) outcome.addSuperClasses(target.className, target.path);
+  complete(target, shared.failuresOf(target.className), outcome);
   return outcome;
+}
+
+void ClassUpdater::complete(const Target& target, std::vector<Failure> failures,
+                            TargetOutcome& outcome) const {
+  try {
+    for (Failure& failure : failures) addFailure(target, std::move(failure), outcome);
+    if (!request_.asService) outcome.addSuperClasses(target.className, target.path);
+  } catch (const fl::filesystem::ReadError& error) {
+    outcome = {};
+    addFailureOf(target, describeUnreadable(error), outcome);
+  }
 }
 
 SingleUpdate ClassUpdater::updateAlone(const std::string& className) const {

@@ -63,6 +63,9 @@ class ClassUpdater {
  private:
   // Sets the outcome, or a failure that concerns the class alone.
   void finishPlan(PlannedClass& planned, SingleUpdate& single) const;
+  // Adds the failures, and what else depends on the target. If a file cannot be read for that, the
+  // outcome is that failure alone.
+  void complete(const Target& target, std::vector<Failure> failures, TargetOutcome& outcome) const;
   void addFailure(const Target& target, Failure failure, TargetOutcome& outcome) const;
   WordsType words() const { return request_.asService ? WordsType::service : WordsType::program; }
   bool isUndecided(const Failure& failure, const std::string& path) const;

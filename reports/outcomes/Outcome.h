@@ -120,11 +120,7 @@ struct TargetOutcome {
   // Sets these two for a class; `path` is that of the target, empty for a class name.
   void addSuperClasses(const std::string& className, const std::string& path) {
     if (path.empty()) return;
-    try {
-      superClasses = findDirectSuperClasses(className);
-    } catch (const fl::filesystem::ReadError&) {
-      // The failure of the class says so.
-    }
+    superClasses = findDirectSuperClasses(className);
     if (superClasses.missing.empty()) return;
     folder = path.substr(0, std::max<std::size_t>(path.rfind('/'), 1));
   }
