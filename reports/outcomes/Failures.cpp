@@ -77,7 +77,8 @@ Failure describeUnreadable(const fl::filesystem::ReadError& error) {
       {error.path()}, "VELUM:system:Analyzer", "CodeAnalyzerError"};
   Failure failure;
   failure.id = message.catalog + ':' + message.id;
-  failure.message = fl::i18n::to_string(fl::i18n::MessageCatalog::get_message(message, fl::i18n::Locale::global()));
+  failure.message = fl::i18n::to_string(
+      fl::i18n::MessageCatalog::get_message(message, fl::i18n::Locale::global()));
   failure.argument = error.path();
   failure.hints = {error.what()};
   return failure;
