@@ -154,6 +154,10 @@ void update(const Options& options, const CaseFolder& folder, const Case& testCa
   std::string failure = failureOf(
       [&] { planned = planUpdate(options.className, options.mask, options.includeSuperclasses); });
   const std::string missing = describeMissing(planned);
+  if (planned.size() == 1) {
+    EXPECT_EQ(repeatUpdate(options.className, options.mask).changesAgain,
+              !missing.empty() || planned.front().text() != *planned.front().oldText);
+  }
   if (!missing.empty()) {
     outcome.sections["missing-delimiter"] = missing;
     return;

@@ -203,6 +203,7 @@ TEST(Update, ColorsAreForTerminalsOrOnRequest) {
   const std::vector<Case> table = {
       {{}, {}, false},
       {{}, {"--color=never", "--color", "always"}, true},
+      {{"FORCE_COLOR=1"}, {"--", "--color=never", "A", "B"}, true},
       {{"FORCE_COLOR=1", "TERM=dumb"}, {}, true},
       {{"FORCE_COLOR=1", "NO_COLOR="}, {}, true},
       {{"FORCE_COLOR=1", "NO_COLOR=0"}, {}, false},
@@ -221,7 +222,7 @@ TEST(Update, ColorsAreForTerminalsOrOnRequest) {
     EXPECT_EQ(result.err.find("\x1b[1;31msoca:\x1b[m VELUM") != std::string::npos, hasColor);
     EXPECT_EQ(result.err.find("B.vlm:3:11: \x1b[1;31merror:") != std::string::npos, hasColor);
     // The same for a command line that is not valid.
-    command.emplace_back("--frob");
+    command.insert(command.end() - static_cast<std::ptrdiff_t>(options.size()), "--frob");
     const bool complainsInColor = space.run(command).err.starts_with("\x1b[1;31msoca:\x1b[m '");
     EXPECT_EQ(complainsInColor, hasColor) << command[5];
   }

@@ -122,7 +122,11 @@ std::vector<std::string> fingerprintsOf(const json& run) {
 
 TEST(Sarif, FingerprintsStayWhenLinesMove) {
   const Workspace space;
-  const std::string text = outdatedClass("C") + "% isInputSizeLockedImpl\n";
+  std::string text = outdatedClass("C") + "% isInputSizeLockedImpl\n";
+  // Two findings that differ only in their places.
+  text.insert(text.find("    properties (Hidden)"),
+              "    properties (Logical)\n        X\n    end\n"
+              "    properties (Logical)\n        X\n    end\n");
   space.write("C.vlm", text);
   const auto before = logOf(space);
   auto fingerprints = fingerprintsOf(before);
@@ -134,7 +138,10 @@ TEST(Sarif, FingerprintsStayWhenLinesMove) {
   EXPECT_NE(after.at("results"), before.at("results"));
   std::ranges::sort(fingerprints);
   EXPECT_EQ(std::ranges::unique(fingerprints).size(), 0U);
-  EXPECT_EQ(fingerprints.size(), 4U);
+  EXPECT_EQ(fingerprints.size(), 6U);
+  const auto checked = logOf(space, {"--check"});
+  EXPECT_EQ(checked.at("invocations").at(0).at("executionSuccessful"), true);
+  EXPECT_EQ(checked.at("invocations").at(0).at("exitCode"), 1);
 }
 
 TEST(Sarif, ReportsFailuresAndIsTheSameForAnyNumberOfJobs) {
