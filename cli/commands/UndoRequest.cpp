@@ -61,6 +61,10 @@ UndoRequest::UndoRequest(const Options& options) : currentFolder_(resolveLinks("
     if (!limit.empty()) throw UsageError("'undo' takes one file or folder at a time");
     limit = *path;
   }
+  // Every path is in a folder without a name: the last run anywhere would be undone.
+  if (!run && limit.empty() && currentFolder_.empty()) {
+    throw UsageError("the current folder does not exist any more");
+  }
 }
 
 std::optional<RunNumber> UndoRequest::findRun(const RunStore& store) const {

@@ -169,6 +169,8 @@ TEST_F(UndoInFolders, TakesTheLastRunThere) {
        "no run that is known has changed a file in '" + here + "/other'; run 2 changed files in '" +
            here + "/two', run 1 in '" + here + "/one'; give the number",
        ""},
+      {"a folder that was deleted", "other && mkdir ../gone && cd ../gone && rmdir ../gone", "undo",
+       "soca: the current folder does not exist any more\n", ""},
       {"no file of the run there", "other", "undo 2 ../one",
        "run 2 changed no file in '" + here + "/one', but some in '" + here + "/two'", ""},
       {"a dry run", "one", "undo --dry-run", "run 1: 2 files would be as they were before\n", ""},
