@@ -2,6 +2,8 @@
 
 #include <fmt/core.h>
 
+#include "platform/text/ShellText.h"
+
 namespace soca {
 
 std::string describeSuggestion(const SuggestedRoots& suggestion, const FileNames& names,
@@ -17,7 +19,8 @@ std::string describeSuggestion(const SuggestedRoots& suggestion, const FileNames
                   holders, suggestion.holders.size() == 1 ? "is no root" : "are no roots");
   if (!isWrong) return text;
   std::string options;
-  for (const std::string& root : suggestion.roots) options += " -p " + names.typed(root);
+  for (const std::string& root : suggestion.roots)
+    options += " -p " + fl::makeShellWord(names.typed(root));
   return text + fmt::format("; did you mean `{}`?", options.substr(1));
 }
 

@@ -56,16 +56,4 @@ std::vector<std::string_view> commandsOf(const OptionRow& row) {
   return names;
 }
 
-std::string quoteForShell(std::string_view text) {
-  std::string quoted = "'";
-  for (const char character : text) {
-    if (character == '\'') {
-      quoted += "'\\''";
-    } else {
-      quoted += character;
-    }
-  }
-  return quoted + '\'';
-}
-
 }  // namespace soca::cli

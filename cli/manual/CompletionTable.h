@@ -24,7 +24,4 @@ std::vector<std::string_view> completedIds();
 // The names of the commands that have the option.
 std::vector<std::string_view> commandsOf(const OptionRow& row);
 
-// `text` in single quotes, valid in all of the shells.
-std::string quoteForShell(std::string_view text);
-
 }  // namespace soca::cli

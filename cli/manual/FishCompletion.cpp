@@ -2,6 +2,7 @@
 
 #include "cli/manual/CompletionTable.h"
 #include "cli/manual/Completions.h"
+#include "platform/text/ShellText.h"
 
 namespace soca::cli {
 namespace {
@@ -82,7 +83,7 @@ std::string fishCompletion() {
   std::string text(helpers);
   constexpr std::string_view atStart = "complete -c soca -n __fish_use_subcommand";
   for (const CommandRow& row : commandRows()) {
-    text += fmt::format("{} -a {} -d {}\n", atStart, row.name, quoteForShell(row.summary));
+    text += fmt::format("{} -a {} -d {}\n", atStart, row.name, fl::quoteForShell(row.summary));
   }
   text += fmt::format("{} -l help\n{} -l version\n", atStart, atStart);
   for (const CommandRow& row : commandRows()) {
@@ -96,7 +97,7 @@ std::string fishCompletion() {
       const bool isLong = name.starts_with("--");
       text += fmt::format(" -{} {}", isLong ? 'l' : 's', name.substr(isLong ? 2 : 1));
     }
-    text += fmt::format("{} -d {}\n", valueFlags(row), quoteForShell(row.text));
+    text += fmt::format("{} -d {}\n", valueFlags(row), fl::quoteForShell(row.text));
   }
   return text;
 }

@@ -2,6 +2,7 @@
 
 #include "cli/manual/CompletionTable.h"
 #include "cli/manual/Completions.h"
+#include "platform/text/ShellText.h"
 
 namespace soca::cli {
 namespace {
@@ -80,7 +81,7 @@ std::string optionSpecs(const OptionRow& row) {
     const bool takesEquals = !row.value.empty() && name.starts_with("--");
     const auto entry = fmt::format("{}{}{}[{}]{}", front, name, takesEquals ? "=" : "",
                                    bracketed(row.text), valueAction(row));
-    text += fmt::format("        {} \\\n", quoteForShell(entry));
+    text += fmt::format("        {} \\\n", fl::quoteForShell(entry));
   }
   return text;
 }
@@ -106,7 +107,7 @@ std::string zshCompletion() {
   std::string text(helpers);
   text += "_soca() {\n  setopt local_options extended_glob\n  local -a commands=(\n";
   for (const CommandRow& row : commandRows()) {
-    text += fmt::format("    {}\n", quoteForShell(fmt::format("{}:{}", row.name, row.summary)));
+    text += fmt::format("    {}\n", fl::quoteForShell(fmt::format("{}:{}", row.name, row.summary)));
   }
   text +=
       "  )\n  if ((CURRENT == 2)); then\n"

@@ -13,6 +13,7 @@
 #include "files/targets/NearestName.h"
 #include "platform/text/Conversions.h"
 #include "platform/text/FileText.h"
+#include "platform/text/ShellText.h"
 
 namespace soca {
 namespace {
@@ -167,7 +168,7 @@ std::string suggestRoot(std::string_view path) {
     const std::string_view name = root.substr(end == std::string_view::npos ? 0 : end + 1);
     if (name == "." || name == "..") return {};
     if (name.empty() || isIdentifierName(name) || stemOfClassFile(name)) continue;
-    return fmt::format("; did you mean `-p {}`?", root);
+    return fmt::format("; did you mean `-p {}`?", fl::makeShellWord(root));
   }
   return {};
 }

@@ -278,6 +278,7 @@ TEST(BadInput, WhatIsNoClassIsPassedOverOrNamed) {
   space.write("files/script.vlm", "x = 1;\n");
   space.write("my-src/lib/M.vlm", outdatedClass("M"));
   space.write("outer/my-src/lib/M.vlm", outdatedClass("M"));
+  space.write("my src/lib/M.vlm", outdatedClass("M"));
   space.write("src/dsp/Fir.vlm", outdatedClass("Fir"));
   space.write("notes.md", "");
   std::filesystem::create_directories(space.path() / "empty");
@@ -297,6 +298,7 @@ TEST(BadInput, WhatIsNoClassIsPassedOverOrNamed) {
       {"one folder of two", {"plain", "a"}, 0, "!is a System object"},
       {"the service knows of no such thing", {"--as-service", "empty"}, 0, "!there is no"},
       {"a folder whose name is no identifier", {"my-src"}, 2, "did you mean `-p my-src`?\n"},
+      {"one with a blank", {"my src"}, 2, "did you mean `-p 'my src'`?\n"},
       {"one in a folder",
        {"-p", "outer", "outer"},
        2,
