@@ -19,7 +19,7 @@ DirectSuperClasses findDirectSuperClasses(std::string_view className) {
       direct.missing.push_back(super);
     } else if (known->origin == ClassOriginType::source ||
                known->origin == ClassOriginType::pFileOnly) {
-      direct.hasOnPath = true;
+      direct.onPath.push_back(super);
     }
   }
   return direct;

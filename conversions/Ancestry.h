@@ -13,8 +13,7 @@ namespace soca {
 // What was found of the superclasses that a class itself names, the environment's own aside.
 struct DirectSuperClasses {
   std::vector<std::string> missing;
-  // Whether the class path has any of them.
-  bool hasOnPath = false;
+  std::vector<std::string> onPath;
 };
 
 DirectSuperClasses findDirectSuperClasses(std::string_view className);

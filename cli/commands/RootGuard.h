@@ -25,16 +25,20 @@ class RootGuard {
       : options_(options), names_(names), search_(roots, named) {}
 
   void take(const TargetOutcome& outcome) {
-    if (outcome.superClasses.hasOnPath) search_.addFound();
+    for (const std::string& found : outcome.superClasses.onPath) search_.addFound(found);
     for (const std::string& missing : outcome.superClasses.missing) {
       search_.addMissing(missing, outcome.folder);
     }
   }
-  // To be called after the last outcome.
-  void look() { suggestion_ = search_.find(); }
+  // To be called after the last outcome. A run that has nothing to convert, and failed nowhere, is
+  // not stopped.
+  void look(bool hasNothingToDo) {
+    suggestion_ = search_.find();
+    isHarmless_ = hasNothingToDo;
+  }
 
   bool stopsTheRun() const {
-    return suggestion_ && suggestion_->isForAll && options_->roots.empty();
+    return suggestion_ && suggestion_->isWrong && !isHarmless_ && options_->roots.empty();
   }
   // Passes the suggestion to the report if it stops the run.
   void report(UpdateReport& report) const {
@@ -56,6 +60,7 @@ class RootGuard {
   const FileNames* names_;
   RootSearch search_;
   std::optional<SuggestedRoots> suggestion_;
+  bool isHarmless_ = false;
 };
 
 }  // namespace soca::cli

@@ -3,6 +3,7 @@
 #include <fmt/core.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -94,7 +95,7 @@ class StandardInputRun {
     const TargetOutcome outcome =
         ClassUpdater(&roots, &names_, requestOf(options_, reportOptions_, file)).update(target_);
     guard_.take(outcome);
-    guard_.look();
+    guard_.look(hasNothingToDo(outcome));
     for (const ClassOutcome& each : outcome.classes) print(each, bytes);
     for (const Failure& failure : outcome.failures) report_->addFailure(failure);
     if (outcome.undecided) report_->addUndecided(*outcome.undecided);
@@ -108,6 +109,14 @@ class StandardInputRun {
   }
 
  private:
+  static bool hasNothingToDo(const TargetOutcome& outcome) {
+    const auto isDone = [](const ClassOutcome& each) {
+      return !each.update.hasNewText() && !each.update.isRefused();
+    };
+    return !outcome.classes.empty() && outcome.failures.empty() &&
+           std::ranges::all_of(outcome.classes, isDone);
+  }
+
   void print(const ClassOutcome& outcome, const std::string& oldBytes) {
     report_->printNotes(outcome);
     if (outcome.update.isRefused()) exitCode_ = ExitCodeType::failed;

@@ -75,7 +75,7 @@ class UnresolvedRun {
   ExitCodeType run() {
     collect();
     if (wasInterrupted()) return interruptExitCode();
-    guard_.look();
+    guard_.look(false);
     if (options_->format->isForPeople) {
       printList();
     } else {

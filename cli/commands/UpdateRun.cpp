@@ -73,7 +73,7 @@ ExitCodeType UpdateRun::run() {
   if (options_->stats) stats_.emplace();
   try {
     computeAll();
-    if (!wasInterrupted()) guard_.look();
+    if (!wasInterrupted()) guard_.look(hasNothingToDo());
     const bool isHindered = !fatalError_.empty() || wasInterrupted() || guard_.stopsTheRun();
     if (options_->write && !isHindered) writeAll();
   } catch (const std::exception& error) {
@@ -215,6 +215,11 @@ void UpdateRun::passOver(const PassedOverFile& file) {
       fmt::format("note: '{}' is passed over: {}", names_.shown(file.path), file.reason));
 }
 
+bool UpdateRun::hasNothingToDo() const {
+  return summary_.classes > 0 &&
+         summary_.changed + summary_.refused + summary_.undecided + summary_.failed == 0;
+}
+
 bool UpdateRun::lookedAtNothing() const {
   const std::size_t classes = summary_.classes + summary_.failed + summary_.undecided;
   return classes == 0 && targets_.haveFolders() && !options_->asService && !wasInterrupted() &&
@@ -349,7 +354,9 @@ void UpdateRun::dropConversions(const WriteQueue::Entry& entry) {
 void UpdateRun::finish() {
   guard_.report(*report_);
   report_->finish(exitCode());
+  if (!options_->write) tellOfWaitingRuns(*console_);
   if (!options_->quiet) printWarnings();
+  if (options_->quiet && options_->write) guard_.printNote(*console_);
   if (queue_) {
     for (const std::string& warning : queue_->result().warnings) console_->tell(warning);
   }
@@ -366,7 +373,6 @@ void UpdateRun::finish() {
 }
 
 void UpdateRun::printWarnings() {
-  if (!options_->write) tellOfWaitingRuns(*console_);
   for (const std::string& warning : targets_.warnings()) console_->tell(warning);
   for (const std::string& warning : methodChanges_.warnings()) console_->tell(warning);
   guard_.printNote(*console_);

@@ -61,6 +61,8 @@ class UpdateRun {
 
   void addFailure(const Failure& failure);
   void passOver(const PassedOverFile& file);
+  // Whether all classes are as they should be.
+  bool hasNothingToDo() const;
   // Whether the run was to look at the classes of folders, and looked at none.
   bool lookedAtNothing() const;
   std::string nothingText() const;

@@ -1,31 +1,23 @@
 #include "files/targets/RootSearch.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
-#include <unordered_map>
+#include <functional>
+#include <utility>
 
 namespace soca {
 namespace {
 
-// The largest numbers of superclasses and of folders that are considered, and of files looked for.
-constexpr std::size_t mostNames = 1'000;
-constexpr std::size_t mostFolders = 100;
-constexpr std::size_t mostLookups = 20'000;
+// The largest number of folders of each type that are considered.
+constexpr std::size_t mostFolders = 1'000;
+// After this number of lookups only the first few of the folders that may hold a class are asked.
+constexpr std::size_t mostLookups = 5'000'000;
+constexpr std::size_t fewFolders = 8;
 // Of the folders above a root only the nearest are considered.
 constexpr int mostAbove = 3;
 // The largest number of roots that are suggested.
 constexpr std::size_t mostRoots = 4;
-
-bool isFile(const std::string& path) {
-  struct stat status = {};
-  return ::stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
-}
-
-bool holdsClass(const std::string& root, std::string_view className) {
-  const std::string stem = (root == "/" ? root : root + '/') + relativePathOfClass(className);
-  return isFile(stem + ".vlm") || isFile(stem + ".p");
-}
+// The largest number of packages of which it is known what was found there.
+constexpr std::size_t mostPackages = 1'000;
 
 // The folder above; empty for "/".
 std::string folderAbove(const std::string& folder) {
@@ -44,152 +36,199 @@ std::vector<std::string> foldersBelow(std::string folder, const std::string& end
   return folders;
 }
 
-// The folders that may be roots, in the order in which they are preferred.
-class Candidates {
- public:
-  // The number of the folder.
-  std::size_t add(const std::string& folder) {
-    const auto [entry, isNew] = numbers_.try_emplace(folder, folders_.size());
-    if (isNew) folders_.push_back(folder);
-    return entry->second;
+// The folder and those between it and its root; nearest first.
+std::vector<std::string> chainOf(const ClassRoots& roots, const std::string& folder) {
+  const auto package = roots.packageOf(folder);
+  return package ? foldersBelow(folder, roots.all()[package->root]) : std::vector<std::string>();
+}
+
+}  // namespace
+
+void RootSearch::addMissing(const std::string& superClass, const std::string& folder) {
+  const std::size_t hash = std::hash<std::string>()(superClass);
+  if (counted_.contains(hash)) return;
+  if (paths_.empty()) addNamedFolders();
+  Numbers holders = namedHoldersOf(superClass);
+  for (const std::size_t number : othersFor(folder)) {
+    if (listing_.holdsClass(paths_[number], superClass)) holders.push_back(number);
   }
+  if (holders.empty()) return;
+  ++counts_[holders];
+  counted_.insert(hash);
+}
 
-  std::size_t size() const { return folders_.size(); }
-  const std::string& operator[](std::size_t number) const { return folders_[number]; }
+void RootSearch::addFound(const std::string& superClass) {
+  const std::size_t dot = superClass.rfind('.');
+  const auto package = std::string_view(superClass).substr(0, dot == std::string::npos ? 0 : dot);
+  if (found_.size() < mostPackages && !found_.contains(package)) {
+    found_.emplace(package, superClass);
+  }
+}
 
- private:
-  std::vector<std::string> folders_;
-  std::unordered_map<std::string, std::size_t> numbers_;
-};
+// --- the folders ---
 
-// For each candidate the numbers of the superclasses that are under it.
-using Finds = std::vector<std::vector<std::size_t>>;
+// Those that contain most of the named ones are the likeliest roots.
+void RootSearch::addNamedFolders() {
+  std::vector<std::pair<std::string, std::size_t>> folders;
+  std::unordered_map<std::string, std::size_t> indices;
+  for (const NamedFolder& each : *named_) {
+    for (const std::string& folder : chainOf(*roots_, each.path)) {
+      const auto [entry, isNew] = indices.try_emplace(folder, folders.size());
+      if (isNew) folders.emplace_back(folder, 0);
+      ++folders[entry->second].second;
+    }
+  }
+  std::ranges::stable_sort(folders, std::ranges::greater(), [](const auto& f) { return f.second; });
+  folders.resize(std::min(folders.size(), mostFolders));
+  for (const auto& [folder, count] : folders) {
+    const std::size_t number = add(folder, FolderType::named);
+    const FolderListing::Names& names = listing_.namesIn(folder);
+    for (const std::string& name : names.folders) namedByEntry_[name].push_back(number);
+    for (const std::string& name : names.classes) {
+      Numbers& numbers = namedByEntry_[name];
+      if (numbers.empty() || numbers.back() != number) numbers.push_back(number);
+    }
+  }
+  for (const std::string& root : roots_->all()) addFoldersAbove(root);
+}
 
-// Takes the candidate with the most superclasses, then the one with the most of the others, and so
-// on. Returns their numbers, and counts the superclasses.
-std::vector<std::size_t> choose(const Finds& finds, std::size_t nameCount, std::size_t& found) {
-  std::vector<bool> isCovered(nameCount);
-  const auto countOf = [&](const std::vector<std::size_t>& names) {
-    return std::ranges::count_if(names, [&](std::size_t name) { return !isCovered[name]; });
-  };
-  std::vector<std::size_t> chosen;
+// A folder whose name is no identifier is in no package, so what is above it is no root for it.
+void RootSearch::addFoldersAbove(std::string folder) {
+  for (int level = 0; level < mostAbove; ++level) {
+    const std::string above = folderAbove(folder);
+    if (above.size() <= 1 || !isIdentifierName(folder.substr(above.size() + 1))) return;
+    add(above, FolderType::above);
+    folder = above;
+  }
+}
+
+std::size_t RootSearch::add(const std::string& path, FolderType type) {
+  const auto [entry, isNew] = numbers_.try_emplace(path, paths_.size());
+  if (!isNew) return entry->second;
+  paths_.push_back(path);
+  types_.push_back(type);
+  return entry->second;
+}
+
+RootSearch::Numbers RootSearch::namedHoldersOf(const std::string& superClass) {
+  const auto entry =
+      namedByEntry_.find(std::string_view(superClass).substr(0, superClass.find('.')));
+  if (entry == namedByEntry_.end()) return {};
+  Numbers holders;
+  std::size_t most = lookups_ < mostLookups ? entry->second.size() : fewFolders;
+  for (const std::size_t number : entry->second) {
+    if (most-- == 0) break;
+    ++lookups_;
+    if (listing_.holdsClass(paths_[number], superClass)) holders.push_back(number);
+  }
+  return holders;
+}
+
+const RootSearch::Numbers& RootSearch::othersFor(const std::string& folder) {
+  if (folder == lastFolder_) return lastOthers_;
+  lastFolder_ = folder;
+  lastOthers_.clear();
+  auto inside = chainOf(*roots_, folder);
+  std::ranges::reverse(inside);
+  for (const std::string& each : inside) {
+    if (paths_.size() >= 3 * mostFolders && !numbers_.contains(each)) continue;
+    const std::size_t number = add(each, FolderType::inside);
+    if (types_[number] == FolderType::inside) lastOthers_.push_back(number);
+  }
+  for (std::size_t i = 0; i < types_.size(); ++i) {
+    if (types_[i] == FolderType::above) lastOthers_.push_back(i);
+  }
+  return lastOthers_;
+}
+
+// --- the suggestion ---
+
+std::optional<SuggestedRoots> RootSearch::find() {
+  if (counts_.empty()) return std::nullopt;
+  std::optional<FolderType> decisive;
+  if (isOneFound(FolderType::named)) {
+    decisive = FolderType::named;
+  } else if (isOneFound(FolderType::above) && found_.empty() && areRootsNamed()) {
+    decisive = FolderType::above;
+  }
+  SuggestedRoots result;
+  const Numbers chosen = choose(decisive, result.found);
+  result.holders = pathsOf(chosen);
+  result.isWrong = decisive.has_value();
+  if (result.isWrong) result.roots = makeRoots(chosen);
+  return result;
+}
+
+bool RootSearch::isOneFound(FolderType type) const {
+  return std::ranges::any_of(counts_, [&](const auto& entry) {
+    return std::ranges::any_of(entry.first, [&](auto number) { return types_[number] == type; });
+  });
+}
+
+bool RootSearch::areRootsNamed() const {
+  return std::ranges::all_of(*named_, [&](const NamedFolder& each) {
+    return std::ranges::find(roots_->all(), each.path) != roots_->all().end();
+  });
+}
+
+RootSearch::Numbers RootSearch::choose(std::optional<FolderType> type, std::size_t& found) const {
+  auto left = counts_;
+  Numbers chosen;
   while (chosen.size() < mostRoots) {
-    const auto best = std::ranges::max_element(finds, {}, countOf);
-    if (best == finds.end() || countOf(*best) == 0) break;
-    found += static_cast<std::size_t>(countOf(*best));
-    for (const std::size_t name : *best) isCovered[name] = true;
-    chosen.push_back(static_cast<std::size_t>(best - finds.begin()));
+    Numbers gains(paths_.size());
+    for (const auto& [holders, count] : left) {
+      for (const std::size_t number : holders) {
+        if (!type || types_[number] == *type) gains[number] += count;
+      }
+    }
+    const auto best = std::ranges::max_element(gains);
+    if (*best == 0) break;
+    found += *best;
+    chosen.push_back(static_cast<std::size_t>(best - gains.begin()));
+    std::erase_if(left, [&](const auto& entry) {
+      return std::ranges::find(entry.first, chosen.back()) != entry.first.end();
+    });
   }
   std::ranges::sort(chosen);
   return chosen;
 }
 
-// One search over what was collected.
-class Search {
- public:
-  Search(const ClassRoots& roots, const std::vector<NamedFolder>& named)
-      : roots_(roots), named_(named) {
-    for (const NamedFolder& each : named_) addChain(each.path);
-    namedCount_ = candidates_.size();
-    finds_.resize(namedCount_);
-  }
-
-  void look(std::size_t name, const std::string& className, const std::string& folder) {
-    for (std::size_t i = 0; i < namedCount_; ++i) lookUnder(i, name, className);
-    const auto package = roots_.packageOf(folder);
-    if (!package) return;
-    const std::string& root = roots_.all()[package->root];
-    auto inside = foldersBelow(folder, root);
-    std::ranges::reverse(inside);
-    for (const std::string& each : inside) lookUnder(each, name, className);
-    std::string above = folderAbove(root);
-    for (int level = 0; level < mostAbove && above.size() > 1; ++level) {
-      lookUnder(above, name, className);
-      above = folderAbove(above);
-    }
-  }
-
-  std::optional<SuggestedRoots> result(std::size_t nameCount, bool hasFound) {
-    SuggestedRoots result;
-    auto chosen = choose(finds_, nameCount, result.found);
-    if (chosen.empty()) return std::nullopt;
-    result.holders = pathsOf(chosen);
-    const bool isNamed = std::ranges::any_of(
-        finds_.begin(), finds_.begin() + static_cast<std::ptrdiff_t>(namedCount_),
-        [](const auto& names) { return !names.empty(); });
-    if (isNamed) addUncovered(chosen);
-    result.roots = pathsOf(chosen);
-    result.isForAll = isNamed || !hasFound;
-    return result;
-  }
-
- private:
-  std::vector<std::string> pathsOf(const std::vector<std::size_t>& numbers) const {
-    std::vector<std::string> paths;
-    for (const std::size_t number : numbers) paths.push_back(candidates_[number]);
-    return paths;
-  }
-
-  void addChain(const std::string& folder) {
-    const auto package = roots_.packageOf(folder);
-    if (!package) return;
-    for (const std::string& each : foldersBelow(folder, roots_.all()[package->root])) {
-      if (candidates_.size() < mostFolders) candidates_.add(each);
-    }
-  }
-
-  void lookUnder(const std::string& folder, std::size_t name, const std::string& className) {
-    const std::size_t number = candidates_.add(folder);
-    if (number >= namedCount_) lookUnder(number, name, className);
-  }
-
-  void lookUnder(std::size_t number, std::size_t name, const std::string& className) {
-    if (finds_.size() <= number) finds_.resize(number + 1);
-    if (lookups_++ >= mostLookups) return;
-    if (holdsClass(candidates_[number], className)) finds_[number].push_back(name);
-  }
-
-  // Every named folder must be on a root. A file is in a package rather than in a root itself.
-  void addUncovered(std::vector<std::size_t>& chosen) {
-    for (const NamedFolder& each : named_) {
-      const auto holds = [&](std::size_t root) {
-        return relativeTo(candidates_[root], each.path).has_value();
-      };
-      if (std::ranges::any_of(chosen, holds) || chosen.size() == mostRoots) continue;
-      const auto package = roots_.packageOf(each.path);
-      if (!package) continue;
-      const auto chain = foldersBelow(each.path, roots_.all()[package->root]);
-      if (!chain.empty()) {
-        chosen.push_back(candidates_.add(each.isOfFile ? chain.back() : chain.front()));
-      }
-    }
-    std::ranges::sort(chosen);
-  }
-
-  const ClassRoots& roots_;
-  const std::vector<NamedFolder>& named_;
-  Candidates candidates_;
-  // The candidates before this one are folders that were named, or between one and its root.
-  std::size_t namedCount_ = 0;
-  Finds finds_;
-  std::size_t lookups_ = 0;
-};
-
-}  // namespace
-
-void RootSearch::addMissing(const std::string& superClass, const std::string& folder) {
-  if (missing_.size() < mostNames && met_.insert(superClass).second) {
-    missing_.emplace_back(superClass, folder);
-  }
+std::vector<std::string> RootSearch::pathsOf(const Numbers& numbers) const {
+  std::vector<std::string> paths;
+  for (const std::size_t number : numbers) paths.push_back(paths_[number]);
+  return paths;
 }
 
-std::optional<SuggestedRoots> RootSearch::find() const {
-  if (missing_.empty()) return std::nullopt;
-  Search search(*roots_, *named_);
-  for (std::size_t i = 0; i < missing_.size(); ++i) {
-    search.look(i, missing_[i].first, missing_[i].second);
+// The first root that contains a file names its class, so the present root, which contains the
+// others, is the last one.
+std::vector<std::string> RootSearch::makeRoots(Numbers chosen) {
+  bool hasPresent = needsPresentRoot(chosen);
+  for (const NamedFolder& each : *named_) {
+    if (hasPresent || isUnder(chosen, each.path)) continue;
+    const auto chain = chainOf(*roots_, each.path);
+    hasPresent = chain.empty() || chosen.size() == mostRoots;
+    // A file is in a package rather than in a root itself.
+    if (!hasPresent) {
+      chosen.push_back(add(each.isOfFile ? chain.back() : chain.front(), FolderType::named));
+    }
   }
-  return search.result(missing_.size(), hasFound_);
+  std::ranges::sort(chosen);
+  auto roots = pathsOf(chosen);
+  if (hasPresent) roots.insert(roots.end(), roots_->all().begin(), roots_->all().end());
+  return roots;
+}
+
+bool RootSearch::needsPresentRoot(const Numbers& chosen) {
+  return std::ranges::any_of(found_, [&](const auto& entry) {
+    return std::ranges::none_of(chosen, [&](std::size_t number) {
+      return listing_.holdsClass(paths_[number], entry.second);
+    });
+  });
+}
+
+bool RootSearch::isUnder(const Numbers& chosen, const std::string& folder) const {
+  return std::ranges::any_of(
+      chosen, [&](std::size_t number) { return relativeTo(paths_[number], folder).has_value(); });
 }
 
 }  // namespace soca

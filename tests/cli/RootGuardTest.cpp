@@ -37,8 +37,10 @@ enum class EndType {
   writes,
   // It does not convert some classes, and prints nothing about roots.
   leavesAlone,
-  // Likewise, with a note.
+  // Likewise, but it writes others and prints a note.
   notes,
+  // It has nothing to write, and prints a note.
+  isDone,
   // It writes nothing, and its last line is the suggestion.
   stops,
 };
@@ -56,7 +58,26 @@ struct Layout {
 
 void PrintTo(const Layout& layout, std::ostream* out) { *out << layout.what; }
 
+// Superclasses that are nowhere, in a file that comes first, and packages with one that is found.
+Files bigTree() {
+  std::string list = "far.X";
+  for (int i = 0; i < 1001; ++i) list += " & far.X" + std::to_string(i);
+  Files files = {{"src/a/Many.vlm", derived("Many", list)}};
+  for (int i = 0; i < 100; ++i) {
+    files["src/p" + std::to_string(i) + "/M.vlm"] = derived("M", "none.X" + std::to_string(i));
+  }
+  return files + tree("src/");
+}
+
+std::vector<std::string> packagesOfBigTree() {
+  std::vector<std::string> packages = {"src/a"};
+  for (int i = 0; i < 100; ++i) packages.push_back("src/p" + std::to_string(i));
+  packages.push_back("src/audio");
+  return packages;
+}
+
 std::vector<Layout> layouts() {
+  const Files alone = {{"Alone.vlm", derived("Alone", "velum.System")}};
   const Files two = {{"one/a/A.vlm", derived("A", "b.B")},
                      {"two/b/B.vlm", "classdef B < velum.System\nend\n"}};
   return {
@@ -64,18 +85,42 @@ std::vector<Layout> layouts() {
       {"above the folder", tree("a/src/"), {"a/src/audio/"}, EndType::stops, "-p a/src"},
       {"over a link", tree("src/"), {"link"}, EndType::stops, "-p link"},
       {"above a file", tree("src/"), {"src/audio/Mixer.vlm"}, EndType::stops, "-p src"},
-      {"below the folder", tree("a/src/"), {"a"}, EndType::stops, "-p a/src"},
-      {"below the current folder", tree("src/"), {}, EndType::stops, "-p src"},
+      {"below the folder",
+       tree("a/src/") + Files{{"a/Alone.vlm", derived("Alone", "velum.System")}},
+       {"a"},
+       EndType::notes,
+       "'a/src'"},
+      {"below the current folder", tree("src/") + alone, {}, EndType::notes, "'src'"},
       {"above the current folder", tree("src/"), {}, EndType::stops, "-p ..", "src/audio"},
-      {"two roots", two, {"one", "two"}, EndType::stops, "-p one -p two"},
-      {"two roots below the current folder",
-       {{"one/a/A.vlm", derived("A", "a.C")},
-        {"one/a/C.vlm", "classdef C < velum.System\nend\n"},
-        {"two/b/B.vlm", derived("B", "b.D")},
-        {"two/b/D.vlm", "classdef D < velum.System\nend\n"}},
+      {"above the current folder and a folder in it",
+       Files{{"ws/util/Base.vlm", base}, {"ws/src/own/X.vlm", derived("X", "util.Base")}} +
+           Files{{"ws/src/own/Alone.vlm", derived("Alone", "velum.System")}},
+       {"own"},
+       EndType::notes,
+       "'..'",
+       "ws/src"},
+      {"a fixture",
+       Files{{"tests/fixtures/lib/X.vlm", derived("X", "lib.Base")},
+             {"tests/fixtures/lib/Base.vlm", base}} +
+           alone,
        {},
+       EndType::notes,
+       "'tests/fixtures'"},
+      {"a big tree", bigTree(), {"src"}, EndType::stops, "-p src"},
+      {"many packages", bigTree(), packagesOfBigTree(), EndType::stops, "-p src"},
+      {"one root of two",
+       tree("src/") + Files{{"tests/Helper.vlm", "classdef Helper < velum.System\nend\n"},
+                            {"tests/T.vlm", derived("T", "tests.Helper")}},
+       {"src", "tests"},
        EndType::stops,
-       "-p one -p two"},
+       "-p src -p ."},
+      {"nothing to convert",
+       {{"src/audio/Base.vlm", base},
+        {"src/audio/Mixer.vlm", "classdef Mixer < velum.System & audio.Base\nend\n"}},
+       {"src"},
+       EndType::isDone,
+       "'src'"},
+      {"two roots", two, {"one", "two"}, EndType::stops, "-p one -p two"},
       {"packages of one name in each other",
        tree("src/") + tree("src/audio/"),
        {"src"},
@@ -138,19 +183,21 @@ std::string lastLine(std::string text) {
   return text.substr(text.rfind('\n') + 1);
 }
 
-ProgramResult run(const Workspace& space, const Layout& layout, const char* option) {
-  std::vector<std::string> command = {"env", "-C", layout.folder, programPath(), "update", option};
+ProgramResult run(const Workspace& space, const Layout& layout, std::vector<std::string> options) {
+  std::vector<std::string> command = {"env", "-C", layout.folder, programPath(), "update"};
+  command.insert(command.end(), options.begin(), options.end());
   command.insert(command.end(), layout.arguments.begin(), layout.arguments.end());
   return space.run(command);
 }
 
 void expectOutput(const Layout& layout, const ProgramResult& result) {
   const bool stops = layout.end == EndType::stops;
-  EXPECT_EQ(result.exitCode, layout.end == EndType::writes ? 0 : 2) << result.err;
+  const bool isDone = layout.end == EndType::writes || layout.end == EndType::isDone;
+  EXPECT_EQ(result.exitCode, isDone ? 0 : 2) << result.err;
   EXPECT_EQ(result.err.find("did you mean `") != std::string::npos, stops) << result.err;
   EXPECT_TRUE(!stops || lastLine(result.err).ends_with("; did you mean `" + layout.roots + "`?"))
       << result.err;
-  const bool hasNote = layout.end == EndType::notes;
+  const bool hasNote = layout.end == EndType::notes || layout.end == EndType::isDone;
   EXPECT_EQ(result.err.find("soca: note: ") != std::string::npos, hasNote) << result.err;
   EXPECT_NE(result.err.find(hasNote ? "under " + layout.roots + ", which" : ""), std::string::npos)
       << result.err;
@@ -166,21 +213,21 @@ TEST_P(RootGuard, LooksBeforeItWrites) {
   fs::create_directory_symlink("src", space.path() / "link");
   const auto before = space.readAll();
 
-  expectOutput(layout, run(space, layout, "-v"));
-  const auto data = run(space, layout, "--format=json");
+  expectOutput(layout, run(space, layout, {"-v"}));
+  const auto data = run(space, layout, {"--format=json"});
   EXPECT_EQ(nlohmann::json::parse(data.out).contains("suggestedRoots"),
             layout.end == EndType::stops);
   EXPECT_EQ(space.readAll(), before);
 
-  expectOutput(layout, run(space, layout, "--write"));
+  expectOutput(layout, run(space, layout, {"-q", "--write"}));
   const bool isWritten = layout.end == EndType::writes || layout.end == EndType::notes;
   EXPECT_EQ(space.readAll() != before, isWritten);
 
   // The suggestion is right.
   if (layout.end != EndType::stops) return;
   const auto words = space.run(
-      {"sh", "-c", "cd " + layout.folder + " && " + programPath() + " update -q " + layout.roots});
-  EXPECT_EQ(words.err.find("was not found"), std::string::npos) << words.err;
+      {"sh", "-c", "cd " + layout.folder + " && " + programPath() + " update " + layout.roots});
+  EXPECT_EQ(words.err.find("not found is under"), std::string::npos) << words.err;
 }
 
 INSTANTIATE_TEST_SUITE_P(Layouts, RootGuard, ::testing::ValuesIn(layouts()), [](const auto& row) {
