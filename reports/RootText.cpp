@@ -2,6 +2,7 @@
 
 #include <fmt/core.h>
 
+#include "files/targets/NearestFile.h"
 #include "platform/text/ShellText.h"
 
 namespace soca {
@@ -22,6 +23,25 @@ std::string describeSuggestion(const SuggestedRoots& suggestion, const FileNames
   for (const std::string& root : suggestion.roots)
     options += " -p " + fl::makeShellWord(names.typed(root));
   return text + fmt::format("; did you mean `{}`?", options.substr(1));
+}
+
+std::string listFolders(const std::vector<NamedFolder>& named, const FileNames& names) {
+  std::string folders;
+  for (const NamedFolder& folder : named) {
+    if (folder.isOfFile) continue;
+    folders += fmt::format("{}'{}'", folders.empty() ? "" : ", ", names.typed(folder.path));
+  }
+  return folders;
+}
+
+std::string describeNoClassFiles(const std::vector<NamedFolder>& named, const FileNames& names) {
+  const std::string folders = listFolders(named, names);
+  for (const NamedFolder& folder : named) {
+    const std::string suggestion = suggestRootBelow(folder.path);
+    if (suggestion.empty()) continue;
+    return fmt::format("no class file in {} is on a root of the class path{}", folders, suggestion);
+  }
+  return fmt::format("there is no class file in {}", folders);
 }
 
 }  // namespace soca

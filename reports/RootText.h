@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "files/targets/RootSearch.h"
 #include "reports/text/FileNames.h"
@@ -14,5 +15,11 @@ namespace soca {
 //   3 superclasses that were not found are under 'src', which is no root; did you mean `-p src`?
 std::string describeSuggestion(const SuggestedRoots& suggestion, const FileNames& names,
                                bool isWrong);
+
+// "'src', 'tests'": the named folders without those of files.
+std::string listFolders(const std::vector<NamedFolder>& named, const FileNames& names);
+
+// That there is no class file in these, or none on a root, with the root that it may be.
+std::string describeNoClassFiles(const std::vector<NamedFolder>& named, const FileNames& names);
 
 }  // namespace soca

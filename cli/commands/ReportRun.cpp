@@ -8,9 +8,11 @@
 #include "cli/terminal/Signals.h"
 #include "files/targets/Targets.h"
 #include "platform/paths/FileView.h"
+#include "platform/runtime/ClassDescription.h"
 #include "platform/text/Conversions.h"
 #include "reports/FailureText.h"
 #include "reports/outcomes/Failures.h"
+#include "reports/outcomes/Hints.h"
 #include "reports/outcomes/InternalErrors.h"
 #include "reports/text/FileNames.h"
 #include "service/UpdaterImpl.h"
@@ -20,6 +22,8 @@ namespace {
 
 struct ReportOutcome {
   std::string text;
+  // That there is no such class, which the text does not say; empty if there is.
+  std::string note;
   std::optional<Failure> failure;
 };
 
@@ -30,16 +34,22 @@ fl::ustring makeReport(const Options& options, const fl::ustring& className) {
              : updater.reportClass(className);
 }
 
-ReportOutcome report(const Options& options, const Target& target,
+ReportOutcome report(const Options& options, const ClassRoots& roots, const Target& target,
                      const FailureDescriber& describer) {
   const CurrentClass current(target.className);
   try {
     const auto className = fl::i18n::to_ustring(target.className);
-    return {fl::i18n::to_string(makeReport(options, className)), std::nullopt};
+    ReportOutcome outcome;
+    outcome.text = fl::i18n::to_string(makeReport(options, className));
+    if (sotarn::describeClass(target.className) == nullptr) {
+      outcome.note = describeNoClass(target.className, roots);
+    }
+    return outcome;
   } catch (const std::bad_alloc&) {
     throw;
   } catch (...) {
     return {{},
+            {},
             describer.describeCurrentException(
                 {target.className, options.rules, options.includeSuperclasses})};
   }
@@ -59,6 +69,7 @@ ExitCodeType runReport(const Options& options, const ClassRoots& roots, Console&
   };
   const auto consume = [&](const ReportOutcome& outcome) {
     console.print(outcome.text);
+    if (!outcome.note.empty()) console.tell(outcome.note);
     if (outcome.failure) {
       printFailure(console, *outcome.failure);
       exitCode = ExitCodeType::failed;
@@ -67,7 +78,7 @@ ExitCodeType runReport(const Options& options, const ClassRoots& roots, Console&
   };
   const auto work = [&](const Target& target) {
     const fl::filesystem::FileView::Scope scope(view);
-    return report(options, target, describer);
+    return report(options, roots, target, describer);
   };
   OrderedWorkers<Target, ReportOutcome>(options.jobs, next, work, consume).run();
   return wasInterrupted() ? interruptExitCode() : exitCode;

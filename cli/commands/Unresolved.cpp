@@ -16,9 +16,13 @@
 #include "files/targets/Git.h"
 #include "files/targets/Targets.h"
 #include "platform/paths/FileView.h"
+#include "platform/paths/SourceReader.h"
 #include "platform/runtime/ClassDescription.h"
+#include "reports/FailureText.h"
+#include "reports/RootText.h"
 #include "reports/formats/ClassTableText.h"
-#include "reports/outcomes/Failures.h"
+#include "reports/outcomes/ClassUpdater.h"
+#include "reports/outcomes/FileVerdict.h"
 #include "reports/outcomes/Outcome.h"
 #include "reports/text/FileNames.h"
 
@@ -28,10 +32,10 @@ namespace {
 // What one target needs.
 struct Needs {
   std::vector<Ancestry::Missing> missing;
-  // Only with the parts for the root guard.
+  // What an update would report of a target that could not be looked at, and the parts for the root
+  // guard.
   TargetOutcome outcome;
-  // Why the target could not be looked at; empty if it could.
-  std::string failure;
+  bool isClass = false;
 };
 
 // A superclass that is not found.
@@ -39,28 +43,6 @@ struct Unresolved {
   bool isPFile = false;
   std::set<std::string> namedBy;
 };
-
-Needs needsOf(const Target& target) {
-  Needs needs;
-  if (target.type == Target::Type::unreadable) {
-    needs.failure = fmt::format("the folder '{}' can't be read: {}", target.path, target.reason);
-  }
-  if (target.type == Target::Type::undecided) {
-    needs.failure = describeUnreadable({target.path, target.reason}).message;
-  }
-  if (target.type != Target::Type::aClass) return needs;
-  try {
-    if (target.isNamed && sotarn::describeClass(target.className) == nullptr) {
-      needs.failure = fmt::format("there is no class '{}'", target.className);
-      return needs;
-    }
-    needs.missing = Ancestry(target.className).unknown();
-    needs.outcome.addSuperClasses(target.className, target.path);
-  } catch (const fl::filesystem::ReadError& error) {
-    needs.failure = describeUnreadable(error).message;
-  }
-  return needs;
-}
 
 class UnresolvedRun {
  public:
@@ -70,6 +52,7 @@ class UnresolvedRun {
         names_(roots),
         targets_(roots, options->arguments, WalkType::filtered, &git_,
                  OtherFilesType::arePassedOver),
+        updater_(roots, &names_, {}),
         guard_(options, roots, &names_, &targets_.namedFolders()) {}
 
   ExitCodeType run() {
@@ -82,6 +65,13 @@ class UnresolvedRun {
       printTable();
     }
     if (!options_->quiet) guard_.printNote(*console_);
+    if (lookedAtNothing()) {
+      const auto& named = targets_.namedFolders();
+      console_->complain(
+          hasFiles_ ? fmt::format("no file in {} holds a class", listFolders(named, names_))
+                    : describeNoClassFiles(named, names_));
+      return ExitCodeType::failed;
+    }
     guard_.printSuggestion(*console_);
     return hasFailed_ || guard_.stopsTheRun() ? ExitCodeType::failed : ExitCodeType::done;
   }
@@ -103,17 +93,55 @@ class UnresolvedRun {
     OrderedWorkers<Target, Needs>(options_->jobs, next, work, consume).run();
   }
 
+  // Safe to call from several threads.
+  Needs needsOf(const Target& target) const {
+    Needs needs;
+    if (target.type != Target::Type::aClass || !isReadable(target)) {
+      needs.outcome = updater_.update(target);
+      return needs;
+    }
+    try {
+      needs.missing = Ancestry(target.className).unknown();
+      needs.outcome.addSuperClasses(target.className, target.path);
+      needs.isClass = true;
+    } catch (const fl::filesystem::ReadError&) {
+      needs.outcome = updater_.update(target);
+    }
+    return needs;
+  }
+
+  static bool isReadable(const Target& target) {
+    try {
+      const auto description = sotarn::describeClass(target.className);
+      if (description == nullptr) return false;
+      const bool isKnown = !description->superClasses.empty() || description->sourcePath.empty();
+      return isKnown || judgeFile(description->sourcePath, WordsType::program).type ==
+                            FileVerdict::Type::holdsClass;
+    } catch (const fl::filesystem::ReadError&) {
+      return false;
+    }
+  }
+
   void take(const Needs& needs) {
-    guard_.take(needs.outcome);
+    const TargetOutcome& outcome = needs.outcome;
+    guard_.take(outcome);
+    classes_ += needs.isClass ? 1 : 0;
+    hasFiles_ = hasFiles_ || outcome.hasNoClass || outcome.passedOver;
+    for (const Failure& failure : outcome.failures) printFailure(*console_, failure);
+    hasFailed_ = hasFailed_ || !outcome.failures.empty();
+    if (outcome.passedOver && outcome.passedOver->type == PassedOverFile::Type::isNamed) {
+      console_->tell(fmt::format("note: '{}' is passed over: {}",
+                                 names_.shown(outcome.passedOver->path),
+                                 outcome.passedOver->reason));
+    }
     for (const Ancestry::Missing& missing : needs.missing) {
       Unresolved& unresolved = unresolved_[missing.name];
       unresolved.isPFile = missing.isPFile;
       unresolved.namedBy.insert(missing.namedBy);
     }
-    if (needs.failure.empty()) return;
-    console_->complain(needs.failure);
-    hasFailed_ = true;
   }
+
+  bool lookedAtNothing() const { return classes_ == 0 && targets_.haveFolders() && !hasFailed_; }
 
   void printList() const {
     for (const auto& [name, unresolved] : unresolved_) {
@@ -121,11 +149,13 @@ class UnresolvedRun {
     }
     if (options_->quiet) return;
     const std::size_t count = unresolved_.size();
-    console_->tell(count == 0
-                       ? "all superclasses were found"
-                       : fmt::format("{} not found; --format json prints a class table to complete",
-                                     count == 1 ? "1 superclass was"
-                                                : fmt::format("{} superclasses were", count)));
+    if (classes_ == 0) return;
+    console_->tell(
+        count == 0 ? fmt::format("all superclasses of {} were found",
+                                 classes_ == 1 ? "1 class" : fmt::format("{} classes", classes_))
+                   : fmt::format("{} not found; --format json prints a class table to complete",
+                                 count == 1 ? "1 superclass was"
+                                            : fmt::format("{} superclasses were", count)));
   }
 
   // "named by p.A and 2 more classes".
@@ -148,8 +178,13 @@ class UnresolvedRun {
   FileNames names_;
   Git git_;
   Targets targets_;
+  ClassUpdater updater_;
   RootGuard guard_;
   std::map<std::string, Unresolved> unresolved_;
+  // The number of those that were looked at.
+  std::size_t classes_ = 0;
+  // Whether there are files without a class.
+  bool hasFiles_ = false;
   bool hasFailed_ = false;
 };
 

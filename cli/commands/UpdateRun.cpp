@@ -11,9 +11,9 @@
 #include "cli/commands/OrderedWorkers.h"
 #include "cli/commands/RepairNotes.h"
 #include "cli/terminal/Signals.h"
-#include "files/targets/NearestFile.h"
 #include "files/writing/FileWriter.h"
 #include "reports/FailureText.h"
+#include "reports/RootText.h"
 #include "reports/explanations/ProgramMessages.h"
 #include "reports/outcomes/Phases.h"
 
@@ -21,6 +21,9 @@ namespace soca::cli {
 namespace {
 
 using fl::timing::Phase;
+
+// The number of notes on files that a quiet run prints.
+constexpr std::size_t mostInQuietRun = 10;
 
 UpdateRequest requestOf(const Options& options, const ReportOptions& report) {
   UpdateRequest request;
@@ -208,9 +211,9 @@ void UpdateRun::addFailure(const Failure& failure) {
 
 void UpdateRun::passOver(const PassedOverFile& file) {
   summary_.addPassedOver(file.type);
-  const bool isShown =
-      file.type == PassedOverFile::Type::isNamed ? !options_->quiet : options_->verbose;
-  if (!isShown) return;
+  const bool isNamed = file.type == PassedOverFile::Type::isNamed;
+  const bool isOneTooMany = options_->quiet && summary_.passedOver > mostInQuietRun;
+  if (isNamed ? isOneTooMany : !options_->verbose) return;
   console_->tell(
       fmt::format("note: '{}' is passed over: {}", names_.shown(file.path), file.reason));
 }
@@ -223,26 +226,19 @@ bool UpdateRun::hasNothingToDo() const {
 bool UpdateRun::lookedAtNothing() const {
   const std::size_t classes = summary_.classes + summary_.failed + summary_.undecided;
   return classes == 0 && targets_.haveFolders() && !options_->asService && !wasInterrupted() &&
-         !guard_.stopsTheRun();
+         fatalError_.empty() && !guard_.stopsTheRun();
 }
 
 std::string UpdateRun::nothingText() const {
-  std::string folders;
-  for (const NamedFolder& folder : targets_.namedFolders()) {
-    if (folder.isOfFile) continue;
-    folders += fmt::format("{}'{}'", folders.empty() ? "" : ", ", names_.typed(folder.path));
-  }
+  const auto& named = targets_.namedFolders();
+  const std::string folders = listFolders(named, names_);
   if (summary_.skipped > 0) return fmt::format("no class in {} is a System object", folders);
   if (summary_.filesWithoutClass > 0) return fmt::format("no file in {} holds a class", folders);
-  for (const NamedFolder& folder : targets_.namedFolders()) {
-    const std::string suggestion = suggestRootBelow(folder.path);
-    if (suggestion.empty()) continue;
-    return fmt::format("no class file in {} is on a root of the class path{}", folders, suggestion);
+  std::string text = describeNoClassFiles(named, names_);
+  if (!options_->noIgnore && text.starts_with("there is no")) {
+    text += "; without --no-ignore, files that git ignores and links to folders are omitted";
   }
-  return fmt::format("there is no class file in {}{}", folders,
-                     options_->noIgnore ? ""
-                                        : "; without --no-ignore, files that git ignores and "
-                                          "links to folders are omitted");
+  return text;
 }
 
 void UpdateRun::writeAll() {
@@ -357,6 +353,10 @@ void UpdateRun::finish() {
   if (!options_->write) tellOfWaitingRuns(*console_);
   if (!options_->quiet) printWarnings();
   if (options_->quiet && options_->write) guard_.printNote(*console_);
+  if (options_->quiet && summary_.passedOver > mostInQuietRun) {
+    console_->printError(
+        fmt::format("  and {} more passed over\n", summary_.passedOver - mostInQuietRun));
+  }
   if (queue_) {
     for (const std::string& warning : queue_->result().warnings) console_->tell(warning);
   }

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "files/targets/NearestFile.h"
+#include "files/targets/NearestName.h"
 #include "platform/paths/NativePath.h"
 #include "platform/paths/SourceReader.h"
 #include "platform/runtime/ClassDescription.h"
@@ -92,6 +93,11 @@ bool isClassName(std::string_view name) {
     if (dot == std::string_view::npos) return true;
     name.remove_prefix(dot + 1);
   }
+}
+
+std::string describeNoClass(std::string_view className, const ClassRoots& roots) {
+  return fmt::format("there is no class '{}'{}", className,
+                     didYouMean(nearestClass(className, roots)));
 }
 
 std::string describeMissing(const Ancestry::Missing& missing) {

@@ -26,6 +26,9 @@ OtherClassHints hintsOnOtherClass(std::string_view className, const ClassRoots& 
 // Whether all segments of the dotted name are identifiers.
 bool isClassName(std::string_view name);
 
+// "there is no class 'a.B'; did you mean 'a.C'?", if there is a class with a name like that.
+std::string describeNoClass(std::string_view className, const ClassRoots& roots);
+
 // "the superclass 'a.B', named by 'c.D', was not found", or the same of a superclass that has only
 // a p-file.
 std::string describeMissing(const Ancestry::Missing& missing);

@@ -229,6 +229,8 @@ TEST_F(BadClasses, ReportsFailInTheSameWay) {
             "CLASS: pkg.Handle\nNOT a System object\nSuperclasses: None\n\n"
             "CLASS: pkg.Nowhere\nNOT a System object\nSuperclasses: None\n\n");
   EXPECT_NE(known.err.find("pkg/Broken.vlm:3:11: error: "), std::string::npos) << known.err;
+  EXPECT_EQ(space_.soca({"classes", "pkg.Hanlde"}).err,
+            "soca: there is no class 'pkg.Hanlde'; did you mean 'pkg.Handle'?\n");
 }
 
 TEST(BadInputDeathTest, AnInternalErrorNamesTheClass) {
@@ -289,6 +291,11 @@ TEST(BadInput, WhatIsNoClassIsPassedOverOrNamed) {
     // A part of standard error; nothing of the kind if it begins with `!`.
     const char* error;
   };
+  std::vector<std::string> many = {"-q"};
+  for (char name = 'a'; name < 'm'; ++name) {
+    many.push_back(std::string("notes/") + name);
+    space.write(many.back(), "");
+  }
   const std::vector<Row> table = {
       {"an empty folder", {"--check", "empty"}, 2, "there is no class file in 'empty'; without"},
       {"all of it", {"--check", "--no-ignore", "empty"}, 2, "no class file in 'empty'\n"},
@@ -313,7 +320,8 @@ TEST(BadInput, WhatIsNoClassIsPassedOverOrNamed) {
        "lib/M.vlm' is passed over: it is on no root of the class path: "},
       {"and the root", {"my-src/lib/M.vlm"}, 0, "; did you mean `-p my-src`?\n"},
       {"how many", {"b/Empty.vlm", "notes.md"}, 0, "0 stay as they are; 2 passed over\n"},
-      {"quietly", {"-q", "b/Empty.vlm", "notes.md"}, 0, "!note:"},
+      {"quietly", {"-q", "b/Empty.vlm", "notes.md"}, 0, "note: 'notes.md' is passed over: its na"},
+      {"many, quietly", many, 0, "\n  and 2 more passed over\nsoca: looked at 0"},
       {"a script by its class", {"files.script"}, 2, "NotASystemObject"},
       {"an old encoding", {"b/B.vlm"}, 2, "The file of 'b.B' is in UTF-16, which is not supported"},
       {"in a folder", {"a"}, 0, "; 2 files without a class name; 1 file in UTF-16\n"},

@@ -144,6 +144,7 @@ TEST(Limits, WithoutThreadsNothingIsWritten) {
     const auto result = runWithin(space, limits, arguments);
     EXPECT_EQ(result.exitCode, 2);
     EXPECT_NE(result.err.find("no more threads can be started"), std::string::npos) << result.err;
+    EXPECT_EQ(result.err.find("there is no class file"), std::string::npos) << result.err;
   }
   EXPECT_EQ(space.read("p/A.vlm"), outdatedClass("A"));
   EXPECT_EQ(runWithin(space, limits, "update --write -j 1 p").exitCode, 0);

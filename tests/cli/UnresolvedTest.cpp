@@ -10,6 +10,8 @@
 namespace soca::testing {
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr const char* flag = "  properties (Logical)\n    Flag = true;\n  end\nend\n";
 constexpr const char* mixin = "velum.system.mixin.Propagates";
 
@@ -217,8 +219,31 @@ TEST(Unresolved, AreListedAndMakeATableToComplete) {
       list.err,
       "soca: 2 superclasses were not found; --format json prints a class table to complete\n");
   EXPECT_EQ(with({"pkg.X"}).out, "pkg.Sealed: only a p-file was found; named by pkg.X\n");
-  EXPECT_EQ(with({"pkg/Plain.vlm"}).err, "soca: all superclasses were found\n");
-  EXPECT_EQ(with({"pkg.None"}).exitCode, 2);
+  EXPECT_EQ(with({"pkg/Plain.vlm"}).err, "soca: all superclasses of 1 class were found\n");
+  space.write("files/notes.txt", "");
+  space.write("files/Script.vlm", "x = 1;\n");
+  fs::create_directories(space.path() / "empty");
+  fs::create_symlink("Loop.vlm", space.path() / "pkg/Loop.vlm");
+  const struct {
+    const char* argument;
+    int exitCode;
+    const char* error;
+  } others[] = {
+      {"empty", 2, "soca: there is no class file in 'empty'\n"},
+      {"files", 2, "soca: no file in 'files' holds a class\n"},
+      {"files/notes.txt", 0, "soca: note: 'files/notes.txt' is passed over: its name ends"},
+      {"pkg.Plan", 2, "There is no class 'pkg.Plan'.\n"},
+      {"pkg.Plan", 2, "hint: did you mean 'pkg.Plain'?\n"},
+      {"pkg/Loop.vlm", 2, "Too many levels of symbolic links\n"},
+      {"pkg", 2, "2 superclasses were not found"},
+  };
+  for (const auto& [argument, exitCode, error] : others) {
+    const auto result = with({argument});
+    EXPECT_EQ(result.exitCode, exitCode) << result.err;
+    EXPECT_NE(result.err.find(error), std::string::npos) << result.err;
+    EXPECT_EQ(result.err.find("all superclasses"), std::string::npos) << result.err;
+  }
+  fs::remove(space.path() / "pkg/Loop.vlm");
 
   std::string table = with({"--format=json"}).out;
   space.write("table.json", table);
