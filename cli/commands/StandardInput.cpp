@@ -14,6 +14,7 @@
 
 #include "cli/commands/RootGuard.h"
 #include "cli/terminal/Signals.h"
+#include "files/targets/NearestFile.h"
 #include "files/targets/Targets.h"
 #include "files/targets/UsageError.h"
 #include "platform/analyzer/Analyzer.h"
@@ -48,6 +49,21 @@ std::string readAll() {
   return bytes;
 }
 
+// A file that need not exist must have a class name all the same.
+void checkIsOnRoot(const std::string& absolutePath, const Options& options,
+                   const ClassRoots& roots) {
+  const std::string path = roots.underRoot(absolutePath);
+  const std::size_t slash = path.rfind('/');
+  const bool isOnRoot =
+      slash != std::string::npos &&
+      roots.packageOf(path.substr(0, std::max<std::size_t>(slash, 1))).has_value();
+  const auto stem = stemOfClassFile(std::string_view(path).substr(slash + 1));
+  if (isOnRoot && isIdentifierName(*stem)) return;
+  throw UsageError(fmt::format(
+      "the file '{}' has no class name on any root of the class path: {}{}", options.stdinPath,
+      roots.listing(), isOnRoot ? "" : suggestRoot(options.stdinPath)));
+}
+
 // The path as an argument, whether or not the file exists: the class of it is the one target.
 Targets targetsOf(const Options& options, const ClassRoots& roots) {
   if (!stemOfClassFile(options.stdinPath) || options.stdinPath.ends_with(".p")) {
@@ -57,7 +73,9 @@ Targets targetsOf(const Options& options, const ClassRoots& roots) {
                     options.stdinPath));
   }
   // A path with a slash cannot be taken for the name of a class.
-  return Targets(&roots, {fl::filesystem::makeAbsoluteLexically(options.stdinPath)});
+  std::string path = fl::filesystem::makeAbsoluteLexically(options.stdinPath);
+  checkIsOnRoot(path, options, roots);
+  return Targets(&roots, {std::move(path)});
 }
 
 // No diff is needed: the new bytes themselves are printed.

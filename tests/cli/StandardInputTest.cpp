@@ -76,7 +76,11 @@ TEST(StandardInput, PrintsOnlyTheTextOnStandardOutput) {
   }
   EXPECT_EQ(update(space, "", changed).exitCode, 2);
   EXPECT_EQ(update(space, "--stdin-path C.p", changed).exitCode, 2);
-  EXPECT_EQ(update(space, "--stdin-path /C.vlm", changed).exitCode, 2);
+  for (const char* path : {"/C.vlm", "../src/C.vlm", "'C C.vlm'", "my-src/C.vlm"}) {
+    const auto result = update(space, std::string("--stdin-path ") + path, changed);
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_NE(result.err.find("has no class name on any root"), std::string::npos) << result.err;
+  }
 }
 
 TEST(StandardInput, CanBePrintedAsData) {
