@@ -158,9 +158,12 @@ void printFiles(const Undo& undone, bool isVerbose, Console& console) {
   }
 }
 
+void announce(const Undo& undo, Console& console) {
+  console.tell(fmt::format("run {} of {}: {} in '{}'", undo.run, timeText(undo.journal->time()),
+                           counted(undo.selected.size(), "file"), undo.folder));
+}
+
 ExitCodeType report(const Undo& undone, bool isVerbose, Console& console) {
-  console.tell(fmt::format("run {} of {}: {} in '{}'", undone.run, timeText(undone.journal->time()),
-                           counted(undone.selected.size(), "file"), undone.folder));
   printFiles(undone, isVerbose, console);
   for (const std::string& warning : undone.result.warnings) console.tell(warning);
   console.tell(describe(undone));
@@ -213,6 +216,7 @@ ExitCodeType preview(const RunStore& store, const UndoRequest& request, const Op
   if (!run) throw JournalError(request.whyNoRun(store));
   Undo undo = openRun(store, *run, request);
   undo.isDry = true;
+  announce(undo, console);
   undo.result = previewUndo(*undo.journal, undo.selected, goesOn);
   return report(undo, options.verbose, console);
 }
@@ -299,6 +303,7 @@ ExitCodeType runUndo(const Options& options, Console& console) {
   if (!run) throw JournalError(request.whyNoRun(store));
   Undo undo = openRun(store, *run, request);
   tellOfDamaged(store, console);
+  announce(undo, console);
   {
     WriteProgress progress(&console, "files put back");
     undo.result = undoRun(*undo.journal, undo.selected, goesOn, progress.onStep());

@@ -3,13 +3,17 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <iterator>
 #include <ranges>
 #include <string_view>
 #include <vector>
 
 #include "files/targets/ClassRoots.h"
+#include "files/targets/NearestFile.h"
+#include "files/targets/NearestName.h"
 #include "files/targets/UsageError.h"
+#include "platform/paths/NativePath.h"
 
 namespace soca::cli {
 namespace {
@@ -43,6 +47,19 @@ std::string describeLast(const RunStore& store, const std::vector<RunNumber>& ru
   return fmt::format("{}", fmt::join(parts, ", "));
 }
 
+// The path without links in the part of it that exists. May be relative without a current folder.
+std::string resolveExisting(const std::string& argument) {
+  if (auto resolved = resolveLinks(argument)) return *resolved;
+  std::filesystem::path folder = fl::filesystem::makeAbsoluteLexically(argument);
+  std::filesystem::path missing;
+  while (folder.has_relative_path()) {
+    missing = missing.empty() ? folder.filename() : folder.filename() / missing;
+    folder = folder.parent_path();
+    if (const auto resolved = resolveLinks(folder)) return *resolved / missing;
+  }
+  return missing;
+}
+
 }  // namespace
 
 UndoRequest::UndoRequest(const Options& options) : currentFolder_(resolveLinks(".").value_or("")) {
@@ -52,14 +69,10 @@ UndoRequest::UndoRequest(const Options& options) : currentFolder_(resolveLinks("
       run = number;
       continue;
     }
-    const auto path = argument.empty() ? std::nullopt : resolveLinks(argument);
-    if (!path) {
-      throw UsageError(fmt::format(
-          "'{}' is no number of a run, and no file or folder; 'soca undo --list' shows the runs",
-          argument));
-    }
     if (!limit.empty()) throw UsageError("'undo' takes one file or folder at a time");
-    limit = *path;
+    limit = resolveExisting(argument);
+    if (!resolveLinks(argument)) missing_ = argument;
+    if (argument.empty()) throwMissing();
   }
   // Every path is in a folder without a name: the last run anywhere would be undone.
   if (!run && limit.empty() && currentFolder_.empty()) {
@@ -67,7 +80,24 @@ UndoRequest::UndoRequest(const Options& options) : currentFolder_(resolveLinks("
   }
 }
 
+// A folder that is gone is one if a run knows files in it.
+void UndoRequest::checkLimit(const RunStore& store) const {
+  if (missing_.empty()) return;
+  const auto knows = [&](RunNumber number) {
+    const auto journal = openJournal(store.folderOf(number));
+    return journal != nullptr && !select(*journal, journal->changed()).empty();
+  };
+  if (std::ranges::none_of(store.runs(), knows)) throwMissing();
+}
+
+void UndoRequest::throwMissing() const {
+  throw UsageError(fmt::format(
+      "'{}' is no number of a run, and no file or folder{}; 'soca undo --list' shows the runs",
+      missing_, didYouMean(nearestPath(missing_))));
+}
+
 std::optional<RunNumber> UndoRequest::findRun(const RunStore& store) const {
+  checkLimit(store);
   if (run) return run;
   const std::string& folder = limit.empty() ? currentFolder_ : limit;
   const auto runs = store.runs();

@@ -15,7 +15,7 @@ struct UndoRequest {
   explicit UndoRequest(const Options& options);
 
   // That of the arguments, or the last run that changed a file of the request; empty if there is
-  // none.
+  // none. Throws UsageError if the named folder does not exist, and no run knows it.
   std::optional<RunNumber> findRun(const RunStore& store) const;
   // Those of the files that are in the named folder, or are the named file.
   FileNumbers select(const Journal& journal, const FileNumbers& numbers) const;
@@ -30,8 +30,13 @@ struct UndoRequest {
   std::string limit;
 
  private:
+  void checkLimit(const RunStore& store) const;
+  [[noreturn]] void throwMissing() const;
+
   // Absolute and without links; empty if there is none any more.
   std::string currentFolder_;
+  // An argument that does not exist.
+  std::string missing_;
 };
 
 }  // namespace soca::cli

@@ -177,8 +177,12 @@ TEST_F(UndoInFolders, TakesTheLastRunThere) {
       {"a folder of the run", "one", "undo a", ": 1 file in '" + here + "/one/a'\n",
        "one/a/A.vlm "},
       {"the same again", "one", "undo a", "run 1 is undone already in '" + here + "/one/a'", ""},
-      {"the rest, from below", "one/b", "undo", "run 1: 1 file is as it was before\n",
-       "one/a/A.vlm one/b/B.vlm "},
+      {"a folder that is gone", "one && mv b $XDG_STATE_HOME", "undo ./b",
+       "run 1: 0 files are as they were before, 1 is left", ""},
+      {"the rest, from below", "one && mv $XDG_STATE_HOME/b . && cd b", "undo",
+       "run 1: 1 file is as it was before\n", "one/a/A.vlm one/b/B.vlm "},
+      {"a misspelt folder", ".", "undo tow/b", "no file or folder; did you mean 'two/b'?; 'soca",
+       ""},
       {"one file of another run", "one", "undo ../two/b/B.vlm", "run 2: 1 file is",
        "one/a/A.vlm one/b/B.vlm two/b/B.vlm "},
       {"all trees", ".", "undo", "run 2: 1 file is",
@@ -196,7 +200,7 @@ TEST_F(UndoInFolders, TakesTheLastRunThere) {
 TEST_F(UndoInFolders, ADryRunSaysThatARunWaits) {
   interrupt(space_, 2);
   const std::string waits = "soca: warning: run 2 was interrupted; ";
-  const auto update = socaIn(".", "update -p one");
+  const auto update = socaIn(".", "update -q -p one");
   EXPECT_NE(update.err.find(waits + "the next run with --write, or 'soca undo', first puts"),
             std::string::npos)
       << update.err;
