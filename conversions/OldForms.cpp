@@ -1,10 +1,13 @@
 #include "conversions/OldForms.h"
 
 #include <algorithm>
+#include <array>
 #include <exception>
 #include <optional>
 #include <utility>
 
+#include "model/BlockParts.h"
+#include "model/PropertiesBlock.h"
 #include "platform/analyzer/FileAnalysis.h"
 #include "platform/analyzer/tree/Ast.h"
 #include "platform/paths/Overlay.h"
@@ -28,8 +31,23 @@ std::optional<fl::ustring> textOfSystemObject(const std::string& path) {
   return text;
 }
 
-bool isOldForm(const RuleConversion& conversion) {
-  return conversion.kind != ConversionKindType::emptyBlock;
+bool hasOldAttribute(const ca::astapi::PropertiesBlockNode& block) {
+  using enum PropertyAttributeType;
+  return std::ranges::any_of(std::array{Logical, PositiveInteger}, [&](auto attribute) {
+    return blockParts::hasLogicalAttribute(block, propertyAttributeName(attribute));
+  });
+}
+
+bool hasOldForm(const PlannedClass& planned) {
+  const auto isEmptyAndOld = [](const auto* block) {
+    return block->members.empty() && hasOldAttribute(*block);
+  };
+  const auto isOldForm = [&](const RuleConversion& conversion) {
+    return conversion.kind != ConversionKindType::emptyBlock ||
+           std::ranges::any_of(planned.analysis->getClassdef()->getPropertiesBlocks(),
+                               isEmptyAndOld);
+  };
+  return !planned.result.messages.empty() || std::ranges::any_of(planned.conversions, isOldForm);
 }
 
 }  // namespace
@@ -40,9 +58,7 @@ bool hasOldForms(const std::string& className, const std::string& path, UpdateMa
     if (!text) return false;
     const fl::filesystem::OverlayScope overlay(path, std::move(*text));
     const auto planned = planActions(fl::i18n::to_ustring(className), rules, false);
-    return std::ranges::any_of(planned, [](const PlannedClass& each) {
-      return !each.result.messages.empty() || std::ranges::any_of(each.conversions, isOldForm);
-    });
+    return std::ranges::any_of(planned, hasOldForm);
   } catch (const fl::filesystem::ReadError&) {
     throw;
   } catch (const std::exception&) {
