@@ -42,6 +42,9 @@ std::string undecidedLine(const std::string& file, const Failure& failure) {
   text += fmt::format(": error: undecided: {}", describeMissing(failure.missing.front()));
   const std::size_t more = failure.missing.size() - 1;
   if (more > 0) text += fmt::format(", and {} more", more);
+  if (failure.argument != failure.className) {
+    text += fmt::format(", in the update of class '{}'", failure.className);
+  }
   return text + " [SuperClassUnresolved]\n";
 }
 

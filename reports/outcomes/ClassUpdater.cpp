@@ -111,15 +111,20 @@ bool isAboutItself(const Failure& failure, const Target& target) {
 }
 
 // Empty for a class without a source file.
-std::string sourcePathOf(const Target& target) {
-  const auto description = sotarn::describeClass(target.className);
+std::string sourcePathOf(const std::string& className) {
+  const auto description = sotarn::describeClass(className);
   return description == nullptr ? std::string() : description->sourcePath;
 }
 
-// An undecided class: the reason in place of the service's text.
+// An undecided class, or one with a superclass of which that is not known: the reason in place of
+// the service's text.
 Failure describeUndecided(Failure failure, const std::string& path) {
-  failure.message = fmt::format("It is not known whether '{}' is a System object class: {}.",
-                                failure.className, describeMissing(failure.missing.front()));
+  const bool isSuperClass = failure.argument != failure.className;
+  failure.message =
+      fmt::format("It is not known whether '{}'{} is a System object class: {}.",
+                  isSuperClass ? failure.argument : failure.className,
+                  isSuperClass ? fmt::format(", a superclass of '{}',", failure.className) : "",
+                  describeMissing(failure.missing.front()));
   failure.path = path;
   try {
     failure.place = placeInSuperClassList(*ca::analyzeFile(path), failure.missing.front().name);
@@ -221,7 +226,9 @@ void ClassUpdater::finishPlan(PlannedClass& planned, SingleUpdate& single) const
 }
 
 bool ClassUpdater::isUndecided(const Failure& failure, const std::string& path) const {
-  return !request_.asService && !failure.missing.empty() && !path.empty() &&
+  if (request_.asService || failure.missing.empty() || path.empty()) return false;
+  // The old forms of a class with such a superclass do not matter: it would fail.
+  return failure.argument != failure.className ||
          hasOldForms(failure.className, path, request_.rules);
 }
 
@@ -232,11 +239,12 @@ void ClassUpdater::addFailure(const Target& target, Failure failure, TargetOutco
   const bool isOther = hasShortId(failure, ":NotASystemObject");
   const bool isNoneOfOurs =
       (isOther || hasShortId(failure, ":PFileExists")) && isAboutItself(failure, target);
-  const std::string path = isOther && isNoneOfOurs ? sourcePathOf(target) : std::string();
+  // That of the target or of a superclass.
+  const std::string path = isOther ? sourcePathOf(failure.argument) : std::string();
   using FileType = FileVerdict::Type;
   const bool holdsNoClass =
       failure.file == FileType::isEmpty || failure.file == FileType::holdsNoClass;
-  if (isUndecided(failure, path)) {
+  if (isOther && isUndecided(failure, path)) {
     outcome.undecided = describeUndecided(std::move(failure), path);
   } else if (isNoneOfOurs && target.mayHoldNoClass && holdsNoClass) {
     outcome.passedOver = {PassedOverFile::Type::isNamed, target.path,
