@@ -33,10 +33,9 @@ std::vector<Mistake> choose(const std::vector<Mistake>& mistakes, const std::set
   std::ranges::stable_sort(turns, {}, [](const auto& turn) { return turn.first; });
   for (auto& [turn, each] : turns) turn = ofFile[each.file]++;
   std::ranges::stable_sort(turns, {}, [](const auto& turn) { return turn.first; });
-  turns.erase(turns.begin() + static_cast<std::ptrdiff_t>(std::min(count, turns.size())),
-              turns.end());
-  std::vector<Mistake> chosen;
-  for (const auto& [turn, each] : turns) chosen.push_back(each);
+  turns.resize(std::min(count, turns.size()));
+  std::vector<Mistake> chosen(turns.size());
+  std::ranges::transform(turns, chosen.begin(), [](const auto& turn) { return turn.second; });
   std::ranges::sort(chosen, {}, [](const Mistake& each) {
     return std::tuple(each.file, each.line, each.number);
   });

@@ -32,7 +32,8 @@ bool isPlain(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0; 
 
 class Finder {
  public:
-  Finder(const std::string& file, std::string_view text) : file_(file), text_(text), source_(text) {
+  Finder(std::string file, std::string_view text)
+      : file_(std::move(file)), text_(text), source_(text) {
     findConstants();
   }
 
@@ -51,8 +52,8 @@ class Finder {
  private:
   void visit(std::size_t i) {
     const Token& token = source_[i];
-    if (source_.isBinaryOperator(i)) return changeOperator(i);
-    if (token.text == "(") return visitParentheses(i);
+    if (source_.isBinaryOperator(i)) changeOperator(i);
+    if (token.text == "(") visitParentheses(i);
     if (token.type == TokenType::number || token.type == TokenType::character) changeNumber(i);
     if (token.type == TokenType::text) changeText(i);
     if (token.text == "true") replace(KindType::constant, {i, i}, "false");

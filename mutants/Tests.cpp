@@ -32,6 +32,8 @@ constexpr double quickTest = 0.5;
 constexpr rlim_t largestFile = rlim_t{2} << 30U;
 constexpr rlim_t mostMemory = rlim_t{16} << 30U;
 
+double limitOf(const Test& test) { return secondsBesides + timesLonger * test.seconds; }
+
 void limitResources() {
   const rlimit file{largestFile, largestFile};
   const rlimit memory{mostMemory, mostMemory};
@@ -136,9 +138,7 @@ Test TestRunner::join(const std::vector<Test>& tests) const {
 std::string TestRunner::findFailing(const std::vector<Test>& tests, const Mistake& mistake,
                                     const std::string& likely) const {
   const std::string setting = fmt::format("MUTANTS_SELECTED={}", mistake.number);
-  const auto fails = [&](const Test& test) {
-    return !passes(test, setting, secondsBesides + timesLonger * test.seconds);
-  };
+  const auto fails = [&](const Test& test) { return !passes(test, setting, limitOf(test)); };
   std::map<std::string, std::vector<Test>> quick;
   std::vector<Test> slow;
   for (const Test& test : tests) {
@@ -152,9 +152,10 @@ std::string TestRunner::findFailing(const std::vector<Test>& tests, const Mistak
     const auto failing = std::ranges::find_if(joined, fails);
     if (failing != joined.end()) return failing->name;
   }
-  // A busy machine may make a test fail once.
-  const auto failing =
-      std::ranges::find_if(slow, [&](const Test& test) { return fails(test) && fails(test); });
+  const auto failing = std::ranges::find_if(slow, [&](const Test& test) {
+    // A busy machine may make a test fail once.
+    return fails(test) && !passes(test, setting, limitOf(test));
+  });
   return failing != slow.end() ? failing->name : "";
 }
 
