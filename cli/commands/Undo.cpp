@@ -206,7 +206,8 @@ Undo openRun(const RunStore& store, RunNumber run, const UndoRequest& request) {
   return undo;
 }
 
-bool goesOn() { return !wasInterrupted(); }
+// If only the reader of the messages is gone, the files are put back all the same.
+bool goesOn() { return !wasInterrupted() || interruptExitCode() == ExitCodeType::readerGone; }
 
 ExitCodeType preview(const RunStore& store, const UndoRequest& request, const Options& options,
                      Console& console) {
