@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <fstream>
 #include <functional>
-#include <map>
-#include <set>
 #include <sstream>
 #include <stdexcept>
 #include <tuple>
@@ -60,7 +58,7 @@ void write(const fs::path& target, const std::string& text, fs::perms permission
 }
 
 // A test may look at all that is in a folder.
-void removeOthers(const fs::path& target, const std::set<std::string>& wanted) {
+void removeOthers(const fs::path& target, const Project& wanted) {
   std::vector<fs::path> others;
   for (fs::recursive_directory_iterator it(target), end; it != end; ++it) {
     const std::string name = it->path().lexically_relative(target);
@@ -89,16 +87,26 @@ std::string mutate(std::string_view text, const std::vector<Mistake>& mistakes,
   return result.append(text, done);
 }
 
-void writeCopy(const fs::path& root, const std::vector<std::string>& files,
-               const std::vector<Mistake>& mistakes, const fs::path& target) {
+Project readProject(const fs::path& root, const std::vector<std::string>& names) {
+  Project project;
+  for (const std::string& name : names) {
+    project[name] = {readFile(root / name), fs::status(root / name).permissions()};
+  }
+  return project;
+}
+
+void writeCopy(const Project& project, const std::vector<Mistake>& mistakes,
+               const fs::path& target) {
   std::map<std::string, std::vector<Mistake>> byFile;
   for (const Mistake& mistake : mistakes) byFile[mistake.file].push_back(mistake);
-  for (const std::string& file : files) {
-    std::string text = readFile(root / file);
-    if (byFile.contains(file)) text = mutate(text, byFile[file], target / "mutants/Switch.h");
-    write(target / file, text, fs::status(root / file).permissions());
+  for (const auto& [name, file] : project) {
+    const auto& inFile = byFile[name];
+    const bool isMutated = !inFile.empty();
+    write(target / name,
+          isMutated ? mutate(file.text, inFile, target / "mutants/Switch.h") : file.text,
+          file.permissions);
   }
-  removeOthers(target, {files.begin(), files.end()});
+  removeOthers(target, project);
 }
 
 }  // namespace mutants

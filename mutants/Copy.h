@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,9 +19,18 @@ std::string readFile(const std::filesystem::path& path);
 std::string mutate(std::string_view text, const std::vector<Mistake>& mistakes,
                    const std::string& header);
 
-// Makes `target` have the project's `files`, with the mistakes, and nothing else outside of build/.
+// The files of a project, by their names relative to its root. All are read once, so that a change
+// of them during a run has no effect.
+struct ProjectFile {
+  std::string text;
+  std::filesystem::perms permissions = std::filesystem::perms::none;
+};
+using Project = std::map<std::string, ProjectFile>;
+Project readProject(const std::filesystem::path& root, const std::vector<std::string>& names);
+
+// Makes `target` have the project's files, with the mistakes, and nothing else outside of build/.
 // Files that are as they should be are not touched. Throws if something can't be written.
-void writeCopy(const std::filesystem::path& root, const std::vector<std::string>& files,
-               const std::vector<Mistake>& mistakes, const std::filesystem::path& target);
+void writeCopy(const Project& project, const std::vector<Mistake>& mistakes,
+               const std::filesystem::path& target);
 
 }  // namespace mutants

@@ -91,12 +91,11 @@ std::string describe(const Mistake& mistake) {
 
 // Makes and builds the copy. Mistakes that do not compile are replaced by others until all do.
 std::vector<Mistake> build(const Options& options, const fs::path& copy) {
-  const std::vector<std::string> files = readList(options.list);
+  const Project project = readProject(options.root, readList(options.list));
   std::vector<Mistake> mistakes;
-  for (const std::string& file : files) {
-    if (isMutated(file, options)) {
-      std::ranges::move(findMistakes(file, readFile(options.root / file)),
-                        std::back_inserter(mistakes));
+  for (const auto& [name, file] : project) {
+    if (isMutated(name, options)) {
+      std::ranges::move(findMistakes(name, file.text), std::back_inserter(mistakes));
     }
   }
   Notes useless(options.work / "useless");
@@ -104,7 +103,7 @@ std::vector<Mistake> build(const Options& options, const fs::path& copy) {
     auto chosen = choose(mistakes, useless.numbers(), options.count, options.seed);
     fmt::print(stderr, "mutants: building {} of {} possible mistakes\n", chosen.size(),
                mistakes.size());
-    writeCopy(options.root, files, chosen, copy);
+    writeCopy(project, chosen, copy);
     const auto failing = buildCopy(copy, chosen);
     if (failing.empty()) return chosen;
     for (const Mistake& mistake : failing) useless.add(mistake.number, "does not compile");
