@@ -137,7 +137,7 @@ TEST(Limits, WithoutThreadsNothingIsWritten) {
   const Workspace space;
   space.write("p/A.vlm", outdatedClass("A"));
   // Large stacks use the addresses up while there is memory for all else.
-  const std::string limits = memory(1'000'000) + " -s 180000";
+  const std::string limits = memory(1'000'000) + " -s 400000";
   // More files than the threads take before they wait for the first one.
   const std::string manyFiles = "check -j 1000 $(yes p/A.vlm | head -n 9000)";
   for (const std::string& arguments : {std::string("update --write -j 1000 p"), manyFiles}) {
