@@ -27,13 +27,14 @@ GitPlace Git::placeOfFolder(const std::string& path) {
     if (hasRepository(folder)) {
       const Opened& opened = open(folder);
       if (!opened.problem.empty()) return {.path = {}, .problem = opened.problem};
-      if (opened.repository != nullptr) {
-        // The repository may have its work tree at another place.
-        const auto relative = relativeTo(opened.repository->workFolder(), path);
-        if (!relative) return {};
+      const std::string& workFolder = opened.repository->workFolder();
+      if (const auto relative = relativeTo(workFolder, path)) {
         return {
             .repository = opened.repository.get(), .path = std::string(*relative), .problem = {}};
       }
+      return {.path = {},
+              .problem = fmt::format("'{}/.git' has its work tree in '{}'; mend core.worktree",
+                                     folder, workFolder)};
     }
     if (folder == "/") return {};
     folder = folderAbove(folder);

@@ -34,7 +34,7 @@ class Git {
   std::optional<std::string> findUncommitted(const std::string& file);
 
  private:
-  // One of the two is set; neither if the repository has no work tree.
+  // One of the two is set.
   struct Opened {
     std::unique_ptr<GitRepository> repository;
     std::string problem;

@@ -57,14 +57,27 @@ void checkFile(const fs::path& path) {
   }
 }
 
-void checkFilesBelow(const fs::path& folder) {
+// The folders that were entered, by device and number, since links may lead to any of them.
+using EnteredFolders = std::set<std::pair<dev_t, ino_t>>;
+
+void checkFilesBelow(const fs::path& folder, EnteredFolders& entered) {
   checkFile(folder);
+  struct stat status = {};
+  if (::stat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return;
+  if (!entered.insert({status.st_dev, status.st_ino}).second) return;
   std::error_code error;
-  fs::recursive_directory_iterator entries(folder, error);
-  for (; !error && entries != fs::recursive_directory_iterator(); entries.increment(error)) {
-    const bool isUsual = entries->is_regular_file(error) || entries->is_directory(error);
-    if (!isUsual) checkFile(entries->path());
+  fs::directory_iterator entries(folder, error);
+  for (; !error && entries != fs::directory_iterator(); entries.increment(error)) {
+    std::error_code unknown;
+    if (entries->is_regular_file(unknown)) continue;
+    checkFilesBelow(entries->path(), entered);
   }
+  if (error) fail(folder, "can't be read: " + error.message());
+}
+
+void checkFilesBelow(const fs::path& folder) {
+  EnteredFolders entered;
+  checkFilesBelow(folder, entered);
 }
 
 // Empty if there is none.
@@ -114,17 +127,10 @@ fs::path commonFolderOf(const fs::path& gitFolder) {
   return name.empty() ? gitFolder : gitFolder / name;
 }
 
-fs::path valuePath(std::string value, const fs::path& folder) {
-  std::erase(value, '"');
-  value.erase(std::min(value.find_last_not_of(" \t") + 1, value.size()));
+fs::path valuePath(const std::string& value, const fs::path& folder) {
   const char* home = std::getenv("HOME");
   if (value.starts_with("~/") && home != nullptr) return home + value.substr(1);
   return folder / value;
-}
-
-std::string_view withoutSpace(std::string_view text) {
-  const std::size_t start = std::min(text.find_first_not_of(" \t"), text.size());
-  return text.substr(start, text.find_last_not_of(" \t") + 1 - start);
 }
 
 std::string lowerCase(std::string_view text) {
@@ -135,22 +141,32 @@ std::string lowerCase(std::string_view text) {
   return result;
 }
 
-// Reads a configuration line by line.
+std::string withoutSpaceAtEnd(std::string text) {
+  text.erase(std::min(text.find_last_not_of(" \t\r") + 1, text.size()));
+  return text;
+}
+
+// Reads the settings of a configuration one by one.
 class ConfigurationReader {
  public:
-  // Whether the line has a key; the name of a section may stand before it.
-  bool read(std::string_view line) {
-    line = withoutSpace(line);
-    if (line.starts_with('[')) {
-      const std::size_t end = std::min(line.find(']'), line.size() - 1);
-      section_ = lowerCase(line.substr(1, std::min(line.find_first_of(" \t\"]"), end) - 1));
-      line = withoutSpace(line.substr(end + 1));
+  explicit ConfigurationReader(std::string text) : text_(std::move(text)) {}
+
+  // False at the end.
+  bool next() {
+    while (at_ < text_.size()) {
+      const char first = text_[at_];
+      if (first == '[') {
+        readSection();
+      } else if (first == '#' || first == ';') {
+        at_ = std::min(text_.find('\n', at_), text_.size());
+      } else if (std::isspace(static_cast<unsigned char>(first)) != 0) {
+        ++at_;
+      } else {
+        readSetting();
+        return true;
+      }
     }
-    const std::size_t sign = line.find('=');
-    if (sign == std::string_view::npos) return false;
-    key_ = lowerCase(withoutSpace(line.substr(0, sign)));
-    value_ = withoutSpace(line.substr(sign + 1));
-    return !value_.empty();
+    return false;
   }
 
   bool isInclude() const { return section_.starts_with("include") && key_ == "path"; }
@@ -160,6 +176,57 @@ class ConfigurationReader {
   const std::string& value() const { return value_; }
 
  private:
+  void readSection() {
+    const std::size_t start = ++at_;
+    bool isQuoted = false;
+    for (; at_ < text_.size() && text_[at_] != '\n'; ++at_) {
+      if (text_[at_] == '"') isQuoted = !isQuoted;
+      if (text_[at_] == ']' && !isQuoted) break;
+    }
+    const std::string_view header = std::string_view(text_).substr(start, at_ - start);
+    section_ = lowerCase(header.substr(0, header.find_first_of(" \t\".")));
+    if (at_ < text_.size()) ++at_;
+  }
+
+  void readSetting() {
+    const std::size_t end = std::min(text_.find_first_of("=\n", at_), text_.size());
+    key_ = lowerCase(withoutSpaceAtEnd(text_.substr(at_, end - at_)));
+    value_.clear();
+    at_ = end;
+    if (at_ < text_.size() && text_[at_] == '=') {
+      at_ = std::min(text_.find_first_not_of(" \t", at_ + 1), text_.size());
+      readValue();
+    }
+  }
+
+  // Up to the end of the line or a comment.
+  void readValue() {
+    bool isQuoted = false;
+    for (; at_ < text_.size() && text_[at_] != '\n'; ++at_) {
+      const char letter = text_[at_];
+      if (letter == '"') {
+        isQuoted = !isQuoted;
+      } else if (letter == '\\') {
+        readEscape();
+      } else if (!isQuoted && (letter == '#' || letter == ';')) {
+        at_ = std::min(text_.find('\n', at_), text_.size());
+        break;
+      } else {
+        value_ += letter;
+      }
+    }
+    value_ = withoutSpaceAtEnd(std::move(value_));
+  }
+
+  // A backslash joins lines, and makes a letter an ordinary one.
+  void readEscape() {
+    if (text_.compare(at_ + 1, 1, "\r") == 0) ++at_;
+    ++at_;
+    if (at_ < text_.size() && text_[at_] != '\n') value_ += text_[at_];
+  }
+
+  std::string text_;
+  std::size_t at_ = 0;
   std::string section_;
   std::string key_;
   std::string value_;
@@ -174,14 +241,26 @@ SlowestPattern checkConfiguration(const fs::path& path, int depth = 0) {
   SlowestPattern slowest;
   checkFile(path);
   if (depth > maximumDepth) return slowest;
-  ConfigurationReader reader;
-  for (const std::string& line : readLines(path)) {
-    if (!reader.read(line)) continue;
+  ConfigurationReader reader(readText(path));
+  while (reader.next()) {
     const fs::path named = valuePath(reader.value(), path.parent_path());
     if (reader.isInclude()) keepSlowest(slowest, checkConfiguration(named, depth + 1));
     if (reader.namesRules()) keepSlowest(slowest, checkRules(named));
   }
   return slowest;
+}
+
+// The reference, and those that it stands for.
+void checkReference(const fs::path& git, const fs::path& common, const std::string& name) {
+  constexpr std::string_view prefix = "ref:";
+  std::string target = name;
+  for (int depth = 0; depth < maximumDepth; ++depth) {
+    checkFile(common / target);
+    checkFile(git / target);
+    const std::string line = withoutSpaceAtEnd(firstLine(git / target));
+    if (!line.starts_with(prefix)) return;
+    target = line.substr(std::min(line.find_first_not_of(" \t", prefix.size()), line.size()));
+  }
 }
 
 void checkObjectFolder(const fs::path& folder, std::set<std::string>& checked) {
@@ -231,6 +310,7 @@ SlowestPattern checkRepositoryFiles(const std::string& folder) {
 void checkObjectFiles(const std::string& folder) {
   const fs::path git = gitFolderOf(fs::path(folder) / ".git");
   const fs::path common = commonFolderOf(git);
+  checkReference(git, common, "HEAD");
   checkFilesBelow(git / "refs");
   checkFilesBelow(common / "refs");
   std::set<std::string> checked;

@@ -60,7 +60,10 @@ std::unique_ptr<GitRepository> GitRepository::open(const std::string& folder) {
       git->repository_open_ext(&opened, folder.c_str(), GIT_REPOSITORY_OPEN_NO_SEARCH, nullptr);
   if (error != 0) failToOpen(*git, folder, error);
   Repository repository(opened);
-  if (git->repository_workdir(opened) == nullptr) return nullptr;
+  if (git->repository_workdir(opened) == nullptr) {
+    throw GitError(
+        fmt::format("'{}/.git' says that it has no work tree; set core.bare to false", folder));
+  }
   return std::unique_ptr<GitRepository>(
       new GitRepository(git, std::move(repository), folder, std::move(ownRules)));
 }

@@ -25,7 +25,7 @@ enum class GitStateType {
 // from several threads. All paths are relative to the work folder.
 class GitRepository {
  public:
-  // The repository whose `.git` is in the folder; null if it has no work tree. Throws GitError.
+  // The repository whose `.git` is in the folder. Throws GitError.
   static std::unique_ptr<GitRepository> open(const std::string& folder);
 
   // The top folder of the work tree, without links and without a slash at its end.
