@@ -3,6 +3,7 @@
 #include <fmt/core.h>
 
 #include <exception>
+#include <numeric>
 #include <optional>
 #include <system_error>
 #include <thread>
@@ -253,7 +254,7 @@ void UpdateRun::writeAll() {
 }
 
 void UpdateRun::updateChangedAgain() {
-  const std::vector<std::size_t> changed = findChanged(reads_);
+  std::vector<std::size_t> changed = findChanged(reads_);
   if (changed.empty()) return;
   console_->tell(fmt::format("files have changed since they were read; {} again",
                              changed.size() == 1
@@ -268,6 +269,8 @@ void UpdateRun::updateChangedAgain() {
       if (!wasInterrupted()) updateAgain(entry);
     }
   }
+  // What failed or no longer changes is not written anyway.
+  std::erase_if(changed, [&](std::size_t i) { return !queue_->entries()[i].hasNewFile; });
   if (wasInterrupted()) return;
   for (const std::size_t entry : findChanged(reads, changed)) {
     failWriting(entry, std::string(changedReason));
@@ -276,18 +279,14 @@ void UpdateRun::updateChangedAgain() {
 }
 
 std::vector<std::size_t> UpdateRun::findChanged(const sotarn::ReadClasses& reads) const {
-  std::vector<std::size_t> withNewFile;
-  const auto& entries = queue_->entries();
-  for (std::size_t i = 0; i < entries.size(); ++i) {
-    if (entries[i].hasNewFile) withNewFile.push_back(i);
-  }
-  return findChanged(reads, std::move(withNewFile));
+  std::vector<std::size_t> entries(queue_->entries().size());
+  std::iota(entries.begin(), entries.end(), std::size_t{0});
+  std::erase_if(entries, [&](std::size_t i) { return queue_->entries()[i].sharesFile; });
+  return findChanged(reads, std::move(entries));
 }
 
 std::vector<std::size_t> UpdateRun::findChanged(const sotarn::ReadClasses& reads,
                                                 std::vector<std::size_t> entries) const {
-  const auto hasNoNewFile = [&](std::size_t i) { return !queue_->entries()[i].hasNewFile; };
-  std::erase_if(entries, hasNoNewFile);
   std::vector<std::string> names;
   for (const std::size_t i : entries) names.push_back(queue_->entries()[i].className);
   const auto changed = reads.findChanged(names);
@@ -415,6 +414,7 @@ ExitCodeType UpdateRun::exitCode() const {
   if (!fatalError_.empty() || leftAlone > 0 || guard_.stopsTheRun() || lookedAtNothing()) {
     return ExitCodeType::failed;
   }
+  if (queue_ && queue_->hasFailedRepair()) return ExitCodeType::failed;
   return options_->check && summary_.changed > 0 ? ExitCodeType::somethingToChange
                                                  : ExitCodeType::done;
 }

@@ -70,7 +70,7 @@ class UpdateRun {
   // Updates the classes again whose answers came from files that have changed since; they fail if
   // the files change once more. To be called under the lock for writing.
   void updateChangedAgain();
-  // The queue's entries with a new file, of all or of some, that no longer belong to the files.
+  // The queue's entries, of all or of some, that no longer belong to the files.
   std::vector<std::size_t> findChanged(const sotarn::ReadClasses& reads) const;
   std::vector<std::size_t> findChanged(const sotarn::ReadClasses& reads,
                                        std::vector<std::size_t> entries) const;

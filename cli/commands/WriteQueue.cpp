@@ -18,13 +18,20 @@ WriteQueue::WriteQueue(Console* console) : console_(console) {
   // The files beside the class files must be deleted even if the reader of the output is gone.
   catchBrokenPipes();
   if (const auto lock = lockRuns(store_, *console_)) {
-    repaired_ = repairAndReport(store_, *lock, *console_);
+    repair(*lock);
     tellOfDamaged(store_, *console_);
   }
 }
 
+void WriteQueue::repair(const RunStore::Lock& lock) {
+  repaired_ = repairAndReport(store_, lock, *console_, repaired_);
+  hasFailedRepair_ = std::ranges::any_of(
+      repaired_, [](const RepairedRun& run) { return !run.result.failed.empty(); });
+}
+
 void WriteQueue::add(const ClassOutcome& outcome, bool hasNewFile) {
   entries_.push_back(makeEntry(outcome, hasNewFile));
+  entries_.back().sharesFile = outcome.update.hasNewText() && !hasNewFile;
 }
 
 WriteQueue::Entry WriteQueue::makeEntry(const ClassOutcome& outcome, bool hasNewFile) {
@@ -52,9 +59,11 @@ void WriteQueue::drop(std::size_t entry) {
 }
 
 bool WriteQueue::lock() {
-  if (std::ranges::none_of(entries_, &Entry::hasNewFile)) return false;
+  const bool hasNewFiles = std::ranges::any_of(entries_, &Entry::hasNewFile);
+  // A run that could not be repaired before would take its files back later.
+  if (!hasNewFiles && interruptedRuns(store_).empty()) return false;
   lock_ = lockRuns(store_, *console_);
-  if (lock_) repairAndReport(store_, *lock_, *console_, repaired_);
+  if (lock_) repair(*lock_);
   if (lock_ && !wasInterrupted()) return true;
   lock_.reset();
   return false;

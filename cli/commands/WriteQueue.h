@@ -24,6 +24,8 @@ class WriteQueue {
     std::string file;
     Spool::Place data;
     bool hasNewFile = false;
+    // Whether it would change, but another entry has the new file.
+    bool sharesFile = false;
     // Only for an entry with a new file.
     Spool::Place newBytes;
     fl::filesystem::FileStamp stamp;
@@ -47,7 +49,7 @@ class WriteQueue {
   void drop(std::size_t entry);
 
   // Waits until no other program writes, and repairs what it may have left. Returns false if there
-  // is nothing to write, or if the run was interrupted meanwhile.
+  // is nothing to write or to repair, or if the run was interrupted meanwhile.
   bool lock();
 
   // Writes all new files, if the lock is held. If it throws JournalError or std::runtime_error, no
@@ -59,8 +61,12 @@ class WriteQueue {
   FateType fateOf(std::size_t entry) const;
   const std::string& reasonOfFailure(std::size_t entry) const;
   const BatchResult& result() const { return result_; }
+  // Whether the repair of an interrupted run failed, so that the next run has to finish it.
+  bool hasFailedRepair() const { return hasFailedRepair_; }
 
  private:
+  // Under the lock.
+  void repair(const RunStore::Lock& lock);
   Entry makeEntry(const ClassOutcome& outcome, bool hasNewFile);
 
   Console* console_;
@@ -68,6 +74,7 @@ class WriteQueue {
   std::optional<RunStore::Lock> lock_;
   // The runs whose repair was reported before the first class was read.
   std::vector<RepairedRun> repaired_;
+  bool hasFailedRepair_ = false;
   Spool data_;
   Spool newBytes_;
   std::vector<Entry> entries_;

@@ -1,9 +1,14 @@
 // The program while files change and system calls fail, which strace brings about.
+#include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
-#include <atomic>
+#include <algorithm>
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <functional>
+#include <random>
 #include <thread>
 
 #include "tests/Places.h"
@@ -14,10 +19,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool canTrace() {
-  const Workspace space;
-  return space.run({"strace", "-qq", "-e", "trace=none", "true"}).exitCode == 0;
+// False without strace, without the right to trace, and for a program that refuses to be traced
+// because it is built with a sanitizer.
+bool canTrace(const Workspace& space) {
+  return space.run({"strace", "-qq", "-e", "trace=none", programPath(), "--version"}).exitCode == 0;
 }
+
+constexpr const char* whyNotTraced = "the program cannot be traced by strace";
 
 // The output of an update that has computed everything, and then waits for some time for its turn
 // to write, while `change` is called. It looks at files slowly, so that others can change them.
@@ -43,7 +51,7 @@ void writeClasses(const Workspace& space) {
 }
 
 TEST(ChangedFiles, ClassesAreUpdatedAgain) {
-  if (!canTrace()) GTEST_SKIP() << "strace is not installed, or may not trace";
+  if (!canTrace(Workspace())) GTEST_SKIP() << whyNotTraced;
   constexpr const char* again = "files have changed since they were read; ";
   const struct {
     const char* what;
@@ -90,7 +98,7 @@ TEST(ChangedFiles, ClassesAreUpdatedAgain) {
 }
 
 TEST(ChangedFiles, ClassesFailWhoseFilesKeepChanging) {
-  if (!canTrace()) GTEST_SKIP() << "strace is not installed, or may not trace";
+  if (!canTrace(Workspace())) GTEST_SKIP() << whyNotTraced;
   const Workspace space;
   writeClasses(space);
   const std::string old = space.read("Top.vlm");
@@ -112,6 +120,165 @@ TEST(ChangedFiles, ClassesFailWhoseFilesKeepChanging) {
       << output;
   EXPECT_EQ(space.read("Top.vlm"), old);
   EXPECT_NE(space.read("Other.vlm"), outdatedClass("Other"));
+}
+
+// One system call of a run: the one with that number among those of its name.
+struct Call {
+  std::string name;
+  unsigned number = 0;
+};
+
+// A command that changes files, and their state before it.
+struct Command {
+  const char* what;
+  std::vector<std::string> arguments;
+  // Whether files are updated before, and the command whose tenth file is the last before it is
+  // killed; empty for none.
+  bool isAfterUpdate;
+  std::vector<std::string> killed;
+};
+
+// A failure of `close` would only be pretended, and `geteuid` has none. After `exit_group` nothing
+// is left to do.
+bool isLeftOut(std::string_view name) {
+  constexpr std::string_view names[] = {"close", "exit_group", "futex", "geteuid"};
+  return std::ranges::find(names, name) != std::end(names);
+}
+
+using Files = std::map<std::string, std::string>;
+
+class InjectedFaults : public ::testing::Test {
+ protected:
+  InjectedFaults() {
+    for (int i = 0; i < 5; ++i) {
+      old_[fmt::format("p/Base{}.vlm", i)] =
+          fmt::format("classdef Base{} < handle\nmethods\nfunction f{}(obj),end\nend\nend\n", i, i);
+    }
+    for (int i = 0; i < 20; ++i) {
+      old_[fmt::format("q{}/C{}.vlm", i % 3, i)] = fmt::format(
+          "classdef C{} < velum.system.mixin.Propagates & p.Base{}\n"
+          "properties (Logical)\nP = true;\nend\nend\n",
+          i, i % 5);
+    }
+    restore();
+    EXPECT_EQ(space_.soca(update_).exitCode, 0);
+    new_ = space_.readAll();
+  }
+
+  void restore() {
+    fs::remove_all(space_.statePath());
+    for (const auto& entry : fs::directory_iterator(space_.path())) fs::remove_all(entry);
+    for (const auto& [name, bytes] : old_) space_.write(name, bytes);
+  }
+
+  ProgramResult trace(std::vector<std::string> options, const std::vector<std::string>& arguments) {
+    options.insert(options.begin(), {"strace", "-qq", "-o", log_});
+    options.push_back(programPath());
+    options.insert(options.end(), arguments.begin(), arguments.end());
+    return space_.run(options);
+  }
+
+  void prepare(const Command& command) {
+    restore();
+    if (command.isAfterUpdate) space_.soca(update_);
+    if (!command.killed.empty()) trace({"-e", "inject=rename:signal=KILL:when=10"}, command.killed);
+  }
+
+  // The calls of the command without faults, from the first one of its `main` on.
+  std::vector<Call> callsOf(const Command& command) {
+    prepare(command);
+    EXPECT_EQ(trace({}, command.arguments).exitCode, 0);
+    std::ifstream log(log_);
+    std::map<std::string, unsigned> numbers;
+    std::vector<Call> calls;
+    bool isInMain = false;
+    for (std::string line; std::getline(log, line);) {
+      const std::string name = line.substr(0, line.find('('));
+      const unsigned number = ++numbers[name];
+      // It looks whether its outputs are terminals.
+      isInMain = isInMain || name == "ioctl";
+      if (isInMain && !isLeftOut(name)) calls.push_back({name, number});
+    }
+    return calls;
+  }
+
+  // No file is torn, none is left behind, and exit code 0 means that all is done; the next run
+  // finishes what is left.
+  void expectSafe(const Command& command, const ProgramResult& result) {
+    const Files& wanted = command.arguments.front() == "undo" ? old_ : new_;
+    const Files files = space_.readAll();
+    for (const auto& [name, bytes] : old_) {
+      const auto found = files.find(name);
+      ASSERT_NE(found, files.end()) << name << " is gone";
+      EXPECT_TRUE(found->second == bytes || found->second == new_.at(name)) << found->second;
+    }
+    EXPECT_TRUE(result.exitCode == 2 || (result.exitCode == 0 && files == wanted))
+        << result.exitCode << '\n'
+        << result.err;
+    EXPECT_TRUE(result.exitCode == 0 || !result.err.empty());
+    const auto again = space_.soca(update_);
+    EXPECT_EQ(again.exitCode, 0) << again.err;
+    EXPECT_EQ(space_.readAll(), new_) << again.err;
+  }
+
+  // Files in memory are flushed at once.
+  const int usesMemory_ = ::access("/dev/shm", W_OK) == 0 ? ::setenv("TMPDIR", "/dev/shm", 0) : 0;
+  const Workspace space_;
+  const std::vector<std::string> update_ = {"update", "--write", "-j", "1"};
+  std::string log_ = space_.statePath().string() + ".log";
+  Files old_;
+  Files new_;
+};
+
+// Makes each system call fail in each way, or, without FAULTS in the environment, a few of them.
+TEST_F(InjectedFaults, OfSystemCallsTearNoFileAndAreReported) {
+  if (!canTrace(space_)) GTEST_SKIP() << whyNotTraced;
+  const char* wanted = std::getenv("FAULTS");
+  const unsigned long most = wanted == nullptr ? 10 : std::strtoul(wanted, nullptr, 10);
+  const Command commands[] = {
+      {"an update", update_, false, {}},
+      {"an undo", {"undo"}, true, {}},
+      {"an update that repairs an update", update_, false, update_},
+      {"an update that completes an undo", update_, true, {"undo"}},
+  };
+  std::mt19937 random(1);
+  for (const Command& command : commands) {
+    std::vector<std::pair<Call, const char*>> faults;
+    for (const Call& call : callsOf(command)) {
+      for (const char* error : {"EIO", "ENOSPC", "EACCES", "EINTR", "EMFILE"}) {
+        faults.emplace_back(call, error);
+      }
+    }
+    EXPECT_GT(faults.size(), 1000) << command.what;
+    std::ranges::shuffle(faults, random);
+    faults.resize(std::min<std::size_t>(faults.size(), most));
+    for (const auto& [call, error] : faults) {
+      SCOPED_TRACE(fmt::format("{}: {} of {} {}", command.what, error, call.name, call.number));
+      prepare(command);
+      const auto fault = fmt::format("inject={}:error={}:when={}", call.name, error, call.number);
+      expectSafe(command, trace({"-e", fault}, command.arguments));
+      if (HasFatalFailure()) return;
+    }
+  }
+}
+
+TEST_F(InjectedFaults, OfARepairAreNotForgotten) {
+  if (!canTrace(space_)) GTEST_SKIP() << whyNotTraced;
+  const std::string journal = (space_.statePath() / "soca/runs/1/before").string();
+  const Command command = {"an update that repairs an update", update_, false, update_};
+  // Repaired only after the update has read the files: what it was to leave alone is updated too.
+  prepare(command);
+  const auto late = trace({"-P", journal, "-e", "inject=openat:error=EMFILE:when=1"}, update_);
+  EXPECT_EQ(late.exitCode, 0);
+  EXPECT_NE(late.err.find("20 changed"), std::string::npos) << late.err;
+  EXPECT_EQ(space_.readAll(), new_);
+  // A file that cannot be removed waits for the next run.
+  prepare(command);
+  const auto half = trace({"-e", "inject=unlink:error=EACCES:when=1"}, update_);
+  EXPECT_EQ(half.exitCode, 2);
+  EXPECT_NE(half.err.find("this is tried again"), std::string::npos) << half.err;
+  EXPECT_EQ(space_.soca(update_).exitCode, 0);
+  EXPECT_EQ(space_.readAll(), new_);
 }
 
 }  // namespace
