@@ -9,7 +9,6 @@
 #include <utility>
 #include <vector>
 
-#include "diagnostics/Findings.h"
 #include "diagnostics/Messages.h"
 #include "diagnostics/RaiseErrMsgId.h"
 
@@ -57,18 +56,8 @@ TEST(Raise, EachFailureIsAnExceptionOfItsOwnType) {
   const fl::ustring name = u"a.\u00DC";
   expectRaised(messages::NotASystemObject(name), "NotASystemObject",
                u"'a.\u00DC' is not a System object class, so it cannot be updated.");
-  expectRaised(messages::SyntaxError(name), "SyntaxError",
-               u"The file 'a.\u00DC' has syntax errors.");
-  expectRaised(messages::CodeAnalyzerError(name), "CodeAnalyzerError",
-               u"The code analyzer could not process the file 'a.\u00DC'.");
   expectRaised(messages::NoFileForClass(std::string("a.\xC3\x9C")), "NoFileForClass",
                u"No file on the class path belongs to class 'a.\u00DC'.");
-  expectRaised(messages::PFileExists(name), "PFileExists",
-               u"The class is found as a p-file, which cannot be updated. Its source file is "
-               u"'a.\u00DC'.");
-  expectRaised(
-      messages::OverlappingExtent(name), "OverlappingExtent",
-      u"Two edits of the file 'a.\u00DC' fall on the same lines, so it cannot be updated.");
 }
 
 TEST(Raise, ArgumentsKeepTheirKind) {
@@ -123,15 +112,6 @@ TEST(Raise, TheLegacyChannelIsCalledFirstAndMayThrowInstead) {
     EXPECT_THROW(raiseErrMsgId(message), std::out_of_range);
   }
   EXPECT_THROW(raiseErrMsgId(message), IMsgIDException);
-}
-
-TEST(Findings, HaveTextsWithTheirArguments) {
-  EXPECT_EQ(findingText("AssociatedStringSetHasGetter", {u"Mode", u"ModeSet"}),
-            u"The StringSet of property 'Mode' cannot be converted: the set property 'ModeSet' has "
-            u"a get method.");
-  EXPECT_EQ(findingText(messages::DeprecatedImplReferenced(u"f")),
-            u"Method 'f' was deleted, and the source code still refers to it. Remove these "
-            u"references.");
 }
 
 }  // namespace

@@ -133,14 +133,6 @@ TEST(Blocks, LogicalAttributesAsListed) {
   }
 }
 
-TEST(Blocks, AttributeNames) {
-  EXPECT_EQ(propertyAttributeName(PropertyAttributeType::AbortSet), u"AbortSet");
-  EXPECT_EQ(propertyAttributeName(PropertyAttributeType::Logical), u"Logical");
-  EXPECT_EQ(propertyAttributeName(PropertyAttributeType::ControlledDynamicEnumerations),
-            u"ControlledDynamicEnumerations");
-  EXPECT_EQ(methodAttributeName(MethodAttributeType::Sealed), u"Sealed");
-}
-
 TEST(Blocks, Extents) {
   struct Row {
     const char* opening;
@@ -169,18 +161,6 @@ TEST(Blocks, Extents) {
     EXPECT_EQ(block.getClosingExtent(), (Extent{{2, 2}, {2, 5}}));
     EXPECT_EQ(block.getFullExtent(), (Extent{{1, 2}, {2, 5}}));
   }
-}
-
-TEST(Blocks, EqualityOfAccess) {
-  using Access = PropertyAccessType;
-  const PropertyAccess privateAccess = {Access::privateAccess, Access::privateAccess};
-  EXPECT_TRUE(privateAccess == privateAccess);
-  EXPECT_TRUE((privateAccess != PropertyAccess{Access::privateAccess, Access::publicAccess}));
-  EXPECT_TRUE((privateAccess != PropertyAccess{Access::publicAccess, Access::privateAccess}));
-  const PropertyAccess unknownGet = {Access::otherExpression, Access::publicAccess};
-  const PropertyAccess unknownSet = {Access::publicAccess, Access::otherExpression};
-  EXPECT_FALSE(unknownGet == unknownGet);
-  EXPECT_TRUE(unknownSet != unknownSet);
 }
 
 TEST(Blocks, MovingMovesTheEntries) {

@@ -23,16 +23,6 @@ TEST(AnalyzerPositions, Conversions) {
   EXPECT_EQ(printed(makeExtentOfNode(*analysis, *analysis->getClassdef())), "From (0,0) to (4,3)");
 }
 
-TEST(ClassDefinition, Empty) {
-  const ModelOfText model(u"classdef C\nend\n");
-  EXPECT_TRUE(model.definition->getSuperClasses().empty());
-  EXPECT_TRUE(model.definition->getMembers().empty());
-  EXPECT_EQ(model.definition->getNumberOfPropertiesBlocks(), 0U);
-  EXPECT_EQ(model.definition->getNumberOfMethodsBlocks(), 0U);
-  EXPECT_EQ(model.definition->findProperty(u"a"), nullptr);
-  EXPECT_EQ(model.definition->findMethod(u"a"), nullptr);
-}
-
 TEST(ClassDefinition, SuperClasses) {
   const ModelOfText model(u"classdef Foo < a.b & c & ...\n  d.e.f\nend\n");
   const auto& superClasses = model.definition->getSuperClasses();
@@ -87,16 +77,6 @@ TEST(ClassDefinition, LookUpFindsTheFirst) {
     EXPECT_EQ(block.findProperty(u"A"), &block.getProperties()[0]);
     EXPECT_EQ(block.findProperty(u"B"), nullptr);
   }
-}
-
-TEST(ClassDefinition, ForwardsToTheMetadata) {
-  ModelOfText model(u"classdef C\nend\n");
-  EXPECT_FALSE(model.definition->isStrictDefaultsClass());
-  model.metaClass.strictDefaults = true;
-  model.metaClass.inheritedMethods = {u"f"};
-  EXPECT_TRUE(model.definition->isStrictDefaultsClass());
-  EXPECT_TRUE(model.definition->isMethodDefinedInSuperClass(u"f"));
-  EXPECT_FALSE(model.definition->isMethodDefinedInSuperClass(u"g"));
 }
 
 }  // namespace

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "tests/model/ModelOfText.h"
 
 namespace soca {
@@ -28,13 +26,6 @@ TEST(Extent, StartsWithinLinesOf) {
   for (const Row& row : rows) {
     EXPECT_EQ(row.extent.startsWithinLinesOf(row.other), row.expected) << row.shows;
   }
-}
-
-TEST(Extent, OrderOfPositions) {
-  EXPECT_LT((SourcePosition{1, 9}), (SourcePosition{2, 0}));
-  EXPECT_LT((SourcePosition{1, 8}), (SourcePosition{1, 9}));
-  EXPECT_NE((Extent{{0, 0}, {0, 1}}), (Extent{{0, 0}, {0, 2}}));
-  EXPECT_NE((Extent{{0, 0}, {0, 2}}), (Extent{{0, 1}, {0, 2}}));
 }
 
 TEST(Extent, Prints) {

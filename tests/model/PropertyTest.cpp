@@ -142,19 +142,5 @@ TEST(Property, ReferencesThroughDot) {
   EXPECT_TRUE(propertyOf(atTheEnd).isReferencedThroughDot());
 }
 
-TEST(Property, MetadataByName) {
-  ModelOfText model = classWithProperty("Foo\nBar");
-  model.metaClass.abstractProperties = {u"Foo"};
-  model.metaClass.dependentProperties = {u"Bar"};
-  model.metaClass.sets[u"Bar"] = {1, 2, u"BarSet", {u"a"}};
-  const auto& properties = model.definition->getPropertiesBlocks()[0].getProperties();
-  EXPECT_TRUE(properties[0].isAbstract());
-  EXPECT_FALSE(properties[0].isDependent());
-  EXPECT_EQ(properties[0].getConstrainedSetInfo().kind, 0U);
-  EXPECT_FALSE(properties[1].isAbstract());
-  EXPECT_TRUE(properties[1].isDependent());
-  EXPECT_EQ(properties[1].getConstrainedSetInfo().setPropertyName, u"BarSet");
-}
-
 }  // namespace
 }  // namespace soca

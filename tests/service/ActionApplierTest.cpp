@@ -29,15 +29,6 @@ TEST(ActionGroup, Extent) {
   EXPECT_EQ(group()->getExtent(), (Extent{{allOnes, allOnes}, {0, 0}}));
 }
 
-TEST(ActionGroup, OwnsItsChildren) {
-  ActionList children = listOf(edit({}), edit({}));
-  const ActionGroup taken(std::move(children));
-  EXPECT_TRUE(children.empty());  // NOLINT(bugprone-use-after-move): documented effect
-  EXPECT_EQ(taken.getActions().size(), 2U);
-  EXPECT_TRUE(taken.isGroup());
-  EXPECT_FALSE(taken.getActions().front()->isGroup());
-}
-
 // The text after the actions; "overlap" if one overlaps an earlier one.
 std::string applied(const fl::ustring& text, const ActionList& actions) {
   SourceFile file(text);
@@ -93,13 +84,6 @@ TEST(ActionApplier, Overlaps) {
   for (const Row& row : rows) {
     EXPECT_EQ(applied(u"abc\nd\ne\nf", row.actions), row.expected) << row.shows;
   }
-}
-
-TEST(ActionApplier, RemovesDelimiters) {
-  EXPECT_EQ(
-      applied(u"a ;b", listOf(edit({{{0, 0}, {0, 1}}, u"x", SourceFile::ConsumeListDelimiter}))),
-      "xb");
-  EXPECT_EQ(applied(u"a ;b", listOf(edit({{{0, 0}, {0, 1}}, u"x"}))), "x ;b");
 }
 
 TEST(ActionApplier, ColumnsInAGroupAreNotAdjusted) {
