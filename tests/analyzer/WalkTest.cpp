@@ -84,11 +84,5 @@ TEST(Walk, RefusesBrokenTrees) {
   EXPECT_EQ(messageFor(input), "InputArgument has neither an Identifier nor an Ignored");
 }
 
-TEST(Walk, NeedsAFunction) {
-  NodeVisitor<Identifier> visitor(nullptr);
-  EXPECT_THROW(visitor(analyzeText(u"x")->getRootNode()), std::bad_function_call);
-  EXPECT_NO_THROW(visitor(analyzeText(u"1")->getRootNode()));
-}
-
 }  // namespace
 }  // namespace ca

@@ -1,26 +1,20 @@
 // The bundle without the runtime, in the steps in which the runtime uses it.
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
-#include <chrono>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
-#include <thread>
 
 #include "platform/component/ComponentInstance.h"
-#include "platform/failure/Exception.h"
 #include "platform/paths/PathDispatcher.h"
 #include "rules/RuleFamilies.h"
 #include "service/UpdaterImpl.h"
 #include "tests/Places.h"
 #include "tests/bundle/BundleFile.h"
 #include "tests/bundle/ResourceArchive.h"
-#include "tests/platform/TemporaryFolder.h"
 
 namespace {
 
@@ -129,71 +123,7 @@ TEST_P(BundleModule, HasTheResultsOfTheSystemInThisProcess) {
   }
 }
 
-TEST_P(BundleModule, FailsWithAnIdThatItsClientCanRead) {
-  const auto updater = newUpdater();
-  try {
-    updater->update(u"no.Class", allFamilies, false);
-    FAIL() << "it should not succeed";
-  } catch (const foundation::core::except::IMsgIDException& failure) {
-    EXPECT_EQ(failure.GetID(), "VELUM:system:Analyzer:NotASystemObject");
-    EXPECT_EQ(failure.GetUnicodeMessageTxt(),
-              u"'no.Class' is not a System object class, so it cannot be updated.");
-  }
-}
-
-class ChangedFiles : public BundleModule {
- protected:
-  ChangedFiles() { PathDispatcher::getDispatcher().setClassPath({root_.path()}); }
-
-  void write(const std::string& base, const std::string& property) {
-    root_.write("Base.vlm",
-                "classdef Base < velum.System\nproperties (" + base + ")\nG\nend\nend\n");
-    path_ =
-        root_.write("C.vlm", "classdef C < Base\nproperties (Logical)\n" + property +
-                                 " = 1;\nend\nproperties (PositiveInteger)\nG = 1;\nend\nend\n");
-  }
-
-  void setTimes(long seconds) {
-    const timespec times[2] = {{seconds, 0}, {seconds, 0}};
-    for (const char* file : {"/Base.vlm", "/C.vlm"}) {
-      ASSERT_EQ(::utimensat(AT_FDCWD, (root_.path() + file).c_str(), times, 0), 0);
-    }
-  }
-
-  // Whether the result has the text of the class file and the facts from its base file.
-  void expectAnswerOf(soca::Updater& updater, const std::string& base,
-                      const std::string& property) {
-    const soca::UpdateResult result = updater.update(u"C", allFamilies, false).at(0);
-    const std::u16string name(property.begin(), property.end());
-    EXPECT_NE(result.text.find(name + u" (1, 1) logical"), std::u16string::npos) << property;
-    EXPECT_EQ(result.messages.empty(), base != "Abstract") << base;
-  }
-
-  TemporaryFolder root_;
-  std::string path_;
-};
-
-TEST_P(ChangedFiles, AreSeenByTheNextCall) {
-  const auto updater = newUpdater();
-  // Without pauses, with texts of the same size.
-  for (int round = 0; round < 50; ++round) {
-    const std::string base = round % 3 == 0 ? "Abstract" : "Constant";
-    const std::string property = round % 2 == 0 ? "One" : "Two";
-    write(base, property);
-    expectAnswerOf(*updater, base, property);
-  }
-  // Old enough to be cached, then changed with the same size and time stamp.
-  setTimes(1000);
-  std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  expectAnswerOf(*updater, "Constant", "Two");
-  write("Abstract", "One");
-  setTimes(1000);
-  expectAnswerOf(*updater, "Abstract", "One");
-}
-
 INSTANTIATE_TEST_SUITE_P(Bundle, BundleModule, testing::ValuesIn(bundleFiles),
-                         testing::PrintToStringParamName());
-INSTANTIATE_TEST_SUITE_P(Bundle, ChangedFiles, testing::ValuesIn(bundleFiles),
                          testing::PrintToStringParamName());
 
 }  // namespace

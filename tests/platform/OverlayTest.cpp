@@ -1,15 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <memory>
-#include <optional>
 #include <string>
-#include <thread>
 
-#include "platform/paths/ClassPathItem.h"
 #include "platform/paths/Overlay.h"
 #include "platform/text/Conversions.h"
-#include "tests/platform/TemporaryFolder.h"
 
 namespace fl::filesystem {
 namespace {
@@ -34,26 +29,6 @@ TEST(Overlay, TheLatestScopeIsReadInAnyOrderOfTheirEnds) {
   second.reset();
   EXPECT_EQ(findOverlay(std::string("/x/A.vlm")), nullptr);
   EXPECT_TRUE(hasOverlays());
-}
-
-TEST(Overlay, IsOfItsThreadAndIsTreatedAsAFile) {
-  const TemporaryFolder folder;
-  PathDispatcher& dispatcher = PathDispatcher::getDispatcher();
-  const auto before = dispatcher.classPath();
-  dispatcher.setClassPath({folder.path()});
-  const OverlayScope scope(folder.path() + "/pkg/A.vlm", u"classdef A\nend\n");
-  const auto item = omGetMatchingClassPathItem(dispatcher, u"pkg.A");
-  ASSERT_NE(item, nullptr);
-  EXPECT_EQ(item->folder + item->file, u"pkg/A.vlm");
-  EXPECT_EQ(omGetMatchingClassPathItem(dispatcher, u"pkg.B"), nullptr);
-  std::thread([&] {
-    EXPECT_FALSE(hasOverlays());
-    EXPECT_EQ(omGetMatchingClassPathItem(dispatcher, u"pkg.A"), nullptr);
-    const OverlayScope own(folder.path() + "/pkg/B.vlm", u"b");
-    EXPECT_NE(omGetMatchingClassPathItem(dispatcher, u"pkg.B"), nullptr);
-  }).join();
-  EXPECT_EQ(omGetMatchingClassPathItem(dispatcher, u"pkg.B"), nullptr);
-  dispatcher.setClassPath(before);
 }
 
 }  // namespace
