@@ -299,6 +299,11 @@ void UpdateRun::updateAgain(std::size_t entry) {
   const std::string className = queue_->entries()[entry].className;
   summary_.remove(queue_->entries()[entry].counts);
   SingleUpdate update = updateAlone(className);
+  if (const std::string& file = queue_->entries()[entry].file;
+      update.outcome && update.outcome->update.file != file) {
+    // The class has another file now, which is perhaps none of the targets.
+    update.failure = makeWriteFailure(className, file, std::string(changedReason));
+  }
   if (update.failure) {
     update.failure->className = className;
     addFailure(*update.failure);

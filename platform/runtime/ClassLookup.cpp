@@ -4,13 +4,13 @@
 #include <utility>
 
 #include "platform/analyzer/FileAnalysis.h"
-#include "platform/paths/ClassPathItem.h"
-#include "platform/paths/NativePath.h"
 #include "platform/paths/Overlay.h"
+#include "platform/paths/PathDispatcher.h"
 #include "platform/paths/SourceReader.h"
 #include "platform/paths/ViewMemory.h"
 #include "platform/runtime/ClassDescription.h"
 #include "platform/runtime/ClassGraph.h"
+#include "platform/runtime/ClassPlace.h"
 #include "platform/runtime/ClassTable.h"
 #include "platform/runtime/DescriptionCache.h"
 #include "platform/runtime/EnvironmentClasses.h"
@@ -134,7 +134,8 @@ void record(const ClassDescription& description, ReadClasses::FileRecord file) {
   if (ReadClasses* classes = ReadClasses::current()) classes->add(description, std::move(file));
 }
 
-Description describeFile(const std::string& name, const std::string& path) {
+Description describeFile(const std::string& name, const ClassPlace& place) {
+  const std::string& path = place.source;
   if (const auto overlay = fl::filesystem::findOverlay(path)) {
     return describeOverlay(name, path, overlay);
   }
@@ -143,7 +144,7 @@ Description describeFile(const std::string& name, const std::string& path) {
   const std::string key = name + '\0' + path;
   if (stamp) {
     if (Description kept = cache().find(key, *stamp)) {
-      record(*kept, {path, stamp});
+      record(*kept, {place, stamp});
       return kept;
     }
   }
@@ -154,38 +155,23 @@ Description describeFile(const std::string& name, const std::string& path) {
   if (stampOfText && !isRecent(*stampOfText, readAt)) {
     cache().keep(key, *stampOfText, description);
   }
-  record(*description, {path, stampOfText, textHash});
+  record(*description, {place, stampOfText, textHash});
   return description;
 }
 
-bool isPFile(const ClassPathItem& item) { return item.file.ends_with(u".p"); }
-
-std::string nativePath(const ClassPathItem& item, const fl::ustring& file) {
-  const foundation::storage::vfs::CanonicalAbsoluteIRI location(item.base, item.folder + file);
-  return fl::i18n::to_string(
-      fl::filesystem::detail::make_native_form(location.getPath(), /*decode=*/true));
-}
-
-Description describePFile(const std::string& name, const ClassPathItem& item) {
-  const fl::ustring source = item.file.substr(0, item.file.size() - 1) + u"vlm";
-  const std::string path = nativePath(item, source);
-  if (fl::filesystem::findOverlay(path) != nullptr || fl::filesystem::stampInView(path)) {
-    return describeFile(name, path);
-  }
+Description describePFile(const std::string& name, const ClassPlace& place) {
   auto description = std::make_shared<ClassDescription>();
   description->name = name;
   description->origin = ClassOriginType::pFileOnly;
-  record(*description, {});
+  record(*description, {place});
   return description;
 }
 
 // The description of the class from the class path.
 Description describeOnPath(const std::string& name) {
-  const auto item =
-      omGetMatchingClassPathItem(PathDispatcher::getDispatcher(), fl::i18n::to_ustring(name));
-  if (item == nullptr) return nullptr;
-  return isPFile(*item) ? describePFile(name, *item)
-                        : describeFile(name, nativePath(*item, item->file));
+  const std::optional<ClassPlace> place = findClassPlace(name);
+  if (!place) return nullptr;
+  return place->source.empty() ? describePFile(name, *place) : describeFile(name, *place);
 }
 
 // The same, looked up once by each thread for each view of the files, unless the class has an

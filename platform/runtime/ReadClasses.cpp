@@ -13,12 +13,22 @@ namespace {
 
 thread_local ReadClasses* inForce = nullptr;
 
-bool isUnchanged(const ReadClasses::FileRecord& file) {
-  if (file.path.empty()) return true;
+// Throws ReadError.
+bool hasSameText(const ReadClasses::FileRecord& file) {
+  const std::string& path = file.place.source;
+  if (path.empty()) return true;
+  if (file.stamp) return fl::filesystem::stampOf(path) == file.stamp;
+  const auto now = fl::filesystem::readSourceFile(path, ca::maximumFileSize);
+  return ReadClasses::hashOf(now.text) == file.textHash;
+}
+
+// Whether the class path still has the class in the place of all these, with the same text.
+bool isUnchanged(const std::string& name, const std::vector<ReadClasses::FileRecord>& files) {
   try {
-    if (file.stamp) return fl::filesystem::stampOf(file.path) == file.stamp;
-    const auto now = fl::filesystem::readSourceFile(file.path, ca::maximumFileSize);
-    return ReadClasses::hashOf(now.text) == file.textHash;
+    // A file may have come in front of one that is as it was.
+    const auto place = findClassPlace(name);
+    return std::ranges::all_of(
+        files, [&](const auto& file) { return file.place == place && hasSameText(file); });
   } catch (const fl::filesystem::ReadError&) {
     return false;
   }
@@ -83,7 +93,7 @@ std::unordered_set<std::string> ReadClasses::findChanged(
 bool ReadClasses::hasChanged(const std::string& name) const {
   const auto known = records_.find(name);
   if (known == records_.end()) return !isStillMissing(name);
-  return !std::ranges::all_of(known->second.files, isUnchanged);
+  return !isUnchanged(name, known->second.files);
 }
 
 const std::vector<std::string>& ReadClasses::superClassesOf(const std::string& name) const {

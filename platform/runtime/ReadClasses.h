@@ -11,6 +11,7 @@
 
 #include "platform/paths/SourceReader.h"
 #include "platform/runtime/ClassDescription.h"
+#include "platform/runtime/ClassPlace.h"
 #include "platform/text/UString.h"
 
 namespace sotarn {
@@ -37,7 +38,7 @@ class ReadClasses {
   // The state of a file when it was read. A file that had changed just before has no stamp that
   // would show a later change; then its text is compared.
   struct FileRecord {
-    std::string path;
+    ClassPlace place;
     std::optional<fl::filesystem::FileStamp> stamp;
     std::size_t textHash = 0;
 
@@ -46,11 +47,12 @@ class ReadClasses {
 
   static std::size_t hashOf(fl::ustring_view text);
 
-  // `file` is that of the description; its path is empty for a class without a source file.
+  // `file` is that of the description; without a source file, only its place counts.
   void add(const ClassDescription& description, FileRecord file);
 
-  // The recorded classes that have changed since, and those that derive from them, of all that the
-  // named classes reach. To be called without a view of the files in force.
+  // The recorded classes that have changed since, or are found in another place, and those that
+  // derive from them, of all that the named classes reach. To be called without a view of the files
+  // in force.
   std::unordered_set<std::string> findChanged(const std::vector<std::string>& names) const;
 
  private:

@@ -35,7 +35,7 @@ std::string updateWhile(const Workspace& space, const std::function<void()>& cha
   TerminalRun run(
       space, {"strace", "-f", "-qq", "-o", "/dev/null", "-e", "trace=flock,newfstatat", "-e",
               "inject=flock:error=EAGAIN:when=2..6", "-e", "inject=newfstatat:delay_enter=3000",
-              programPath(), "update", "--write", "--color=never"});
+              programPath(), "update", "--write", "--color=never", "--path=front", "--path=."});
   EXPECT_TRUE(run.waitFor("waiting for it to end")) << run.output();
   change();
   EXPECT_EQ(run.finish(), expectedExitCode) << run.output();
@@ -48,6 +48,7 @@ void writeClasses(const Workspace& space) {
   space.write("Middle.vlm",
               "classdef Middle < Top & pkg.Missing\nproperties (Logical)\nP = true;\nend\nend\n");
   space.write("Other.vlm", outdatedClass("Other"));
+  space.write("front/Front.vlm", "classdef Front\nend\n");
 }
 
 TEST(ChangedFiles, ClassesAreUpdatedAgain) {
@@ -59,12 +60,20 @@ TEST(ChangedFiles, ClassesAreUpdatedAgain) {
     // Null for none.
     const char* text;
     const char* note;
+    // Whether a new run would not look at the file, so that the class fails only in this one.
+    bool isGone = false;
   } table[] = {
       {"a superclass", "Base.vlm", "classdef Base < velum.System\nend\n", "2 classes are"},
       {"the class itself", "Other.vlm",
        "classdef Other < velum.System\nproperties (Logical)\nQ = true;\nend\nend\n", "1 class is"},
-      {"a superclass that is gone", "Top.vlm", nullptr, "2 classes are"},
+      {"a superclass that is gone", "Top.vlm", nullptr, "2 classes are", true},
       {"a superclass that was missing", "pkg/Missing.vlm", "classdef Missing\nend\n", "1 class is"},
+      {"a file in front of a superclass", "front/Base.vlm",
+       "classdef Base < velum.System & Unknown\nend\n", "2 classes are"},
+      {"a file in front of the class itself", "front/Other.vlm",
+       "classdef Other < velum.System\nend\n", "1 class is", true},
+      {"a p-file in front of a superclass", "front/Base.p", "", "2 classes are"},
+      {"a p-file beside a superclass", "Base.p", "", "2 classes are"},
       {"a class that is no superclass", "New.vlm", "classdef New < velum.System\nend\n", nullptr},
   };
   for (const auto& row : table) {
@@ -82,15 +91,13 @@ TEST(ChangedFiles, ClassesAreUpdatedAgain) {
       const Workspace space;
       writeClasses(space);
       change(space);
-      exitCode = space.soca({"update", "--write"}).exitCode;
+      exitCode = space.soca({"update", "--write", "--path=front", "--path=."}).exitCode;
       expected = space.readAll();
     }
     const Workspace space;
     writeClasses(space);
-    // A class that is gone is no longer found by a folder's update, but was by this one.
-    const bool isGone = row.text == nullptr;
     const auto changeIt = [&] { change(space); };
-    const std::string output = updateWhile(space, changeIt, isGone ? 2 : exitCode);
+    const std::string output = updateWhile(space, changeIt, row.isGone ? 2 : exitCode);
     EXPECT_EQ(space.readAll(), expected) << output;
     const std::string note = again + std::string(row.note == nullptr ? "" : row.note);
     EXPECT_EQ(output.find(note) != std::string::npos, row.note != nullptr) << output;
