@@ -2,6 +2,7 @@
 
 #include <fmt/chrono.h>
 #include <fmt/core.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -247,39 +248,79 @@ void printPaths(const std::vector<std::string>& paths, Console& console) {
   for (const std::string& path : paths) console.print(withEscapesInLine(path) + '\n');
 }
 
-void forgetRun(const RunStore& store, const RunStore::Lock& lock, RunNumber run, Console& console) {
-  checkExists(store, run);
-  printPaths(readablePaths(store.folderOf(run)), console);
-  if (!store.remove(lock, run)) {
-    throw JournalError(fmt::format("the journal '{}' can't be removed: {}", store.folderOf(run),
-                                   std::strerror(errno)));
+// Each once. Throws UsageError.
+std::vector<RunNumber> runsOf(const std::vector<std::string>& arguments) {
+  std::vector<RunNumber> runs;
+  for (const std::string& argument : arguments) {
+    const RunNumber run = runOf(argument);
+    if (std::ranges::find(runs, run) == runs.end()) runs.push_back(run);
   }
-  console.tell(fmt::format("run {} is forgotten, and can't be undone any more", run));
+  return runs;
+}
+
+std::string describeTemporaries(RunNumber run, std::size_t count, std::string_view verb) {
+  return fmt::format("run {}: {} that it had left {} removed", run,
+                     counted(count, "temporary file"), verb);
+}
+
+void complainOfRest(const std::string& path, std::string_view reason, Console& console) {
+  console.complain(fmt::format("'{}' can't be removed: {}", withEscapesInLine(path), reason));
+}
+
+// Without its journal, no later run knows of them. Returns whether all are removed.
+bool removeTemporaries(const std::string& folder, RunNumber run, Console& console) {
+  const auto paths = leftTemporaries(folder);
+  std::size_t count = 0;
+  for (const std::string& path : paths) {
+    if (::unlink(path.c_str()) == 0) {
+      ++count;
+    } else {
+      complainOfRest(path, std::strerror(errno), console);
+    }
+  }
+  if (count > 0) console.tell(describeTemporaries(run, count, count == 1 ? "is" : "are"));
+  return count == paths.size();
+}
+
+// Returns whether nothing of the run is left.
+bool forgetRun(const RunStore& store, const RunStore::Lock& lock, RunNumber run, Console& console) {
+  const std::string folder = store.folderOf(run);
+  printPaths(readablePaths(folder), console);
+  const bool isClean = removeTemporaries(folder, run, console);
+  const auto rests = store.remove(lock, run);
+  for (const auto& rest : rests) complainOfRest(rest.path, rest.reason, console);
+  if (rests.empty()) {
+    console.tell(fmt::format("run {} is forgotten, and can't be undone any more", run));
+  }
+  return isClean && rests.empty();
 }
 
 ExitCodeType previewForgetting(const RunStore& store, const std::vector<RunNumber>& runs,
                                Console& console) {
+  for (const RunNumber run : runs) checkExists(store, run);
   for (const RunNumber run : runs) {
-    checkExists(store, run);
     printPaths(readablePaths(store.folderOf(run)), console);
+    const std::size_t count = leftTemporaries(store.folderOf(run)).size();
+    if (count > 0) console.tell(describeTemporaries(run, count, "would be"));
     console.tell(fmt::format("run {} would be forgotten", run));
   }
   return ExitCodeType::done;
 }
 
 ExitCodeType forgetRuns(const RunStore& store, const Options& options, Console& console) {
-  std::vector<RunNumber> runs;
-  std::ranges::transform(options.arguments, std::back_inserter(runs), runOf);
+  const auto runs = runsOf(options.arguments);
   if (options.dryRun) return previewForgetting(store, runs, console);
   catchBrokenPipes();
   const auto lock = lockRuns(store, console);
   if (!lock) return interruptExitCode();
   repairAndReport(store, *lock, console);
+  for (const RunNumber run : runs) checkExists(store, run);
+  bool isClean = true;
   for (const RunNumber run : runs) {
     if (wasInterrupted()) return interruptExitCode();
-    forgetRun(store, *lock, run, console);
+    isClean = forgetRun(store, *lock, run, console) && isClean;
   }
-  return ExitCodeType::done;
+  return isClean ? ExitCodeType::done : ExitCodeType::failed;
 }
 
 }  // namespace

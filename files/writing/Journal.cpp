@@ -1,6 +1,7 @@
 #include "files/writing/Journal.h"
 
 #include <fmt/core.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -62,6 +63,28 @@ Digest readDigest(FieldReader& fields) {
   digest.low = fields.number<std::uint64_t>();
   digest.high = fields.number<std::uint64_t>();
   return digest;
+}
+
+struct RunFields {
+  std::int64_t time = 0;
+  std::string token;
+};
+
+// From the first record. Throws JournalError.
+RunFields readRun(const std::vector<Record>& records) {
+  if (records.empty() || records.front().type != RecordType::run) throw damage();
+  FieldReader fields(records.front().fields);
+  if (fields.number<std::uint32_t>() != journalVersion) throw JournalError(otherVersionFault);
+  RunFields run;
+  run.time = fields.number<std::int64_t>();
+  run.token = fields.text();
+  if (!isToken(run.token)) throw damage();
+  return run;
+}
+
+bool isRegularFile(const std::string& path) {
+  struct stat status = {};
+  return ::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
 SavedFile readFile(FieldReader fields) {
@@ -201,13 +224,11 @@ void Journal::endUndo(const FileNumbers& restored) {
 // The records are: one of the run, one for each file, and the last one.
 void Journal::readBefore() {
   const auto& records = before_.records();
-  if (records.empty() || records.front().type != RecordType::run) throw damage();
-  FieldReader fields(records.front().fields);
-  if (fields.number<std::uint32_t>() != journalVersion) throw JournalError(otherVersionFault);
-  time_ = fields.number<std::int64_t>();
-  token_ = fields.text();
+  const RunFields run = readRun(records);
+  time_ = run.time;
+  token_ = run.token;
   const std::size_t count = records.size() - 2;
-  if (!before_.isWhole() || records.size() < 2 || !isToken(token_)) throw damage();
+  if (!before_.isWhole() || records.size() < 2) throw damage();
   files_.reserve(count);
   for (std::size_t i = 1; i <= count; ++i) {
     if (records[i].type != RecordType::file) throw damage();
@@ -265,6 +286,26 @@ std::vector<std::string> readablePaths(const std::string& folder) {
     const RecordFile before = openBefore(folder, ReadType::salvage);
     for (const Record& record : before.records()) {
       if (record.type == RecordType::file) paths.push_back(FieldReader(record.fields).text());
+    }
+  } catch (const JournalError&) {
+    // The rest cannot be read.
+    return paths;
+  }
+  return paths;
+}
+
+std::vector<std::string> leftTemporaries(const std::string& folder) {
+  std::vector<std::string> paths;
+  if (isSettled(folder)) return paths;
+  try {
+    // Not to be salvaged: these paths are used.
+    const RecordFile before = openBefore(folder, ReadType::untilDamage);
+    const auto& records = before.records();
+    const std::string token = readRun(records).token;
+    for (std::size_t i = 1; i < records.size() && records[i].type == RecordType::file; ++i) {
+      const SavedFile file = readFile(FieldReader(records[i].fields));
+      std::string path = temporaryPath(file.path, token, i - 1);
+      if (isRegularFile(path)) paths.push_back(std::move(path));
     }
   } catch (const JournalError&) {
     // The rest cannot be read.

@@ -140,4 +140,8 @@ std::optional<std::string> findFault(const std::string& folder);
 // The paths of the run's files, as far as they can be read even in a damaged journal.
 std::vector<std::string> readablePaths(const std::string& folder);
 
+// The new files that the interrupted run left beside the old ones, as far as its journal can be
+// read; only regular files.
+std::vector<std::string> leftTemporaries(const std::string& folder);
+
 }  // namespace soca

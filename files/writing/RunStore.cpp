@@ -12,6 +12,7 @@
 #include <cstring>
 #include <ctime>
 #include <filesystem>
+#include <limits>
 #include <ranges>
 
 #include "files/writing/Journal.h"
@@ -36,12 +37,19 @@ bool isFinished(const std::string& folder) {
   return isSettled(folder) && !findFault(folder).has_value();
 }
 
+RunStore::Rest restAt(const std::string& path) { return {path, std::strerror(errno)}; }
+
 // Deletes a folder of a journal, or what is in place of it, as far as possible.
-void discard(const std::string& folder) {
+std::vector<RunStore::Rest> discard(const std::string& folder) {
   // A link must not be followed.
-  if (::unlink(folder.c_str()) == 0) return;
-  for (const char* name : {"/before", "/state", "/state.new"}) ::unlink((folder + name).c_str());
-  ::rmdir(folder.c_str());
+  if (::unlink(folder.c_str()) == 0 || errno == ENOENT) return {};
+  std::vector<RunStore::Rest> rests;
+  for (const char* name : {"/before", "/state", "/state.new"}) {
+    const std::string path = folder + name;
+    if (::unlink(path.c_str()) != 0 && errno != ENOENT) rests.push_back(restAt(path));
+  }
+  if (::rmdir(folder.c_str()) != 0 && rests.empty()) rests.push_back(restAt(folder));
+  return rests;
 }
 
 std::uint64_t sizeOf(const std::string& folder) {
@@ -94,7 +102,8 @@ std::vector<RunNumber> RunStore::numbersOf(std::string_view suffix) const {
     const std::string name = entry->path().filename().string();
     if (!name.ends_with(suffix)) continue;
     const auto run = parseRunNumber(std::string_view(name).substr(0, name.size() - suffix.size()));
-    if (run) numbers.push_back(*run);
+    // A folder such as '007' would be listed as another one.
+    if (run && name == fmt::format("{}{}", *run, suffix)) numbers.push_back(*run);
   }
   if (error && error != std::errc::no_such_file_or_directory) {
     throw JournalError(
@@ -110,21 +119,28 @@ std::string RunStore::folderOf(RunNumber run) const {
 
 RunNumber RunStore::add(const Lock&) const {
   const auto numbers = runs();
+  if (!numbers.empty() && numbers.back() == std::numeric_limits<RunNumber>::max()) {
+    throw JournalError(
+        fmt::format("a new run needs a higher number than all others, but '{}' has the highest "
+                    "one; 'soca undo --forget {}' removes it",
+                    folderOf(numbers.back()), numbers.back()));
+  }
   const RunNumber run = numbers.empty() ? 1 : numbers.back() + 1;
   const std::string folder = newFolderOf(folderOf(run));
   if (::mkdir(folder.c_str(), 0700) != 0) fail(folder, "can't be made");
   return run;
 }
 
-bool RunStore::remove(const Lock&, RunNumber run) const {
+std::vector<RunStore::Rest> RunStore::remove(const Lock&, RunNumber run) const {
   // After the new name it is no run, even if the rest is interrupted.
   const std::string folder = folderOf(run);
   const std::string old = oldFolderOf(folder);
   discard(newFolderOf(folder));
-  discard(old);
-  const bool isGone = std::rename(folder.c_str(), old.c_str()) == 0 || errno == ENOENT;
-  if (isGone) discard(old);
-  return isGone;
+  // What is left of an older run with this number is in the way of the new name.
+  if (auto rests = discard(old); !rests.empty()) return rests;
+  if (std::rename(folder.c_str(), old.c_str()) == 0) return discard(old);
+  if (errno == ENOENT) return {};
+  return {restAt(folder)};
 }
 
 std::vector<RunNumber> RunStore::removeRests(const Lock&) const {

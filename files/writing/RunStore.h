@@ -49,10 +49,16 @@ class RunStore {
   std::vector<RunNumber> runs() const;
   std::string folderOf(RunNumber run) const;
 
-  // A new run, with an empty folder that becomes that of the run later. Throws JournalError.
+  // A new run, with an empty folder that becomes that of the run later. Throws JournalError, also
+  // if no higher number is left.
   RunNumber add(const Lock& lock) const;
-  // Deletes the run, and returns whether it is gone; of its files some may be left.
-  bool remove(const Lock& lock, RunNumber run) const;
+  // A file or folder that could not be deleted, and why.
+  struct Rest {
+    std::string path;
+    std::string reason;
+  };
+  // Deletes the run. Returns what is left; even then the run may be gone from `runs`.
+  std::vector<Rest> remove(const Lock& lock, RunNumber run) const;
   // Deletes what is left of removed runs and of runs that never began. Returns the latter.
   std::vector<RunNumber> removeRests(const Lock& lock) const;
   // Deletes the oldest runs beyond the bounds, but not the newest one, and none that is interrupted

@@ -94,6 +94,8 @@ TEST(Undo, OfRunsThatCannotBeUndone) {
   space.soca({"update", "--write"});
   EXPECT_FALSE(fs::exists(space.statePath() / "soca/runs/2")) << "nothing was left to change";
   EXPECT_EQ(space.soca({"undo"}).exitCode, 0);
+  fs::create_directories(space.statePath() / "soca/runs/007");
+  fs::create_directories(space.statePath() / "soca/runs/1/extra");
   const std::vector<std::pair<std::vector<std::string>, std::string_view>> cases = {
       {{"undo"}, "run 1 is undone already"},
       {{"undo", "1"}, "run 1 is undone already"},
@@ -108,6 +110,9 @@ TEST(Undo, OfRunsThatCannotBeUndone) {
       {{"undo", "--forget"}, "--forget needs the numbers of runs"},
       {{"undo", "--forget", "A.vlm"}, "'A.vlm' is no number of a run"},
       {{"undo", "--list", "1"}, "takes no argument"},
+      {{"undo", "--forget", "7"}, "there is no run 7"},
+      {{"undo", "--forget", "1", "2"}, "there is no run 2"},
+      {{"undo", "--forget", "1"}, "runs/1.old' can't be removed: Directory not empty\n"},
   };
   for (const auto& [arguments, message] : cases) {
     const auto result = space.soca(arguments);
@@ -187,6 +192,11 @@ TEST_F(UndoInFolders, TakesTheLastRunThere) {
        "one/a/A.vlm one/b/B.vlm two/b/B.vlm "},
       {"all trees", ".", "undo", "run 2: 1 file is",
        "one/a/A.vlm one/b/B.vlm two/a/A.vlm two/b/B.vlm "},
+      {"a folder as the state", "$XDG_STATE_HOME/soca/runs/2 && rm state && mkdir state",
+       "undo --forget 2", "runs/2.old/state' can't be removed: Is a directory\n", ""},
+      {"no higher number", ". && mkdir $XDG_STATE_HOME/soca/runs/4294967295",
+       "update --write -p one",
+       "but '" + space_.statePath().string() + "/soca/runs/4294967295' has", ""},
   };
   std::string before;
   for (const auto& row : table) {
@@ -291,6 +301,8 @@ TEST(Undo, WhatIsInTheStateFolderIsLookedAtFirst) {
 
 TEST_F(UndoInFolders, ADamagedRunIsReportedAndForgotten) {
   const std::string runs = space_.statePath() / "soca/runs/";
+  const std::string temporary =
+      temporaryPath(space_.path() / "two/b/B.vlm", Journal(runs + "2").token(), 1);
   fs::resize_file(runs + "2/state", fs::file_size(runs + "2/state") - 1);
   const std::string fault =
       "the file 'state' of its journal is damaged; 'soca undo --forget 2' names its files and "
@@ -314,10 +326,14 @@ TEST_F(UndoInFolders, ADamagedRunIsReportedAndForgotten) {
   EXPECT_EQ(socaIn(".", "undo --forget 2 --dry-run").out, names);
   EXPECT_TRUE(fs::exists(runs + "2"));
   EXPECT_EQ(socaIn(".", "undo --forget 3").exitCode, 2);
-  const auto forgotten = socaIn(".", "undo --forget 2");
+  space_.write(fs::relative(temporary, space_.path()), "new");
+  const auto forgotten = socaIn(".", "undo --forget 2 2");
   EXPECT_EQ(forgotten.exitCode, 0);
   EXPECT_EQ(forgotten.out, names);
-  EXPECT_EQ(forgotten.err, "soca: run 2 is forgotten, and can't be undone any more\n");
+  EXPECT_EQ(forgotten.err,
+            "soca: run 2: 1 temporary file that it had left is removed\n"
+            "soca: run 2 is forgotten, and can't be undone any more\n");
+  EXPECT_FALSE(fs::exists(temporary));
   EXPECT_EQ(std::distance(fs::directory_iterator(runs), {}), 1);
   EXPECT_EQ(socaIn(".", "undo").exitCode, 0);
   EXPECT_EQ(restored(), "one/a/A.vlm one/b/B.vlm ");
