@@ -279,7 +279,7 @@ TEST_F(InjectedFaults, OfARepairAreNotForgotten) {
   EXPECT_EQ(late.exitCode, 0);
   EXPECT_NE(late.err.find("20 changed"), std::string::npos) << late.err;
   EXPECT_EQ(space_.readAll(), new_);
-  // A file that cannot be removed waits for the next run.
+  // Temporary files that cannot be removed wait for the next run.
   prepare(command);
   const auto half = trace({"-e", "inject=unlink:error=EACCES"}, update_);
   EXPECT_EQ(half.exitCode, 2);
