@@ -263,9 +263,13 @@ class BlockRules {
 
   // --- the blocks ---
 
-  // Counts the deleted companions. A block without remaining properties is deleted.
+  // Counts the deleted companions. A block without remaining properties is deleted. If it stays
+  // only because some conversions are not made, it stays as it is: all conversions do not join it,
+  // so joining could give an opening that is in neither text, and its attributes count for its own
+  // properties only.
   void deleteProperties(BlockUpdate& update) {
     if (companions_->empty() || update.remainingProperties == 0) return;
+    update.staysApart |= findNamedProperty(update) == nullptr;
     for (const Property& property : update.block->getProperties()) {
       if (!companions_->isFreed(property)) continue;
       --update.remainingProperties;
@@ -278,18 +282,15 @@ class BlockRules {
   // least one of them has edits. Deleted blocks between them are ignored; blocks of other keywords
   // separate them.
   void joinNeighbours() {
-    BlockUpdate* before = nullptr;
     BlockUpdate* previous = nullptr;
     bool previousChanged = false;
     auto next = updates_.begin();
     for (const ClassMember& member : definition_.getMembers()) {
       if (member.propertiesBlock == nullptr) {
-        before = previous = nullptr;
+        previous = nullptr;
         continue;
       }
       BlockUpdate& update = *next++;
-      if (before != nullptr) noteNeighbours(*before, update);
-      before = &update;
       if (update.isDeleted) continue;
       if (previous != nullptr && !update.staysApart && (previousChanged || update.hasActions()) &&
           areAlike(*previous, update)) {
@@ -298,12 +299,6 @@ class BlockRules {
       previous = update.staysApart ? nullptr : &update;
       previousChanged = update.hasActions();
     }
-  }
-
-  static void noteNeighbours(BlockUpdate& before, BlockUpdate& update) {
-    if (before.staysApart || update.staysApart || !areAlike(before, update)) return;
-    if (before.isDeleted && !update.isDeleted) before.next = &update;
-    if (update.isDeleted && !before.isDeleted) update.previous = &before;
   }
 
   void join(BlockUpdate& previous, BlockUpdate& update) {
@@ -324,7 +319,8 @@ class BlockRules {
   void addActions(BlockUpdate& update) {
     std::ranges::move(update.findings, std::back_inserter(result_.findings));
     if (update.isDeleted) {
-      addBlockDeletion(update);
+      result_.addAction(std::make_unique<DeleteBlock>(update.block, u"", 0),
+                        conversionsOf(update, update));
     } else if (update.hasActions()) {
       addOpeningActions(update);
       if (update.losesEnd) {
@@ -334,16 +330,6 @@ class BlockRules {
       addAttributeActions(update);
       if (update.changesProperties) addPropertyActions(update);
     }
-  }
-
-  void addBlockDeletion(const BlockUpdate& update) {
-    std::vector<std::size_t> conversions = conversionsOf(update, update);
-    if (update.block->getNumberOfProperties() > 0) {
-      // Without some of its conversions the block stays, and can be joined with its neighbours.
-      addNeighboursConversions(update.previous, conversions);
-      addNeighboursConversions(update.next, conversions);
-    }
-    result_.addAction(std::make_unique<DeleteBlock>(update.block, u"", 0), std::move(conversions));
   }
 
   // Deleting the opening replaces all other edits of it.
@@ -413,16 +399,6 @@ class BlockRules {
     conversions.push_back(all.front());
     conversions.push_back(all.back());
     return conversions;
-  }
-
-  void addNeighboursConversions(const BlockUpdate* neighbour,
-                                std::vector<std::size_t>& conversions) {
-    if (neighbour == nullptr) return;
-    addConversionsOf(*neighbour, conversions);
-    if (!neighbour->isJoined()) return;
-    const std::vector<std::size_t>& all = conversionsOfRun(neighbour->run);
-    conversions.push_back(all.front());
-    conversions.push_back(all.back());
   }
 
   // Computed when the first edit of the run is made.

@@ -50,13 +50,13 @@ struct BlockUpdate {
   bool isDeleted = false;
   bool losesOpening = false;
   bool losesEnd = false;
-  // The block with which this one is joined, if it loses its opening, or its end; for a block that
-  // is deleted with its companions, the block with which it could be joined otherwise. And the
-  // index of the run of joined blocks.
+  // The block with which this one is joined, if it loses its opening, or its end, and the index of
+  // the run of joined blocks.
   const BlockUpdate* previous = nullptr;
   const BlockUpdate* next = nullptr;
   std::size_t run = 0;
-  // A conversion of the whole block is not made, so the block is not joined with another.
+  // A conversion of the whole block is not made, so the block, if it stays, is not joined with
+  // another.
   bool staysApart = false;
 
   explicit BlockUpdate(const PropertiesBlock& propertiesBlock)
@@ -68,7 +68,6 @@ struct BlockUpdate {
     return isDeleted || losesOpening || losesEnd || changesProperties || losesAttribute();
   }
 
-  bool isJoined() const { return losesOpening || losesEnd; }
   bool losesAttribute() const { return attributes != decltype(attributes){}; }
 };
 

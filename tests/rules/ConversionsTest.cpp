@@ -86,6 +86,14 @@ constexpr const char* companionBetween =
     "properties (~Logical)\nA = 'a';\nend\n"
     "properties (Hidden)\nASet = velum.system.StringSet({'a'});\nend\n"
     "properties\nQ = 1;\nend\n";
+constexpr const char* falseAttribute =
+    "properties (PositiveInteger = false)\nASet = velum.system.StringSet({'a'});\nend\n"
+    "properties (PositiveInteger = false)\nN = 3;\nend\n"
+    "properties (Access = private)\nA = 'a';\nend\n";
+constexpr const char* emptyParentheses =
+    "properties\nA = 'a';\nB = 'b';\nend\n"
+    "properties\nBSet = velum.system.StringSet({'b'});\nend\n"
+    "properties ()\nASet = velum.system.StringSet({'a'});\nend\n";
 constexpr const char* joinedEarlier =
     "properties (Logical)\nF = true;\nend\n"
     "properties (Logical)\nA = 'a';\nASet = velum.system.StringSet({'a'});\nG\nend\n";
@@ -141,6 +149,13 @@ constexpr Row rows[] = {
     {"a deleted block of companions does not separate its neighbours", companionBetween,
      "attributes/logical:A attributes/string-set:A",
      "properties \nA (1, :) char {velum.system.mustBeMember(A, {'a'})} = 'a';\nQ = 1;\nend\n"},
+    {"a block of companions that stays keeps its attribute for itself", falseAttribute,
+     "attributes/positive-integer:N",
+     "properties (PositiveInteger = false)\nASet = velum.system.StringSet({'a'});\nend\n"
+     "properties \nN = 3;\nend\nproperties (Access = private)\nA = 'a';\nend\n"},
+    {"a block of companions that stays is not joined", emptyParentheses, "attributes/string-set:B",
+     "properties\nA = 'a';\nB (1, :) char {velum.system.mustBeMember(B, {'b'})} = 'b';\nend\n"
+     "properties ()\nASet = velum.system.StringSet({'a'});\nend\n"},
     {"a changed block is not joined with one that keeps its attribute", joinedEarlier,
      "attributes/string-set:A",
      "properties (Logical)\nF = true;\nend\n"
