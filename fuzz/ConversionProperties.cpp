@@ -133,6 +133,7 @@ class SubsetCheck {
     const auto updated = ca::analyzeText(fl::ustring(planned.text()));
     const auto reason = NewTextCheck(planned).findReasonToRefuse(*updated);
     if (reason) {
+      require(all_ == nullptr || updated->diagnostics().empty(), "{}, but not with all", *reason);
       require(findKnownCause(planned).has_value(), "{}, for no known cause", *reason);
       return;
     }
@@ -320,6 +321,34 @@ class SubsetCheck {
     });
   }
 
+  // The number of places that conversions of that kind and name can have.
+  std::ptrdiff_t countPlaces(const RuleConversion& conversion) const {
+    const auto isSameName = [&](const auto& each) { return each.name == nameOf(conversion); };
+    if (conversion.method != nullptr) {
+      return std::ranges::count_if(declaredMethods(*whole_.analysis), isSameName);
+    }
+    if (conversion.property != nullptr) {
+      return std::ranges::count_if(declaredProperties(*whole_.analysis), isSameName);
+    }
+    return std::ranges::count(whole_.conversions, conversion.kind, &RuleConversion::kind);
+  }
+
+  // The next update finds a conversion that was made only if its companion stays for another
+  // property, or elsewhere: for another declaration of the name.
+  void checkMade(const PlannedClass& next) const {
+    const auto ids = plainIds(whole_);
+    const auto found = plainIds(next);
+    for (std::size_t i = 0; i < made_.size(); ++i) {
+      const auto* companion = whole_.conversions[i].companion;
+      if (!made_[i] || (companion != nullptr && !isFreed(companion->name->text.view()))) continue;
+      std::ptrdiff_t others = countPlaces(whole_.conversions[i]);
+      for (std::size_t each = 0; each < made_.size(); ++each) {
+        if (made_[each] && ids[each] == ids[i]) --others;
+      }
+      require(std::ranges::count(found, ids[i]) <= others, "'{}' is made and found again", ids[i]);
+    }
+  }
+
   // The next update finds the conversions that were not made. With these the class has the members
   // of the whole.
   void checkRest() const {
@@ -327,6 +356,7 @@ class SubsetCheck {
                                                fl::ustring(subset_.planned->text()));
     const PlannedClass next = planActions(whole_.result.className, whole_.mask, false).front();
     const auto again = findAgain(whole_, next);
+    checkMade(next);
     std::vector<bool> rest(next.conversions.size());
     bool isWhole = all_ != nullptr && !sharesCompanion();
     for (std::size_t i = 0; i < made_.size(); ++i) {

@@ -14,10 +14,10 @@ namespace soca::fuzz {
 // - each action belongs only to conversions that are made, and so does each finding that belongs to
 //   one;
 // - a new text has no syntax errors and exactly the expected members, unless there is a known
-//   cause;
+//   cause; there is none for syntax errors where the text with all conversions is without faults;
 // - only members of conversions that are made change, and those are as with all conversions;
-// - the next update finds the other conversions, and with these the members are as with all, except
-//   where a companion stays for another property;
+// - the next update finds only the other conversions, and with these the members are as with all,
+//   except where a companion stays for another property;
 // - the edits of each conversion give the text with only this one.
 void checkConversions(const fl::ustring& className);
 
