@@ -94,6 +94,11 @@ constexpr const char* emptyParentheses =
     "properties\nA = 'a';\nB = 'b';\nend\n"
     "properties\nBSet = velum.system.StringSet({'b'});\nend\n"
     "properties ()\nASet = velum.system.StringSet({'a'});\nend\n";
+constexpr const char* deletedBetween =
+    "properties\nA = 'a';\nend\n"
+    "properties (Hidden)\nASet = velum.system.StringSet({'a'});\nend\n"
+    "properties\nBSet = velum.system.StringSet({'b'});\nend\n"
+    "properties (Access = private)\nB = 'b';\nend\n";
 constexpr const char* joinedEarlier =
     "properties (Logical)\nF = true;\nend\n"
     "properties (Logical)\nA = 'a';\nASet = velum.system.StringSet({'a'});\nG\nend\n";
@@ -156,6 +161,10 @@ constexpr Row rows[] = {
     {"a block of companions that stays is not joined", emptyParentheses, "attributes/string-set:B",
      "properties\nA = 'a';\nB (1, :) char {velum.system.mustBeMember(B, {'b'})} = 'b';\nend\n"
      "properties ()\nASet = velum.system.StringSet({'a'});\nend\n"},
+    {"nor is it across one that is deleted", deletedBetween, "attributes/string-set:A",
+     "properties\nA (1, :) char {velum.system.mustBeMember(A, {'a'})} = 'a';\nend\n"
+     "properties\nBSet = velum.system.StringSet({'b'});\nend\n"
+     "properties (Access = private)\nB = 'b';\nend\n"},
     {"a changed block is not joined with one that keeps its attribute", joinedEarlier,
      "attributes/string-set:A",
      "properties (Logical)\nF = true;\nend\n"
