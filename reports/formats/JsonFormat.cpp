@@ -19,8 +19,9 @@
 //    "sha256": "9f86...", "edits": [{"offset": 120, "length": 4, "text": "..."}],
 //    "conversions": [{"id": "a.B#impl/rename:f", "kinds": ["impl/rename"], "member": "f",
 //                     "line": 3, "column": 5}],
-//    "findings": [{"id": "VELUM:system:Analyzer:LegacyImplReferenced", "message": "...", "line": 3,
-//                  "column": 5, "endColumn": 26, "related": [{"line": 9, ..., "message": "..."}]}]
+//    "findings": [{"id": "VELUM:system:Analyzer:LegacyImplReferenced", "subject": "f",
+//                  "message": "...", "line": 3, "column": 5, "endColumn": 26,
+//                  "related": [{"line": 9, ..., "message": "..."}]}]
 //
 // Lines and columns are one-based; columns count UTF-16 code units. `hint` is optional; a refused
 // result has the reason under `refused`.
@@ -59,12 +60,14 @@ Json editOf(const FileEdit& edit) {
   return {{"offset", edit.offset}, {"length", edit.length}, {"text", edit.text}};
 }
 
-Json conversionOf(const Conversion& conversion) {
+// A byte order mark is not counted in the columns of the first line.
+Json conversionOf(const Conversion& conversion, bool hasByteOrderMark) {
+  const SourcePosition& start = conversion.place.start;
   Json json = {{"id", conversion.id},
                {"kinds", Json::array({conversionKind(conversion.kind).name})}};
   if (!conversion.member.empty()) json["member"] = conversion.member;
-  json["line"] = conversion.place.start.line + 1;
-  json["column"] = conversion.place.start.column + 1;
+  json["line"] = start.line + 1;
+  json["column"] = start.column + (hasByteOrderMark && start.line == 0 ? 0 : 1);
   return json;
 }
 
@@ -75,9 +78,11 @@ Json placeOf(const LinePlace& place) {
   return json;
 }
 
-Json findingOf(const Finding& finding) {
+// The service does not name the subject apart from the message.
+Json findingOf(const Finding& finding, bool asService) {
   Json json;
   if (const auto* known = findMessageExplanation(finding.id)) json["id"] = known->fullId;
+  if (!asService && !finding.arguments.empty()) json["subject"] = finding.arguments.front();
   json["message"] = finding.text;
   json.update(placeOf(finding));
   Json related = Json::array();
@@ -161,8 +166,12 @@ std::string JsonReport::dataOf(const ClassOutcome& outcome) const {
   if (outcome.file.bytes) {
     add("sha256", dump(outcome.file.bytes->sha256));
     add("edits", dumpList(outcome.file.edits.edits, editOf));
-    add("conversions", dumpList(outcome.file.conversions, conversionOf));
-    add("findings", dumpList(outcome.update.findings, findingOf));
+    add("conversions", dumpList(outcome.file.conversions, [&](const Conversion& conversion) {
+          return conversionOf(conversion, outcome.file.bytes->hasByteOrderMark);
+        }));
+    add("findings", dumpList(outcome.update.findings, [&](const Finding& finding) {
+          return findingOf(finding, options_->asService);
+        }));
   }
   if (!outcome.hints.empty()) add("hint", dump(joinHints(outcome.hints)));
   if (outcome.update.isRefused()) add("refused", dump(outcome.update.refusal));

@@ -79,8 +79,16 @@ TEST(Sarif, FixesMakeTheNewTextInAnyEncoding) {
     const std::string uri = artifact.at("location").at("uri");
     EXPECT_EQ(uri.substr(0, 32), "a%20b/100%2525%20%C3%A4%3A%23%3F");
     EXPECT_EQ(artifact.at("encoding"), name == "latin/C" ? "ISO-8859-1" : "UTF-8");
-    const auto data = json::parse(space.soca({"update", "--format=json", "-p", folder}).out);
-    const std::string expected = data.at("results").at(0).at("text");
+    const auto data =
+        json::parse(space.soca({"update", "--format=json", "--edits", "-p", folder}).out);
+    const json& update = data.at("results").at(0);
+    const std::string expected = update.at("text");
+    // The conversions come first, at the same places.
+    for (std::size_t i = 0; i < update.at("conversions").size(); ++i) {
+      const json& location = run.at("results").at(i).at("locations").at(0);
+      EXPECT_EQ(update.at("conversions").at(i).at("column"),
+                location.at("physicalLocation").at("region").at("startColumn"));
+    }
     const auto text = fl::decodeFileText(bytes).text;
     EXPECT_EQ(fl::i18n::to_string(fixedText(run, uri, text)), expected) << run.dump(1);
     EXPECT_NE(bytes, expected);
