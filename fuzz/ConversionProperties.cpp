@@ -345,7 +345,8 @@ class SubsetCheck {
       for (std::size_t each = 0; each < made_.size(); ++each) {
         if (made_[each] && ids[each] == ids[i]) --others;
       }
-      require(std::ranges::count(found, ids[i]) <= others, "'{}' is made and found again", ids[i]);
+      const auto again = std::ranges::count(found, ids[i]);
+      require(again == 0 || again <= others, "'{}' is made and found again", ids[i]);
     }
   }
 
