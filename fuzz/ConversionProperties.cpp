@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "bench/Dice.h"
+#include "conversions/Ancestry.h"
 #include "conversions/Checks.h"
 #include "conversions/ClassMembers.h"
 #include "conversions/ConversionEdits.h"
@@ -61,8 +62,9 @@ bool isSame(const PlannedAction& left, const PlannedAction& right) {
 // The id without the number of the declaration or block.
 std::string plainId(const fl::ustring& id) {
   const std::string text = to_string(id);
-  const std::size_t end = text.find_first_of("~0123456789", text.find(':'));
-  return text.substr(0, end);
+  const std::size_t name = text.find(':') + 1;
+  const bool isNumber = name < text.size() && text[name] >= '0' && text[name] <= '9';
+  return text.substr(0, isNumber ? name : text.find('~'));
 }
 
 std::vector<std::string> plainIds(const PlannedClass& planned) {
@@ -355,7 +357,16 @@ class SubsetCheck {
   void checkRest() const {
     const fl::filesystem::OverlayScope overlay(to_string(whole_.result.fileName),
                                                fl::ustring(subset_.planned->text()));
-    const PlannedClass next = planActions(whole_.result.className, whole_.mask, false).front();
+    const Attempt attempted = attempt([&] {
+      return std::move(planActions(whole_.result.className, whole_.mask, false).front());
+    });
+    if (!attempted.planned) {
+      // In a cycle of superclasses, the mixin may have been all that made it a System object.
+      require(Ancestry(to_string(whole_.result.className)).isCyclic(), "the next update fails: {}",
+              attempted.failure);
+      return;
+    }
+    const PlannedClass& next = *attempted.planned;
     const auto again = findAgain(whole_, next);
     checkMade(next);
     std::vector<bool> rest(next.conversions.size());

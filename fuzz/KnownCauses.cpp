@@ -106,6 +106,21 @@ bool replacesInFrontOfContinuation(const ClassModel& model) {
   });
 }
 
+// Whether an edit of a method is followed by a word on its line: no separator is needed before some
+// keywords, but between two statements.
+bool editsInFrontOfKeyword(const ClassModel& model) {
+  const SourceFile file(model.planned.analysis->sourceTextView());
+  return std::ranges::any_of(model.planned.actions, [&](const PlannedAction& action) {
+    return action.family == RuleFamilyType::impl &&
+           std::ranges::any_of(action.edits, [&](const PlannedEdit& edit) {
+             const fl::ustring_view line = file.getLines()[edit.extent.end.line].text;
+             const std::size_t next = line.find_first_not_of(u" \t", edit.extent.end.column);
+             return !edit.text.empty() && next != fl::ustring_view::npos && line[next] >= u'a' &&
+                    line[next] <= u'z';
+           });
+  });
+}
+
 // --- causes that only the tree shows ---
 
 template <class Predicate>
@@ -147,7 +162,7 @@ struct Cause {
   bool (*applies)(const ClassModel&);
 };
 
-constexpr std::array<Cause, 8> causes = {{
+constexpr std::array<Cause, 9> causes = {{
     {"a value with a quote", hasValueWithQuote},
     {"a set without members", hasSetWithoutMembers},
     {"the parentheses of a joined block", joinsBlockWithParentheses},
@@ -156,6 +171,7 @@ constexpr std::array<Cause, 8> causes = {{
     {"validators without a default value", hasValidatorsWithoutDefault},
     {"a size over three lines", replacesThreeLines},
     {"a size before a continuation", replacesInFrontOfContinuation},
+    {"a statement before a keyword", editsInFrontOfKeyword},
 }};
 
 }  // namespace
