@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "conversions/Conversions.h"
 #include "conversions/Finding.h"
 #include "conversions/SuperClassList.h"
 #include "rules/RuleFamilies.h"
@@ -32,6 +33,10 @@ struct ClassUpdate {
   std::vector<Finding> findings;
   // The conversions that the new text has, by kind.
   PerKind<std::size_t> conversionCounts;
+  // The conversions that were found and are not made, by kind.
+  PerKind<std::size_t> leftOutCounts;
+  // Those that are not made; if conversions are requested, all.
+  std::vector<Conversion> conversions;
   // The reason why the program refuses the new text; empty if it does not.
   std::string refusal;
   // The superclass because of which it does not, if it is that.

@@ -1,11 +1,13 @@
-// The conversions that an update makes in a class, for clients that show them.
+// The conversions of a class, for clients that show them.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "conversions/FileEdits.h"
+#include "conversions/Risk.h"
 #include "model/Extent.h"
 #include "rules/RuleFamilies.h"
 #include "service/PlannedClass.h"
@@ -22,11 +24,20 @@ struct Conversion {
   std::vector<std::string> arguments;
   // The member that names it; empty if there is none.
   std::string member;
-  // The name of the member, otherwise the block or the superclass list.
+  // The name of the member, otherwise the block or the superclass list; in the text as it was read.
   Extent place;
+  ConversionRisk risk;
+  // The pass in which it was made, counted from 1; 0 if it is not made.
+  unsigned pass = 1;
+  // Why it is not made; empty if it is.
+  std::optional<ConversionReason> leftOut;
+  // The ids of the conversions without which it is not made.
+  std::vector<std::string> needs;
   // The edits of the file that make only this conversion; empty if they were not requested or are
   // not known.
   std::vector<FileEdit> edits;
+
+  bool isMade() const { return !leftOut; }
 };
 
 // All conversions of the class, in the order of the rules.

@@ -29,6 +29,8 @@ struct FileEdit {
   std::string text;
   // The first action that makes it, or `everyAction`.
   std::size_t action = 0;
+  // The indices of the conversions that make it; empty if they were not requested.
+  std::vector<std::size_t> conversions;
 };
 
 struct FileEdits {

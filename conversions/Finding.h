@@ -23,11 +23,17 @@ struct RelatedPlace : LinePlace {
   std::string text;
 };
 
-// One message of the service, at the name of the member that it concerns.
+// One message of the service, at the name of the member that it concerns, in the text as it was
+// read.
 struct Finding : LinePlace {
   // The short id.
   std::string id;
   std::string text;
+  // What the program adds to the text, in one clause: what is expected and what is there, or the
+  // lines of references. Empty if there is nothing to add.
+  std::string detail;
+  // The same place in the text after the update; unknown if it is not there, or not requested.
+  LinePlace newPlace;
   // The arguments for the placeholders of the text.
   std::vector<std::string> arguments;
   // In the order of the file.
