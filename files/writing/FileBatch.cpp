@@ -249,7 +249,7 @@ BatchResult writeFiles(const RunStore& store, const RunStore::Lock& lock,
                        const std::function<std::string(std::size_t)>& newBytes,
                        const GoesOn& goesOn, const OnStep& onStep) {
   BatchResult result = Batch(&store, &lock, &goesOn, &onStep).write(changes, newBytes);
-  if (result.run != 0) store.prune(lock);
+  store.prune(lock);
   return result;
 }
 
