@@ -269,6 +269,29 @@ TEST_F(InjectedFaults, OfSystemCallsTearNoFileAndAreReported) {
   }
 }
 
+TEST_F(InjectedFaults, InterruptedCallsAreRepeated) {
+  if (!canTrace(space_)) GTEST_SKIP() << whyNotTraced;
+  for (const Command& command :
+       {Command{"an update", update_, false, {}}, Command{"an undo", {"undo"}, true, {}}}) {
+    std::map<std::string, unsigned> first;
+    for (const Call& call : callsOf(command)) first.try_emplace(call.name, call.number);
+    // Every other call is interrupted, so each succeeds when it is repeated.
+    const auto everyOther = [&](const char* name) {
+      return fmt::format("inject={}:error=EINTR:when={}+2", name, first.at(name));
+    };
+    for (const std::vector<std::string>& options :
+         {std::vector<std::string>{"-e", everyOther("read")},
+          {"-e", everyOther("write")},
+          {"-P", space_.path() / "q1", "-e", "inject=openat:error=EINTR:when=1"}}) {
+      SCOPED_TRACE(fmt::format("{}: {}", command.what, options.back()));
+      prepare(command);
+      const auto result = trace(options, command.arguments);
+      EXPECT_EQ(result.exitCode, 0) << result.err;
+      EXPECT_EQ(space_.readAll(), command.isAfterUpdate ? old_ : new_);
+    }
+  }
+}
+
 TEST_F(InjectedFaults, OfARepairAreNotForgotten) {
   if (!canTrace(space_)) GTEST_SKIP() << whyNotTraced;
   const std::string journal = (space_.statePath() / "soca/runs/1/before").string();
