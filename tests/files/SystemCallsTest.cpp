@@ -28,6 +28,8 @@ namespace fs = std::filesystem;
 
 bool isRecording = false;
 std::string calls;
+// The number of the last file for which space was reserved.
+ino_t reservedFile = 0;
 // The call that fails, and its error.
 std::string failingCall;
 int failingError = 0;
@@ -71,9 +73,17 @@ int syncfs(int file) noexcept {
   record("flush all");
   return systemCall("syncfs", SYS_syncfs, file);
 }
+int fallocate(int file, int mode, off_t offset, off_t size) {
+  struct stat status = {};
+  if (isRecording && ::fstat(file, &status) == 0) reservedFile = status.st_ino;
+  return systemCall("fallocate", SYS_fallocate, file, mode, offset, size);
+}
 int rename(const char* from, const char* to) noexcept {
   record(shortName(from) + " > " + shortName(to));
   return systemCall("rename", SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0);
+}
+int fstat(int file, struct stat* status) noexcept {
+  return systemCall("fstat", SYS_fstat, file, status);
 }
 int fchown(int file, uid_t user, gid_t group) noexcept {
   return systemCall("fchown", SYS_fchown, file, user, group);
@@ -120,6 +130,9 @@ class SystemCallsTest : public ::testing::Test {
     const auto lock = store_.lock([] {}, always);
     isRecording = true;
     writeFiles(store_, *lock, list, [](auto) { return std::string("new"); }, always);
+    struct stat state = {};
+    ::stat((store_.folderOf(1) + "/state").c_str(), &state);
+    EXPECT_EQ(state.st_ino, reservedFile) << "its space was reserved";
     calls += "\n";
     Journal journal(store_.folderOf(1));
     undoRun(journal, journal.pending(), always);
@@ -131,6 +144,10 @@ class SystemCallsTest : public ::testing::Test {
 };
 
 TEST_F(SystemCallsTest, FilesAreOnTheDiskBeforeTheyAreNeeded) {
+  isRecording = true;
+  store_.lock([] {}, [] { return true; });
+  EXPECT_TRUE(calls.ends_with(".state; flush soca; ")) << calls;
+  calls.clear();
   writeAndUndo({"a/A", "a/B", "b/C"});
   EXPECT_EQ(calls,
             "flush before; flush state.new; state.new > state; flush 1.new; 1.new > 1; flush runs; "
@@ -203,17 +220,34 @@ TEST_F(SystemCallsTest, AFileWhoseAttributesCannotBeCopiedStays) {
   }
 }
 
-TEST_F(SystemCallsTest, WithoutAFlushNothingIsReplaced) {
+TEST_F(SystemCallsTest, AFileThatCannotBeLookedAtIsNotRead) {
+  space_.write("A", "old");
+  failingCall = "fstat";
+  failingError = EIO;
+  try {
+    fl::filesystem::readFileBytes(space_.path() / "A", 9);
+    ADD_FAILURE() << "no error";
+  } catch (const fl::filesystem::ReadError& error) {
+    EXPECT_STREQ(std::strstr(error.what(), ": "), ": Input/output error");
+  }
+}
+
+TEST_F(SystemCallsTest, WithoutAFlushOrSpaceNothingIsReplaced) {
   const auto list = changes({"A", "B"});
   const GoesOn always = [] { return true; };
   const auto newBytes = [](auto) { return std::string("new"); };
-  failingCall = "fsync";
-  failingError = EIO;
   const auto lock = store_.lock([] {}, always);
-  EXPECT_THROW(writeFiles(store_, *lock, list, newBytes, always), JournalError);
-  EXPECT_EQ(space_.read("A"), "old");
-  EXPECT_EQ(space_.readAll().size(), 2);
-  EXPECT_TRUE(store_.runs().empty());
+  for (const auto& [call, error] : {std::pair("fsync", EIO), std::pair("fallocate", ENOSPC)}) {
+    failingCall = call;
+    failingError = error;
+    EXPECT_THROW(writeFiles(store_, *lock, list, newBytes, always), JournalError) << call;
+    EXPECT_EQ(space_.read("A"), "old");
+    EXPECT_EQ(space_.readAll().size(), 2);
+    EXPECT_TRUE(store_.runs().empty());
+  }
+  // Not every file system reserves space.
+  failingError = EOPNOTSUPP;
+  EXPECT_EQ(writeFiles(store_, *lock, list, newBytes, always).writtenCount, 2);
 }
 
 }  // namespace
