@@ -265,6 +265,10 @@ TEST_F(JournalTest, AJournalFromElsewhereIsNotUsed) {
     std::string path;
     std::uint32_t count;
     const char* fault;
+    // The numbers of files in the state.
+    FileNumbers left = {};
+    FileNumbers restored = {};
+    FileNumbers undoing = {};
   } table[] = {
       {"a good one", journalVersion, token, "/a", 1, nullptr},
       {"another version", 1, token, "/a", 1, "by another version of the program"},
@@ -274,6 +278,9 @@ TEST_F(JournalTest, AJournalFromElsewhereIsNotUsed) {
       {"a path that leads up", journalVersion, token, "/a/../b", 1, "'before'"},
       {"a path that ends above", journalVersion, token, "/a/..", 1, "'before'"},
       {"another number of files", journalVersion, token, "/a", 2, "'before'"},
+      {"a left file that is not there", journalVersion, token, "/a", 1, "'state'", {1}},
+      {"one that is restored", journalVersion, token, "/a", 1, "'state'", {}, {0, 1}},
+      {"one to be undone twice", journalVersion, token, "/a", 1, "'state'", {}, {}, {0, 0}},
   };
   for (const auto& row : table) {
     const std::string folder = space_.path() / "journal";
@@ -286,7 +293,11 @@ TEST_F(JournalTest, AJournalFromElsewhereIsNotUsed) {
     before.append(2, file.bytes());
     before.append(3, FieldWriter().put(row.count).put("/").bytes());
     before.flush();
-    StateFile(folder).write({.token = row.token, .beforeSize = before.size()});
+    StateFile(folder).write({.token = row.token,
+                             .beforeSize = before.size(),
+                             .left = row.left,
+                             .restored = row.restored,
+                             .undoing = row.undoing});
     const auto fault = findFault(folder);
     if (row.fault == nullptr) {
       EXPECT_EQ(fault, std::nullopt) << row.what;

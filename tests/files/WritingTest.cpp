@@ -119,6 +119,11 @@ TEST(Writing, SpoolGivesBackWhatWasPut) {
     texts.emplace_back(spool.put(text), text);
   }
   for (const auto& [place, text] : texts) EXPECT_TRUE(spool.take(place) == text);
+  const char* folder = std::getenv("TMPDIR");
+  const std::string usual = folder == nullptr ? "/tmp" : folder;
+  ::setenv("TMPDIR", "/dev/null", 1);
+  EXPECT_THROW(Spool().put(std::string(5'000'000, 'x')), std::runtime_error);
+  ::setenv("TMPDIR", usual.c_str(), 1);
 }
 
 // The program is interrupted at several moments; in each case it ends soon, and each file is the
