@@ -108,6 +108,8 @@ const std::vector<BadClass>& badClasses() {
        BadClass::counted},
       {"pkg.Handle", "classdef Handle < handle\nend\n", "NotASystemObject",
        "none of the classes that it derives from", BadClass::skipped},
+      {"pkg.Torn", "classdef Torn < handle\n  properties\n    X = (1;\n  end\nend\n",
+       "NotASystemObject", "none of the classes that it derives from", BadClass::skipped},
       {"pkg.Alone", "classdef Alone\nend\n", "NotASystemObject", "names no superclass",
        BadClass::skipped},
       {"pkg.Orphan", "classdef Orphan < far.Gone & handle\nend\n", "NotASystemObject",
@@ -122,7 +124,8 @@ const std::vector<BadClass>& badClasses() {
       {"pkg.Broken", "classdef Broken < velum.System\n  properties\n    X = (1;\n  end\nend\n",
        "SyntaxError", "expected `)` to close `(`", BadClass::failed},
       {"pkg.Nul", nullptr, "SyntaxError", "U+0000", BadClass::failed},
-      {"pkg.Deep", nullptr, "CodeAnalyzerError", "nested more than 1000", BadClass::failed},
+      {"pkg.Deep", nullptr, "CodeAnalyzerError", "nested more than 1000 levels deep",
+       BadClass::failed},
       {"pkg.Meeting",
        "classdef Meeting < velum.System\n  properties (Logical, PositiveInteger)\n    A = 1;\n"
        "  end\nend\n",
@@ -217,7 +220,7 @@ TEST_F(BadClasses, FoldersSkipOtherClasses) {
     EXPECT_EQ(idOf("errors", bad.name), bad.inFolder == BadClass::failed ? fullId(bad) : "");
     EXPECT_EQ(idOf("skipped", bad.name), bad.inFolder == BadClass::skipped ? fullId(bad) : "");
   }
-  EXPECT_NE(result.err.find("9 other classes skipped; 3 files without a class"), std::string::npos)
+  EXPECT_NE(result.err.find("10 other classes skipped; 3 files without a class"), std::string::npos)
       << result.err;
 }
 
@@ -247,10 +250,12 @@ TEST(BadInput, AMissingClassSuggestsTheNearestOne) {
   const Workspace space;
   space.write("one/shop/Mixer.vlm", outdatedClass("Mixer"));
   space.write("two/shop/stock/\u00c4rmel.vlm", outdatedClass("\u00c4rmel"));
+  space.write("two/shop/Mixes.vlm", outdatedClass("Mixes"));
   const std::vector<std::pair<std::string, std::string>> table = {
       {"shop.Mixre", "shop.Mixer"}, {"Shop.mixer", "shop.Mixer"},
       {"Mixer", "shop.Mixer"},      {"shopp.stock.\u00c4rmle", "shop.stock.\u00c4rmel"},
       {"shop.stock.Mixre", ""},     {"oen", "one"},
+      {"shop.Mixeq", "shop.Mixer"}, {"shop.M", ""},
   };
   for (const auto& [name, meant] : table) {
     const auto result = space.soca({"update", "-p", "one", "-p", "two", name});

@@ -255,8 +255,9 @@ TEST_F(Git, FilesThatTheLibraryWouldHangOnAreNotOpened) {
       {"an object", "begin; for o in .git/objects/[0-9a-f]*/*; do rm -f $o; mkfifo $o; done", false,
        "is neither a file nor"},
       {"an object of another repository",
-       "begin; mkdir ../o; mkfifo ../o/d; echo ../../../o > .git/objects/info/alternates", false,
-       "d' is neither a file nor"},
+       "begin; mkdir ../o; mkfifo ../o/d; printf '../objects\n../../../o\n' > "
+       ".git/objects/info/alternates",
+       false, "d' is neither a file nor"},
   };
   for (const auto& row : table) {
     const Workspace space;
