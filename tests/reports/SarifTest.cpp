@@ -72,10 +72,13 @@ TEST(Sarif, FixesMakeTheNewTextInAnyEncoding) {
   const Workspace space;
   for (const auto& [name, bytes] : classes) {
     const auto folder = odd + std::filesystem::path(name).parent_path().string();
-    space.write(folder + "/" + std::filesystem::path(name).filename().string() + ".vlm", bytes);
+    const auto file = folder + "/" + std::filesystem::path(name).filename().string() + ".vlm";
+    space.write(file, bytes);
     const auto run = logOf(space, {"-p", folder});
     ASSERT_EQ(run.at("artifacts").size(), 1U) << run.dump(1);
     const json& artifact = run.at("artifacts").at(0);
+    EXPECT_EQ(artifact.at("hashes").at("sha-256"),
+              space.run({"sha256sum", file}).out.substr(0, 64));
     const std::string uri = artifact.at("location").at("uri");
     EXPECT_EQ(uri.substr(0, 32), "a%20b/100%2525%20%C3%A4%3A%23%3F");
     EXPECT_EQ(artifact.at("encoding"), name == "latin/C" ? "ISO-8859-1" : "UTF-8");
