@@ -124,6 +124,7 @@ void expectPlaces(const nlohmann::json& result, const std::string& bytes) {
     const std::size_t start = message.find('\'') + 1;
     EXPECT_EQ(textAt(finding, bytes), message.substr(start, message.find('\'', start) - start));
     EXPECT_TRUE(finding.contains("id")) << finding;
+    EXPECT_FALSE(finding.contains("endLine")) << finding;
     const bool hasReferences = message.find("refer") != std::string::npos;
     EXPECT_TRUE(!hasReferences || finding.contains("related")) << finding;
     for (const auto& place : finding.value("related", nlohmann::json::array())) {

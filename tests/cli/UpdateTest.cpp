@@ -75,6 +75,17 @@ TEST(Update, DiffsAndWritesAreTheSameBytes) {
   EXPECT_EQ(space.soca({"update", "-p", odd, "--check"}).exitCode, 0);
 }
 
+TEST(Update, EditsLeaveTheWordsBetweenThem) {
+  for (const std::string word : {"Base", "\u00c4"}) {
+    const Workspace space;
+    space.write(word + ".vlm", "classdef " + word + " < velum.System\nend\n");
+    space.write("C.vlm", "classdef C < velum.system.mixin.Propagates & " + word +
+                             " & velum.system.mixin.CustomIcon\nend\n");
+    const auto result = space.soca({"update", "--format=json", "--edits", "C"});
+    EXPECT_EQ(nlohmann::json::parse(result.out).at("results").at(0).at("edits").size(), 2U) << word;
+  }
+}
+
 TEST(Update, JsonHasItsForm) {
   const Workspace space;
   space.write("p/A.vlm", "classdef A < p.B & far.Gone & velum.system.mixin.Propagates\nend\n");

@@ -85,6 +85,7 @@ TEST(NewTextCheck, NamesWhatIsWrongInANewText) {
     EXPECT_EQ(reason.substr(0, std::string_view(row.reason).size()), row.reason) << row.what;
     EXPECT_EQ(reason.empty(), *row.reason == '\0') << row.what << ": " << reason;
   }
+  EXPECT_EQ(reasonAgainst(planned, "x = 1;\n"), "property 'Mode' would get lost") << "no class";
 }
 
 TEST(NewTextCheck, ExpectsWhatTheActionsDo) {
