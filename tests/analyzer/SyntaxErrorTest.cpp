@@ -100,15 +100,18 @@ constexpr Case cases[] = {
      "3:7: expected a line end, `;` or `,` behind the declaration, found `2`\n"
      "4:3: expected a line end, `;` or `,` behind the declaration, found `3`\n"
      "5:17: expected a line end, `;` or `,` behind the declaration, found `double`"},
-    {"invalid sizes", "classdef A\nproperties\nx (1.5, :, a)\ny () double\nend\nend",
+    {"invalid sizes", "classdef A\nproperties\nx (1.5, 2., :, a)\ny () double\nend\nend",
      "3:4: expected a whole number or `:` as a size, found `1.5`\n"
-     "3:12: expected a whole number or `:` as a size, found `a`\n"
+     "3:9: expected a whole number or `:` as a size, found `2.`\n"
+     "3:16: expected a whole number or `:` as a size, found `a`\n"
      "4:4: expected a whole number or `:` as a size, found `)`"},
     {"attributes", "classdef A\nproperties (~X = 3)\nend\nproperties (A = 1,)\nend\nend",
      "2:16: expected `,` or `)` behind an attribute with `~`, which has no value, found `=`\n"
      "4:19: expected the name of an attribute, found `)`"},
     {"two methods on a line", "classdef A\nmethods\nfunction f\nend function g\nend\nend\nend",
      "4:5: expected a line end, `;` or `,` behind the method, found `function`"},
+    {"text after a signature", "classdef A\nmethods\nf(x) y\nend\nend",
+     "3:6: expected a line end, `;` or `,` behind the signature, found `y`"},
     {"a dotted class name", "classdef A.b\nend",
      "1:11: expected `<` or the first block behind the name of the class, found `.`"},
     {"statements before the class", "x = 1\nclassdef A\nend",

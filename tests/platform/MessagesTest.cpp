@@ -54,7 +54,13 @@ TEST(Messages, ArgumentsAreFilledInOnce) {
 TEST(TerminateDeathTest, CallsTheHandlerThenEndsTheProcess) {
   using foundation::core::diag::setTerminateHandler;
   using foundation::core::diag::terminate;
-  EXPECT_DEATH(terminate("Broken", "File", 205, "void f()"), "^File:205: void f\\(\\): Broken\n$");
+  EXPECT_DEATH(
+      {
+        // As a host may have it.
+        std::setvbuf(stderr, nullptr, _IOFBF, 4096);
+        terminate("Broken", "File", 205, "void f()");
+      },
+      "^File:205: void f\\(\\): Broken\n$");
   EXPECT_DEATH(
       {
         setTerminateHandler([](const char* message, const char*, int, const char*) {

@@ -49,6 +49,9 @@ TEST(ClassTable, ErrorsNameThePlace) {
        "classes[\"B\"].strictDefaults: expected true or false"},
       {R"({"classes": {"B": {"methods": "m"}}})",
        "classes[\"B\"].methods: expected a list of strings"},
+      {R"({"classes": {"B": {"properties": {"P": {"constrainedSet": {"kind": 4294967296}}}}}})",
+       "classes[\"B\"].properties[\"P\"].constrainedSet.kind: expected a whole number from 0 to "
+       "4294967295"},
       {R"({"classes": {"B": {"properties": {"P": {"constrainedSet": {"kind": -1}}}}}})",
        "classes[\"B\"].properties[\"P\"].constrainedSet.kind: expected a whole number from 0 to "
        "4294967295"},
