@@ -84,7 +84,8 @@ Description Hierarchy::findFurther(
     const std::function<bool(const ClassDescription&)>& holds) const {
   std::vector<Description> classes = {classes_.front()};
   appendAncestors(classes, unlimited, holds);
-  return classes.size() > 1 && holds(*classes.back()) ? classes.back() : nullptr;
+  // The class itself is known not to hold.
+  return holds(*classes.back()) ? classes.back() : nullptr;
 }
 
 bool Hierarchy::contains(std::string_view name) const {
