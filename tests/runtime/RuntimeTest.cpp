@@ -287,7 +287,7 @@ TEST_F(Runtime, AClassTableReplacesFactsOfTheSource) {
       std::make_shared<sotarn::ClassTable>(sotarn::parseClassTable(R"({"classes": {
       "C": {"superclasses": ["only.Table"], "methods": ["n"],
             "properties": {"P": {"abstract": true}, "R": {"dependent": true},
-                           "S": {"abstract": false},
+                           "S": {"abstract": false, "constrainedSet": {"kind": 0}},
                            "Q": {"dependent": false,
                                  "constrainedSet": {"kind": 1, "values": ["v"]}}}},
       "only.Table": {"superclasses": ["velum.System"], "strictDefaults": true,
@@ -304,6 +304,7 @@ TEST_F(Runtime, AClassTableReplacesFactsOfTheSource) {
   EXPECT_TRUE(c.getProperty("R").isAbstractInAnyClass());
   EXPECT_FALSE(c.getProperty("S").isAbstractInAnyClass());
   EXPECT_EQ(setOf("C", "Q"), "1 1 QSet|v");
+  EXPECT_EQ(setOf("C", "S"), "0 1 SSet");
   EXPECT_TRUE(c.isMethodDefinedInSuperClass("m"));
   EXPECT_FALSE(c.isMethodDefinedInSuperClass("n"));
 }
