@@ -11,6 +11,7 @@
 #include "platform/text/FileText.h"
 #include "platform/text/Letters.h"
 #include "platform/text/Locale.h"
+#include "platform/text/ShellText.h"
 
 using namespace std::string_literals;
 
@@ -123,6 +124,39 @@ TEST(Text, Identifiers) {
   }
   EXPECT_FALSE(isIdentifier(u"a\0"s));
   EXPECT_FALSE(isIdentifier(u"a" + ustring(1, char16_t{0xD801})));
+}
+
+TEST(Text, ShellWordsAreQuotedOnlyIfTheyMustBe) {
+  const std::string plain = "azAZ09_./+,:@%-\u00e4";
+  EXPECT_EQ(makeShellWord(plain), plain);
+  for (const char* other : {"", "a b", "`", "{", "[", "~", "a;", "*"}) {
+    EXPECT_EQ(makeShellWord(other), "'" + std::string(other) + "'");
+  }
+  EXPECT_EQ(makeShellWord("it's"), "'it'\\''s'");
+}
+
+TEST(Text, TheCharacterFacetIsThatOfAscii) {
+  using std::ctype_base;
+  const std::locale locale = i18n::facet::get_global_std_locale();
+  const auto& facet = std::use_facet<std::ctype<char16_t>>(locale);
+  ustring text = u"a1 Z\u00e9";
+  char16_t* const begin = text.data();
+  char16_t* const end = begin + text.size();
+  ctype_base::mask masks[5] = {};
+  facet.is(begin, end, masks);
+  std::string letters;
+  for (const auto mask : masks) letters += (mask & ctype_base::alpha) != 0 ? 'x' : '-';
+  EXPECT_EQ(letters, "x--x-");
+  EXPECT_EQ(facet.scan_is(ctype_base::digit, begin, end), begin + 1);
+  EXPECT_EQ(facet.scan_not(ctype_base::alnum, begin, end), begin + 2);
+  EXPECT_EQ(facet.scan_is(ctype_base::alpha, begin + 4, end), end);
+  std::string narrow(5, ' ');
+  facet.narrow(begin, end, '?', narrow.data());
+  EXPECT_EQ(narrow, "a1 Z?");
+  facet.toupper(begin, end);
+  EXPECT_EQ(text, u"A1 Z\u00e9");
+  facet.tolower(begin, end);
+  EXPECT_EQ(text, u"a1 z\u00e9");
 }
 
 TEST(Text, StreamsPrintPlainNumbers) {
