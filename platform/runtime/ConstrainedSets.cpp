@@ -37,7 +37,6 @@ bool isName(const Node* node, fl::ustring_view name) {
 std::uint32_t kindOfSetClass(const Node& callee) {
   for (std::uint32_t index = 0; index < setClasses.size(); ++index) {
     const Node* package = chainInFrontOf(&callee, setClasses[index]);
-    if (package == nullptr) continue;
     if (const Node* outer = chainInFrontOf(package, u"internal")) package = outer;
     if (isName(chainInFrontOf(package, u"system"), u"velum")) return index + 1;
   }
