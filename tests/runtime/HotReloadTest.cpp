@@ -12,6 +12,7 @@
 #include "platform/paths/PathDispatcher.h"
 #include "platform/runtime/ClassDescription.h"
 #include "platform/runtime/ClassTable.h"
+#include "platform/runtime/DescriptionCache.h"
 #include "platform/runtime/ReadClasses.h"
 #include "tests/platform/TemporaryFolder.h"
 
@@ -64,6 +65,24 @@ TEST_F(HotReload, AnUnchangedFileIsAnalysedOnce) {
   std::this_thread::sleep_for(std::chrono::milliseconds(50));
   EXPECT_EQ(ca::analyzeFile(path), ca::analyzeFile(path));
   EXPECT_EQ(sotarn::describeClass("C"), sotarn::describeClass("C"));
+}
+
+TEST(DescriptionCache, KeepsWhatIsUsedAndOnlyUnderItsStamp) {
+  sotarn::DescriptionCache cache;
+  const fl::filesystem::FileStamp stamp{.size = 1};
+  const fl::filesystem::FileStamp other{.size = 2};
+  const auto description = std::make_shared<const sotarn::ClassDescription>();
+  const auto keepMany = [&](const std::string& prefix) {
+    for (int i = 0; i < 1500; ++i) cache.keep(prefix + std::to_string(i), stamp, description);
+  };
+  cache.keep("used", stamp, description);
+  EXPECT_EQ(cache.find("used", other), nullptr);
+  keepMany("a");
+  EXPECT_EQ(cache.find("used", other), nullptr);
+  EXPECT_EQ(cache.find("used", stamp), description);
+  keepMany("b");
+  EXPECT_EQ(cache.find("used", stamp), description);
+  EXPECT_EQ(cache.find("a0", stamp), nullptr);
 }
 
 TEST_F(HotReload, AnOverlayIsReadOnItsThreadOnly) {
