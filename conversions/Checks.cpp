@@ -3,8 +3,11 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "conversions/ClassMembers.h"
@@ -79,12 +82,44 @@ NewTextCheck::NewTextCheck(const PlannedClass& planned)
   expectMethods(planned);
 }
 
+std::optional<NewTextFault> NewTextCheck::findFault(const ca::AnalysisResult& updated) const {
+  using enum NewTextFault::Type;
+  if (auto text = checkSyntax(updated)) return NewTextFault{syntaxError, std::move(*text), {}, {}};
+  auto text = checkProperties(updated);
+  if (!text) text = checkMethods(updated);
+  if (text) return NewTextFault{otherMembers, std::move(*text), findOtherMembers(updated), {}};
+  if (lostText_) return NewTextFault{lostText, lostText_->text, {}, lostText_->line};
+  return std::nullopt;
+}
+
 std::optional<std::string> NewTextCheck::findReasonToRefuse(
     const ca::AnalysisResult& updated) const {
-  if (auto reason = checkSyntax(updated)) return reason;
-  if (auto reason = checkProperties(updated)) return reason;
-  if (auto reason = checkMethods(updated)) return reason;
-  return lostText_;
+  auto fault = findFault(updated);
+  return fault ? std::optional(std::move(fault->text)) : std::nullopt;
+}
+
+// Compares the declarations by name and not in their order, so that one that is lost does not make
+// all later ones differ.
+std::vector<fl::ustring> NewTextCheck::findOtherMembers(const ca::AnalysisResult& updated) const {
+  std::vector<fl::ustring> names;
+  std::unordered_map<fl::ustring_view, fl::ustring_view> found;
+  for (const DeclaredProperty& each : declaredProperties(updated)) {
+    found.emplace(each.name, each.defaultText);
+  }
+  for (const Property& expected : properties_) {
+    const auto place = found.find(expected.name);
+    const bool isKept = place != found.end() &&
+                        (expected.defaultText.empty() || place->second == expected.defaultText);
+    if (!isKept) names.emplace_back(expected.name);
+  }
+  std::unordered_set<fl::ustring_view> methods;
+  for (const DeclaredMethod& each : declaredMethods(updated)) methods.insert(each.name);
+  std::ranges::copy_if(methods_, std::back_inserter(names),
+                       [&](const fl::ustring& each) { return !methods.contains(each); });
+  visitDeletedSets([&](const std::string& name, const sotarn::ConstrainedSetInfo& set) {
+    if (holdsItsQuote(set)) names.push_back(fl::i18n::to_ustring(name));
+  });
+  return names;
 }
 
 // --- properties ---
@@ -133,19 +168,27 @@ std::optional<std::string> NewTextCheck::checkProperties(const ca::AnalysisResul
 std::optional<std::string> NewTextCheck::checkDeleted() const {
   if (deleted_.empty()) return std::nullopt;
   std::unordered_set<fl::ustring_view> others = deleted_;
-  if (const auto description = sotarn::describeClass(className_)) {
-    for (const auto& [name, property] : description->properties) {
-      if (property.constrainedSet == nullptr) continue;
-      const sotarn::ConstrainedSetInfo& set = *property.constrainedSet;
-      if (!deleted_.contains(set.setPropertyName)) continue;
-      others.erase(set.setPropertyName);
-      if (holdsItsQuote(set)) {
-        return fmt::format("a value in the set of property '{}' has a quote in it", name);
-      }
+  std::optional<std::string> reason;
+  visitDeletedSets([&](const std::string& name, const sotarn::ConstrainedSetInfo& set) {
+    others.erase(set.setPropertyName);
+    if (!reason && holdsItsQuote(set)) {
+      reason = fmt::format("a value in the set of property '{}' has a quote in it", name);
+    }
+  });
+  if (reason || others.empty()) return reason;
+  return fmt::format("property '{}' would be deleted", to_string(*others.begin()));
+}
+
+template <class Visit>
+void NewTextCheck::visitDeletedSets(const Visit& visit) const {
+  const auto description = sotarn::describeClass(className_);
+  if (deleted_.empty() || description == nullptr) return;
+  for (const auto& [name, property] : description->properties) {
+    if (property.constrainedSet == nullptr) continue;
+    if (deleted_.contains(property.constrainedSet->setPropertyName)) {
+      visit(name, *property.constrainedSet);
     }
   }
-  if (others.empty()) return std::nullopt;
-  return fmt::format("property '{}' would be deleted", to_string(*others.begin()));
 }
 
 // --- methods ---

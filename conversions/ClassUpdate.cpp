@@ -61,6 +61,7 @@ ClassUpdate describeUpdate(const PlannedClass& planned, FindingPlacesType places
   update.file = to_string(planned.result.fileName);
   update.updated = planned.result.updated;
   update.changed = planned.result.updated && !fl::areEqualTexts(planned.text(), *planned.oldText);
+  update.hasByteOrderMark = planned.oldText->starts_with(u'\uFEFF');
   update.findings = describeFindings(planned, places);
   for (const RuleConversion& each : planned.conversions) ++update.conversionCounts[each.kind];
   return update;

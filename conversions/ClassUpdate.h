@@ -8,7 +8,7 @@
 
 #include "conversions/Conversions.h"
 #include "conversions/Finding.h"
-#include "conversions/SuperClassList.h"
+#include "conversions/superclasses/SuperClassList.h"
 #include "rules/RuleFamilies.h"
 #include "service/UpdatePlan.h"
 #include "soca/Updater.h"
@@ -30,6 +30,8 @@ struct ClassUpdate {
   // The result of the service, and whether the text differs.
   bool updated = false;
   bool changed = false;
+  // Whether the text begins with a byte order mark, which the columns of the first line count.
+  bool hasByteOrderMark = false;
   std::vector<Finding> findings;
   // The conversions that the new text has, by kind.
   PerKind<std::size_t> conversionCounts;

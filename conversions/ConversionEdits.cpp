@@ -89,8 +89,12 @@ class EditFinder {
       : planned_(planned), encoding_(encoding), conversions_(conversions) {}
 
   void find() {
-    Indices all(planned_.conversions.size());
-    for (std::size_t i = 0; i < all.size(); ++i) all[i] = i;
+    std::vector<bool> isMade(planned_.conversions.size());
+    for (const ActionOwner& owner : planned_.owners) isMade[owner.conversion] = true;
+    Indices all;
+    for (std::size_t i = 0; i < isMade.size(); ++i) {
+      if (isMade[i]) all.push_back(i);
+    }
     divide(planned_, all);
     for (std::size_t plans = 0; !groups_.empty() && plans < mostPlans; ++plans) {
       const Indices group = std::move(groups_.front());
@@ -126,8 +130,9 @@ class EditFinder {
     std::vector<bool> made(planned_.conversions.size());
     for (const std::size_t each : group) made[each] = true;
     try {
-      PlannedClass plan = planConversions(planned_, made, {.keepLines = true});
-      if (plan.missingDelimiter) return std::nullopt;
+      PlannedClass plan =
+          planConversions(planned_, made, {.keepLines = true, .listFaults = planned_.listsFaults});
+      if (plan.missingDelimiter || !plan.faults.empty()) return std::nullopt;
       return plan;
     } catch (const foundation::core::except::IMsgIDException&) {
       // Edits of these conversions overlap.

@@ -10,8 +10,9 @@
 namespace soca {
 
 // Sets the edits of each conversion for a file of this encoding. `planned` must have the new lines
-// that all conversions make together, and `conversions` be those of that class. A conversion stays
-// without edits if it cannot be made alone, or if it takes too many plans to find out.
+// that its conversions make together, and `conversions` be those of that class, made or not. A
+// conversion stays without edits if it is not made, if it cannot be made alone, or if it takes too
+// many plans to find out.
 void findEditsOfEach(const PlannedClass& planned, fl::EncodingType encoding,
                      std::vector<Conversion>& conversions);
 

@@ -7,7 +7,8 @@
 #include <vector>
 
 #include "conversions/FileEdits.h"
-#include "conversions/Risk.h"
+#include "conversions/Finding.h"
+#include "conversions/risk/Risk.h"
 #include "model/Extent.h"
 #include "rules/RuleFamilies.h"
 #include "service/PlannedClass.h"
@@ -26,6 +27,9 @@ struct Conversion {
   std::string member;
   // The name of the member, otherwise the block or the superclass list; in the text as it was read.
   Extent place;
+  // Of one that is not made, the same place in the text after the update; unknown if that text is
+  // the same.
+  LinePlace newPlace;
   ConversionRisk risk;
   // The pass in which it was made, counted from 1; 0 if it is not made.
   unsigned pass = 1;

@@ -104,16 +104,17 @@ bool isInside(const SourcePosition& position, const std::vector<fl::ustring_view
 }
 
 // The first edit whose place is not valid; empty if there is none.
-std::optional<std::string> findMisplacedEdit(const std::vector<PlacedEdit>& edits,
-                                             const std::vector<fl::ustring_view>& lines) {
+std::optional<LostText> findMisplacedEdit(const std::vector<PlacedEdit>& edits,
+                                          const std::vector<fl::ustring_view>& lines) {
   for (std::size_t i = 0; i < edits.size(); ++i) {
     const PlacedEdit& edit = edits[i];
     const SourcePosition& start = edit.start();
     if (!isInside(start, lines) || !isInside(edit.end, lines) || edit.end < start) {
-      return fmt::format("an edit of line {} lies outside the text", start.line + 1);
+      return LostText{fmt::format("an edit of line {} lies outside the text", start.line + 1),
+                      start.line};
     }
     if (i > 0 && start < edits[i - 1].end) {
-      return fmt::format("two edits overlap on line {}", start.line + 1);
+      return LostText{fmt::format("two edits overlap on line {}", start.line + 1), start.line};
     }
   }
   return std::nullopt;
@@ -283,14 +284,15 @@ class Rebuilder {
 
 }  // namespace
 
-std::optional<std::string> findLostText(fl::ustring_view oldText, fl::ustring_view newText,
-                                        const std::vector<PlannedAction>& actions) {
+std::optional<LostText> findLostText(fl::ustring_view oldText, fl::ustring_view newText,
+                                     const std::vector<PlannedAction>& actions) {
   const auto lines = splitLines(oldText);
   const auto edits = Placer(lines).place(actions);
   if (auto misplaced = findMisplacedEdit(edits, lines)) return misplaced;
   const auto mismatch = Rebuilder(lines, edits, newText).findMismatch();
   if (!mismatch) return std::nullopt;
-  return fmt::format("text outside the edits would change, near line {}", *mismatch);
+  return LostText{fmt::format("text outside the edits would change, near line {}", *mismatch),
+                  *mismatch - 1};
 }
 
 }  // namespace soca

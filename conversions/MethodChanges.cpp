@@ -6,7 +6,7 @@
 #include <functional>
 #include <string_view>
 
-#include "conversions/Ancestry.h"
+#include "conversions/superclasses/Ancestry.h"
 
 namespace soca {
 namespace {

@@ -121,7 +121,7 @@ void checkEditsApart(const fl::ustring& text, const std::vector<PlannedEdit>& al
     actions.push_back({RuleFamilyType::attributes, false, edit.extent, {edit}});
   }
   const auto lost = findLostText(text, edited, actions);
-  require(!lost, "{}", lost.value_or(""));
+  require(!lost, "{}", lost ? lost->text : "");
 }
 
 }  // namespace

@@ -19,20 +19,34 @@ using nlohmann::json;
 using testing::ProgramResult;
 using testing::Workspace;
 
-// The file names and texts of the classes.
-std::map<std::string, std::string> makeFiles(std::uint64_t firstSeed, std::uint64_t count) {
-  std::map<std::string, std::string> files;
+using Files = std::map<std::string, std::string>;
+
+// The file of the class, relative to its root.
+std::string fileOf(std::string className) {
+  std::ranges::replace(className, '.', '/');
+  return className + ".vlm";
+}
+
+// The classes, of which many derive from a few that were made shortly before them.
+Files makeFiles(std::uint64_t firstSeed, std::uint64_t count) {
+  constexpr std::size_t mostInFamily = 12;
+  Files files;
+  std::vector<fl::ustring> family;
   for (std::uint64_t seed = firstSeed; seed < firstSeed + count; ++seed) {
-    for (const RandomClass& each : makeRandomClasses(seed, fmt::format("_{}", seed))) {
-      std::string name = each.file.className;
-      std::ranges::replace(name, '.', '/');
-      files[name + ".vlm"] = fl::i18n::to_string(each.file.text);
+    for (const RandomClass& each : makeRandomClasses(seed, fmt::format("_{}", seed), family)) {
+      const auto analysis = ca::analyzeText(each.file.text);
+      require(!analysis->hasSyntaxError(), "class {} has a syntax error", each.file.className);
+      files[fileOf(each.file.className)] = fl::i18n::to_string(each.file.text);
+      family.push_back(fl::i18n::to_ustring(each.file.className));
+    }
+    if (family.size() > mostInFamily) {
+      family.erase(family.begin(), family.end() - static_cast<std::ptrdiff_t>(mostInFamily));
     }
   }
   return files;
 }
 
-std::vector<std::string> classNames(const std::map<std::string, std::string>& files) {
+std::vector<std::string> classNames(const Files& files) {
   std::vector<std::string> names;
   for (const auto& [path, text] : files) {
     std::string name = path.substr(0, path.size() - 4);
@@ -42,74 +56,112 @@ std::vector<std::string> classNames(const std::map<std::string, std::string>& fi
   return names;
 }
 
-ProgramResult updateAsJson(const Workspace& space, const char* jobs,
-                           const std::vector<std::string>& more = {}) {
-  std::vector<std::string> arguments = {"update", "--format", "json", "-j", jobs};
-  arguments.insert(arguments.end(), more.begin(), more.end());
-  ProgramResult result = space.soca(arguments);
-  require(result.exitCode == 0 || result.exitCode == 2, "the program ends with {}: {}",
-          result.exitCode, result.err);
-  return result;
-}
-
 // The entries of all classes by name; results for unnamed classes are omitted.
-std::map<std::string, json> outcomes(const ProgramResult& result) {
+std::map<std::string, json> outcomesOf(const json& document) {
   std::map<std::string, json> found;
-  const json document = json::parse(result.out);
-  for (const char* part : {"results", "errors"}) {
+  for (const char* part : {"results", "errors", "undecided"}) {
     for (const json& entry : document.at(part)) found[entry.at("class")] = entry;
   }
   return found;
 }
 
-void checkAnyOrder(const Workspace& space, const std::map<std::string, std::string>& files,
-                   const ProgramResult& inOrder) {
-  std::vector<std::string> names = classNames(files);
-  std::ranges::reverse(names);
-  const auto reversed = outcomes(updateAsJson(space, "2", names));
-  for (const auto& [name, entry] : outcomes(inOrder)) {
-    const auto found = reversed.find(name);
-    require(found != reversed.end() && found->second == entry,
-            "class {} has another outcome in another order", name);
+// One folder of classes, and how the program updates them.
+class FolderCheck {
+ public:
+  FolderCheck(std::uint64_t firstSeed, std::uint64_t count)
+      : files_(makeFiles(firstSeed, count)), risk_(firstSeed % 2 == 0 ? "unsafe" : "review") {
+    for (const auto& [name, text] : files_) space_.write(name, text);
   }
-}
 
-void checkWritten(const std::string& name, const std::string& text) {
-  const auto analysis = ca::analyzeText(fl::i18n::to_ustring(text));
-  require(!analysis->hasSyntaxError(), "{} is written with syntax errors", name);
-}
+  void run() {
+    dryRun_ = update({"--format", "json"}, 1);
+    const auto document = json::parse(dryRun_.out);
+    outcomes_ = outcomesOf(document);
+    hasFailed_ = !document.at("errors").empty() || !document.at("undecided").empty();
+    findExpected();
+    requireExitCode(dryRun_, false);
+    checkJobs();
+    checkAnyOrder();
+    requireExitCode(update({"--check", "-q"}, 2), expected_ != files_);
+    require(space_.readAll() == files_, "a dry run writes");
+    checkWriting();
+    checkSecond();
+  }
 
-void checkWriting(const Workspace& space, std::map<std::string, std::string> expected,
-                  const ProgramResult& dryRun) {
-  const auto old = expected;
-  for (const auto& [name, entry] : outcomes(dryRun)) {
-    if (!entry.contains("text") || entry.contains("refused")) continue;
-    std::string path = name;
-    std::ranges::replace(path, '.', '/');
-    expected.at(path + ".vlm") = entry.at("text");
+ private:
+  ProgramResult update(const std::vector<std::string>& options, unsigned jobs) const {
+    std::vector<std::string> arguments = {"update", "--risk", risk_, "-j", std::to_string(jobs)};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    return space_.soca(arguments);
   }
-  space.soca({"update", "--write", "-q", "-j", "2"});
-  const auto found = space.readAll();
-  require(found.size() == expected.size(), "files appear or vanish");
-  for (const auto& [name, text] : found) {
-    require(text == expected.at(name), "{} is not written as it was told", name);
-    if (text != old.at(name)) checkWritten(name, text);
+
+  // Failed classes count more than a difference that `--check` finds.
+  void requireExitCode(const ProgramResult& result, bool findsChanges) const {
+    const int expected = hasFailed_ ? 2 : findsChanges ? 1 : 0;
+    require(result.exitCode == expected, "the program ends with {}, not {}: {}", result.exitCode,
+            expected, result.err);
   }
-}
+
+  void findExpected() {
+    expected_ = files_;
+    for (const auto& [name, entry] : outcomes_) {
+      if (entry.contains("text")) expected_.at(fileOf(name)) = entry.at("text");
+    }
+  }
+
+  void checkJobs() const {
+    const ProgramResult four = update({"--format", "json"}, 4);
+    require(dryRun_.out == four.out && dryRun_.err == four.err && dryRun_.exitCode == four.exitCode,
+            "another number of jobs prints something else");
+  }
+
+  void checkAnyOrder() const {
+    std::vector<std::string> arguments = {"--format", "json"};
+    const auto names = classNames(files_);
+    arguments.insert(arguments.end(), names.rbegin(), names.rend());
+    const auto reversed = outcomesOf(json::parse(update(arguments, 2).out));
+    for (const auto& [name, entry] : outcomes_) {
+      const auto found = reversed.find(name);
+      require(found != reversed.end() && found->second == entry,
+              "class {} has another outcome in another order", name);
+    }
+  }
+
+  void checkWriting() const {
+    requireExitCode(update({"--write", "-q"}, 4), false);
+    const Files found = space_.readAll();
+    require(found.size() == expected_.size(), "files appear or vanish");
+    for (const auto& [name, text] : found) {
+      require(text == expected_.at(name), "{} is not written as it was printed", name);
+      if (text == files_.at(name)) continue;
+      const auto analysis = ca::analyzeText(fl::i18n::to_ustring(text));
+      require(!analysis->hasSyntaxError(), "{} is written with syntax errors", name);
+    }
+  }
+
+  void checkSecond() const {
+    const ProgramResult result = update({"--write"}, 2);
+    const Files found = space_.readAll();
+    for (const auto& [name, text] : found) {
+      require(text == expected_.at(name), "{} changes once more", name);
+    }
+    requireExitCode(result, false);
+  }
+
+  Workspace space_;
+  Files files_;
+  std::string risk_;
+  ProgramResult dryRun_;
+  std::map<std::string, json> outcomes_;
+  bool hasFailed_ = false;
+  // The files as the dry run printed them.
+  Files expected_;
+};
 
 }  // namespace
 
 void checkProgram(std::uint64_t firstSeed, std::uint64_t count) {
-  const Workspace space;
-  const auto files = makeFiles(firstSeed, count);
-  for (const auto& [name, text] : files) space.write(name, text);
-  const ProgramResult one = updateAsJson(space, "1");
-  const ProgramResult four = updateAsJson(space, "4");
-  require(one.out == four.out && one.err == four.err && one.exitCode == four.exitCode,
-          "another number of jobs prints something else");
-  checkAnyOrder(space, files, one);
-  require(space.readAll() == files, "a dry run writes");
-  checkWriting(space, files, one);
+  FolderCheck(firstSeed, count).run();
 }
 
 }  // namespace soca::fuzz

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <span>
 
 #include "fuzz/RandomCode.h"
 #include "platform/text/Conversions.h"
@@ -39,8 +40,10 @@ constexpr std::array<fl::ustring_view, 9> propertyNames = {
 
 class ClassMaker {
  public:
-  ClassMaker(bench::Dice* dice, fl::ustring name, const std::vector<fl::ustring>& others)
-      : out_(dice), code_(&out_), name_(std::move(name)), others_(others) {}
+  // Derives often from the classes `family`, if there are any.
+  ClassMaker(bench::Dice* dice, fl::ustring name, const std::vector<fl::ustring>& others,
+             const std::vector<fl::ustring>& family)
+      : out_(dice), code_(&out_), name_(std::move(name)), others_(others), family_(family) {}
 
   RandomClass make() {
     // Only blank lines and comments may be before the class line.
@@ -48,6 +51,7 @@ class ClassMaker {
     writeHeader();
     const std::size_t blocks = 1 + out_.dice().roll(6);
     for (std::size_t number = 0; number < blocks; ++number) writeBlock();
+    if (!family_.empty() && !out_.once(3)) writeImplMethods();
     out_.put(u"end");
     if (out_.once(6)) writeFunctions();
     out_.lastLines();
@@ -58,7 +62,11 @@ class ClassMaker {
   void writeHeader() {
     out_.put(u"classdef");
     out_.space();
-    if (out_.once(3)) {
+    if (!family_.empty() && out_.once(2)) {
+      out_.put(u"(");
+      out_.identifier(u"StrictDefaults");
+      out_.put(u") ");
+    } else if (out_.once(3)) {
       code_.attributes({u"StrictDefaults", u"StrictDefaults", u"Sealed", u"Abstract"});
       out_.gap();
     }
@@ -79,6 +87,14 @@ class ClassMaker {
   }
 
   void writeSuperClass() {
+    if (!family_.empty() && out_.once(2)) {
+      superClass_ = family_[out_.dice().roll(family_.size())];
+      return out_.identifier(superClass_);
+    }
+    if (!family_.empty() && !out_.once(8)) {
+      return out_.identifier(
+          out_.pick({u"velum.System", u"velum.System", u"velum.system.mixin.Propagates"}));
+    }
     if (!others_.empty() && out_.once(4)) {
       return out_.identifier(others_[out_.dice().roll(others_.size())]);
     }
@@ -211,6 +227,45 @@ class ClassMaker {
     if (out_.once(2)) code_.statements(3, 1);
   }
 
+  // Methods of which classes that derive from each other may convert or call those of the others.
+  void writeImplMethods() {
+    out_.put(u"methods (");
+    out_.identifier(u"Access");
+    out_.put(u" = ");
+    out_.identifier(u"protected");
+    out_.put(u")\n");
+    // The first one is listed twice.
+    for (const ImplShape& shape : std::span(implMethods).subspan(1)) {
+      if (out_.once(3)) writeImplMethod(shape);
+    }
+    out_.put(u"end\n");
+  }
+
+  void writeImplMethod(const ImplShape& shape) {
+    RandomCode::Head head{{}, shape.name, std::vector<fl::ustring_view>(shape.inputs, u"obj")};
+    if (shape.outputs > 0) head.outputs = {u"flag"};
+    out_.put(u"function ");
+    code_.head(head);
+    out_.lineEnd();
+    const bool callsSuperClass = !superClass_.empty() && out_.once(3);
+    if (shape.outputs > 0) {
+      out_.identifier(u"flag");
+      out_.put(u" = ");
+      if (!callsSuperClass) out_.identifier(out_.pick({u"false", u"false", u"true"}));
+    }
+    if (callsSuperClass) writeSuperClassCall(shape.name);
+    out_.put(u";\nend\n");
+  }
+
+  void writeSuperClassCall(fl::ustring_view method) {
+    out_.identifier(out_.once(4) ? out_.dice().pick(implMethods).name : method);
+    out_.put(u"@");
+    out_.identifier(superClass_);
+    out_.put(u"(");
+    out_.identifier(u"obj");
+    out_.put(u")");
+  }
+
   void writeNames() {
     const bool isEvents = out_.once(2);
     out_.put(isEvents ? u"events" : u"enumeration");
@@ -242,12 +297,16 @@ class ClassMaker {
   RandomCode code_;
   fl::ustring name_;
   const std::vector<fl::ustring>& others_;
+  const std::vector<fl::ustring>& family_;
+  // The last one that is of the family.
+  fl::ustring superClass_;
   bool hasDefaults_ = false;
 };
 
 }  // namespace
 
-std::vector<RandomClass> makeRandomClasses(std::uint64_t seed, const std::string& suffix) {
+std::vector<RandomClass> makeRandomClasses(std::uint64_t seed, const std::string& suffix,
+                                           const std::vector<fl::ustring>& family) {
   bench::Dice dice(seed);
   const std::size_t others = dice.roll(4);
   std::vector<fl::ustring> otherNames;
@@ -255,12 +314,13 @@ std::vector<RandomClass> makeRandomClasses(std::uint64_t seed, const std::string
     otherNames.push_back(fl::i18n::to_ustring(fmt::format("pkg.Base{}{}", number, suffix)));
   }
   std::vector<RandomClass> classes;
-  const fl::ustring name = fl::i18n::to_ustring("C" + suffix);
-  classes.push_back(ClassMaker(&dice, name, otherNames).make());
-  classes.back().file.className = "C" + suffix;
+  const auto make = [&](const fl::ustring& name, std::string className) {
+    classes.push_back(ClassMaker(&dice, name, otherNames, family).make());
+    classes.back().file.className = std::move(className);
+  };
+  make(fl::i18n::to_ustring("C" + suffix), "C" + suffix);
   for (const fl::ustring& other : otherNames) {
-    classes.push_back(ClassMaker(&dice, other.substr(4), otherNames).make());
-    classes.back().file.className = fl::i18n::to_string(other);
+    make(other.substr(4), fl::i18n::to_string(other));
   }
   return classes;
 }

@@ -16,7 +16,9 @@ struct RandomClass {
 };
 
 // A class and up to three more, some of them its superclasses, the same ones for the same seed. The
-// first is the class to update. Their names end with `suffix`.
-std::vector<RandomClass> makeRandomClasses(std::uint64_t seed, const std::string& suffix = "");
+// first is the class to update. Their names end with `suffix`. Half of the superclasses are of
+// `family`, if it is not empty, and many methods are those that the rules convert.
+std::vector<RandomClass> makeRandomClasses(std::uint64_t seed, const std::string& suffix = "",
+                                           const std::vector<fl::ustring>& family = {});
 
 }  // namespace soca::fuzz

@@ -18,6 +18,7 @@
 #include "fuzz/RandomClass.h"
 #include "fuzz/UpdateProperties.h"
 #include "fuzz/Violation.h"
+#include "fuzz/changes/ChangeProperties.h"
 #include "platform/text/Conversions.h"
 
 namespace soca::fuzz {
@@ -52,6 +53,7 @@ class Run {
     try {
       for (const RandomClass& each : classes) {
         checkAsMade(each);
+        checkChanges(each.file.text, seed);
         codeUnits_ += each.file.text.size();
       }
       count(checkUpdate(filesOf(classes)));
@@ -69,10 +71,10 @@ class Run {
 
  private:
   void count(const UpdateVerdict& verdict) {
-    static constexpr std::string_view names[] = {"unchanged", "updated", "failed", "spoiled"};
+    static constexpr std::string_view names[] = {"unchanged", "updated", "failed", "refused"};
     std::string key(names[static_cast<std::size_t>(verdict.type)]);
     if (!verdict.reason.empty()) key += ": " + verdict.reason;
-    if (verdict.furtherUpdates > 0) key += fmt::format(", {} times", 1 + verdict.furtherUpdates);
+    key += fmt::format(", {} passes", verdict.passes);
     ++verdicts_[key];
   }
 

@@ -14,7 +14,6 @@
 
 #include "bench/ToolOptions.h"
 #include "fuzz/ClassFiles.h"
-#include "fuzz/KnownCauses.h"
 #include "fuzz/Targets.h"
 #include "platform/text/FileText.h"
 #include "tests/Places.h"
@@ -130,18 +129,6 @@ bool runInput(const Input& input) {
   return true;
 }
 
-// The number of known causes that are the title of no case in tests/known.
-std::size_t countUnexplainedCauses() {
-  const auto cases = testing::findCases(testing::projectPath("tests/known"));
-  std::size_t count = 0;
-  for (const std::string_view cause : knownCauses()) {
-    if (std::ranges::find(cases, cause, &testing::Case::title) != cases.end()) continue;
-    fmt::print("no case in tests/known explains '{}'\n", cause);
-    ++count;
-  }
-  return count;
-}
-
 }  // namespace
 }  // namespace soca::fuzz
 
@@ -161,5 +148,5 @@ int main(int argc, char** argv) {
   const auto failed =
       std::ranges::count_if(inputs, [](const auto& input) { return !soca::fuzz::runInput(input); });
   fmt::print("{} inputs, {} failures\n", inputs.size(), failed);
-  return failed == 0 && soca::fuzz::countUnexplainedCauses() == 0 ? 0 : 1;
+  return failed == 0 ? 0 : 1;
 }

@@ -1,6 +1,7 @@
 #include "fuzz/Targets.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <memory>
 
 #include "fuzz/AnalysisProperties.h"
@@ -8,6 +9,7 @@
 #include "fuzz/EditProperties.h"
 #include "fuzz/UpdateProperties.h"
 #include "fuzz/Violation.h"
+#include "fuzz/changes/ChangeProperties.h"
 #include "platform/runtime/ClassTable.h"
 #include "platform/text/FileText.h"
 
@@ -59,6 +61,8 @@ void fuzzEdits(std::string_view bytes) {
   const std::size_t editBytes = std::min(bytes.size(), 1 + count * editSize);
   const fl::ustring text = fl::decodeFileText(bytes.substr(0, bytes.size() - editBytes)).text;
   std::string_view rest = bytes.substr(bytes.size() - editBytes);
+  std::uint64_t seed = 0;
+  for (const unsigned char byte : rest) seed = seed * 31 + byte;
   std::vector<RawEdit> edits;
   while (rest.size() > editSize) {
     const auto byte = [&](std::size_t index) { return static_cast<unsigned char>(rest[index]); };
@@ -66,6 +70,7 @@ void fuzzEdits(std::string_view bytes) {
     rest.remove_prefix(editSize);
   }
   checkEdits(text, edits);
+  checkChanges(text, seed);
 }
 
 void fuzzClassTable(std::string_view bytes) {

@@ -10,7 +10,7 @@ namespace soca::fuzz {
 void fuzzAnalysis(std::string_view bytes);
 // Updates class files, as `readClassFiles` reads them. An entry `table.json` is a class table.
 void fuzzUpdate(std::string_view bytes);
-// Edits a text, with the edits in the last bytes.
+// Edits a text, with the edits in the last bytes, and changes it several times.
 void fuzzEdits(std::string_view bytes);
 // Reads a class table in JSON, for a class that has properties with companions.
 void fuzzClassTable(std::string_view bytes);

@@ -4,6 +4,7 @@
 
 #include "files/targets/NearestFile.h"
 #include "platform/text/ShellText.h"
+#include "reports/text/TextLayout.h"
 
 namespace soca {
 
@@ -15,7 +16,7 @@ std::string describeSuggestion(const SuggestedRoots& suggestion, const FileNames
   }
   const bool isOne = suggestion.found == 1;
   std::string text =
-      fmt::format("{} {} not found {} under {}, which {}", suggestion.found,
+      fmt::format("{} {} not found {} under {}, which {}", groupDigits(suggestion.found),
                   isOne ? "superclass that was" : "superclasses that were", isOne ? "is" : "are",
                   holders, suggestion.holders.size() == 1 ? "is no root" : "are no roots");
   if (!isWrong) return text;

@@ -1,65 +1,42 @@
 #include "reports/Summary.h"
 
-#include <fmt/core.h>
-
 #include <algorithm>
-#include <string_view>
-#include <utility>
-#include <vector>
 
 namespace soca {
 namespace {
 
-std::string counted(std::size_t count, std::string_view one, std::string_view many) {
-  return fmt::format("{} {}", count, count == 1 ? one : many);
-}
-
-// The kinds with their counts, the most frequent first.
-using Counts = std::vector<std::pair<std::string_view, std::size_t>>;
-
-Counts sorted(Counts counts) {
-  std::erase_if(counts, [](const auto& count) { return count.second == 0; });
-  std::ranges::stable_sort(counts, std::ranges::greater(), &Counts::value_type::second);
-  return counts;
-}
-
-// "  findings: 12 SyntaxError, 1 NoFileForClass", wrapped into lines.
-std::string listing(std::string_view name, const Counts& counts, std::size_t width) {
-  std::string text;
-  std::size_t column = 0;
-  for (const auto& [kind, count] : sorted(counts)) {
-    const std::string item = fmt::format("{} {}", count, kind);
-    if (column > 0 && column + 2 + item.size() < width) {
-      text += ", " + item;
-      column += 2 + item.size();
-      continue;
-    }
-    const std::string head =
-        column == 0 ? fmt::format("  {}: ", name) : std::string(name.size() + 4, ' ');
-    if (column > 0) text += ",\n";
-    text += head + item;
-    column = head.size() + item.size();
-  }
-  return text.empty() ? text : text + '\n';
-}
-
-Counts countsOf(const std::map<std::string, std::size_t>& countsById) {
-  return {countsById.begin(), countsById.end()};
-}
-
 // The part of the id after its last colon.
 std::string shortId(const std::string& id) { return id.substr(id.rfind(':') + 1); }
+
+std::string packageOf(const std::string& className) {
+  const std::size_t dot = className.rfind('.');
+  return dot == std::string::npos ? std::string() : className.substr(0, dot);
+}
+
+void addTo(std::vector<LeftOutCount>& counts, const std::string& reason, ConversionKindType kind,
+           std::size_t number) {
+  if (number == 0) return;
+  const auto same = std::ranges::find_if(
+      counts, [&](const LeftOutCount& each) { return each.kind == kind && each.reason == reason; });
+  auto& count = same == counts.end() ? counts.emplace_back(reason, kind, 0U) : *same;
+  count.count += static_cast<std::uint32_t>(number);
+}
 
 }  // namespace
 
 ClassCounts::ClassCounts(const ClassOutcome& outcome)
-    : isChanged(outcome.update.changed && !outcome.update.isRefused()),
+    : package(packageOf(outcome.update.className)),
+      isChanged(outcome.update.changed && !outcome.update.isRefused()),
       isRefused(outcome.update.isRefused()),
       changesAgain(outcome.update.changesAgain),
       isUncommitted(!outcome.writeRefusal.empty()) {
   for (const ConversionKind& kind : conversionKinds) {
-    if (!isChanged) break;
-    conversions[kind.type] = static_cast<std::uint32_t>(outcome.update.conversionCounts[kind.type]);
+    const std::size_t number = outcome.update.conversionCounts[kind.type];
+    if (isChanged) conversions[kind.type] = static_cast<std::uint32_t>(number);
+    if (isRefused) addTo(leftOut, {}, kind.type, number);
+  }
+  for (const Conversion& conversion : outcome.update.conversions) {
+    if (conversion.leftOut) addTo(leftOut, conversion.leftOut->id, conversion.kind, 1);
   }
   findings.reserve(outcome.update.findings.size());
   for (const Finding& finding : outcome.update.findings) {
@@ -77,7 +54,18 @@ void Summary::add(const ClassCounts& counts) {
   for (const ConversionKind& kind : conversionKinds) {
     conversions[kind.type] += counts.conversions[kind.type];
   }
+  for (const LeftOutCount& each : counts.leftOut) leftOut[each.reason][each.kind] += each.count;
   for (const std::string& id : counts.findings) ++findingsById[id];
+  if (countsPackages) addToPackage(counts);
+}
+
+void Summary::addToPackage(const ClassCounts& counts) {
+  PackageCounts& package = packages[counts.package];
+  ++package.classes;
+  package.findings += counts.findings.size();
+  package.failed += counts.isRefused ? 1 : 0;
+  for (const ConversionKind& kind : conversionKinds) package.made += counts.conversions[kind.type];
+  for (const LeftOutCount& each : counts.leftOut) package.leftOut += each.count;
 }
 
 void Summary::remove(const ClassCounts& counts) {
@@ -87,15 +75,52 @@ void Summary::remove(const ClassCounts& counts) {
   refused -= counts.isRefused ? 1 : 0;
   changesAgain -= counts.changesAgain ? 1 : 0;
   uncommitted -= counts.isUncommitted ? 1 : 0;
+  for (const LeftOutCount& each : counts.leftOut) leftOut[each.reason][each.kind] -= each.count;
+  for (const std::string& id : counts.findings) --findingsById[id];
+  removeConversions(counts);
+  if (!countsPackages) return;
+  PackageCounts& package = packages[counts.package];
+  --package.classes;
+  package.findings -= counts.findings.size();
+  package.failed -= counts.isRefused ? 1 : 0;
+  for (const LeftOutCount& each : counts.leftOut) package.leftOut -= each.count;
+}
+
+void Summary::removeConversions(const ClassCounts& counts) {
   for (const ConversionKind& kind : conversionKinds) {
     conversions[kind.type] -= counts.conversions[kind.type];
+    if (countsPackages) packages[counts.package].made -= counts.conversions[kind.type];
   }
-  for (const std::string& id : counts.findings) --findingsById[id];
+}
+
+void Summary::removeUnwritten(const ClassCounts& counts) {
+  --changed;
+  --classes;
+  if (countsPackages) --packages[counts.package].classes;
+  removeConversions(counts);
+}
+
+void Summary::addToPackage(const Failure& failure) {
+  if (!countsPackages || failure.className.find('/') != std::string::npos) return;
+  PackageCounts& package = packages[packageOf(failure.className)];
+  ++package.classes;
+  ++package.failed;
 }
 
 void Summary::addFailure(const Failure& failure) {
   ++failed;
   ++failuresById[shortId(failure.id)];
+  addToPackage(failure);
+}
+
+void Summary::addUndecided(const Failure& failure) {
+  ++undecided;
+  addToPackage(failure);
+}
+
+void Summary::addSkipped(const Failure& failure) {
+  ++skipped;
+  ++skippedById[shortId(failure.id)];
 }
 
 void Summary::addPassedOver(PassedOverFile::Type type) {
@@ -112,48 +137,13 @@ void Summary::addPassedOver(PassedOverFile::Type type) {
   }
 }
 
-std::string formatSummary(const Summary& summary, TenseType tense) {
-  const std::size_t left = summary.classes - summary.changed - summary.refused;
-  std::string text =
-      fmt::format("looked at {}: {} {}, {} as {}",
-                  counted(summary.classes + summary.failed, "class", "classes"), summary.changed,
-                  tense == TenseType::wouldChange ? "would change" : "changed",
-                  counted(left, "stays", "stay"), left == 1 ? "it is" : "they are");
-  if (summary.refused > 0) text += fmt::format(", {} refused", summary.refused);
-  if (summary.failed > 0) text += fmt::format(", {} failed", summary.failed);
-  if (summary.undecided > 0) text += fmt::format("; {} undecided", summary.undecided);
-  if (summary.skipped > 0) {
-    text += fmt::format("; {} skipped", counted(summary.skipped, "other class", "other classes"));
+std::size_t Summary::leftOutCount() const {
+  std::size_t sum = 0;
+  for (const auto& [reason, kinds] : leftOut) {
+    if (reason.empty()) continue;
+    for (const ConversionKind& kind : conversionKinds) sum += kinds[kind.type];
   }
-  if (summary.filesWithoutClass > 0) {
-    text +=
-        fmt::format("; {} without a class", counted(summary.filesWithoutClass, "file", "files"));
-  }
-  if (summary.otherNames > 0) {
-    text += fmt::format("; {} without a class name", counted(summary.otherNames, "file", "files"));
-  }
-  if (summary.utf16Files > 0) {
-    text += fmt::format("; {} in UTF-16", counted(summary.utf16Files, "file", "files"));
-  }
-  if (summary.passedOver > 0) text += fmt::format("; {} passed over", summary.passedOver);
-  if (summary.findings > 0) {
-    text += fmt::format("; {}", counted(summary.findings, "finding", "findings"));
-  }
-  if (summary.changesAgain > 0) {
-    text += fmt::format("; {} again in a second update",
-                        counted(summary.changesAgain, "changes", "change"));
-  }
-  return text;
-}
-
-std::string formatDetails(const Summary& summary, std::size_t width) {
-  Counts conversions;
-  for (const ConversionKind& kind : conversionKinds) {
-    conversions.emplace_back(kind.name, summary.conversions[kind.type]);
-  }
-  return listing("conversions", conversions, width) +
-         listing("findings", countsOf(summary.findingsById), width) +
-         listing("failures", countsOf(summary.failuresById), width);
+  return sum;
 }
 
 }  // namespace soca

@@ -16,17 +16,19 @@
 
 namespace soca {
 
-// One format. The output for a class has two parts: data for standard output, which any thread can
-// make, and notes for users.
+// One format. The output for a class has two parts, which any thread can make: data for standard
+// output, and notes for users.
 class UpdateReport {
  public:
   virtual ~UpdateReport() = default;
 
-  // May be called by several threads at once. Empty if there is nothing to print.
+  // Both may be called by several threads at once. Empty if there is nothing to print.
   virtual std::string dataOf(const ClassOutcome& outcome) const = 0;
+  virtual std::string notesOf(const ClassOutcome& outcome) const = 0;
+  // Prints what the functions above returned, if that was not empty.
   virtual void printData(const std::string& data) = 0;
+  virtual void printNotes(const std::string& notes) = 0;
 
-  virtual void printNotes(const ClassOutcome& outcome) = 0;
   virtual void addFailure(const Failure& failure) = 0;
   virtual void addSkipped(const Failure& failure) = 0;
   virtual void addUndecided(const Failure& failure) = 0;
@@ -38,7 +40,10 @@ class UpdateReport {
 
 // The properties of a run on which formats depend.
 struct ReportOptions {
+  // Whether there are no diffs and no findings, and of each reason only the first lines.
   bool quiet = false;
+  // Whether only numbers are to be printed, and failures.
+  bool summary = false;
   bool verbose = false;
   // Whether the run writes files, or prints only the names of the classes that would change.
   bool write = false;

@@ -225,9 +225,11 @@ class BlockRules {
     for (std::size_t i = 0; i < attributeRules.size(); ++i) {
       if (update.attributes[i] == AttributeStateType::stays) continue;
       if (named != nullptr) {
-        update.conversions[i] = result_.addConversion({.kind = attributeRules[i].kind,
-                                                       .block = &update.block->getNode(),
-                                                       .property = &named->getNode()});
+        update.conversions[i] = result_.addConversion(
+            {.kind = attributeRules[i].kind,
+             .block = &update.block->getNode(),
+             .property = &named->getNode(),
+             .isTakenOver = update.attributes[i] == AttributeStateType::isTakenOver});
         if (choice_.isMade(update.conversions[i])) continue;
         update.staysApart = true;
       }

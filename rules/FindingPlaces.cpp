@@ -5,7 +5,6 @@
 
 #include "model/AnalyzerPositions.h"
 #include "model/ClassContext.h"
-#include "model/MethodsBlock.h"
 #include "platform/analyzer/tree/NodeVisitor.h"
 
 namespace soca {
@@ -117,6 +116,13 @@ std::size_t PlaceSearch::findBehindDot(fl::ustring_view property) {
     dots_.emplace(analysis_.sourceTextView(), std::move(names));
   }
   return dots_->findBehind(property);
+}
+
+MethodAccessType accessOf(const AnalysisResult& analysis, const Node* method) {
+  const MethodsBlockNode* node = blockOf(analysis, method);
+  const ClassContext context{&analysis, nullptr};
+  return node == nullptr ? MethodAccessType::publicAccess
+                         : MethodsBlock(node, &context).getAccess();
 }
 
 // --- the places of each kind of finding ---

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "model/DotIndex.h"
+#include "model/MethodsBlock.h"
 #include "platform/analyzer/AnalysisResult.h"
 #include "platform/analyzer/tree/Ast.h"
 #include "platform/text/UString.h"
@@ -47,6 +48,9 @@ PlaceFinder findAbstractAttributes;
 PlaceFinder findGetMethod;
 PlaceFinder findCompanionDefault;
 PlaceFinder findCompanionUse;
+
+// The access of the methods block that has the method.
+MethodAccessType accessOf(const ca::AnalysisResult& analysis, const ca::astapi::Node* method);
 
 // For findings about a method.
 PlaceFinder findOtherMethod;

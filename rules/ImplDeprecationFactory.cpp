@@ -16,6 +16,7 @@
 #include "platform/text/UString.h"
 #include "rules/FindingPlaces.h"
 #include "rules/MethodActions.h"
+#include "rules/MethodRules.h"
 #include "rules/RuleFamilies.h"
 
 namespace soca {
@@ -25,45 +26,6 @@ using VELUM::system::Analyzer::DeprecatedImplReferenced;
 using VELUM::system::Analyzer::ImplNameConflictAfterConversion;
 using VELUM::system::Analyzer::ImplSignatureMismatch;
 using VELUM::system::Analyzer::LegacyImplReferenced;
-
-// Queries about one input and about the object only, and a method with inputs and no result.
-constexpr ExpectedSignature queryOfInput{.inputs = 2, .takesMoreInputs = false, .outputs = 1};
-constexpr ExpectedSignature queryOfObject{.inputs = 1, .takesMoreInputs = false, .outputs = 1};
-constexpr ExpectedSignature changeHandler{.inputs = 2, .takesMoreInputs = true, .outputs = 0};
-
-struct RenameRule {
-  const char16_t* oldName;
-  const char16_t* newName;
-  // `renameNegate` for a query whose new name has the opposite meaning.
-  ConversionKindType kind;
-  const ExpectedSignature* expected;
-};
-
-constexpr RenameRule renameRules[] = {
-    {u"isInputSizeLockedImpl", u"isInputSizeMutableImpl", ConversionKindType::renameNegate,
-     &queryOfInput},
-    {u"isInputComplexityLockedImpl", u"isInputComplexityMutableImpl",
-     ConversionKindType::renameNegate, &queryOfInput},
-    {u"processInputSizeChangeImpl", u"processInputSpecificationChangeImpl",
-     ConversionKindType::rename, &changeHandler},
-};
-
-constexpr const char16_t* obsoleteMethods[] = {u"isOutputComplexityLockedImpl",
-                                               u"isOutputSizeLockedImpl"};
-
-struct RedundantMethod {
-  const char16_t* name;
-  const ExpectedSignature* expected;
-};
-
-// Methods that are redundant in a class with strict defaults if they return `false`.
-constexpr RedundantMethod redundantMethods[] = {
-    {u"isInputDataTypeMutableImpl", &queryOfInput},
-    {u"isInputSizeMutableImpl", &queryOfInput},
-    {u"isInputComplexityMutableImpl", &queryOfInput},
-    {u"isDiscreteStateSpecificationMutableImpl", &queryOfObject},
-    {u"isTunablePropertyDataTypeMutableImpl", &queryOfObject},
-};
 
 // Whether the method is protected and has the signature.
 bool isAsExpected(const Method& method, const ExpectedSignature& expected) {

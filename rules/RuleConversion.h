@@ -27,6 +27,9 @@ struct RuleConversion {
   const ca::astapi::FunctionDeclaration* method = nullptr;
   // For a method that is renamed.
   fl::ustring_view newName;
+  // For a block that loses an attribute, whether the declarations of its properties replace it:
+  // then it was not `false`.
+  bool isTakenOver = false;
 };
 
 // The action is a result of the conversion, alone or together with others. Both are indices into

@@ -1,5 +1,6 @@
 #include "rules/RuleFamilies.h"
 
+#include <algorithm>
 #include <bit>
 
 namespace soca {
@@ -26,6 +27,34 @@ constexpr bool hasEachABitOfItsOwn() {
 static_assert(hasEachABitOfItsOwn());
 
 }  // namespace
+
+RuleChoice::RuleChoice() {
+  for (const RuleFamily& family : ruleFamilies) add(family.type);
+}
+
+RuleChoice RuleChoice::none() {
+  RuleChoice choice;
+  choice.families = 0;
+  choice.kinds = {};
+  return choice;
+}
+
+void RuleChoice::add(RuleFamilyType family) {
+  for (const ConversionKind& kind : conversionKinds) {
+    if (kind.family == family) add(kind.type);
+  }
+}
+
+void RuleChoice::add(ConversionKindType kind) {
+  families |= ruleFamily(conversionKind(kind).family).bit;
+  kinds[kind] = true;
+}
+
+bool RuleChoice::hasWholeFamilies() const {
+  return std::ranges::all_of(conversionKinds, [&](const ConversionKind& kind) {
+    return kinds[kind.type] == ((families & ruleFamily(kind.family).bit) != 0);
+  });
+}
 
 std::vector<RuleFamilyType> selectRuleFamilies(std::uint64_t mask) {
   std::vector<RuleFamilyType> families;

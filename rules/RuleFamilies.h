@@ -110,6 +110,25 @@ constexpr const ConversionKind& conversionKind(ConversionKindType type) {
   return conversionKinds[static_cast<std::size_t>(type)];
 }
 
+// The rules that a client chooses: the families that are asked for conversions, and the kinds of
+// conversions that may be made. At first all of them.
+struct RuleChoice {
+  RuleChoice();
+
+  // A choice of nothing, to which families and kinds are added.
+  static RuleChoice none();
+  // Adds a family with all its kinds.
+  void add(RuleFamilyType family);
+  // Adds a kind, and its family without its other kinds.
+  void add(ConversionKindType kind);
+  // Whether each family is chosen with all its kinds, or not at all.
+  bool hasWholeFamilies() const;
+
+  // The families, as in an UpdateMask.
+  std::uint64_t families = allFamilies;
+  PerKind<bool> kinds;
+};
+
 // The families that the mask selects, in running order.
 std::vector<RuleFamilyType> selectRuleFamilies(std::uint64_t mask);
 

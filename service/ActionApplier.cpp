@@ -1,5 +1,6 @@
 #include "service/ActionApplier.h"
 
+#include <stdexcept>
 #include <utility>
 
 #include "diagnostics/Messages.h"
@@ -38,11 +39,19 @@ ActionApplier::ActionApplier(SourceFile* file, fl::ustring fileName)
 
 std::optional<SourcePosition> ActionApplier::tryApply(const PlannedAction& action) {
   claim(action.extent);
-  for (const PlannedEdit& edit : action.edits) {
-    const auto missing = file_->findMissingDelimiter(edit.delimiterFlags, edit.extent);
-    if (missing) return missing;
-    file_->replace(edit.text, edit.delimiterFlags, edit.extent);
+  return applyEdits(action);
+}
+
+std::optional<EditFault> ActionApplier::applyOrFault(const PlannedAction& action) {
+  if (claimedExtents_.collidesWith(action.extent)) return EditFault{EditFaultType::overlaps};
+  try {
+    if (const auto missing = applyEdits(action)) {
+      return EditFault{EditFaultType::lacksDelimiter, *missing};
+    }
+  } catch (const std::out_of_range&) {
+    return EditFault{EditFaultType::startsBehindLine};
   }
+  claimedExtents_.add(action.extent);
   return std::nullopt;
 }
 
@@ -53,6 +62,15 @@ void ActionApplier::apply(const PlannedAction& action) {
 
 void ActionApplier::apply(const Action& action) {
   apply(planAction(action, RuleFamilyType::attributes));
+}
+
+std::optional<SourcePosition> ActionApplier::applyEdits(const PlannedAction& action) {
+  for (const PlannedEdit& edit : action.edits) {
+    const auto missing = file_->findMissingDelimiter(edit.delimiterFlags, edit.extent);
+    if (missing) return missing;
+    file_->replace(edit.text, edit.delimiterFlags, edit.extent);
+  }
+  return std::nullopt;
 }
 
 void ActionApplier::claim(const Extent& extent) {

@@ -29,12 +29,18 @@ class ActionApplier {
   // are kept.
   std::optional<SourcePosition> tryApply(const PlannedAction& action);
 
-  // The same, but a missing delimiter ends the process.
+  // The same as values: the fault because of which the action cannot be applied, or not as a whole.
+  // An action with a fault claims nothing. Raises and throws nothing of the above.
+  std::optional<EditFault> applyOrFault(const PlannedAction& action);
+
+  // The same as `tryApply`, but a missing delimiter ends the process.
   void apply(const PlannedAction& action);
   void apply(const Action& action);
 
  private:
   void claim(const Extent& extent);
+
+  std::optional<SourcePosition> applyEdits(const PlannedAction& action);
 
   SourceFile* file_;
   fl::ustring fileName_;

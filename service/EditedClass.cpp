@@ -25,6 +25,22 @@ std::vector<PlannedAction> takeActions(ClassActions& entry,
   return actions;
 }
 
+bool hasCarriageReturn(const SourceFile& file, std::uint64_t line) {
+  const auto& lines = file.getLines();
+  // The last line has no line end of its own.
+  if (line > 0 && line + 1 >= lines.size()) line = lines.size() - 2;
+  return line < lines.size() && lines[line].text.ends_with(u'\r');
+}
+
+// Gives the lines that an edit inserts the line end of the line at which it begins.
+void adaptLineEnds(const SourceFile& file, PlannedEdit& edit) {
+  std::size_t end = edit.text.find(u'\n');
+  if (end == fl::ustring::npos || !hasCarriageReturn(file, edit.extent.start.line)) return;
+  for (; end != fl::ustring::npos; end = edit.text.find(u'\n', end + 1)) {
+    if (end == 0 || edit.text[end - 1] != u'\r') edit.text.insert(end++, 1, u'\r');
+  }
+}
+
 UpdateResult makeResult(const ClassActions& entry) {
   UpdateResult result;
   result.className = entry.analyzedClass->className;
@@ -65,6 +81,29 @@ EditedClass editClass(ClassActions entry, const ServiceContext& context,
       edited.file.reset();
       return edited;
     }
+  }
+  edited.file->removeEmptiedLines();
+  planned.result.updated = true;
+  return edited;
+}
+
+EditedClass editClassListingFaults(ClassActions entry, const ServiceContext& context) {
+  EditedClass edited{planClass(std::move(entry), context), std::nullopt};
+  PlannedClass& planned = edited.planned;
+  planned.listsFaults = true;
+  if (planned.actions.empty()) return edited;
+  edited.file.emplace(fl::ustring_view(*planned.oldText));
+  ActionApplier applier(&*edited.file, planned.result.fileName);
+  for (std::size_t i = 0; i < planned.actions.size(); ++i) {
+    for (PlannedEdit& edit : planned.actions[i].edits) adaptLineEnds(*edited.file, edit);
+    if (auto fault = applier.applyOrFault(planned.actions[i])) {
+      fault->action = i;
+      planned.faults.push_back(*fault);
+    }
+  }
+  if (!planned.faults.empty()) {
+    edited.file.reset();
+    return edited;
   }
   edited.file->removeEmptiedLines();
   planned.result.updated = true;

@@ -26,4 +26,8 @@ PlannedClass planClass(ClassActions entry, const ServiceContext& context);
 EditedClass editClass(ClassActions entry, const ServiceContext& context,
                       MissingDelimiterType missingDelimiter);
 
+// The same for a client that decides each conversion: lists the actions that cannot be applied,
+// with any of which there are no lines, and ends inserted lines like their neighbours.
+EditedClass editClassListingFaults(ClassActions entry, const ServiceContext& context);
+
 }  // namespace soca

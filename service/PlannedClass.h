@@ -37,6 +37,24 @@ struct PlannedAction {
   std::vector<PlannedEdit> edits;
 };
 
+// Why an action cannot be applied.
+enum class EditFaultType {
+  // It begins on a line that an earlier action edits.
+  overlaps,
+  // One of its edits begins after the end of its line.
+  startsBehindLine,
+  // Where a delimiter is to be replaced, there is another character.
+  lacksDelimiter,
+};
+
+struct EditFault {
+  EditFaultType type = EditFaultType::overlaps;
+  // Of the missing delimiter.
+  SourcePosition place;
+  // The index of the action.
+  std::size_t action = 0;
+};
+
 struct PlannedClass {
   // The result of `Updater::update`, without its text.
   UpdateResult result;
@@ -65,6 +83,10 @@ struct PlannedClass {
   // end the process. The update of such a class stops before that edit: it has no new text, and
   // `updated` is false.
   std::optional<SourcePosition> missingDelimiter;
+  // Whether faults were requested, and if so, the actions that cannot be applied, in their order. A
+  // class with faults has no new text.
+  bool listsFaults = false;
+  std::vector<EditFault> faults;
 
   // The text of the result: the new text if there is one, otherwise the old one.
   fl::ustring_view text() const { return newText ? *newText : *oldText; }

@@ -24,7 +24,11 @@ void takeEach(const fl::ustring& className, const ServiceContext& context, bool 
   for (ClassActions& entry : collectActions(classes, context.factories)) take(std::move(entry));
 }
 
-PlannedClass finishPlan(EditedClass update, const PlanOptions& options) {
+PlannedClass finishPlan(ClassActions entry, const ServiceContext& context,
+                        const PlanOptions& options) {
+  EditedClass update =
+      options.listFaults ? editClassListingFaults(std::move(entry), context)
+                         : editClass(std::move(entry), context, MissingDelimiterType::stopsUpdate);
   PlannedClass planned = std::move(update.planned);
   if (!update.file) return planned;
   planned.newText = std::make_shared<const fl::ustring>(update.file->getText());
@@ -52,8 +56,7 @@ std::vector<PlannedClass> planUpdate(const fl::ustring& className, const UpdateM
   const ServiceContext context(mask);
   std::vector<PlannedClass> planned;
   takeEach(className, context, includeSuperclasses, [&](ClassActions entry) {
-    planned.push_back(finishPlan(
-        editClass(std::move(entry), context, MissingDelimiterType::stopsUpdate), options));
+    planned.push_back(finishPlan(std::move(entry), context, options));
   });
   return planned;
 }
@@ -74,8 +77,7 @@ PlannedClass planConversions(const PlannedClass& planned, const std::vector<bool
   const ServiceContext context(planned.mask);
   ClassActions entry = collectClassActions(reloadClass(planned, *context.metaData),
                                            context.factories, ConversionChoice(&made));
-  return finishPlan(editClass(std::move(entry), context, MissingDelimiterType::stopsUpdate),
-                    options);
+  return finishPlan(std::move(entry), context, options);
 }
 
 ClassPlan planClassOnce(const fl::ustring& className, const UpdateMask& mask,
@@ -91,8 +93,7 @@ ClassPlan planClassOnce(const fl::ustring& className, const UpdateMask& mask,
     plan.stage = UpdateStageType::rules;
     ClassActions entry = collectClassActions(std::move(analyzedClass), context.factories);
     plan.stage = UpdateStageType::edits;
-    plan.planned = finishPlan(
-        editClass(std::move(entry), context, MissingDelimiterType::stopsUpdate), options);
+    plan.planned = finishPlan(std::move(entry), context, options);
   } catch (...) {
     plan.failure = std::current_exception();
   }

@@ -17,6 +17,9 @@ namespace soca {
 // The parts of a plan that clients can request.
 struct PlanOptions {
   bool keepLines = false;
+  // Actions that cannot be applied are listed in the plan, in place of an exception for the first;
+  // and inserted lines end like their neighbours, which those of the service do not.
+  bool listFaults = false;
 };
 
 // The classes and results of `Updater::update` with the same arguments; throws the same exceptions.

@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 
-#include "cli/commands/OrderedWorkers.h"
 #include "cli/terminal/Signals.h"
 #include "files/targets/Targets.h"
 #include "platform/paths/FileView.h"
@@ -14,6 +13,7 @@
 #include "reports/outcomes/Failures.h"
 #include "reports/outcomes/Hints.h"
 #include "reports/outcomes/InternalErrors.h"
+#include "reports/passes/OrderedWorkers.h"
 #include "reports/text/FileNames.h"
 #include "service/UpdaterImpl.h"
 
@@ -51,7 +51,7 @@ ReportOutcome report(const Options& options, const ClassRoots& roots, const Targ
     return {{},
             {},
             describer.describeCurrentException(
-                {target.className, options.rules, options.includeSuperclasses})};
+                {target.className, options.rules.families, options.includeSuperclasses})};
   }
 }
 

@@ -9,7 +9,6 @@
 #include <string>
 #include <utility>
 
-#include "cli/commands/OrderedWorkers.h"
 #include "cli/terminal/MessageText.h"
 #include "cli/terminal/Signals.h"
 #include "files/targets/NearestFile.h"
@@ -18,6 +17,7 @@
 #include "platform/paths/NativePath.h"
 #include "platform/text/Conversions.h"
 #include "platform/text/FileText.h"
+#include "reports/passes/OrderedWorkers.h"
 #include "reports/text/SyntaxReport.h"
 
 namespace soca::cli {

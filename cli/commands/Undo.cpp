@@ -14,10 +14,10 @@
 #include <string>
 #include <vector>
 
-#include "cli/commands/RepairNotes.h"
 #include "cli/commands/UndoRequest.h"
-#include "cli/commands/WriteProgress.h"
 #include "cli/terminal/Signals.h"
+#include "cli/update/RepairNotes.h"
+#include "cli/update/WriteProgress.h"
 #include "files/targets/ClassRoots.h"
 #include "files/targets/UsageError.h"
 #include "files/writing/Journal.h"

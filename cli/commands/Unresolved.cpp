@@ -9,10 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "cli/commands/OrderedWorkers.h"
-#include "cli/commands/RootGuard.h"
 #include "cli/terminal/Signals.h"
-#include "conversions/Ancestry.h"
+#include "cli/update/RootGuard.h"
+#include "conversions/superclasses/Ancestry.h"
 #include "files/targets/Git.h"
 #include "files/targets/Targets.h"
 #include "platform/paths/FileView.h"
@@ -24,6 +23,7 @@
 #include "reports/outcomes/ClassUpdater.h"
 #include "reports/outcomes/FileVerdict.h"
 #include "reports/outcomes/Outcome.h"
+#include "reports/passes/OrderedWorkers.h"
 #include "reports/text/FileNames.h"
 
 namespace soca::cli {

@@ -95,6 +95,39 @@ void checkFormat(const Options& options) {
   throw UsageError(fmt::format("--format {} and --unresolved cannot be combined", format.name));
 }
 
+// Checks the options for what the program decides, and for the numbers.
+void checkDecisions(const Options& options) {
+  if (!options.asService) return;
+  const auto refuse = [](std::string_view option, std::string_view reason) {
+    throw UsageError(fmt::format("{} and --as-service cannot be combined: {}", option, reason));
+  };
+  if (options.risk) refuse("--risk", "the service makes all conversions of a class");
+  if (!options.rules.hasWholeFamilies()) {
+    refuse("--rules with a kind", "the service takes families; name these alone");
+  }
+  if (options.summary) refuse("--summary", "add -q instead");
+  if (options.groupBy) refuse("--group-by", "the service leaves no conversion out");
+}
+
+void checkNumbers(const Options& options) {
+  if (options.summary && !options.format->isForPeople) {
+    throw UsageError(fmt::format(
+        "--summary and --format {} cannot be combined: without --summary the numbers are on "
+        "standard error, and the data on standard output",
+        options.format->name));
+  }
+  if (options.summary && options.verbose) {
+    throw UsageError("--summary and --verbose cannot be combined: --summary prints no classes");
+  }
+  if (options.groupBy && options.quiet && !options.summary) {
+    throw UsageError("--quiet prints no numbers to group: add --summary, or omit --group-by");
+  }
+  if (!options.stdinPath.empty() && (options.summary || options.groupBy)) {
+    throw UsageError(fmt::format("{} and --stdin-path cannot be combined: one text has no summary",
+                                 options.summary ? "--summary" : "--group-by"));
+  }
+}
+
 void checkOptions(const CommandRow& command, const Options& options) {
   if (options.write && options.check) {
     throw UsageError("--write and --check cannot be combined: --check changes nothing");
@@ -109,7 +142,11 @@ void checkOptions(const CommandRow& command, const Options& options) {
   if (options.edits && options.write) {
     throw UsageError("--edits and --write cannot be combined: written files need no edits");
   }
-  if (command.type == CommandType::update) checkStandardInput(options);
+  if (command.type == CommandType::update) {
+    checkStandardInput(options);
+    checkDecisions(options);
+    checkNumbers(options);
+  }
   if (command.type == CommandType::classes) checkFormat(options);
   if (options.quiet && options.verbose)
     throw UsageError("--quiet and --verbose cannot be combined");

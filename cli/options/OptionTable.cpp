@@ -52,6 +52,21 @@ std::string formatDetails() {
   return text + '.';
 }
 
+std::vector<std::string_view> familyNames() {
+  std::vector<std::string_view> names;
+  for (const RuleFamily& family : ruleFamilies) names.push_back(family.name);
+  return names;
+}
+
+std::string kindDetails() {
+  std::vector<std::string_view> kinds = ruleWords();
+  kinds.erase(kinds.begin(), kinds.begin() + static_cast<std::ptrdiff_t>(ruleFamilies.size()));
+  return fmt::format(
+      "A kind is a part of a family: {}. A conversion of a chosen family whose kind is not chosen "
+      "is left out.",
+      fmt::join(kinds, ", "));
+}
+
 std::vector<OptionRow> makeOptions() {
   return {
       {"-p,--path",
@@ -63,8 +78,13 @@ std::vector<OptionRow> makeOptions() {
        &Options::roots,
        {}},
       {"-r,--rules", "LIST", forUpdate,
-       fmt::format("some of {} (default: all)", fmt::join(ruleWords(), ",")), "", readRules,
-       ruleWords()},
+       fmt::format("{} or their kinds (default: all)", fmt::join(familyNames(), ",")),
+       kindDetails(), readRules, ruleWords()},
+      {"--risk", "RISK", forUpdate, "the highest made: safe, review (default) or unsafe",
+       "A safe conversion keeps the meaning and all text. One to review keeps the meaning, but a "
+       "person should look at it. The result of an unsafe one is known or likely to be wrong. What "
+       "has a higher risk is left out, and listed with the reason.",
+       readRisk, riskWords()},
       {"-s,--superclasses",
        "",
        forUpdate | bitOf(CommandType::actions),
@@ -148,6 +168,19 @@ std::vector<OptionRow> makeOptions() {
        "the file for which they were made.",
        &Options::edits,
        {}},
+      {"--summary",
+       "",
+       forUpdate,
+       "print the numbers without diffs",
+       "Nor are there lines for findings and for conversions that are left out. Failures are "
+       "printed as with -q.",
+       &Options::summary,
+       {}},
+      {"--group-by", "GROUP", forUpdate,
+       fmt::format("rows of the numbers: {}", choiceText(groupWords())),
+       "For each kind of conversion or each package: how many conversions were found, made and "
+       "left out. By reason: why they were left out, by kind.",
+       readGroup, groupWords()},
       {"--stdin-path",
        "PATH",
        forUpdate,
@@ -171,7 +204,14 @@ std::vector<OptionRow> makeOptions() {
        "The output is the same for any number.",
        readJobs,
        {}},
-      {"-q,--quiet", "", forAll, "no diff and no findings", "", &Options::quiet, {}},
+      {"-q,--quiet",
+       "",
+       forAll,
+       "no diff, no findings, and ten lines of each reason",
+       "The reasons are those for which a class fails or is undecided, or a conversion is left "
+       "out.",
+       &Options::quiet,
+       {}},
       {"-v,--verbose", "", forAll, "print more about each class", "", &Options::verbose, {}},
       {"--stats",
        "",

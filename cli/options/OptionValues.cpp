@@ -17,6 +17,9 @@ namespace {
 
 constexpr unsigned mostJobs = 1024;
 
+constexpr auto groups = std::to_array<std::pair<std::string_view, GroupType>>(
+    {{"kind", GroupType::kinds}, {"reason", GroupType::reasons}, {"package", GroupType::packages}});
+
 constexpr auto colors = std::to_array<std::pair<std::string_view, ColorType>>(
     {{"auto", ColorType::automatic}, {"always", ColorType::always}, {"never", ColorType::never}});
 
@@ -34,15 +37,29 @@ UsageError unknownWord(std::string_view what, std::string_view value,
                                 fmt::join(words, ", "), didYouMean(value, words, std::identity())));
 }
 
-std::uint64_t bitOfRule(std::string_view name) {
+void addRule(std::string_view name, RuleChoice& rules) {
   const auto* family = std::ranges::find(ruleFamilies, name, &RuleFamily::name);
-  if (family == ruleFamilies.end()) throw unknownWord("rule", name, ruleWords());
-  return family->bit;
+  if (family != ruleFamilies.end()) return rules.add(family->type);
+  const auto* kind = std::ranges::find(conversionKinds, name, &ConversionKind::name);
+  if (kind == conversionKinds.end()) throw unknownWord("rule", name, ruleWords());
+  rules.add(kind->type);
 }
 
 }  // namespace
 
-std::vector<std::string_view> ruleWords() { return namesIn(ruleFamilies, &RuleFamily::name); }
+std::vector<std::string_view> ruleWords() {
+  auto words = namesIn(ruleFamilies, &RuleFamily::name);
+  for (const ConversionKind& kind : conversionKinds) {
+    if (std::ranges::find(words, kind.name) == words.end()) words.push_back(kind.name);
+  }
+  return words;
+}
+
+std::vector<std::string_view> riskWords() { return {riskNames.begin(), riskNames.end()}; }
+
+std::vector<std::string_view> groupWords() {
+  return namesIn(groups, [](const auto& row) { return row.first; });
+}
 
 std::vector<std::string_view> formatWords() {
   return namesIn(reportFormats(), &ReportFormat::name);
@@ -53,14 +70,26 @@ std::vector<std::string_view> colorWords() {
 }
 
 void readRules(const std::string& value, Options& options) {
-  options.rules = 0;
+  options.rules = RuleChoice::none();
   std::string_view list = value;
   while (true) {
     const std::size_t comma = list.find(',');
-    options.rules |= bitOfRule(list.substr(0, comma));
+    addRule(list.substr(0, comma), options.rules);
     if (comma == std::string_view::npos) return;
     list.remove_prefix(comma + 1);
   }
+}
+
+void readRisk(const std::string& value, Options& options) {
+  const auto* name = std::ranges::find(riskNames, value);
+  if (name == riskNames.end()) throw unknownWord("risk", value, riskWords());
+  options.risk = static_cast<RiskType>(name - riskNames.begin());
+}
+
+void readGroup(const std::string& value, Options& options) {
+  const auto* group = std::ranges::find(groups, value, [](const auto& row) { return row.first; });
+  if (group == groups.end()) throw unknownWord("value of --group-by", value, groupWords());
+  options.groupBy = group->second;
 }
 
 void readFormat(const std::string& value, Options& options) {

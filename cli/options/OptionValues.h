@@ -10,12 +10,18 @@
 
 namespace soca::cli {
 
+// The families, and the kinds that have other names.
 std::vector<std::string_view> ruleWords();
+std::vector<std::string_view> riskWords();
+// The default is the first.
+std::vector<std::string_view> groupWords();
 std::vector<std::string_view> formatWords();
 std::vector<std::string_view> colorWords();
 
 // Each sets the member of its option. All throw UsageError.
 void readRules(const std::string& value, Options& options);
+void readRisk(const std::string& value, Options& options);
+void readGroup(const std::string& value, Options& options);
 void readFormat(const std::string& value, Options& options);
 void readColor(const std::string& value, Options& options);
 void readJobs(const std::string& value, Options& options);

@@ -1,10 +1,13 @@
 // The options of the command line.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/terminal/Console.h"
+#include "conversions/risk/Risk.h"
+#include "reports/Summary.h"
 #include "reports/UpdateReport.h"
 #include "rules/RuleFamilies.h"
 #include "soca/Updater.h"
@@ -28,7 +31,9 @@ struct Options {
   ColorType color = ColorType::automatic;
   bool quiet = false;
   bool verbose = false;
-  UpdateMask rules = allFamilies;
+  RuleChoice rules;
+  // As given; see `highestRisk`.
+  std::optional<RiskType> risk;
   bool includeSuperclasses = false;
   bool write = false;
   bool check = false;
@@ -49,12 +54,20 @@ struct Options {
   bool stats = false;
   const ReportFormat* format = &reportFormats().front();
   bool edits = false;
+  // Whether to print the numbers without diffs and lines.
+  bool summary = false;
+  // How to group the numbers; empty if it is not given.
+  std::optional<GroupType> groupBy;
   // The path of the class whose text is read from standard input; empty for none.
   std::string stdinPath;
 
+  // The highest risk of a conversion that is made.
+  RiskType highestRisk() const { return risk.value_or(RiskType::review); }
+
   // The options for a report.
   ReportOptions forReport() const {
-    return {.quiet = quiet,
+    return {.quiet = quiet || summary,
+            .summary = summary,
             .verbose = verbose,
             .write = write,
             .check = check,

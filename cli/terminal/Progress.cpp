@@ -5,19 +5,14 @@
 #include <algorithm>
 #include <cmath>
 
+#include "reports/text/TextLayout.h"
+
 namespace soca::cli {
 namespace {
 
 constexpr auto firstUpdate = std::chrono::milliseconds(400);
 constexpr auto updateInterval = std::chrono::milliseconds(125);
 constexpr std::size_t barLength = 20;
-
-// "12,345"
-std::string grouped(std::size_t number) {
-  std::string text = std::to_string(number);
-  for (std::size_t i = text.size(); i > 3;) text.insert(i -= 3, 1, ',');
-  return text;
-}
 
 // "0:07", "1:02:03"
 std::string clockTime(double seconds) {
@@ -37,7 +32,7 @@ std::string bar(double share) {
 
 std::string formatProgress(const ProgressState& state, std::size_t width) {
   const double rate = state.seconds > 0 ? static_cast<double>(state.done) / state.seconds : 0;
-  std::string text = grouped(state.done);
+  std::string text = groupDigits(state.done);
   // The parts that are omitted if there is no room.
   std::string tail;
   double share = 0;
@@ -45,7 +40,7 @@ std::string formatProgress(const ProgressState& state, std::size_t width) {
     const std::size_t total = std::max<std::size_t>({*state.total, state.done, 1});
     share = static_cast<double>(state.done) / static_cast<double>(total);
     // Numbers that grow have a fixed width, so that the rest of the line does not move.
-    const std::string all = grouped(total);
+    const std::string all = groupDigits(total);
     text = fmt::format("{:>{}} of {} {} {:3}%", text, all.size(), all, state.things,
                        static_cast<int>(share * 100));
     if (rate > 0) tail = clockTime(static_cast<double>(total - state.done) / rate) + " left";
@@ -53,7 +48,7 @@ std::string formatProgress(const ProgressState& state, std::size_t width) {
     text += fmt::format(" {}", state.things);
   }
   if (rate >= 1) {
-    tail = fmt::format("{}/s{}{}", grouped(static_cast<std::size_t>(rate)),
+    tail = fmt::format("{}/s{}{}", groupDigits(static_cast<std::size_t>(rate)),
                        tail.empty() ? "" : "  ", tail);
   }
   if (text.size() > width) return text.substr(0, width);

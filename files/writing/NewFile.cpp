@@ -34,11 +34,11 @@ fl::filesystem::SourceFileText readAnalysedFile(const std::string& path,
 
 }  // namespace
 
-fl::filesystem::FileState stateOfOldFile(const std::string& path, const PlannedClass& planned,
-                                         StampType stampType) {
-  const auto& analysed = planned.oldFile;
+fl::filesystem::FileState stateOfOldFile(const std::string& path,
+                                         const std::optional<fl::filesystem::FileState>& analysed,
+                                         fl::ustring_view analysedText, StampType stampType) {
   if (analysed && fl::filesystem::stampOf(path) == analysed->stamp) return *analysed;
-  const auto file = readAnalysedFile(path, *planned.oldText, stampType);
+  const auto file = readAnalysedFile(path, analysedText, stampType);
   return {file.stamp, file.encoding};
 }
 

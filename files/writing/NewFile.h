@@ -1,6 +1,7 @@
 // The new bytes of a class file, and the check whether it can be replaced.
 #pragma once
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -9,7 +10,6 @@
 #include "platform/paths/SourceReader.h"
 #include "platform/text/FileText.h"
 #include "platform/text/UString.h"
-#include "service/UpdatePlan.h"
 
 namespace soca {
 
@@ -32,9 +32,11 @@ class ClassFault : public std::runtime_error {
 enum class StampType { any, sure };
 
 // The state of the file when it was analysed. It is read again if its stamp does not prove that it
-// still has the analysed text. Throws ClassFault if it has another text.
-fl::filesystem::FileState stateOfOldFile(const std::string& path, const PlannedClass& planned,
-                                         StampType stampType);
+// still has the analysed text; `analysed` is its state at that time, if that is known. Throws
+// ClassFault if it has another text.
+fl::filesystem::FileState stateOfOldFile(const std::string& path,
+                                         const std::optional<fl::filesystem::FileState>& analysed,
+                                         fl::ustring_view analysedText, StampType stampType);
 
 // Both throw ClassFault if the encoding lacks characters of the text.
 std::string makeBytes(const std::string& path, fl::ustring_view text, fl::EncodingType encoding);

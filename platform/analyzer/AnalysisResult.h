@@ -39,6 +39,8 @@ class AnalysisResult {
   virtual fl::ustring_view nodeTextView(const astapi::Node& node) const = 0;
   // The file's text, for a caller that keeps it longer than the result; never null.
   virtual std::shared_ptr<const fl::ustring> sharedSourceText() const = 0;
+  // The position of the first code unit of a zero-based line of the text.
+  virtual std::uint32_t lineStart(std::uint32_t line) const = 0;
   // The syntax errors, in the order of the text.
   virtual const std::vector<Diagnostic>& diagnostics() const = 0;
   // The file that the text was read from, with its stamp at that time: a file with the same stamp

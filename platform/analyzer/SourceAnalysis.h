@@ -29,6 +29,7 @@ class SourceAnalysis final : public AnalysisResult {
   fl::ustring_view sourceTextView() const override { return *text_; }
   fl::ustring_view nodeTextView(const astapi::Node& node) const override;
   std::shared_ptr<const fl::ustring> sharedSourceText() const override { return text_; }
+  std::uint32_t lineStart(std::uint32_t line) const override { return lines_.startOf(line); }
   const std::vector<Diagnostic>& diagnostics() const override { return diagnostics_; }
   const std::optional<fl::filesystem::FileState>& file() const override { return file_; }
 

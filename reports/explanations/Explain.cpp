@@ -95,8 +95,8 @@ std::string explainAll() {
   text +=
       listOf("Errors, which leave a class as it is", messageExplanations(), MessageKindType::error);
   text += listOf("Errors that the program finds", programExplanations(), MessageKindType::error);
-  text += listOf("Reasons for which the program leaves a class as it is", programExplanations(),
-                 MessageKindType::reason);
+  text += listOf("Reasons to leave a class as it is, or to doubt a conversion",
+                 programExplanations(), MessageKindType::reason);
   return text + "\n'soca explain ID' says more about one of them.\n";
 }
 

@@ -9,7 +9,7 @@
 namespace soca {
 
 // Whether a message ends the work on a class, accompanies its result, or is the program's reason to
-// leave the class as it is.
+// leave the class as it is, or why a conversion is not safe or not made.
 enum class MessageKindType { error, finding, reason };
 
 // As users read it.

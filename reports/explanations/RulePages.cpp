@@ -174,8 +174,9 @@ RulePage makeFailuresPage() {
           "with the other classes.") +
       '\n' +
       wrap(
-          "The program also refuses a new text that has a syntax error or in which something got "
-          "lost, and says what it found. The limits of each family tell where that can happen.") +
+          "A conversion with a wrong result is not a failure of its class: it is left out for one "
+          "of the reasons below, and the others are made. The limits of each family list where "
+          "that can happen. Only with `--as-service` the whole class is refused.") +
       "\n## Failures of an update\n\n" + wrap("`{0}` stands for the name of a class or a file.") +
       '\n';
   text += messageSections(messageExplanations(), "");
@@ -194,11 +195,12 @@ RulePage makeIndexPage() {
   }
   text += "\n## Messages\n\n" +
           wrap(
-              "A finding stands beside the changes of a class; an error leaves the class as it "
-              "is, and a reason is why the program does. In front of the ids of an update, tools "
-              "see the name of the catalog, as in "
-              "`VELUM:system:Analyzer:SyntaxError`. `soca explain` prints all this too: with a "
-              "family or an id behind it, what stands on these pages.") +
+              "A finding is reported beside the changes of a class. An error leaves the class as "
+              "it is. A reason is why a conversion is not safe or "
+              "[not made](../conversions.md#what-is-left-out-and-what-to-do), or why a class is "
+              "left as it is. In JSON and SARIF, the ids of an update begin with the name of the "
+              "catalog, as in `VELUM:system:Analyzer:SyntaxError`. `soca explain` prints all this "
+              "too, with the name of a family or an id as its argument.") +
           "\n| Message | Kind | Text |\n|---|---|---|\n" + messageRows(messageExplanations()) +
           messageRows(programExplanations());
   return makePage(indexFile, text);

@@ -9,30 +9,49 @@
 //                   "hint": "..."}],
 //    "skipped": [{"class": "a.D", "id": "...", "message": "...", "hint": "..."}]}
 //
-// The answers of the service have no `undecided`. Where nothing is written because the roots of the
-// class path are wrong, there is a key more: "suggestedRoots": ["/abs/src"].
+// Where nothing is written because the roots of the class path are wrong, there is a key more:
+// "suggestedRoots": ["/abs/src"].
 //
-// With `--edits` a result has four more keys: the checksum of the current file, the single
-// replacements in it, in the order of the file, the conversions that they make, and the messages
-// with their places. Offsets and lengths are bytes of that file.
+// A result has the conversions of the class, made or left out, and the messages with their places:
 //
-//    "sha256": "9f86...", "edits": [{"offset": 120, "length": 4, "text": "..."}],
 //    "conversions": [{"id": "a.B#impl/rename:f", "kinds": ["impl/rename"], "member": "f",
-//                     "line": 3, "column": 5}],
+//                     "risk": "unsafe", "reasons": [...], "made": false, "leftOut": {...},
+//                     "pass": 0, "needs": [], "defaultKnown": true, "line": 3, "column": 5}],
 //    "findings": [{"id": "VELUM:system:Analyzer:LegacyImplReferenced", "subject": "f",
-//                  "message": "...", "line": 3, "column": 5, "endColumn": 26,
+//                  "message": "...", "detail": "referred to in line 9",
+//                  "line": 3, "column": 5, "endColumn": 26,
 //                  "related": [{"line": 9, ..., "message": "..."}]}]
 //
-// Lines and columns are one-based; columns count UTF-16 code units. `hint` is optional; a refused
-// result has the reason under `refused`.
+// where a reason, also the one in `leftOut`, is
+//
+//    {"id": "soca:StillReferenced", "message": "...", "detail": "...",
+//     "related": [{"line": 9, ..., "message": "..."}]}
+//
+// With `--edits` there are two more keys: the checksum of the current file, and the single
+// replacements in it, in the order of the file, with the ids of the conversions that make them.
+// Offsets and lengths are bytes of that file.
+//
+//    "sha256": "9f86...",
+//    "edits": [{"offset": 120, "length": 4, "text": "...", "conversions": ["a.B#impl/rename:f"]}]
+//
+// Lines and columns are one-based; columns count UTF-16 code units without a byte order mark. They
+// are those of the text as it was read. `hint` is optional.
+//
+// The answers of the service have no `undecided`, and conversions and findings only with `--edits`,
+// in an older form; a refused result has the reason under `refused`.
+#include <fmt/core.h>
+#include <cstddef>
+#include <cstdint>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "reports/SpooledList.h"
 #include "reports/UpdateReport.h"
 #include "reports/explanations/MessageExplanations.h"
+#include "reports/outcomes/ConversionText.h"
 
 namespace soca {
 namespace {
@@ -56,43 +75,100 @@ std::string dumpList(const Items& items, const ValueOf& valueOf) {
   return text += ']';
 }
 
-Json editOf(const FileEdit& edit) {
-  return {{"offset", edit.offset}, {"length", edit.length}, {"text", edit.text}};
-}
+// --- the parts of a result ---
 
-// A byte order mark is not counted in the columns of the first line.
-Json conversionOf(const Conversion& conversion, bool hasByteOrderMark) {
-  const SourcePosition& start = conversion.place.start;
-  Json json = {{"id", conversion.id},
-               {"kinds", Json::array({conversionKind(conversion.kind).name})}};
-  if (!conversion.member.empty()) json["member"] = conversion.member;
-  json["line"] = start.line + 1;
-  json["column"] = start.column + (hasByteOrderMark && start.line == 0 ? 0 : 1);
-  return json;
-}
+// What is printed of one class: its outcome, in the form for the options.
+class ResultParts {
+ public:
+  ResultParts(const ClassOutcome& outcome, const ReportOptions& options)
+      : outcome_(outcome),
+        asService_(options.asService),
+        hasMark_(outcome.update.hasByteOrderMark) {}
 
-Json placeOf(const LinePlace& place) {
-  Json json = {{"line", place.line}, {"column", place.column}};
-  if (place.endLine > place.line) json["endLine"] = place.endLine;
-  json["endColumn"] = place.endColumn;
-  return json;
-}
-
-// The service does not name the subject apart from the message.
-Json findingOf(const Finding& finding, bool asService) {
-  Json json;
-  if (const auto* known = findMessageExplanation(finding.id)) json["id"] = known->fullId;
-  if (!asService && !finding.arguments.empty()) json["subject"] = finding.arguments.front();
-  json["message"] = finding.text;
-  json.update(placeOf(finding));
-  Json related = Json::array();
-  for (const RelatedPlace& place : finding.related) {
-    related.push_back(placeOf(place));
-    related.back()["message"] = place.text;
+  Json editOf(const FileEdit& edit) const {
+    Json json = {{"offset", edit.offset}, {"length", edit.length}, {"text", edit.text}};
+    if (asService_) return json;
+    json["conversions"] = Json::array();
+    for (const std::size_t index : edit.conversions) {
+      json["conversions"].push_back(outcome_.update.conversions[index].id);
+    }
+    return json;
   }
-  if (!related.empty()) json["related"] = std::move(related);
-  return json;
-}
+
+  Json conversionOf(const Conversion& conversion) const {
+    const SourcePosition& start = conversion.place.start;
+    Json json = {{"id", conversion.id},
+                 {"kinds", Json::array({conversionKind(conversion.kind).name})}};
+    if (!conversion.member.empty()) json["member"] = conversion.member;
+    if (!asService_) addDecision(conversion, json);
+    json["line"] = start.line + 1;
+    json["column"] = start.column + (hasMark_ && start.line == 0 ? 0 : 1);
+    return json;
+  }
+
+  // The service does not name the subject apart from the message.
+  Json findingOf(const Finding& finding) const {
+    Json json;
+    if (const auto* known = findMessageExplanation(finding.id)) json["id"] = known->fullId;
+    if (!asService_ && !finding.arguments.empty()) json["subject"] = finding.arguments.front();
+    json["message"] = finding.text;
+    if (!asService_) {
+      const std::string detail = detailOf(finding, LinesType::old);
+      if (!detail.empty()) json["detail"] = detail;
+    }
+    json.update(placeOf(finding));
+    addRelated(finding.related, json);
+    return json;
+  }
+
+ private:
+  void addDecision(const Conversion& conversion, Json& json) const {
+    json["risk"] = riskName(conversion.risk.type);
+    json["reasons"] = Json::array();
+    for (const ConversionReason& reason : conversion.risk.reasons) {
+      json["reasons"].push_back(reasonOf(
+          reason,
+          fmt::format("{}: {}", subjectOf(conversion), describeReason(reason, LinesType::old))));
+    }
+    json["made"] = conversion.isMade();
+    if (conversion.leftOut) {
+      json["leftOut"] = reasonOf(*conversion.leftOut,
+                                 describeLeftOut(conversion, *conversion.leftOut, LinesType::old));
+    }
+    json["pass"] = conversion.isMade() ? conversion.pass : 0;
+    json["needs"] = conversion.needs;
+    json["defaultKnown"] = conversion.risk.isDefaultKnown;
+  }
+
+  Json reasonOf(const ConversionReason& reason, const std::string& message) const {
+    Json json = {{"id", reason.id}, {"message", message}, {"detail", reason.detail}};
+    addRelated(reason.places, json);
+    return json;
+  }
+
+  void addRelated(const std::vector<RelatedPlace>& places, Json& json) const {
+    for (const RelatedPlace& place : places) {
+      json["related"].push_back(placeOf(place));
+      json["related"].back()["message"] = place.text;
+    }
+  }
+
+  // A byte order mark is not counted, except in the answers of the service.
+  std::uint64_t columnOf(std::uint64_t line, std::uint64_t column) const {
+    return !asService_ && hasMark_ && line == 1 && column > 1 ? column - 1 : column;
+  }
+
+  Json placeOf(const LinePlace& place) const {
+    Json json = {{"line", place.line}, {"column", columnOf(place.line, place.column)}};
+    if (place.endLine > place.line) json["endLine"] = place.endLine;
+    json["endColumn"] = columnOf(place.endLine, place.endColumn);
+    return json;
+  }
+
+  const ClassOutcome& outcome_;
+  bool asService_;
+  bool hasMark_;
+};
 
 std::string joinHints(const std::vector<std::string>& hints) {
   std::string text;
@@ -130,7 +206,8 @@ class JsonReport : public UpdateReport {
 
   std::string dataOf(const ClassOutcome& outcome) const override;
   void printData(const std::string& data) override;
-  void printNotes(const ClassOutcome&) override {}
+  std::string notesOf(const ClassOutcome&) const override { return {}; }
+  void printNotes(const std::string&) override {}
   void addFailure(const Failure& failure) override;
   void addSkipped(const Failure& failure) override;
   void addUndecided(const Failure& failure) override;
@@ -163,15 +240,17 @@ std::string JsonReport::dataOf(const ClassOutcome& outcome) const {
   add("text", dump(outcome.text));
   add("messages",
       dumpList(outcome.update.findings, [](const Finding& finding) { return Json(finding.text); }));
+  const ResultParts parts(outcome, *options_);
   if (outcome.file.bytes) {
     add("sha256", dump(outcome.file.bytes->sha256));
-    add("edits", dumpList(outcome.file.edits.edits, editOf));
-    add("conversions", dumpList(outcome.file.conversions, [&](const Conversion& conversion) {
-          return conversionOf(conversion, outcome.file.bytes->hasByteOrderMark);
-        }));
-    add("findings", dumpList(outcome.update.findings, [&](const Finding& finding) {
-          return findingOf(finding, options_->asService);
-        }));
+    add("edits",
+        dumpList(outcome.file.edits, [&](const FileEdit& edit) { return parts.editOf(edit); }));
+  }
+  if (outcome.file.bytes || !options_->asService) {
+    add("conversions", dumpList(outcome.update.conversions,
+                                [&](const Conversion& each) { return parts.conversionOf(each); }));
+    add("findings", dumpList(outcome.update.findings,
+                             [&](const Finding& each) { return parts.findingOf(each); }));
   }
   if (!outcome.hints.empty()) add("hint", dump(joinHints(outcome.hints)));
   if (outcome.update.isRefused()) add("refused", dump(outcome.update.refusal));
@@ -228,9 +307,10 @@ void JsonReport::beginResults() {
 }
 
 OutcomeNeeds needsOf(const ReportOptions& options) {
+  const bool hasDetails = options.edits || !options.asService;
   OutcomeNeeds needs{
-      .text = true, .hints = true, .edits = options.edits, .conversions = options.edits};
-  if (needs.edits) needs.places = FindingPlacesType::related;
+      .text = true, .hints = true, .edits = options.edits, .conversions = hasDetails};
+  if (hasDetails) needs.places = FindingPlacesType::related;
   return needs;
 }
 

@@ -1,22 +1,25 @@
 // An update as a SARIF 2.1.0 log, for tools that show the results of analyses.
 //
-// Every conversion is a result with the edits that make it alone as a fix. Every message of a
-// finding is a result without one, and so is a class that is undecided, or refused because a
-// superclass was not found. A class that fails, is refused for another reason or is skipped is a
-// notification. The log has no times and no names of the machine: the same tree gives the same
+// Every conversion that is made is a result, with the edits that make it alone as a fix. A
+// conversion that is left out, a finding, and a class that fails or is undecided is a result
+// without one. A class that is skipped, and in the log of the service one that fails or is refused,
+// is a notification. The log has no times and no names of the machine: the same tree gives the same
 // bytes.
 #include <fmt/core.h>
 #include <cstddef>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include "files/writing/Digest.h"
 #include "reports/SpooledList.h"
 #include "reports/UpdateReport.h"
 #include "reports/formats/SarifLocations.h"
 #include "reports/formats/SarifRules.h"
+#include "reports/outcomes/ConversionText.h"
 
 namespace soca {
 namespace {
@@ -59,12 +62,15 @@ std::string refusalText(const ClassUpdate& update) {
 // The results of one class.
 class ClassResults {
  public:
-  ClassResults(const ClassOutcome& outcome, Json artifact)
-      : outcome_(outcome), artifact_(std::move(artifact)) {}
+  ClassResults(const ClassOutcome& outcome, Json artifact, bool asService)
+      : outcome_(outcome), artifact_(std::move(artifact)), asService_(asService) {}
 
   std::string make() {
     if (outcome_.update.unresolved) add(makeResult(*outcome_.update.unresolved));
-    for (const Conversion& conversion : outcome_.file.conversions) add(makeResult(conversion));
+    for (const Conversion& conversion : outcome_.update.conversions) {
+      add(conversion.leftOut ? makeLeftOut(conversion, *conversion.leftOut)
+                             : makeResult(conversion));
+    }
     for (const Finding& finding : outcome_.update.findings) add(makeResult(finding));
     return std::move(text_);
   }
@@ -76,7 +82,7 @@ class ClassResults {
   }
 
   Json makeResult(const UnresolvedSuperClass& unresolved) {
-    Json result = sarifResult(unresolvedId, refusalText(outcome_.update));
+    Json result = sarifResult(unresolvedId, "error", refusalText(outcome_.update));
     result["locations"] = Json::array({locationOf(regionOf(unresolved, hasMark()), {})});
     addFingerprint({}, result);
     return result;
@@ -87,24 +93,44 @@ class ClassResults {
     result["locations"] =
         Json::array({locationOf(regionOf(conversion.place, hasMark()), conversion.member)});
     addFingerprint(conversion.member, result);
-    if (!conversion.edits.empty()) result["fixes"] = Json::array({fixOf(conversion)});
+    // The edits of later passes are not those of the current file.
+    const bool hasFix = conversion.pass == 1 && !conversion.edits.empty();
+    if (hasFix) result["fixes"] = Json::array({fixOf(conversion)});
+    return result;
+  }
+
+  Json makeLeftOut(const Conversion& conversion, const ConversionReason& reason) {
+    std::string text = describeLeftOut(conversion, reason, LinesType::old) + '.';
+    const std::string advice = adviceOn(reason);
+    if (!advice.empty()) text += ' ' + advice;
+    Json result = sarifResult(reason.id, "warning", std::move(text));
+    result["locations"] =
+        Json::array({locationOf(regionOf(conversion.place, hasMark()), conversion.member)});
+    addRelated(reason.places, result);
+    addFingerprint(conversion.member, result);
+    result["properties"] = {{"conversion", conversion.id},
+                            {"risk", riskName(conversion.risk.type)}};
     return result;
   }
 
   Json makeResult(const Finding& finding) {
-    Json result = sarifResult(finding);
+    Json result =
+        sarifResult(finding, asService_ ? finding.text : describeFinding(finding, LinesType::old));
     const std::string member = finding.arguments.empty() ? "" : finding.arguments.front();
     result["locations"] = Json::array({locationOf(regionOf(finding, hasMark()), member)});
-    for (std::size_t i = 0; i < finding.related.size(); ++i) {
-      const RelatedPlace& place = finding.related[i];
+    addRelated(finding.related, result);
+    addFingerprint(member, result);
+    return result;
+  }
+
+  void addRelated(const std::vector<RelatedPlace>& places, Json& result) const {
+    for (std::size_t i = 0; i < places.size(); ++i) {
       result["relatedLocations"].push_back(
           {{"id", i + 1},
            {"physicalLocation",
-            {{"artifactLocation", artifact_}, {"region", regionOf(place, hasMark())}}},
-           {"message", {{"text", place.text}}}});
+            {{"artifactLocation", artifact_}, {"region", regionOf(places[i], hasMark())}}},
+           {"message", {{"text", places[i].text}}}});
     }
-    addFingerprint(member, result);
-    return result;
   }
 
   Json locationOf(const Json& region, const std::string& member) const {
@@ -134,6 +160,7 @@ class ClassResults {
 
   const ClassOutcome& outcome_;
   Json artifact_;
+  bool asService_;
   std::string text_;
   std::map<std::string, std::size_t> numbers_;
 };
@@ -197,20 +224,22 @@ class SarifReport : public UpdateReport {
   SarifReport(const ReportOptions* options, const ClassRoots* roots, ReportOutput* output)
       : options_(options), locations_(roots), output_(output) {}
 
-  // The file on a line of its own, and the results.
+  // The file on a line of its own, which is empty if there is none, and the results.
   std::string dataOf(const ClassOutcome& outcome) const override;
   void printData(const std::string& data) override;
-  void printNotes(const ClassOutcome& outcome) override;
+  // The notifications, each on a line.
+  std::string notesOf(const ClassOutcome& outcome) const override;
+  void printNotes(const std::string& notes) override;
   void addFailure(const Failure& failure) override;
   void addSkipped(const Failure& failure) override;
   void addUndecided(const Failure& failure) override;
-  void addSuggestion(const SuggestedRoots&, const std::string& text) override {
-    notifications_.add(dump(makeNotification("error", text, Json())));
-  }
+  void addSuggestion(const SuggestedRoots& suggestion, const std::string& text) override;
   void finish(ExitCodeType exitCode) override;
 
  private:
   void begin();
+  // A failure as a result: its first place, and the others as related ones.
+  Json resultOf(const Failure& failure) const;
 
   const ReportOptions* options_;
   SarifLocations locations_;
@@ -223,7 +252,7 @@ class SarifReport : public UpdateReport {
 
 std::string SarifReport::dataOf(const ClassOutcome& outcome) const {
   const Json location = locations_.artifactOf(outcome.update.file);
-  const std::string results = ClassResults(outcome, location).make();
+  const std::string results = ClassResults(outcome, location, options_->asService).make();
   if (results.empty()) return {};
   return fmt::format("{}\n{}", dump(artifactOf(location, outcome)), results);
 }
@@ -231,28 +260,69 @@ std::string SarifReport::dataOf(const ClassOutcome& outcome) const {
 void SarifReport::printData(const std::string& data) {
   begin();
   const std::size_t end = data.find('\n');
-  artifacts_.add(std::string_view(data).substr(0, end));
+  if (end > 0) artifacts_.add(std::string_view(data).substr(0, end));
   output_->print(hasResults_ ? ",\n  " : "\n  ");
   output_->print(std::string_view(data).substr(end + 1));
   hasResults_ = true;
 }
 
-void SarifReport::printNotes(const ClassOutcome& outcome) {
+std::string SarifReport::notesOf(const ClassOutcome& outcome) const {
+  std::string notes;
   const auto add = [&](std::string_view level, std::string text) {
     Json location = classLocation(outcome.update.className);
     location["physicalLocation"] = {
         {"artifactLocation", locations_.artifactOf(outcome.update.file)}};
-    notifications_.add(
-        dump(makeNotification(level, std::move(text), Json::array({std::move(location)}))));
+    notes += dump(makeNotification(level, std::move(text), Json::array({std::move(location)})));
+    notes += '\n';
   };
   if (outcome.update.isRefused() && !outcome.update.unresolved) {
     add("error", refusalText(outcome.update));
   }
   for (const std::string& hint : outcome.hints) add("note", fmt::format("{}.", hint));
+  return notes;
+}
+
+void SarifReport::printNotes(const std::string& notes) {
+  for (std::string_view rest = notes; !rest.empty();) {
+    const std::size_t end = rest.find('\n');
+    notifications_.add(rest.substr(0, end));
+    rest.remove_prefix(end + 1);
+  }
+}
+
+Json SarifReport::resultOf(const Failure& failure) const {
+  Json result = sarifResult(failure.id, "error", sentences(failure.message, failure.hints));
+  Json places = locationsOf(failure, locations_);
+  // A failure may be about a folder.
+  const bool namesClass = failure.className.find('/') == std::string::npos;
+  const std::string key = namesClass ? failure.className : dump(places.front());
+  if (namesClass) places.front().update(classLocation(failure.className));
+  for (std::size_t i = 1; i < places.size(); ++i) {
+    places[i]["id"] = i;
+    result["relatedLocations"].push_back(std::move(places[i]));
+  }
+  result["locations"] = Json::array({std::move(places.front())});
+  result["partialFingerprints"] = fingerprintsOf(fingerprintKey(key, result, {}), 0);
+  return result;
+}
+
+// Such a text is also a notification about the run.
+void SarifReport::addSuggestion(const SuggestedRoots& suggestion, const std::string& text) {
+  Json result = sarifResult(unresolvedId, "error", text);
+  const Json artifact = locations_.artifactOf(suggestion.roots.front());
+  result["locations"] = Json::array({{{"physicalLocation", {{"artifactLocation", artifact}}}}});
+  result["partialFingerprints"] = fingerprintsOf(fingerprintKey({}, result, {}), 0);
+  printData('\n' + dump(result));
+  notifications_.add(dump(makeNotification("error", text, Json())));
 }
 
 void SarifReport::addFailure(const Failure& failure) {
-  notifications_.add(dump(makeNotification("error", failure, locations_)));
+  if (options_->asService) {
+    notifications_.add(dump(makeNotification("error", failure, locations_)));
+    return;
+  }
+  // Several classes may fail because of the same file, and a file is listed only once.
+  printData('\n' + dump(resultOf(failure)));
 }
 
 void SarifReport::addSkipped(const Failure& failure) {
@@ -265,7 +335,7 @@ void SarifReport::addUndecided(const Failure& failure) {
   if (failure.place.line > 0) place["region"] = {{"startLine", failure.place.line}};
   Json location = classLocation(failure.className);
   location["physicalLocation"] = std::move(place);
-  Json result = sarifResult(unresolvedId, sentences(failure.message, failure.hints));
+  Json result = sarifResult(unresolvedId, "error", sentences(failure.message, failure.hints));
   result["locations"] = Json::array({std::move(location)});
   result["partialFingerprints"] = fingerprintsOf(fingerprintKey(failure.className, result, {}), 0);
   printData(fmt::format("{}\n{}", dump({{"location", artifact}}), dump(result)));

@@ -30,6 +30,16 @@ std::vector<const MessageExplanation*> explanationsOf(MessageKindType kind) {
   return chosen;
 }
 
+// What explains why a class or a conversion is left as it is: the reasons, and then the failures.
+const std::vector<const MessageExplanation*>& leftAsItIs() {
+  static const auto explanations = [] {
+    auto all = explanationsOf(MessageKindType::reason);
+    std::ranges::copy(explanationsOf(MessageKindType::error), std::back_inserter(all));
+    return all;
+  }();
+  return explanations;
+}
+
 std::string beforeAndAfter(std::string_view before, std::string_view after) {
   return fmt::format("Before:\n\n```\n{}\n```\n\nAfter:\n\n```\n{}\n```\n", before, after);
 }
@@ -110,8 +120,9 @@ Json sarifTool(bool asService) {
     rules.push_back(ruleOf(*message, "warning"));
   }
   if (!asService) {
-    for (const auto* message : explanationsOf(MessageKindType::reason)) {
-      rules.push_back(ruleOf(*message, "error"));
+    for (const auto* message : leftAsItIs()) {
+      rules.push_back(
+          ruleOf(*message, message->kind == MessageKindType::error ? "error" : "warning"));
     }
   }
   Json notifications = Json::array();
@@ -139,25 +150,28 @@ Json sarifResult(const Conversion& conversion) {
                             conversion.arguments)}};
 }
 
-Json sarifResult(const Finding& finding) {
+Json sarifResult(const Finding& finding, const std::string& text) {
   static const auto explanations = explanationsOf(MessageKindType::finding);
   const auto known = std::ranges::find(explanations, finding.id, &MessageExplanation::id);
   return {
       {"ruleId", (*known)->fullId},
       {"ruleIndex", ruleFamilies.size() + static_cast<std::size_t>(known - explanations.begin())},
       {"level", "warning"},
-      {"message", messageOf("default", finding.text, finding.arguments)}};
+      {"message", messageOf("default", text, finding.arguments)}};
 }
 
-Json sarifResult(std::string_view fullId, std::string text) {
+Json sarifResult(std::string_view fullId, std::string_view level, std::string text) {
   static const auto findings = explanationsOf(MessageKindType::finding);
-  static const auto reasons = explanationsOf(MessageKindType::reason);
-  const auto known = std::ranges::find(reasons, fullId, &MessageExplanation::fullId);
-  return {{"ruleId", fullId},
-          {"ruleIndex", ruleFamilies.size() + findings.size() +
-                            static_cast<std::size_t>(known - reasons.begin())},
-          {"level", "error"},
-          {"message", {{"text", std::move(text)}}}};
+  const auto& all = leftAsItIs();
+  const auto known = std::ranges::find(all, fullId, &MessageExplanation::fullId);
+  Json result = {{"ruleId", fullId}};
+  if (known != all.end()) {
+    result["ruleIndex"] =
+        ruleFamilies.size() + findings.size() + static_cast<std::size_t>(known - all.begin());
+  }
+  result["level"] = level;
+  result["message"] = {{"text", std::move(text)}};
+  return result;
 }
 
 std::optional<Json> sarifDescriptor(std::string_view fullId) {

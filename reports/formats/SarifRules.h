@@ -14,16 +14,19 @@
 namespace soca {
 
 // The `tool`: a rule for each rule family and for each finding, and unless the log is that of the
-// service for each reason of the program; and a notification for each failure.
+// service for each reason and each failure; and a notification for each failure.
 nlohmann::ordered_json sarifTool(bool asService);
 
 // The keys that refer to a rule: `ruleId`, `ruleIndex`, `level` and `message`. The id of a
 // conversion is its kind, whose first part is the rule family.
 nlohmann::ordered_json sarifResult(const Conversion& conversion);
-nlohmann::ordered_json sarifResult(const Finding& finding);
+// The text may have the details of the program.
+nlohmann::ordered_json sarifResult(const Finding& finding, const std::string& text);
 
-// The same keys for a class that is left as it is; `fullId` is that of the reason.
-nlohmann::ordered_json sarifResult(std::string_view fullId, std::string text);
+// The same keys for what is left as it is; `fullId` is that of the reason or failure. An id without
+// an explanation has no rule.
+nlohmann::ordered_json sarifResult(std::string_view fullId, std::string_view level,
+                                   std::string text);
 
 // The `descriptor` of a failure by its full id; empty for an id without an explanation.
 std::optional<nlohmann::ordered_json> sarifDescriptor(std::string_view fullId);

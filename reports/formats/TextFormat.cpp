@@ -1,18 +1,23 @@
 // An update for users: the diffs, or the names of the classes that would change, and the messages
 // about the classes.
 #include <fmt/core.h>
+#include <cstdint>
+#include <map>
 #include <string>
+#include <string_view>
 
+#include "conversions/superclasses/Ancestry.h"
 #include "reports/FailureText.h"
 #include "reports/UpdateReport.h"
-#include "reports/outcomes/Hints.h"
+#include "reports/outcomes/ConversionText.h"
 #include "reports/text/Escapes.h"
+#include "reports/text/TextLayout.h"
 #include "reports/text/UnifiedDiff.h"
 
 namespace soca {
 namespace {
 
-// The number of lines of one kind that a quiet run prints.
+// The number of lines for the same reason that a quiet run prints.
 constexpr std::size_t mostInQuietRun = 10;
 
 // "3 attributes/logical, 1 mixins", or a text for no conversions.
@@ -26,13 +31,24 @@ std::string conversionsOf(const ClassOutcome& outcome) {
   return text.empty() ? "no conversions" : text;
 }
 
-// `file:line: warning: text [id]`
-std::string findingLine(const std::string& file, const Finding& finding) {
-  std::string text = file;
-  if (finding.line > 0) text += fmt::format(":{}", finding.line);
-  text += fmt::format(": warning: {}", withEscapesInLine(finding.text));
-  if (!finding.id.empty()) text += fmt::format(" [{}]", finding.id);
-  return text + '\n';
+// `file:line: warning: text [id]`; the line may be 0, for none.
+std::string warningLine(const std::string& file, std::uint64_t line, const std::string& text,
+                        std::string_view id) {
+  std::string warning = file;
+  if (line > 0) warning += fmt::format(":{}", line);
+  warning += fmt::format(": warning: {}", withEscapesInLine(text));
+  if (!id.empty()) warning += fmt::format(" [{}]", id);
+  return warning + '\n';
+}
+
+std::string leftOutLine(const std::string& file, const Conversion& conversion,
+                        const ConversionReason& reason, LinesType lines) {
+  std::string text = describeLeftOut(conversion, reason, lines);
+  const std::string advice = adviceOn(reason);
+  if (!advice.empty()) text += ". " + advice;
+  const std::uint64_t oldLine = conversion.place.start.line + 1;
+  return warningLine(file, lines == LinesType::updated ? conversion.newPlace.line : oldLine, text,
+                     reason.id);
 }
 
 // `file:line: error: the superclass ... was not found [id]`
@@ -56,18 +72,31 @@ class TextReport : public UpdateReport {
 
   std::string dataOf(const ClassOutcome& outcome) const override;
   void printData(const std::string& data) override;
-  void printNotes(const ClassOutcome& outcome) override;
-  void addFailure(const Failure& failure) override { printFailure(*output_, failure); }
+  // The lines of messages, and after a U+0000 the reason for which the update is refused.
+  std::string notesOf(const ClassOutcome& outcome) const override;
+  void printNotes(const std::string& notes) override;
+  void addFailure(const Failure& failure) override;
   void addSkipped(const Failure& failure) override;
   void addUndecided(const Failure& failure) override;
   void addSuggestion(const SuggestedRoots&, const std::string&) override {}
   void finish(ExitCodeType) override;
 
  private:
+  std::string findingLine(const std::string& file, const Finding& finding,
+                          const ClassUpdate& update) const;
+  std::string leftOutLines(const std::string& file, const ClassUpdate& update) const;
+  // The lines that a quiet run prints.
+  std::string linesWithRoom(std::string_view lines);
+  // The text to which the lines of the notes refer.
+  LinesType linesOf(const ClassUpdate& update) const;
+  // Whether to print another line for the reason; a quiet run counts those that are omitted.
+  bool hasRoomFor(const std::string& reason);
+
   const ReportOptions* options_;
   const FileNames* names_;
   ReportOutput* output_;
-  std::size_t undecided_ = 0;
+  // The lines of a quiet run for each reason, as the end of "and 3 more".
+  std::map<std::string, std::size_t> linesByReason_;
 };
 
 std::string TextReport::dataOf(const ClassOutcome& outcome) const {
@@ -84,16 +113,19 @@ void TextReport::printData(const std::string& data) {
   }
 }
 
-void TextReport::printNotes(const ClassOutcome& outcome) {
+std::string TextReport::notesOf(const ClassOutcome& outcome) const {
   std::string text;
   const std::string file = names_->shown(outcome.update.file);
   if (options_->verbose) text += fmt::format("{}: {}\n", file, conversionsOf(outcome));
   if (!options_->quiet) {
-    for (const Finding& finding : outcome.update.findings) text += findingLine(file, finding);
+    for (const Finding& finding : outcome.update.findings) {
+      text += findingLine(file, finding, outcome.update);
+    }
     for (const std::string& hint : outcome.hints) {
       text += fmt::format("{}: note: {}\n", file, withEscapesInLine(hint));
     }
   }
+  if (!options_->asService && !options_->summary) text += leftOutLines(file, outcome.update);
   if (options_->verbose && outcome.update.changesAgain) {
     text += fmt::format("{}: note: a second update would change it again\n", file);
   }
@@ -101,11 +133,64 @@ void TextReport::printNotes(const ClassOutcome& outcome) {
     text += fmt::format("{}: note: --write would refuse it: {}\n", file,
                         withEscapesInLine(outcome.writeRefusal));
   }
-  if (!text.empty()) output_->printMessages(text);
   if (outcome.update.isRefused()) {
-    output_->complain(fmt::format("the update of class '{}' in '{}' is refused: {}",
-                                  outcome.update.className, file, outcome.update.refusal));
+    text += '\0';
+    text += fmt::format("the update of class '{}' in '{}' is refused: {}", outcome.update.className,
+                        file, outcome.update.refusal);
   }
+  return text;
+}
+
+void TextReport::printNotes(const std::string& notes) {
+  const std::string_view lines = std::string_view(notes).substr(0, notes.find('\0'));
+  const std::string shown = linesWithRoom(lines);
+  if (!shown.empty()) output_->printMessages(shown);
+  if (lines.size() < notes.size() && hasRoomFor(" classes refused")) {
+    output_->complain(notes.substr(lines.size() + 1));
+  }
+}
+
+std::string TextReport::findingLine(const std::string& file, const Finding& finding,
+                                    const ClassUpdate& update) const {
+  if (options_->asService) return warningLine(file, finding.line, finding.text, finding.id);
+  const LinesType lines = linesOf(update);
+  return warningLine(file, lines == LinesType::updated ? finding.newPlace.line : finding.line,
+                     describeFinding(finding, lines), finding.id);
+}
+
+LinesType TextReport::linesOf(const ClassUpdate& update) const {
+  return options_->write && update.hasNewText() ? LinesType::updated : LinesType::old;
+}
+
+std::string TextReport::leftOutLines(const std::string& file, const ClassUpdate& update) const {
+  std::string text;
+  for (const Conversion& conversion : update.conversions) {
+    if (!conversion.leftOut) continue;
+    text += leftOutLine(file, conversion, *conversion.leftOut, linesOf(update));
+  }
+  return text;
+}
+
+// A line for a reason ends with its id.
+std::string TextReport::linesWithRoom(std::string_view lines) {
+  std::string text;
+  while (!lines.empty()) {
+    const std::string_view line = lines.substr(0, lines.find('\n') + 1);
+    lines.remove_prefix(line.size());
+    const std::size_t id = line.rfind(" [");
+    const bool hasId = line.ends_with("]\n") && id != std::string_view::npos;
+    if (!hasId || hasRoomFor(std::string(line.substr(id, line.size() - id - 1)))) text += line;
+  }
+  return text;
+}
+
+bool TextReport::hasRoomFor(const std::string& reason) {
+  if (!options_->quiet || options_->asService) return true;
+  return ++linesByReason_[reason] <= mostInQuietRun;
+}
+
+void TextReport::addFailure(const Failure& failure) {
+  if (hasRoomFor(fmt::format(" [{}]", failure.id))) printFailure(*output_, failure);
 }
 
 void TextReport::addSkipped(const Failure& failure) {
@@ -115,22 +200,26 @@ void TextReport::addSkipped(const Failure& failure) {
 }
 
 void TextReport::addUndecided(const Failure& failure) {
-  if (++undecided_ > mostInQuietRun && options_->quiet) return;
+  if (!hasRoomFor(" classes undecided")) return;
   std::string text = undecidedLine(names_->shown(failure.path), failure);
   if (options_->verbose) text += hintLines(failure.hints);
   output_->printMessages(text);
 }
 
 void TextReport::finish(ExitCodeType) {
-  if (!options_->quiet || undecided_ <= mostInQuietRun) return;
-  output_->printMessages(
-      fmt::format("  and {} more classes undecided\n", undecided_ - mostInQuietRun));
+  std::string text;
+  for (const auto& [reason, lines] : linesByReason_) {
+    if (lines <= mostInQuietRun) continue;
+    text += fmt::format("  and {} more{}\n", groupDigits(lines - mostInQuietRun), reason);
+  }
+  if (!text.empty()) output_->printMessages(text);
 }
 
 OutcomeNeeds needsOf(const ReportOptions& options) {
   OutcomeNeeds needs{.diff = !options.quiet && !options.check && !options.write,
                      .hints = !options.quiet};
-  if (!options.quiet) needs.places = FindingPlacesType::members;
+  if (options.quiet) return needs;
+  needs.places = options.asService ? FindingPlacesType::members : FindingPlacesType::related;
   return needs;
 }
 

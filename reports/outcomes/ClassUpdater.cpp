@@ -2,6 +2,9 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
+#include <list>
+#include <memory>
 #include <new>
 #include <utility>
 #include <vector>
@@ -10,11 +13,13 @@
 #include "conversions/Conversions.h"
 #include "conversions/FileEdits.h"
 #include "conversions/OldForms.h"
-#include "conversions/SuperClassList.h"
+#include "conversions/passes/TextChanges.h"
+#include "conversions/superclasses/SuperClassList.h"
 #include "files/writing/Digest.h"
 #include "files/writing/NewFile.h"
 #include "platform/analyzer/Analyzer.h"
 #include "platform/analyzer/FileAnalysis.h"
+#include "platform/paths/Overlay.h"
 #include "platform/paths/SourceReader.h"
 #include "platform/runtime/ClassDescription.h"
 #include "platform/text/Conversions.h"
@@ -141,6 +146,19 @@ Failure describeMissingDelimiter(const std::string& file, const SourcePosition& 
   return failure;
 }
 
+// During its life, the texts are the overlay texts of this thread.
+class OverlayTexts {
+ public:
+  using Texts = std::vector<std::pair<std::string, std::shared_ptr<const fl::ustring>>>;
+
+  explicit OverlayTexts(const Texts& texts) {
+    for (const auto& [path, text] : texts) scopes_.emplace_back(path, text);
+  }
+
+ private:
+  std::list<fl::filesystem::OverlayScope> scopes_;
+};
+
 FailureScopeType scopeOf(UpdateStageType stage) {
   switch (stage) {
     case UpdateStageType::loading:
@@ -187,30 +205,41 @@ void ClassUpdater::complete(const Target& target, std::vector<Failure> failures,
 }
 
 SingleUpdate ClassUpdater::updateAlone(const std::string& className) const {
+  return update(className, nullptr);
+}
+
+SingleUpdate ClassUpdater::updateInPasses(const std::string& className,
+                                          const std::vector<PassView>& views) const {
+  return update(className, &views);
+}
+
+SingleUpdate ClassUpdater::update(const std::string& className,
+                                  const std::vector<PassView>* views) const {
   const CurrentClass current(className);
   SingleUpdate single;
   try {
     const Phase phase(rulesPhase);
-    ClassPlan plan =
-        planClassOnce(to_ustring(className), request_.rules, request_.includeSuperclasses,
-                      {.keepLines = request_.needs.edits});
+    ClassPlan plan = planClassOnce(to_ustring(className), families(), request_.includeSuperclasses,
+                                   {.keepLines = !request_.asService || request_.needs.edits,
+                                    .listFaults = !request_.asService});
     for (const fl::ustring& name : plan.superClassNames) {
       single.superClasses.push_back(to_string(name));
     }
     single.scope = scopeOf(plan.stage);
     if (plan.failure) std::rethrow_exception(plan.failure);
     single.scope = FailureScopeType::outcome;
-    finishPlan(*plan.planned, single);
+    finishPlan(std::move(*plan.planned), views, single);
   } catch (const std::bad_alloc&) {
     // Not a fault of the class: the next one would fail as well.
     throw;
   } catch (...) {
-    single.failure = describer_.describeCurrentException({className, request_.rules, false});
+    single.failure = describer_.describeCurrentException({className, families(), false});
   }
   return single;
 }
 
-void ClassUpdater::finishPlan(PlannedClass& planned, SingleUpdate& single) const {
+void ClassUpdater::finishPlan(PlannedClass planned, const std::vector<PassView>* views,
+                              SingleUpdate& single) const {
   if (planned.missingDelimiter) {
     single.scope = FailureScopeType::classOnly;
     single.failure =
@@ -218,7 +247,11 @@ void ClassUpdater::finishPlan(PlannedClass& planned, SingleUpdate& single) const
     return;
   }
   try {
-    single.outcome = makeOutcome(planned);
+    single.outcome =
+        request_.asService ? makeServiceOutcome(planned) : makeOutcome(std::move(planned), views);
+  } catch (const NotSettled&) {
+    single.scope = FailureScopeType::classOnly;
+    single.failure = makeFailure("soca:NotSettled", {});
   } catch (const ClassFault& fault) {
     single.scope = FailureScopeType::classOnly;
     single.failure = makeFailure(fault.id(), fault.arguments());
@@ -228,8 +261,7 @@ void ClassUpdater::finishPlan(PlannedClass& planned, SingleUpdate& single) const
 bool ClassUpdater::isUndecided(const Failure& failure, const std::string& path) const {
   if (request_.asService || failure.missing.empty() || path.empty()) return false;
   // The old forms of a class with such a superclass do not matter: it would fail.
-  return failure.argument != failure.className ||
-         hasOldForms(failure.className, path, request_.rules);
+  return failure.argument != failure.className || hasOldForms(failure.className, path, families());
 }
 
 // A tree has many classes that are no System objects: these are failures only if an argument names
@@ -260,69 +292,149 @@ void ClassUpdater::addFailure(const Target& target, Failure failure, TargetOutco
   }
 }
 
-void ClassUpdater::checkSuperClasses(const PlannedClass& planned, ClassOutcome& outcome) {
-  auto unresolved = findUnresolvedInList(planned);
-  if (!unresolved) return;
-  const Ancestry::Missing& missing = unresolved->missing;
-  const std::string orRoot =
-      missing.isPFile ? "" : fmt::format("name the root of '{}' with --path, or ", missing.name);
-  outcome.refuse(
-      fmt::format("{}, so it is not known what its list of superclasses has to be; {}list in a "
-                  "class table what it derives from",
-                  describeMissing(missing), orRoot));
-  outcome.update.unresolved = std::move(unresolved);
-}
-
-ClassOutcome ClassUpdater::makeOutcome(PlannedClass& planned) const {
+ClassOutcome ClassUpdater::makeServiceOutcome(PlannedClass& planned) const {
   const OutcomeNeeds& needs = request_.needs;
   ClassOutcome outcome;
   ClassUpdate& update = outcome.update;
   update = describeUpdate(planned, needs.places);
   if (needs.text) outcome.text = to_string(planned.text());
   if (needs.hints) outcome.hints = hintsOnSuperClasses(update.className, *roots_, words());
-  if (update.changed && !request_.asService) checkSuperClasses(planned, outcome);
   if (update.hasNewText()) {
     const Phase phase(checksPhase);
-    if (needs.conversions) outcome.file.conversions = describeConversions(planned);
-    checkUpdate(planned, request_.rules, {.analysis = needs.editsOfEach, .actions = needs.edits},
+    if (needs.conversions) update.conversions = describeConversions(planned);
+    checkUpdate(planned, families(), {.analysis = needs.editsOfEach, .actions = needs.edits},
                 update);
-    if (update.isRefused()) outcome.file.conversions.clear();
+    if (update.isRefused()) update.conversions.clear();
   }
-  if (update.hasNewText() || needs.edits) addFile(planned, outcome);
+  if (!update.hasNewText() && !needs.edits) return outcome;
+  const UpdatedText text{&update.file, *planned.oldText, planned.text(), &planned.oldFile};
+  addFile(text, outcome);
+  if (!needs.edits || !update.hasNewText()) return outcome;
+  const fl::EncodingType encoding = outcome.file.bytes->encoding;
+  outcome.file.edits = findFileEdits(planned, encoding).edits;
+  if (needs.editsOfEach) findEditsOfEach(planned, encoding, update.conversions);
   return outcome;
 }
 
-fl::filesystem::FileState ClassUpdater::oldFileOf(const PlannedClass& planned,
-                                                  const std::string& path) const {
-  if (request_.overlaidFile != nullptr) return *request_.overlaidFile;
-  return stateOfOldFile(path, planned, request_.needs.newBytes ? StampType::sure : StampType::any);
+PassNeeds ClassUpdater::passNeeds(const PlannedClass& planned) const {
+  const OutcomeNeeds& needs = request_.needs;
+  PassNeeds passNeeds{.conversions = needs.conversions,
+                      .editsOfEach = std::nullopt,
+                      .changes = needs.edits,
+                      .places = needs.places};
+  if (needs.editsOfEach) {
+    const std::string path = to_string(planned.result.fileName);
+    passNeeds.editsOfEach =
+        oldFileOf({&path, *planned.oldText, *planned.oldText, &planned.oldFile}).encoding;
+  }
+  return passNeeds;
 }
 
-void ClassUpdater::addFile(const PlannedClass& planned, ClassOutcome& outcome) const {
+ClassPasses ClassUpdater::makePasses(PlannedClass planned, const PassNeeds& needs,
+                                     const std::vector<PassView>* views, PassFacts* facts) const {
+  if (facts != nullptr) {
+    facts->superClasses = findSuperClassesWithFile(to_string(planned.result.className));
+    const bool hasMethods = std::ranges::any_of(
+        planned.conversions, [](const RuleConversion& each) { return each.method != nullptr; });
+    if (hasMethods || !facts->superClasses.empty()) {
+      facts->names = findMethodNames(*planned.analysis);
+    }
+  }
+  ClassPasses passes(std::move(planned), &request_.limits, needs);
+  if (views == nullptr) {
+    while (passes.makePass() && passes.planNext()) continue;
+  } else {
+    for (const PassView& view : *views) {
+      const OverlayTexts overlays(view.texts);
+      if (&view != &views->front() && !passes.planNext()) break;
+      passes.makePass(view.pass, view.uses);
+    }
+  }
+  if (facts != nullptr) {
+    facts->changedMethods = passes.changedMethods();
+    facts->takenMethods = passes.takenMethods();
+  }
+  return passes;
+}
+
+ClassOutcome ClassUpdater::makeOutcome(PlannedClass planned,
+                                       const std::vector<PassView>* views) const {
+  const Phase phase(checksPhase);
+  const OutcomeNeeds& needs = request_.needs;
+  const std::optional<fl::filesystem::FileState> oldFile = planned.oldFile;
+  ClassOutcome outcome;
+  PassFacts* const facts = needs.facts ? &outcome.facts : nullptr;
+  const PassNeeds passNeeds = this->passNeeds(planned);
+  ClassPasses passes = makePasses(std::move(planned), passNeeds, views, facts);
+  ClassUpdate& update = outcome.update;
+  update = passes.takeUpdate();
+  ca::forgetLastAnalysis();
+  if (needs.text) outcome.text = to_string(*passes.text());
+  if (needs.hints) outcome.hints = hintsOnSuperClasses(update.className, *roots_, words());
+  if (!update.hasNewText() && !needs.edits) return outcome;
+  addFile({&update.file, *passes.oldText(), *passes.text(), &oldFile}, outcome);
+  if (needs.edits && update.hasNewText()) {
+    outcome.file.edits =
+        placeChanges(*passes.oldText(), passes.changes(), outcome.file.bytes->encoding);
+  }
+  return outcome;
+}
+
+PassResult ClassUpdater::makePass(const std::string& className,
+                                  std::shared_ptr<const fl::ustring> text, const PassView& view,
+                                  const PassHistory& history) const {
+  const CurrentClass current(className);
+  PassResult result;
+  try {
+    const OverlayTexts overlays(view.texts);
+    std::optional<fl::filesystem::OverlayScope> own;
+    if (text != nullptr) own.emplace(sourcePathOf(className), std::move(text));
+    auto planned = planUpdate(to_ustring(className), families(), false,
+                              {.keepLines = true, .listFaults = true});
+    ClassPasses passes(std::move(planned.front()), &request_.limits, {}, history);
+    if (!passes.makePass(view.pass, view.uses)) return result;
+    result.newText = passes.text();
+    result.file = passes.file();
+    result.history = passes.history();
+    result.names = findMethodNames(*passes.analyzePresentText());
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const NotSettled&) {
+    result.isUnsettled = true;
+  } catch (const std::exception&) {
+    // The update of the class in all passes reports the fault.
+    result = {};
+  }
+  return result;
+}
+
+fl::filesystem::FileState ClassUpdater::oldFileOf(const UpdatedText& text) const {
+  if (request_.overlaidFile != nullptr) return *request_.overlaidFile;
+  return stateOfOldFile(*text.path, *text.oldFile, text.oldText,
+                        request_.needs.newBytes ? StampType::sure : StampType::any);
+}
+
+void ClassUpdater::addFile(const UpdatedText& text, ClassOutcome& outcome) const {
   const Phase phase(diffPhase);
   const OutcomeNeeds& needs = request_.needs;
-  const std::string& path = outcome.update.file;
+  const std::string& path = *text.path;
   FileUpdate& file = outcome.file;
-  const fl::filesystem::FileState old = oldFileOf(planned, path);
+  const fl::filesystem::FileState old = oldFileOf(text);
   file.stamp = old.stamp;
-  const auto bytesOf = [&](fl::ustring_view text) { return makeBytes(path, text, old.encoding); };
+  const auto bytesOf = [&](fl::ustring_view each) { return makeBytes(path, each, old.encoding); };
   if (needs.edits) {
-    const fl::ustring_view text = *planned.oldText;
-    file.bytes = FileBytes{sha256(bytesOf(text)), old.encoding, text.starts_with(u'\uFEFF')};
-    if (outcome.update.hasNewText()) file.edits = findFileEdits(planned, old.encoding);
-    if (needs.editsOfEach && outcome.update.hasNewText()) {
-      findEditsOfEach(planned, old.encoding, file.conversions);
-    }
+    file.bytes =
+        FileBytes{sha256(bytesOf(text.oldText)), old.encoding, text.oldText.starts_with(u'\uFEFF')};
   }
   if (!outcome.update.hasNewText()) return;
   if (needs.diff || needs.newBytes) {
-    file.newBytes = bytesOf(planned.text());
+    file.newBytes = bytesOf(text.newText);
   } else {
-    checkIsEncodable(path, planned.text(), old.encoding);
+    checkIsEncodable(path, text.newText, old.encoding);
   }
   if (request_.overlaidFile == nullptr) checkIsReplaceable(path);
   if (needs.diff) {
-    file.diff = unifiedDiff(names_->inDiff(path), bytesOf(*planned.oldText), file.newBytes);
+    file.diff = unifiedDiff(names_->inDiff(path), bytesOf(text.oldText), file.newBytes);
   }
   if (!needs.newBytes) file.newBytes = {};
 }

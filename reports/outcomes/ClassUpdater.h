@@ -1,9 +1,13 @@
 // The update of one class, computed and checked but not yet printed or written.
 #pragma once
 
+#include <memory>
+#include <optional>
 #include <string>
 
 #include "conversions/ClassUpdate.h"
+#include "conversions/choice/ConversionChooser.h"
+#include "conversions/passes/ClassPasses.h"
 #include "files/targets/ClassRoots.h"
 #include "files/targets/Targets.h"
 #include "platform/paths/SourceReader.h"
@@ -28,17 +32,41 @@ struct OutcomeNeeds {
   bool conversions = false;
   bool editsOfEach = false;
   FindingPlacesType places = FindingPlacesType::none;
+  // What each class has to do with others of the run.
+  bool facts = false;
 };
 
 // The input of the computation.
 struct UpdateRequest {
-  UpdateMask rules = allFamilies;
+  // As the service, only the families count.
+  ChoiceLimits limits;
   bool includeSuperclasses = false;
-  // Whether the program leaves all decisions on superclasses to the service.
+  // Whether the program leaves all decisions to the service, which makes all conversions of a class
+  // or none.
   bool asService = false;
   OutcomeNeeds needs;
   // The file with an overlay text of this thread, which is not read from the disk. Null for none.
   const fl::filesystem::FileState* overlaidFile = nullptr;
+};
+
+// What one pass of a run made of a class.
+struct PassResult {
+  // Null if the pass changed nothing.
+  std::shared_ptr<const fl::ustring> newText;
+  std::string file;
+  PassHistory history;
+  bool isUnsettled = false;
+  // Of the new text.
+  MethodNames names;
+};
+
+// The text of a class before and after its update.
+struct UpdatedText {
+  const std::string* path;
+  fl::ustring_view oldText;
+  fl::ustring_view newText;
+  // The state of the file when it was analysed, if that is known.
+  const std::optional<fl::filesystem::FileState>* oldFile;
 };
 
 // Safe to use from several threads.
@@ -60,22 +88,39 @@ class ClassUpdater {
   // The class without its superclasses, but with their names if they are included.
   SingleUpdate updateAlone(const std::string& className) const;
 
+  // The same in passes that see other classes; `views` are all passes that look at the class. Not
+  // as the service.
+  SingleUpdate updateInPasses(const std::string& className,
+                              const std::vector<PassView>& views) const;
+
+  // One pass over the text that earlier ones left; null for the text as it was read. A class that
+  // cannot be updated stays unchanged.
+  PassResult makePass(const std::string& className, std::shared_ptr<const fl::ustring> text,
+                      const PassView& view, const PassHistory& history) const;
+
  private:
   // Sets the outcome, or a failure that concerns the class alone.
-  void finishPlan(PlannedClass& planned, SingleUpdate& single) const;
+  void finishPlan(PlannedClass planned, const std::vector<PassView>* views,
+                  SingleUpdate& single) const;
+  SingleUpdate update(const std::string& className, const std::vector<PassView>* views) const;
   // Adds the failures, and what else depends on the target. If a file cannot be read for that, the
   // outcome is that failure alone.
   void complete(const Target& target, std::vector<Failure> failures, TargetOutcome& outcome) const;
   void addFailure(const Target& target, Failure failure, TargetOutcome& outcome) const;
   WordsType words() const { return request_.asService ? WordsType::service : WordsType::program; }
   bool isUndecided(const Failure& failure, const std::string& path) const;
-  // Refuses the update if the new list of superclasses may be wrong.
-  static void checkSuperClasses(const PlannedClass& planned, ClassOutcome& outcome);
-  // Moves from the plan what is not needed afterwards.
-  ClassOutcome makeOutcome(PlannedClass& planned) const;
-  fl::filesystem::FileState oldFileOf(const PlannedClass& planned, const std::string& path) const;
+  UpdateMask families() const { return request_.limits.rules.families; }
+  // As the service. Moves from the plan what is not needed afterwards.
+  ClassOutcome makeServiceOutcome(PlannedClass& planned) const;
+  // Decides each conversion, in passes.
+  ClassOutcome makeOutcome(PlannedClass planned, const std::vector<PassView>* views) const;
+  // All passes; `views` are null for a class alone.
+  ClassPasses makePasses(PlannedClass planned, const PassNeeds& needs,
+                         const std::vector<PassView>* views, PassFacts* facts) const;
+  PassNeeds passNeeds(const PlannedClass& planned) const;
+  fl::filesystem::FileState oldFileOf(const UpdatedText& text) const;
   // Sets the fields that depend on the bytes of the file.
-  void addFile(const PlannedClass& planned, ClassOutcome& outcome) const;
+  void addFile(const UpdatedText& text, ClassOutcome& outcome) const;
 
   const ClassRoots* roots_;
   const FileNames* names_;

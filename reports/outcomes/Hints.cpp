@@ -52,20 +52,6 @@ std::vector<std::string> hintsOnUnknownClass(std::string_view className, const C
   return hints;
 }
 
-std::string_view reasonOf(sotarn::ReadPartType part) {
-  switch (part) {
-    case sotarn::ReadPartType::all:
-      break;
-    case sotarn::ReadPartType::hasSyntaxErrors:
-      return "it has syntax errors";
-    case sotarn::ReadPartType::isTooDeep:
-      return "it is nested too deep";
-    case sotarn::ReadPartType::isTooLarge:
-      return "it is too large";
-  }
-  return {};
-}
-
 std::vector<std::string> hintsOnAncestry(const Ancestry& ancestry, const ClassRoots& roots,
                                          WordsType words) {
   std::vector<std::string> hints;
@@ -77,9 +63,7 @@ std::vector<std::string> hintsOnAncestry(const Ancestry& ancestry, const ClassRo
   }
   if (words == WordsType::service) return hints;
   for (const Ancestry::PartlyRead& each : ancestry.partlyRead()) {
-    hints.push_back(
-        fmt::format("the superclass '{}', named by '{}', could be read only in part: {}", each.name,
-                    each.namedBy, reasonOf(each.part)));
+    hints.push_back(describePartlyRead(each));
   }
   return hints;
 }
@@ -98,13 +82,6 @@ bool isClassName(std::string_view name) {
 std::string describeNoClass(std::string_view className, const ClassRoots& roots) {
   return fmt::format("there is no class '{}'{}", className,
                      didYouMean(nearestClass(className, roots)));
-}
-
-std::string describeMissing(const Ancestry::Missing& missing) {
-  const auto name =
-      fmt::format("the superclass '{}', named by '{}'", missing.name, missing.namedBy);
-  return missing.isPFile ? fmt::format("of {}, only a p-file was found", name)
-                         : name + ", was not found";
 }
 
 OtherClassHints hintsOnOtherClass(std::string_view className, const ClassRoots& roots,

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "conversions/Ancestry.h"
+#include "conversions/superclasses/Ancestry.h"
 #include "files/targets/ClassRoots.h"
 #include "reports/outcomes/FileVerdict.h"
 
@@ -28,10 +28,6 @@ bool isClassName(std::string_view name);
 
 // "there is no class 'a.B'; did you mean 'a.C'?", if there is a class with a name like that.
 std::string describeNoClass(std::string_view className, const ClassRoots& roots);
-
-// "the superclass 'a.B', named by 'c.D', was not found", or the same of a superclass that has only
-// a p-file.
-std::string describeMissing(const Ancestry::Missing& missing);
 
 // Hints about the ancestors of the class that could not be found or, in the program's words, were
 // read only in part.

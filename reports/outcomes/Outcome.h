@@ -8,10 +8,11 @@
 #include <utility>
 #include <vector>
 
-#include "conversions/Ancestry.h"
 #include "conversions/ClassUpdate.h"
 #include "conversions/Conversions.h"
 #include "conversions/FileEdits.h"
+#include "conversions/passes/PassFacts.h"
+#include "conversions/superclasses/Ancestry.h"
 #include "platform/analyzer/Diagnostic.h"
 #include "platform/paths/SourceReader.h"
 #include "platform/text/FileText.h"
@@ -54,14 +55,13 @@ struct FileBytes {
 };
 
 // The second stage of an outcome: the effect of the update on the class's file. Has the parts that
-// were requested; only an accepted text that differs has a diff, new bytes, edits and conversions.
+// were requested; only an accepted text that differs has a diff, new bytes and edits.
 struct FileUpdate {
   std::string diff;
   // With the stamp of the file from which they were computed.
   std::string newBytes;
   fl::filesystem::FileStamp stamp;
-  FileEdits edits;
-  std::vector<Conversion> conversions;
+  std::vector<FileEdit> edits;
   // Of the file that was read, only if edits are requested.
   std::optional<FileBytes> bytes;
 };
@@ -75,8 +75,11 @@ struct ClassOutcome {
   std::vector<std::string> hints;
   // The reason why `--write` would refuse it, if it is known in a dry run.
   std::string writeRefusal;
-  // The output for the class on standard output.
+  // Only if they are requested.
+  PassFacts facts;
+  // The output for the class on standard output, and for users.
   std::string data;
+  std::string notes;
 
   // Drops the fields that are only for an accepted text.
   void refuse(std::string reason) {
@@ -84,7 +87,7 @@ struct ClassOutcome {
     update.methods = {};
     update.changesAgain = false;
     file.diff.clear();
-    file.conversions.clear();
+    update.conversions.clear();
     file.newBytes.clear();
   }
 };

@@ -4,6 +4,12 @@
 
 namespace soca {
 
+std::string groupDigits(std::size_t number) {
+  std::string text = std::to_string(number);
+  for (std::size_t i = text.size(); i > 3;) text.insert(i -= 3, 1, ',');
+  return text;
+}
+
 std::string wrap(std::string_view text, std::string_view indent, std::string_view firstIndent) {
   std::string result;
   std::string line(firstIndent);

@@ -1,4 +1,4 @@
-#include "cli/commands/OrderedWorkers.h"
+#include "reports/passes/OrderedWorkers.h"
 
 #include <gtest/gtest.h>
 

@@ -14,7 +14,7 @@
 #include <functional>
 #include <thread>
 
-#include "cli/commands/WriteProgress.h"
+#include "cli/update/WriteProgress.h"
 #include "tests/Places.h"
 #include "tests/cli/TerminalRun.h"
 

@@ -45,7 +45,7 @@ TEST(StandardInput, PrintsOnlyTheTextOnStandardOutput) {
   const Workspace space;
   space.write("Base.vlm", "classdef Base < velum.System\nend\n");
   const std::string finding = "classdef C < Base\n  properties (Logical)\n    X\n  end\nend\n";
-  const std::string refused =
+  const std::string leftOut =
       "classdef C < Base\n  properties (PositiveInteger)\n    X {} = 1;\n  end\nend\n";
   const std::string changed = "classdef C < Base & velum.system.mixin.Propagates\nend\n";
   struct Row {
@@ -57,7 +57,9 @@ TEST(StandardInput, PrintsOnlyTheTextOnStandardOutput) {
   const Row rows[] = {
       {"a finding", "", finding, 0, finding, "C.vlm:3: warning: Property 'X' has no default"},
       {"a finding with -q", "-q", finding, 0, finding, ""},
-      {"a text that is refused", "", refused, 2, "", "is refused: the new text would have"},
+      {"a conversion that is left out", "", leftOut, 0, leftOut, "is not converted: the new line"},
+      {"a text that is refused", "--as-service", leftOut, 2, "",
+       "is refused: the new text would have"},
       {"a syntax error", "", "classdef C < Base\n", 2, "", "C.vlm:"},
       {"another class", "", "classdef C < handle\nend\n", 2, "", "NotASystemObject"},
       {"nothing", "", "", 2, "", "is empty"},

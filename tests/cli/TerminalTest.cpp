@@ -128,7 +128,7 @@ TEST(Terminal, ClassTablesDoNotReachIt) {
   for (const char* name : {"A", "B"}) space.write(name + std::string(".vlm"), outdatedClass(name));
   space.write("table.json", R"({"classes": {
       "A": {"properties": {"Mode": {"constrainedSet":
-          {"setProperty": "ModeSet", "values": ["\u001b]0;owned\u0007"]}}}},
+          {"setProperty": "ModeSet", "values": ["auto", "\u001b]0;owned\u0007"]}}}},
       "B": {"properties": {"Mode": {"constrainedSet": {"setProperty": "\u001b]0;owned\u0007"}}}}
   }})");
   space.write("wrong.json", R"({"classes": {"A": {"\u001b]0;owned\u0007": 1}}})");

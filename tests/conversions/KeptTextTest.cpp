@@ -113,7 +113,7 @@ TEST(KeptText, OnlyTextThatEditsRemoveMayBeMissing) {
   for (const KeptCase& row : table) {
     const PlannedAction action{RuleFamilyType::attributes, true, {}, row.edits};
     const auto lost = findLostText(row.before, row.after, {action});
-    EXPECT_EQ(!lost.has_value(), row.isRight) << row.what << ": " << lost.value_or("right");
+    EXPECT_EQ(!lost.has_value(), row.isRight) << row.what << ": " << (lost ? lost->text : "right");
   }
 }
 

@@ -34,6 +34,8 @@ soca update --color |always auto never
 soca update --color=al|always
 soca check --color=n|never
 soca update -r impl,mi|impl,mixins
+soca update -r mixins,impl/d|mixins,impl/delete-obsolete mixins,impl/delete-redundant
+soca update --risk=u|unsafe
 soca update -p s|src
 soca update -p src s|shop.
 soca update -p src shop.|shop.Mixer shop.Motor shop.stock.

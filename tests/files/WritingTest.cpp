@@ -65,7 +65,8 @@ TEST(Writing, TextWithoutAnEncodingIsAnError) {
   latin.replace(latin.find("\u00e9"), 2, "\xe9");
   space.write("A.vlm", latin);
   space.write("table.json", R"({"classes": {"A": {"properties": {"Mode": {"constrainedSet":
-      {"kind": 1, "valueType": 1, "setProperty": "ModeSet", "values": ["\u4e2d"]}}}}}})");
+      {"kind": 1, "valueType": 1, "setProperty": "ModeSet",
+       "values": ["auto", "\u4e2d"]}}}}}})");
   const auto result = space.soca({"update", "--write", "--class-table", "table.json"});
   EXPECT_EQ(result.exitCode, 2);
   EXPECT_NE(result.err.find("soca:TextNotEncodable"), std::string::npos) << result.err;

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "conversions/risk/RiskJudge.h"
 #include "platform/failure/Exception.h"
 #include "platform/paths/Overlay.h"
 #include "platform/paths/PathDispatcher.h"
@@ -20,11 +21,14 @@
 namespace soca {
 namespace {
 
-// The result of an update of one class file: its text, and the ids of the failure or of the
-// findings.
+using Ids = std::vector<std::string>;
+
+// The result of an update of one class file: its text, the ids of the failure or of the findings,
+// and those of the reasons that its conversions are not safe.
 struct Outcome {
   std::string text;
-  std::vector<std::string> ids;
+  Ids ids;
+  Ids reasons;
 };
 
 // Updates the class Mixer with this text.
@@ -37,6 +41,9 @@ Outcome updateMixer(std::string_view source) {
     outcome.text = fl::i18n::to_string(plan.front().text());
     for (const RuleFinding& finding : plan.front().findings) {
       outcome.ids.push_back(finding.message.id);
+    }
+    for (const ConversionRisk& risk : judgeRisks(plan.front())) {
+      for (const ConversionReason& reason : risk.reasons) outcome.reasons.push_back(reason.id);
     }
     if (plan.front().missingDelimiter) outcome.ids.emplace_back("soca:DelimiterNotFound");
   } catch (const foundation::core::except::IMsgIDException& failure) {
@@ -57,8 +64,11 @@ TEST(Explanations, TheSourceBeforeRaisesTheIdAndTheSourceAfterRaisesNone) {
   for (const auto entries : {messageExplanations(), programExplanations()}) {
     for (const MessageExplanation& entry : entries) {
       if (!showsItsFault(entry)) continue;
-      EXPECT_EQ(updateMixer(entry.before).ids, std::vector<std::string>{std::string(entry.id)});
-      EXPECT_EQ(updateMixer(entry.after).ids, std::vector<std::string>{}) << entry.id;
+      const bool isReason = entry.kind == MessageKindType::reason;
+      const Outcome before = updateMixer(entry.before);
+      EXPECT_EQ(isReason ? before.reasons : before.ids, Ids{std::string(entry.id)});
+      const Outcome after = updateMixer(entry.after);
+      EXPECT_EQ(isReason ? after.reasons : after.ids, Ids{}) << entry.id;
     }
   }
 }
@@ -67,7 +77,7 @@ TEST(Explanations, TheSourceAfterARuleIsWhatTheUpdateMakes) {
   for (const RuleExplanation& rule : ruleExplanations()) {
     const Outcome outcome = updateMixer(rule.before);
     EXPECT_EQ(outcome.text, rule.after) << rule.id;
-    EXPECT_EQ(outcome.ids, std::vector<std::string>{}) << rule.id;
+    EXPECT_EQ(outcome.ids, Ids{}) << rule.id;
   }
 }
 

@@ -1,0 +1,44 @@
+// Which conversions of a class are made.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "conversions/risk/Risk.h"
+#include "platform/analyzer/AnalysisResult.h"
+#include "rules/RuleFamilies.h"
+#include "service/PlannedClass.h"
+
+namespace soca {
+
+// What a person lets the program do.
+struct ChoiceLimits {
+  RiskType highestRisk = RiskType::review;
+  RuleChoice rules;
+};
+
+// For each conversion of the class the next one that is made with it or not at all, in a ring; a
+// conversion that needs no other has its own index. Sets of which several use one companion are
+// such: it goes only with all of them, and a set that is converted while its companion stays would
+// be found again.
+std::vector<std::size_t> findNeeds(const PlannedClass& planned);
+
+struct ChosenConversions {
+  // With the made conversions alone. Its new text, if it has one, has passed all checks.
+  PlannedClass planned;
+  // For each conversion of the class, why it is not made; empty if it is.
+  std::vector<std::optional<ConversionReason>> leftOut;
+  // The analysis of the new text; null if there is none.
+  std::shared_ptr<ca::AnalysisResult> updated;
+};
+
+// Chooses as many conversions as can be made together, within the limits, and makes them.
+// `planned` must be the plan with all conversions that lists its faults; `risks` has one entry for
+// each. Only the analysis of the plan and of each new text that is tried is kept at a time. Throws
+// what the rules throw.
+ChosenConversions chooseConversions(PlannedClass planned, const std::vector<ConversionRisk>& risks,
+                                    const ChoiceLimits& limits);
+
+}  // namespace soca

@@ -1,0 +1,349 @@
+#include "conversions/passes/ClassPasses.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <exception>
+#include <iterator>
+#include <new>
+
+#include "conversions/Checks.h"
+#include "conversions/ClassMembers.h"
+#include "conversions/ConversionEdits.h"
+#include "conversions/Findings.h"
+#include "conversions/passes/PositionMap.h"
+#include "conversions/risk/RiskJudge.h"
+#include "platform/analyzer/FileAnalysis.h"
+#include "platform/failure/Exception.h"
+#include "platform/paths/Overlay.h"
+#include "platform/text/Conversions.h"
+#include "platform/text/TextSearch.h"
+
+namespace soca {
+namespace {
+
+using fl::filesystem::OverlayScope;
+using fl::i18n::to_string;
+
+constexpr PlanOptions detailed{.keepLines = true, .listFaults = true};
+
+fl::ustring memberOf(const RuleConversion& conversion) {
+  if (conversion.method != nullptr) return conversion.method->name->text.getText();
+  if (conversion.property != nullptr) return conversion.property->name->text.getText();
+  return {};
+}
+
+bool deletesMethod(const RuleConversion& conversion) {
+  return conversion.method != nullptr && conversion.newName.empty();
+}
+
+void addReason(RiskType type, ConversionReason reason, ConversionRisk& risk) {
+  if (type > risk.type) {
+    risk.type = type;
+    risk.reasons.insert(risk.reasons.begin(), std::move(reason));
+  } else {
+    risk.reasons.push_back(std::move(reason));
+  }
+}
+
+std::vector<Conversion> describeAll(const PlannedClass& planned) {
+  std::vector<Conversion> conversions = describeConversions(planned);
+  const auto needs = findNeeds(planned);
+  for (std::size_t i = 0; i < conversions.size(); ++i) {
+    if (needs[i] != i) conversions[i].needs.push_back(conversions[needs[i]].id);
+  }
+  return conversions;
+}
+
+Extent extentOf(const LinePlace& place) {
+  return {{place.line - 1, place.column - 1}, {place.endLine - 1, place.endColumn - 1}};
+}
+
+}  // namespace
+
+ClassPasses::ClassPasses(PlannedClass first, const ChoiceLimits* limits, const PassNeeds& needs,
+                         PassHistory history)
+    : limits_(limits),
+      needs_(needs),
+      file_(to_string(first.result.fileName)),
+      oldText_(first.oldText),
+      text_(first.oldText),
+      history_(std::move(history)),
+      planned_(std::move(first)) {
+  update_.className = to_string(planned_.result.className);
+  update_.file = file_;
+  update_.hasByteOrderMark = oldText_->starts_with(u'\uFEFF');
+}
+
+// --- one pass ---
+
+bool ClassPasses::makePass(const std::vector<MethodUse>& uses) {
+  return makePass(history_.pass + 1, uses);
+}
+
+bool ClassPasses::makePass(unsigned pass, const std::vector<MethodUse>& uses) {
+  history_.pass = pass;
+  leftOut_.clear();
+  if (planned_.conversions.empty()) return false;
+  std::optional<OverlayScope> overlay;
+  if (isChanged()) overlay.emplace(file_, text_);
+  checkSettling();
+  risks_ = judge(uses);
+  if (mayMakeWhole()) {
+    if (makeWhole()) return true;
+    planAgain();
+  }
+  return makeChosen();
+}
+
+bool ClassPasses::planNext() {
+  const OverlayScope overlay(file_, text_);
+  ClassPlan plan = planClassOnce(planned_.result.className, planned_.mask, false, detailed);
+  ca::forgetLastAnalysis();
+  if (plan.failure) {
+    try {
+      std::rethrow_exception(plan.failure);
+    } catch (const std::bad_alloc&) {
+      throw;
+    } catch (const std::exception&) {
+      // In a cycle of superclasses, the mixin may have been all that made it a System object.
+      planned_ = {};
+      leftOut_.clear();
+      return false;
+    }
+  }
+  planned_ = std::move(*plan.planned);
+  return true;
+}
+
+// Each pass removes an old form, and what it writes is at most once an old form itself.
+void ClassPasses::checkSettling() {
+  constexpr unsigned usual = 100;
+  if (history_.changes <= usual) return;
+  const std::size_t forms = planned_.analysis->getClassdef()->members.size() +
+                            2 * declaredProperties(*planned_.analysis).size() +
+                            2 * declaredMethods(*planned_.analysis).size();
+  history_.forms = std::max(history_.forms, forms);
+  if (history_.changes > 2 * (history_.forms + usual)) throw NotSettled();
+}
+
+std::shared_ptr<const ca::AnalysisResult> ClassPasses::analyzePresentText() const {
+  const OverlayScope overlay(file_, text_);
+  return ca::analyzeFile(file_);
+}
+
+// The plan of this pass once more, with everything in it.
+void ClassPasses::planAgain() {
+  std::optional<OverlayScope> overlay;
+  if (isChanged()) overlay.emplace(file_, text_);
+  const PlannedClass spent = std::move(planned_);
+  planned_ = std::move(planUpdate(spent.result.className, spent.mask, false, detailed).front());
+}
+
+std::vector<ConversionRisk> ClassPasses::judge(const std::vector<MethodUse>& uses) const {
+  std::vector<ConversionRisk> risks = judgeRisks(planned_);
+  for (std::size_t i = 0; i < risks.size(); ++i) {
+    const RuleConversion& conversion = planned_.conversions[i];
+    if (conversion.method == nullptr) continue;
+    for (const MethodUse& use : uses) {
+      if (conversion.method->name->text.view() != use.method) continue;
+      addReason(RiskType::unsafe, {"soca:UsedElsewhere", use.text, {}}, risks[i]);
+    }
+    if (followsDeletion(conversion)) {
+      addReason(RiskType::unsafe,
+                {"soca:FollowsDeletion", "an earlier pass deleted a method that prevented it", {}},
+                risks[i]);
+    }
+  }
+  return risks;
+}
+
+// Whether the method takes the name of one that an earlier pass deleted. Whatever else a deletion
+// makes possible is as right as in the next run, which would know nothing of the deletion.
+bool ClassPasses::followsDeletion(const RuleConversion& conversion) const {
+  const auto& deleted = history_.deletedMethods;
+  return !conversion.newName.empty() &&
+         std::ranges::find(deleted, conversion.newName) != deleted.end();
+}
+
+// Whether all conversions are wanted and can be applied, as is so for the usual class.
+bool ClassPasses::mayMakeWhole() const {
+  if (!planned_.faults.empty() || planned_.newText == nullptr) return false;
+  for (std::size_t i = 0; i < risks_.size(); ++i) {
+    if (risks_[i].type > limits_->highestRisk) return false;
+    if (!limits_->rules.kinds[planned_.conversions[i].kind]) return false;
+  }
+  return true;
+}
+
+// Frees the tree of the old text before that of the new one is made, which may be three times as
+// large. Returns false if the new text has faults.
+bool ClassPasses::makeWhole() {
+  const NewTextCheck check(planned_);
+  Record record = recordOf(planned_, LeftOut(planned_.conversions.size()));
+  const std::shared_ptr<const fl::ustring> newText = planned_.newText;
+  LineMap lines = lines_;
+  lines.add(std::move(planned_.newLines), planned_.oldText);
+  planned_.analysis.reset();
+  std::vector<PlannedAction>().swap(planned_.actions);
+  std::shared_ptr<ca::SourceAnalysis> updated;
+  {
+    const OverlayScope overlay(file_, newText);
+    updated = ca::analyzeFile(file_);
+  }
+  if (check.findFault(*updated)) return false;
+  lines_ = std::move(lines);
+  take(std::move(record), newText);
+  return true;
+}
+
+bool ClassPasses::makeChosen() {
+  ChosenConversions chosen = chooseConversions(std::move(planned_), risks_, *limits_);
+  planned_ = std::move(chosen.planned);
+  leftOut_ = std::move(chosen.leftOut);
+  if (planned_.newText == nullptr) return false;
+  Record record = recordOf(planned_, leftOut_);
+  lines_.add(std::move(planned_.newLines), planned_.oldText);
+  take(std::move(record), planned_.newText);
+  return true;
+}
+
+// --- the result ---
+
+ClassPasses::Record ClassPasses::recordOf(const PlannedClass& planned, const LeftOut& leftOut) {
+  Record record;
+  for (std::size_t i = 0; i < planned.conversions.size(); ++i) {
+    const RuleConversion& each = planned.conversions[i];
+    if (leftOut[i]) continue;
+    ++record.counts[each.kind];
+    if (each.method != nullptr) {
+      const fl::ustring_view name = each.method->name->text.view();
+      record.changedMethods |= methodsChangedBy(each.kind, name);
+      record.takenMethods |= methodSetOf(name);
+    }
+    if (deletesMethod(each)) record.deletedMethods.push_back(memberOf(each));
+  }
+  describeInto(planned, leftOut, record);
+  return record;
+}
+
+void ClassPasses::describeInto(const PlannedClass& planned, const LeftOut& leftOut,
+                               Record& record) {
+  std::vector<std::uint32_t> numbers(planned.conversions.size());
+  if (needs_.conversions) {
+    if (isFirst_) numbers_.emplace(*planned.analysis);
+    std::vector<Conversion> all = describeAll(planned);
+    if (needs_.editsOfEach && history_.pass == 1)
+      findEditsOfEach(planned, *needs_.editsOfEach, all);
+    for (std::size_t i = 0; i < all.size(); ++i) {
+      if (leftOut[i]) continue;
+      numbers[i] =
+          static_cast<std::uint32_t>(update_.conversions.size() + record.conversions.size());
+      all[i].risk = risks_[i];
+      all[i].pass = history_.pass;
+      record.conversions.push_back(std::move(all[i]));
+    }
+  }
+  const bool hasFindings = std::ranges::any_of(planned.findings, [](const RuleFinding& finding) {
+    return finding.conversion != noConversion;
+  });
+  if (hasFindings) {
+    std::vector<Finding> all = describeFindings(planned, needs_.places);
+    for (std::size_t i = 0; i < all.size(); ++i) {
+      if (planned.findings[i].conversion != noConversion) {
+        record.findings.push_back(std::move(all[i]));
+      }
+    }
+  }
+  moveToOldText(record.conversions, record.findings);
+  if (needs_.changes) record.changes = findTextChanges(planned, numbers);
+}
+
+void ClassPasses::take(Record record, std::shared_ptr<const fl::ustring> newText) {
+  isFirst_ = false;
+  ++history_.changes;
+  changedMethods_ |= record.changedMethods;
+  takenMethods_ |= record.takenMethods;
+  for (const ConversionKind& kind : conversionKinds) {
+    update_.conversionCounts[kind.type] += record.counts[kind.type];
+  }
+  std::ranges::move(record.conversions, std::back_inserter(update_.conversions));
+  std::ranges::move(record.findings, std::back_inserter(update_.findings));
+  std::ranges::move(record.deletedMethods, std::back_inserter(history_.deletedMethods));
+  changes_ = changes_.empty() ? std::move(record.changes)
+                              : composeChanges(*oldText_, changes_, record.changes);
+  update_.updated = true;
+  text_ = std::move(newText);
+}
+
+void ClassPasses::moveToOldText(std::vector<Conversion>& conversions,
+                                std::vector<Finding>& findings) {
+  if (!isChanged() || (conversions.empty() && findings.empty())) return;
+  std::optional<PositionMap> map;
+  if (needs_.changes) map.emplace(*oldText_, changes_);
+  const auto toOld = [&](LinePlace& place) {
+    place = map ? map->toOld(place) : lines_.toOld(place);
+  };
+  const auto relatedToOld = [&](RelatedPlace& place) {
+    place.newLine = place.line;
+    toOld(place);
+  };
+  for (Conversion& each : conversions) {
+    LinePlace place = placeOf(each.place);
+    if (each.leftOut) each.newPlace = place;
+    toOld(place);
+    each.place = extentOf(place);
+    if (numbers_) numbers_->correctId(each);
+    for (ConversionReason& reason : each.risk.reasons) {
+      std::ranges::for_each(reason.places, relatedToOld);
+    }
+    if (each.leftOut) std::ranges::for_each(each.leftOut->places, relatedToOld);
+  }
+  for (Finding& each : findings) {
+    each.newPlace = each;
+    toOld(each);
+    std::ranges::for_each(each.related, relatedToOld);
+  }
+}
+
+// What the last pass reports, which changed nothing.
+void ClassPasses::addLastPass() {
+  std::vector<Conversion> left;
+  if (!leftOut_.empty()) {
+    left = describeAll(planned_);
+    for (std::size_t i = 0; i < left.size(); ++i) {
+      left[i].risk = risks_[i];
+      left[i].pass = 0;
+      left[i].leftOut = leftOut_[i];
+      ++update_.leftOutCounts[left[i].kind];
+    }
+  }
+  std::vector<Finding> findings;
+  if (!planned_.findings.empty()) findings = describeFindings(planned_, needs_.places);
+  moveToOldText(left, findings);
+  std::ranges::move(left, std::back_inserter(update_.conversions));
+  std::ranges::move(findings, std::back_inserter(update_.findings));
+}
+
+ClassUpdate ClassPasses::takeUpdate() {
+  const std::size_t kept = update_.findings.size();
+  addLastPass();
+  update_.changed = isChanged() && !fl::areEqualTexts(*text_, *oldText_);
+  std::optional<PositionMap> map;
+  if (kept > 0 && needs_.changes) map.emplace(*oldText_, changes_);
+  const auto toNew = [&](const LinePlace& place) {
+    return map ? map->toNew(place).value_or(LinePlace()) : lines_.toNew(place);
+  };
+  for (std::size_t i = 0; i < kept; ++i) {
+    Finding& finding = update_.findings[i];
+    finding.newPlace = toNew(finding);
+    for (RelatedPlace& place : finding.related) place.newLine = toNew(place).line;
+  }
+  if (update_.findings.size() > 1) {
+    std::ranges::stable_sort(update_.findings, {},
+                             [](const Finding& each) { return std::pair(each.line, each.column); });
+  }
+  return std::move(update_);
+}
+
+}  // namespace soca

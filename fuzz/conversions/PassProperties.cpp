@@ -1,0 +1,252 @@
+#include "fuzz/conversions/PassProperties.h"
+
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "conversions/Checks.h"
+#include "conversions/passes/ClassPasses.h"
+#include "fuzz/Violation.h"
+#include "fuzz/changes/ChangeProperties.h"
+#include "fuzz/conversions/PlanAttempt.h"
+#include "model/SourceFile.h"
+#include "platform/analyzer/Analyzer.h"
+#include "platform/paths/Overlay.h"
+#include "platform/text/Conversions.h"
+#include "service/UpdatePlan.h"
+
+namespace soca::fuzz {
+namespace {
+
+using fl::filesystem::OverlayScope;
+using Text = std::shared_ptr<const fl::ustring>;
+
+constexpr PlanOptions detailed{.keepLines = true, .listFaults = true};
+
+// The id without the class, as the plan has it, and without its number.
+std::string plainId(const Conversion& conversion) {
+  return fuzz::plainId(conversion.id.substr(conversion.id.find('#') + 1));
+}
+
+// The conversions of the plan that were made in the pass, if their ids without numbers show it.
+std::optional<std::vector<bool>> findMade(const PlannedClass& planned, const ClassUpdate& update,
+                                          unsigned pass) {
+  std::map<std::string, std::ptrdiff_t> counts;
+  for (const Conversion& each : update.conversions) {
+    if (each.pass == pass) ++counts[plainId(each)];
+  }
+  std::vector<bool> made;
+  const auto ids = plainIds(planned);
+  for (const std::string& id : ids) {
+    const auto count = counts.find(id);
+    made.push_back(count != counts.end());
+    if (made.back() && count->second != std::ranges::count(ids, id)) return std::nullopt;
+  }
+  for (const auto& [id, count] : counts) {
+    require(std::ranges::find(ids, id) != ids.end(), "'{}' is made and was not found", id);
+  }
+  return made;
+}
+
+class PassCheck {
+ public:
+  PassCheck(fl::ustring className, RiskType highestRisk)
+      : className_(std::move(className)), limits_{highestRisk, RuleChoice()} {}
+
+  unsigned run() {
+    PlanAttempt first = plan();
+    if (!first.planned) return 0;
+    file_ = fl::i18n::to_string(first.planned->result.fileName);
+    texts_.push_back(first.planned->oldText);
+    ClassPasses passes(std::move(*first.planned), &limits_,
+                       {.conversions = true,
+                        .editsOfEach = fl::EncodingType::utf8,
+                        .changes = true,
+                        .places = FindingPlacesType::related});
+    makeAll(passes, &texts_);
+    update_ = passes.takeUpdate();
+    checkConversions();
+    checkFindings();
+    checkChangesOf(passes);
+    checkEachPass();
+    checkLean();
+    checkSecond();
+    return static_cast<unsigned>(texts_.size()) - 1;
+  }
+
+ private:
+  PlanAttempt plan() const {
+    return attemptPlan(
+        [&] { return std::move(planUpdate(className_, allFamilies, false, detailed).front()); });
+  }
+
+  PlanAttempt planOf(const Text& text) const {
+    const OverlayScope overlay(file_, text);
+    return plan();
+  }
+
+  // Adds the text after each pass that changes it.
+  static void makeAll(ClassPasses& passes, std::vector<Text>* texts) {
+    while (passes.makePass()) {
+      if (texts != nullptr) texts->push_back(passes.text());
+      if (!passes.planNext()) return;
+    }
+  }
+
+  // --- conversions and findings ---
+
+  void checkConversions() const {
+    std::set<std::string> ids;
+    PerKind<std::size_t> made;
+    PerKind<std::size_t> leftOut;
+    const SourceFile lines(*texts_.front());
+    for (const Conversion& each : update_.conversions) {
+      require(ids.insert(each.id).second, "two conversions are '{}'", each.id);
+      require(each.place.end.line < lines.getLines().size(), "'{}' has no place", each.id);
+      ++(each.isMade() ? made : leftOut)[each.kind];
+      checkReason(each);
+    }
+    for (const ConversionKind& kind : conversionKinds) {
+      require(made[kind.type] == update_.conversionCounts[kind.type] &&
+                  leftOut[kind.type] == update_.leftOutCounts[kind.type],
+              "the numbers of '{}' are wrong", kind.name);
+    }
+  }
+
+  void checkReason(const Conversion& conversion) const {
+    if (conversion.isMade()) {
+      require(conversion.pass >= 1 && conversion.pass < texts_.size(), "'{}' is made in pass {}",
+              conversion.id, conversion.pass);
+      require(conversion.risk.type <= limits_.highestRisk, "'{}' is too risky", conversion.id);
+      return;
+    }
+    require(conversion.pass == 0, "'{}' is made and left out", conversion.id);
+    const ConversionReason& reason = *conversion.leftOut;
+    require(!reason.id.empty() && !reason.detail.empty(), "'{}' has no reason", conversion.id);
+    for (const RelatedPlace& place : reason.places) {
+      require(place.line > 0 && place.line <= place.endLine, "{} without a place", reason.id);
+    }
+  }
+
+  void checkFindings() const {
+    const SourceFile oldLines(*texts_.front());
+    const SourceFile newLines(*texts_.back());
+    for (const Finding& each : update_.findings) {
+      require(each.line > 0 && each.endLine <= oldLines.getLines().size(), "'{}' has no place",
+              each.text);
+      require(each.newPlace.endLine <= newLines.getLines().size(), "'{}' is after the new text",
+              each.text);
+    }
+  }
+
+  void checkChangesOf(const ClassPasses& passes) const {
+    const fl::ustring& oldText = *texts_.front();
+    require(applyChanges(oldText, passes.changes()) == *texts_.back(),
+            "the changes give another text");
+    checkChangeList(oldText, passes.changes());
+    for (const TextChange& change : passes.changes()) {
+      for (const std::uint32_t number : change.conversions) {
+        require(number < update_.conversions.size() && update_.conversions[number].isMade(),
+                "the change at {} is of no made conversion", change.offset);
+      }
+    }
+  }
+
+  // --- each pass ---
+
+  void checkEachPass() const {
+    PassHistory history;
+    for (unsigned pass = 1; pass < texts_.size(); ++pass) {
+      PlanAttempt before = planOf(texts_[pass - 1]);
+      require(before.planned.has_value(), "pass {} cannot be planned again", pass);
+      checkMade(*before.planned, pass);
+      const OverlayScope overlay(file_, texts_[pass - 1]);
+      ClassPasses step(std::move(*before.planned), &limits_, {}, std::move(history));
+      step.makePass(pass, {});
+      require(*step.text() == *texts_[pass], "pass {} alone gives another text", pass);
+      history = step.history();
+    }
+  }
+
+  // The made conversions alone give the text, and it passes the checks.
+  void checkMade(const PlannedClass& planned, unsigned pass) const {
+    const auto analysis = ca::analyzeText(fl::ustring(*texts_[pass]));
+    require(!analysis->hasSyntaxError(), "pass {} gives a syntax error", pass);
+    const auto made = findMade(planned, update_, pass);
+    if (!made) return;
+    const OverlayScope overlay(file_, texts_[pass - 1]);
+    const PlannedClass again = planConversions(planned, *made, detailed);
+    require(again.faults.empty() && again.text() == *texts_[pass],
+            "the conversions of pass {} give another text", pass);
+    const auto fault = NewTextCheck(again).findFault(*analysis);
+    require(!fault, "the text of pass {} has faults: {}", pass, fault ? fault->text : "");
+  }
+
+  // --- the whole once more ---
+
+  void checkLean() const {
+    PlanAttempt first = plan();
+    ClassPasses passes(std::move(*first.planned), &limits_, {.places = FindingPlacesType::related});
+    makeAll(passes, nullptr);
+    const ClassUpdate lean = passes.takeUpdate();
+    require(*passes.text() == *texts_.back(), "fewer needs give another text");
+    const auto areSame = [](const Finding& left, const Finding& right) {
+      return left.text == right.text && left.line == right.line &&
+             left.newPlace.line == right.newPlace.line;
+    };
+    require(std::ranges::is_permutation(lean.findings, update_.findings, areSame),
+            "fewer needs give other findings");
+    for (const ConversionKind& kind : conversionKinds) {
+      require(lean.conversionCounts[kind.type] == update_.conversionCounts[kind.type] &&
+                  lean.leftOutCounts[kind.type] == update_.leftOutCounts[kind.type],
+              "fewer needs give other numbers of '{}'", kind.name);
+    }
+  }
+
+  bool followsDeletion(const std::string& plain) const {
+    return std::ranges::any_of(update_.conversions, [&](const Conversion& each) {
+      return each.leftOut && each.leftOut->id == "soca:FollowsDeletion" && plainId(each) == plain;
+    });
+  }
+
+  void checkSecond() const {
+    PlanAttempt last = planOf(texts_.back());
+    if (!last.planned) return;
+    std::vector<std::string> leftOut;
+    for (const Conversion& each : update_.conversions) {
+      if (!each.isMade()) leftOut.push_back(plainId(each));
+    }
+    require(std::ranges::is_permutation(leftOut, plainIds(*last.planned)),
+            "the last text has other conversions than those that are left out");
+    const OverlayScope overlay(file_, texts_.back());
+    ClassPasses passes(std::move(*last.planned), &limits_, {.conversions = true});
+    makeAll(passes, nullptr);
+    for (const Conversion& each : passes.takeUpdate().conversions) {
+      require(!each.isMade() || each.pass > 1 || followsDeletion(plainId(each)),
+              "a second update makes '{}'", each.id);
+    }
+  }
+
+  fl::ustring className_;
+  ChoiceLimits limits_;
+  std::string file_;
+  // The text as it was read, and those after the passes that changed it.
+  std::vector<Text> texts_;
+  ClassUpdate update_;
+};
+
+}  // namespace
+
+unsigned checkPasses(const fl::ustring& className, RiskType highestRisk) {
+  try {
+    return PassCheck(className, highestRisk).run();
+  } catch (const Violation& violation) {
+    throw Violation(fmt::format("with risk '{}': {}", riskName(highestRisk), violation.what()));
+  }
+}
+
+}  // namespace soca::fuzz

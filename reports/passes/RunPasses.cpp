@@ -1,0 +1,315 @@
+#include "reports/passes/RunPasses.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <functional>
+#include <iterator>
+#include <ranges>
+#include <tuple>
+#include <unordered_set>
+
+#include "platform/text/Conversions.h"
+#include "reports/passes/OrderedWorkers.h"
+
+namespace soca {
+namespace {
+
+// The largest number of classes that a reason names for one method.
+constexpr std::size_t mostUsers = 8;
+
+std::uint64_t keyOf(std::string_view className) { return std::hash<std::string_view>()(className); }
+
+bool areSame(const std::vector<MethodUse>& left, const std::vector<MethodUse>& right) {
+  return std::ranges::equal(left, right, [](const MethodUse& one, const MethodUse& other) {
+    return one.method == other.method && one.text == other.text;
+  });
+}
+
+// Keeps the list sorted, so that it does not depend on the order of the classes.
+void addUse(MethodUse use, std::vector<MethodUse>& list) {
+  const auto keyOf = [](const MethodUse& each) { return std::tie(each.method, each.text); };
+  const auto place = std::ranges::upper_bound(list, keyOf(use), {}, keyOf);
+  const auto inserted = list.insert(place, std::move(use));
+  const auto isOther = [&](const MethodUse& each) { return each.method != inserted->method; };
+  const auto first = std::ranges::find_if_not(list, isOther);
+  const auto last = std::find_if(first, list.end(), isOther);
+  if (static_cast<std::size_t>(last - first) > mostUsers) list.erase(last - 1);
+}
+
+void addUses(const std::string& user, const MethodNames& names, std::vector<MethodUse>& list) {
+  for (const fl::ustring_view name : namesOf(names.used())) {
+    const bool refers = (names.referred & methodSetOf(name)) != 0;
+    addUse({fl::ustring(name),
+            fmt::format("class '{}' {} it", user, refers ? "refers to" : "overrides")},
+           list);
+  }
+}
+
+}  // namespace
+
+std::size_t RunPasses::add(std::string_view className, const PassFacts& facts) {
+  Class& added = classes_.emplace_back();
+  added.key = keyOf(className);
+  added.nameStart = names_.size();
+  added.nameSize = static_cast<std::uint32_t>(className.size());
+  names_ += className;
+  added.superStart = superClasses_.size();
+  added.superCount = static_cast<std::uint32_t>(facts.superClasses.size());
+  for (const std::string& name : facts.superClasses) superClasses_.push_back(keyOf(name));
+  added.names = facts.names;
+  added.takenMethods = facts.takenMethods;
+  added.changedMethods = facts.changedMethods;
+  added.isKept = facts.isKept;
+  return classes_.size() - 1;
+}
+
+void RunPasses::make(const std::function<bool()>& goesOn) {
+  added_ = classes_.size();
+  index();
+  addClassesBetween();
+  findDerived();
+  findMembers();
+  for (const auto& [number, member] : members_) countDefined(number, member.names.defined, 1);
+  for (unsigned pass = 1; goesOn() && makePass(pass); ++pass) continue;
+}
+
+bool RunPasses::isReached(std::size_t number) const {
+  const auto member = members_.find(number);
+  return member != members_.end() && member->second.isReached && !classes_[number].isKept;
+}
+
+std::string RunPasses::nameOf(std::size_t number) const {
+  return names_.substr(classes_[number].nameStart, classes_[number].nameSize);
+}
+
+std::vector<PassView> RunPasses::viewsOf(std::size_t number) {
+  std::vector<PassView> views;
+  for (const auto& [pass, uses] : members_.at(number).looks) {
+    views.push_back(viewOf(number, pass, uses));
+  }
+  return views;
+}
+
+bool RunPasses::restsOnUnsettled(std::size_t number) const {
+  return std::ranges::any_of(ancestorsOf(number), [&](std::size_t each) {
+    const auto member = members_.find(each);
+    return member != members_.end() && member->second.isUnsettled;
+  });
+}
+
+// --- the graph of the classes ---
+
+void RunPasses::index() {
+  byKey_.clear();
+  byKey_.reserve(classes_.size());
+  for (std::size_t i = 0; i < classes_.size(); ++i) {
+    byKey_.emplace_back(classes_[i].key, static_cast<std::uint32_t>(i));
+  }
+  std::ranges::sort(byKey_);
+}
+
+std::optional<std::size_t> RunPasses::find(std::uint64_t key) const {
+  const auto place =
+      std::ranges::lower_bound(byKey_, key, {}, [](const auto& e) { return e.first; });
+  if (place == byKey_.end() || place->first != key) return std::nullopt;
+  return place->second;
+}
+
+// A class of the run may derive from another one by way of classes that are not in the run.
+void RunPasses::addClassesBetween() {
+  std::unordered_set<std::uint64_t> known;
+  for (const Class& each : classes_) known.insert(each.key);
+  for (std::size_t i = 0; i < classes_.size(); ++i) {
+    const auto* supers = superClasses_.data() + classes_[i].superStart;
+    if (std::all_of(supers, supers + classes_[i].superCount,
+                    [&](std::uint64_t key) { return known.contains(key); })) {
+      continue;
+    }
+    for (const std::string& name : findSuperClassesWithFile(nameOf(i))) {
+      if (!known.insert(keyOf(name)).second) continue;
+      PassFacts facts;
+      facts.superClasses = findSuperClassesWithFile(name);
+      add(name, facts);
+    }
+  }
+  if (classes_.size() > added_) index();
+}
+
+RunPasses::Numbers RunPasses::superClassesOf(std::size_t number) const {
+  Numbers numbers;
+  const Class& each = classes_[number];
+  for (std::size_t i = 0; i < each.superCount; ++i) {
+    if (const auto found = find(superClasses_[each.superStart + i])) numbers.push_back(*found);
+  }
+  return numbers;
+}
+
+RunPasses::Numbers RunPasses::ancestorsOf(std::size_t number) const {
+  Numbers ancestors = superClassesOf(number);
+  std::unordered_set<std::size_t> met(ancestors.begin(), ancestors.end());
+  met.insert(number);
+  for (std::size_t i = 0; i < ancestors.size(); ++i) {
+    for (const std::size_t each : superClassesOf(ancestors[i])) {
+      if (met.insert(each).second) ancestors.push_back(each);
+    }
+  }
+  return ancestors;
+}
+
+void RunPasses::findDerived() {
+  std::vector<std::pair<std::uint32_t, std::uint32_t>> edges;
+  for (std::size_t i = 0; i < classes_.size(); ++i) {
+    for (const std::size_t super : superClassesOf(i)) {
+      edges.emplace_back(static_cast<std::uint32_t>(super), static_cast<std::uint32_t>(i));
+    }
+  }
+  std::ranges::sort(edges);
+  derivedStarts_.assign(classes_.size() + 1, 0);
+  for (const auto& [super, derived] : edges) {
+    ++derivedStarts_[super + 1];
+    derived_.push_back(derived);
+  }
+  for (std::size_t i = 1; i < derivedStarts_.size(); ++i)
+    derivedStarts_[i] += derivedStarts_[i - 1];
+}
+
+template <class Visit>
+void RunPasses::visitDerived(std::size_t number, const Visit& visit) const {
+  Numbers derived = {number};
+  std::unordered_set<std::size_t> met;
+  for (std::size_t i = 0; i < derived.size(); ++i) {
+    for (std::uint32_t k = derivedStarts_[derived[i]]; k < derivedStarts_[derived[i] + 1]; ++k) {
+      if (!met.insert(derived_[k]).second) continue;
+      derived.push_back(derived_[k]);
+      visit(derived_[k]);
+    }
+  }
+}
+
+MethodNames RunPasses::namesOfNow(std::size_t number) const {
+  const auto member = members_.find(number);
+  return member == members_.end() ? classes_[number].names : member->second.names;
+}
+
+// --- the classes that take part ---
+
+void RunPasses::findMembers() {
+  const auto addMember = [&](std::size_t number, bool isReached) {
+    Member& member = members_[number];
+    member.isReached = member.isReached || isReached;
+    member.names = classes_[number].names;
+  };
+  for (std::size_t i = 0; i < added_; ++i) {
+    if (classes_[i].changedMethods == 0 || classes_[i].isKept) continue;
+    visitDerived(i, [&](std::size_t each) {
+      if ((classes_[each].names.concerned() & classes_[i].changedMethods) == 0) return;
+      if (each >= added_) return;
+      addMember(i, false);
+      addMember(each, true);
+    });
+  }
+  for (std::size_t i = 0; i < classes_.size(); ++i) {
+    const MethodSet used = classes_[i].names.used();
+    if (used == 0) continue;
+    for (const std::size_t each : ancestorsOf(i)) {
+      if ((classes_[each].takenMethods & used) != 0 && !classes_[each].isKept) {
+        addMember(each, true);
+        if (i < added_) addMember(i, false);
+      }
+    }
+  }
+}
+
+void RunPasses::countDefined(std::size_t number, MethodSet defined, int change) {
+  if (defined == 0) return;
+  visitDerived(number, [&](std::size_t each) {
+    const auto derived = members_.find(each);
+    if (derived == members_.end()) return;
+    Member& member = derived->second;
+    for (std::size_t i = 0; i < mostMethods; ++i) {
+      if ((defined >> i & 1) == 0) continue;
+      const bool wasThere = member.definedAbove[i] > 0;
+      member.definedAbove[i] += static_cast<std::uint32_t>(change);
+      const bool isConcerned = (member.names.concerned() >> i & 1) != 0;
+      if (wasThere != (member.definedAbove[i] > 0)) member.isTouched |= isConcerned;
+    }
+  });
+}
+
+RunPasses::Uses RunPasses::findUses() const {
+  Uses found;
+  for (std::size_t i = 0; i < classes_.size(); ++i) {
+    if (classes_[i].names.used() == 0) continue;
+    const MethodNames names = namesOfNow(i);
+    if (names.used() == 0) continue;
+    for (const std::size_t each : ancestorsOf(i)) {
+      if (members_.contains(each)) addUses(nameOf(i), names, found[each]);
+    }
+  }
+  return found;
+}
+
+// --- a pass ---
+
+RunPasses::Numbers RunPasses::findActive(unsigned pass, Uses& uses) const {
+  Numbers active;
+  for (const auto& [number, member] : members_) {
+    if (member.isUnsettled || classes_[number].isKept) continue;
+    if (pass == 1 || member.hasChanged || member.isTouched ||
+        !areSame(member.looks.back().second, uses[number])) {
+      active.push_back(number);
+    }
+  }
+  std::ranges::sort(active);
+  return active;
+}
+
+bool RunPasses::makePass(unsigned pass) {
+  Uses uses = findUses();
+  const Numbers active = findActive(pass, uses);
+  for (auto& [number, member] : members_) member.hasChanged = member.isTouched = false;
+  for (const std::size_t each : active) members_[each].looks.emplace_back(pass, uses[each]);
+  auto next = active.begin();
+  auto done = active.begin();
+  OrderedWorkers<std::size_t, PassResult>(
+      jobs_,
+      [&]() -> std::optional<std::size_t> {
+        return next == active.end() ? std::nullopt : std::optional(*next++);
+      },
+      [&](const std::size_t& number) {
+        const Member& member = members_.at(number);
+        return makePass_(nameOf(number), texts_.get(number, pass - 1),
+                         viewOf(number, pass, member.looks.back().second), member.history);
+      },
+      [&](PassResult& result) {
+        const std::size_t number = *done++;
+        Member& member = members_.at(number);
+        member.isUnsettled = result.isUnsettled;
+        if (result.newText == nullptr) return true;
+        member.hasChanged = true;
+        member.file = std::move(result.file);
+        member.history = std::move(result.history);
+        countDefined(number, member.names.defined & ~result.names.defined, -1);
+        countDefined(number, result.names.defined & ~member.names.defined, 1);
+        member.names = result.names;
+        texts_.put(number, pass, *result.newText);
+        return true;
+      })
+      .run();
+  return !active.empty();
+}
+
+PassView RunPasses::viewOf(std::size_t number, unsigned pass, const std::vector<MethodUse>& uses) {
+  PassView view{pass, {}, uses};
+  for (const std::size_t each : ancestorsOf(number)) {
+    const auto member = members_.find(each);
+    if (member == members_.end()) continue;
+    if (auto text = texts_.get(each, pass - 1)) {
+      view.texts.emplace_back(member->second.file, std::move(text));
+    }
+  }
+  return view;
+}
+
+}  // namespace soca

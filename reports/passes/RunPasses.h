@@ -1,0 +1,128 @@
+// The passes of a run over all its classes.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "conversions/passes/ClassPasses.h"
+#include "conversions/passes/PassFacts.h"
+#include "reports/outcomes/ClassUpdater.h"
+#include "reports/passes/PassTexts.h"
+
+namespace soca {
+
+// In each pass, every class sees the texts that the pass before it left, of all classes alike. Most
+// classes have nothing to do with others that change, so each is first updated alone, until nothing
+// changes. Then the passes are made again together for those that others may reach: classes whose
+// superclasses gain or lose a method that counts for them, or whose methods others use. Only these
+// have another result than alone.
+//
+// Keeps little of each class, so that a run may have any number of them.
+class RunPasses {
+ public:
+  // As ClassUpdater::makePass; called by several threads.
+  using MakePass = std::function<PassResult(const std::string& className, PassTexts::Text text,
+                                            const PassView& view, const PassHistory& history)>;
+
+  // `jobs` is the number of threads.
+  RunPasses(MakePass makePass, unsigned jobs) : makePass_(std::move(makePass)), jobs_(jobs) {}
+
+  // Adds a class that was updated alone, in UTF-8. Returns its number, counted from 0.
+  std::size_t add(std::string_view className, const PassFacts& facts);
+
+  // Makes the passes of the classes that others reach, after all classes were added.
+  // `goesOn` is asked before each pass.
+  void make(const std::function<bool()>& goesOn);
+
+  // Whether the class has to be updated again because others reach it.
+  bool isReached(std::size_t number) const;
+  std::string nameOf(std::size_t number) const;
+
+  // What the class sees in each pass that looks at it, for its update in all of them. Safe to use
+  // from several threads.
+  std::vector<PassView> viewsOf(std::size_t number);
+  // Whether a class that it derives from came to no rest.
+  bool restsOnUnsettled(std::size_t number) const;
+
+ private:
+  // A class that was added. Its superclasses are a part of `superClasses_`.
+  struct Class {
+    std::uint64_t key = 0;
+    std::uint64_t nameStart = 0;
+    std::uint32_t nameSize = 0;
+    std::uint32_t superCount = 0;
+    std::uint64_t superStart = 0;
+    MethodNames names;
+    MethodSet takenMethods = 0;
+    MethodSet changedMethods = 0;
+    bool isKept = false;
+  };
+
+  // A class that takes part in the passes.
+  struct Member {
+    bool isReached = false;
+    bool hasChanged = false;
+    bool isUnsettled = false;
+    // Whether its superclasses have gained or lost a method that concerns it, since a pass last
+    // looked at it.
+    bool isTouched = false;
+    std::string file;
+    PassHistory history;
+    MethodNames names;
+    // The number of members that it derives from and that define each method.
+    std::array<std::uint32_t, mostMethods> definedAbove{};
+    // The passes that looked at it, with the uses of its methods.
+    std::vector<std::pair<unsigned, std::vector<MethodUse>>> looks;
+  };
+
+  using Numbers = std::vector<std::size_t>;
+  using Uses = std::unordered_map<std::size_t, std::vector<MethodUse>>;
+
+  void index();
+  void addClassesBetween();
+  std::optional<std::size_t> find(std::uint64_t key) const;
+  Numbers superClassesOf(std::size_t number) const;
+  // All that it derives from, nearest first.
+  Numbers ancestorsOf(std::size_t number) const;
+  void findDerived();
+  // Calls `visit` with each class that derives from the class, directly or not.
+  template <class Visit>
+  void visitDerived(std::size_t number, const Visit& visit) const;
+  MethodNames namesOfNow(std::size_t number) const;
+  void findMembers();
+  // Counts the methods that the class defines for those that derive from it.
+  void countDefined(std::size_t number, MethodSet defined, int change);
+  // The uses of each member's methods by the classes that derive from it, as the texts are now.
+  Uses findUses() const;
+  // The classes that the changes of the pass before may have reached.
+  Numbers findActive(unsigned pass, Uses& uses) const;
+  // Returns false if there is nothing left to look at.
+  bool makePass(unsigned pass);
+  PassView viewOf(std::size_t number, unsigned pass, const std::vector<MethodUse>& uses);
+
+  MakePass makePass_;
+  unsigned jobs_;
+  std::vector<Class> classes_;
+  // The number of those that were added by the client.
+  std::size_t added_ = 0;
+  std::string names_;
+  std::vector<std::uint64_t> superClasses_;
+  // The numbers of the classes by their keys.
+  std::vector<std::pair<std::uint64_t, std::uint32_t>> byKey_;
+  // The classes that derive from each directly: those of class `i` are from `derivedStarts_[i]`.
+  std::vector<std::uint32_t> derived_;
+  std::vector<std::uint32_t> derivedStarts_;
+  std::unordered_map<std::size_t, Member> members_;
+  PassTexts texts_;
+};
+
+}  // namespace soca

@@ -1,0 +1,309 @@
+// Which conversions of a class are made, in which pass, and where their places are.
+#include "conversions/passes/ClassPasses.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <initializer_list>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "conversions/Checks.h"
+#include "conversions/risk/RiskJudge.h"
+#include "platform/analyzer/Analyzer.h"
+#include "platform/analyzer/FileAnalysis.h"
+#include "platform/paths/Overlay.h"
+#include "platform/paths/PathDispatcher.h"
+#include "platform/text/Conversions.h"
+#include "tests/platform/TemporaryFolder.h"
+
+namespace soca {
+namespace {
+
+using fl::i18n::to_string;
+
+constexpr PlanOptions detailed{.keepLines = true, .listFaults = true};
+
+ChoiceLimits limitsOf(RiskType highest, std::initializer_list<ConversionKindType> kinds = {}) {
+  ChoiceLimits limits{highest, {}};
+  if (kinds.size() > 0) limits.rules = RuleChoice::none();
+  for (const ConversionKindType kind : kinds) limits.rules.add(kind);
+  return limits;
+}
+
+// The class C of the text after all passes over it.
+class ConvertedClass {
+ public:
+  explicit ConvertedClass(const std::string& oldText, const ChoiceLimits& limits = {})
+      : limits_(limits) {
+    file_ = folder_.write("C.vlm", oldText);
+    PathDispatcher::getDispatcher().setClassPath({folder_.path()});
+    ClassPasses passes(plan(), &limits_,
+                       {.conversions = true,
+                        .editsOfEach = std::nullopt,
+                        .changes = true,
+                        .places = FindingPlacesType::members});
+    while (passes.makePass() && passes.planNext()) continue;
+    text = passes.text();
+    update = passes.takeUpdate();
+    EXPECT_EQ(applyChanges(*passes.oldText(), passes.changes()), *text);
+  }
+
+  // One line for each conversion: with its pass, or with the reason for which it is left out.
+  std::string conversions() const {
+    std::string list;
+    for (const Conversion& each : update.conversions) {
+      const std::string reason = each.leftOut ? each.leftOut->id.substr(5) : "";
+      list += each.id.substr(2) + " " + (each.leftOut ? reason : std::to_string(each.pass)) + "\n";
+    }
+    return list;
+  }
+
+  // Those that are left out although the last text could have them, each with what it needs.
+  std::string leftOutTooMuch() const {
+    const fl::filesystem::OverlayScope overlay(file_, text);
+    const PlannedClass planned = plan();
+    const auto risks = judgeRisks(planned);
+    const auto needs = findNeeds(planned);
+    std::string list;
+    for (std::size_t i = 0; i < needs.size(); ++i) {
+      std::vector<bool> made(needs.size());
+      bool isWanted = true;
+      for (std::size_t each = i; !made[each]; each = needs[each]) {
+        made[each] = true;
+        isWanted &= risks[each].type <= limits_.highestRisk &&
+                    limits_.rules.kinds[planned.conversions[each].kind];
+      }
+      if (isWanted && canBeMade(planned, made)) list += update.conversions[i].id + "\n";
+    }
+    return list;
+  }
+
+  std::shared_ptr<const fl::ustring> text;
+  ClassUpdate update;
+
+ private:
+  PlannedClass plan() const {
+    return std::move(planUpdate(u"C", limits_.rules.families, false, detailed).front());
+  }
+
+  bool canBeMade(const PlannedClass& planned, const std::vector<bool>& made) const {
+    const PlannedClass some = planConversions(planned, made, detailed);
+    if (some.newText == nullptr) return false;
+    const fl::filesystem::OverlayScope overlay(file_, some.newText);
+    return !NewTextCheck(some).findFault(*ca::analyzeFile(file_));
+  }
+
+  TemporaryFolder folder_;
+  std::string file_;
+  ChoiceLimits limits_;
+};
+
+std::string classWith(const std::string& body) {
+  return "classdef (StrictDefaults) C < velum.System\n" + body + "end\n";
+}
+
+std::string block(const std::string& opening, const std::string& declarations) {
+  return opening + "\n" + declarations + "\nend\n";
+}
+
+std::string method(const std::string& name, const std::string& result = "false") {
+  return "function f = " + name + "(o, i)\nf = " + result + ";\nend\n";
+}
+
+std::string setOf(const std::string& property, const std::string& values = "'a', 'b'") {
+  return property + "Set = velum.system.StringSet({" + values + "});";
+}
+
+constexpr const char* logical = "properties (Logical)";
+constexpr const char* positiveInteger = "properties (PositiveInteger)";
+
+TEST(Passes, MakeWhatCanBeMade) {
+  const std::string methods = "methods (Access = protected)";
+  const std::string twoSets = "A = 'a';\nB = 'a';\n";
+  const std::string risky = block(logical, "A = true;") + block(logical, "B = 3;") +
+                            block(methods, method("isInputSizeLockedImpl", "g(i)"));
+  const struct {
+    const char* shows;
+    std::string body;
+    const char* conversions;
+    ChoiceLimits limits = {};
+  } rows[] = {
+      // --- one that cannot be made ---
+      {"a validator list without validators",
+       block(logical, "A = true;") + block(positiveInteger, "B {} = 1;") + block("events", "x") +
+           block(logical, "D = true;"),
+       "attributes/logical:A 1\nattributes/logical:D 1\n"
+       "attributes/positive-integer:B ResultHasSyntaxError\n"},
+      {"a set without values",
+       block("properties", "A = 'a';\n" + setOf("A", "") + "\nB = 'a';\n" + setOf("B")),
+       "attributes/string-set:B 1\nattributes/string-set:A ResultHasSyntaxError\n"},
+      {"edits that meet each other, and those that are joined with them",
+       block(logical, "A = true;") + "properties (Logical), B = true; end\n" +
+           block(logical, "D = true;"),
+       "attributes/logical:A 1\nattributes/logical:D 1\nattributes/logical:B EditsMeet\n"},
+      // --- two that depend on each other ---
+      {"two that only fail together, where the end of a block is deleted",
+       block(logical, "A = true;") + block("properties (Logical) %{", "B = true;"),
+       "attributes/logical:A 1\nattributes/logical:B ResultHasSyntaxError\n"},
+      {"two that only succeed together, beside one that fails",
+       block("properties",
+             twoSets + setOf("A") + " %{\n" + setOf("B") + " %}\nD {} = 'a';\n" + setOf("D")),
+       "attributes/string-set:A 1\nattributes/string-set:B 1\n"
+       "attributes/string-set:D ResultHasSyntaxError\n"},
+      {"two on one line", block("properties", twoSets + setOf("A") + " " + setOf("B")),
+       "attributes/string-set:A 1\nattributes/string-set:B 2\n"},
+      {"two attributes of one block", block("properties (Logical, PositiveInteger)", "A = 1;"),
+       "attributes/positive-integer:A 1\nattributes/logical:A 2\n"},
+      {"one on the line of another that fails",
+       block("properties", twoSets + setOf("A", "") + " " + setOf("B")),
+       "attributes/string-set:B 1\nattributes/string-set:A ResultHasSyntaxError\n"},
+      {"one on the line of another whose edits meet",
+       block("properties", "A = 'a'; " + setOf("A") + " " + setOf("B") + "\nB = 'a';"),
+       "attributes/string-set:B 1\nattributes/string-set:A EditsMeet\n"},
+      {"sets with one companion, all of which can be made",
+       block("properties", "A = 'a';\n" + setOf("A") + "\nA = 'b';"),
+       "attributes/string-set:A~1 1\nattributes/string-set:A~2 1\n"},
+      {"sets with one companion, of which one fails",
+       block("properties", "A = 'a';\n" + setOf("A") + "\nA {} = 'b';\n"),
+       "attributes/string-set:A~1 ResultHasSyntaxError\n"
+       "attributes/string-set:A~2 ResultHasSyntaxError\n"},
+      {"sets with one companion, of which one is unsafe",
+       block("properties", "A = 'a';\n" + setOf("A") + "\nA = 'd';\n"),
+       "attributes/string-set:A~1 DefaultOutsideValidators\n"
+       "attributes/string-set:A~2 DefaultOutsideValidators\n"},
+      // --- what may be made ---
+      {"no risk", risky,
+       "attributes/logical:A 1\nattributes/logical:B DefaultOutsideValidators\n"
+       "impl/rename-negate:isInputSizeLockedImpl CallNegated\n",
+       limitsOf(RiskType::safe)},
+      {"what a person looks at", risky,
+       "attributes/logical:A 1\nimpl/rename-negate:isInputSizeLockedImpl 1\n"
+       "attributes/logical:B DefaultOutsideValidators\n"},
+      {"all risks", risky,
+       "attributes/logical:A 1\nattributes/logical:B 1\n"
+       "impl/rename-negate:isInputSizeLockedImpl 1\n",
+       limitsOf(RiskType::unsafe)},
+      {"kinds that are not selected",
+       risky + block("properties", "D = 'a';\n" + setOf("D")) +
+           block(methods, method("isOutputSizeLockedImpl")),
+       "impl/delete-obsolete:isOutputSizeLockedImpl 1\nattributes/logical:A NotSelected\n"
+       "attributes/logical:B NotSelected\nattributes/string-set:D NotSelected\n"
+       "impl/rename-negate:isInputSizeLockedImpl NotSelected\n",
+       limitsOf(RiskType::unsafe,
+                {ConversionKindType::emptyBlock, ConversionKindType::deleteObsolete})},
+      // --- what an earlier pass makes possible ---
+      {"a method that is redundant once it is negated",
+       block(methods, method("isInputSizeLockedImpl", "true")),
+       "impl/rename-negate:isInputSizeLockedImpl 1\n"
+       "impl/delete-redundant:isInputSizeMutableImpl 2\n"},
+      {"a set to which only a deleted method refers",
+       block(methods, method("isOutputSizeLockedImpl", "o.ASet")) +
+           block("properties", "A = 'a';\n" + setOf("A")),
+       "impl/delete-obsolete:isOutputSizeLockedImpl 1\nattributes/string-set:A 2\n"},
+      {"a method that stays where its new counterpart is deleted",
+       block(methods, method("isInputSizeMutableImpl") + method("isInputSizeLockedImpl")),
+       "impl/delete-redundant:isInputSizeMutableImpl OldMethodStays\n"},
+      {"a method that takes the name of a deleted one",
+       block(methods, method("isInputSizeMutableImpl") + method("isInputSizeLockedImpl")),
+       "impl/delete-redundant:isInputSizeMutableImpl 1\n"
+       "impl/rename-negate:isInputSizeLockedImpl 2\n",
+       limitsOf(RiskType::unsafe)},
+  };
+  for (const auto& row : rows) {
+    const ConvertedClass converted(classWith(row.body), row.limits);
+    EXPECT_EQ(converted.conversions(), row.conversions) << row.shows;
+    EXPECT_EQ(converted.leftOutTooMuch(), "") << row.shows;
+  }
+}
+
+TEST(Passes, AReasonShowsTheNewLine) {
+  const auto detailOf = [](const std::string& declarations) {
+    const ConvertedClass converted(classWith(block(positiveInteger, declarations)));
+    return converted.update.conversions.back().leftOut->detail;
+  };
+  EXPECT_EQ(detailOf("B {} = 1;"),
+            "the new line would be `B (1, 1) {mustBePositive, mustBeInteger} {} = 1;`: expected a "
+            "line end, `;` or `,` behind the declaration, found `{`");
+  EXPECT_EQ(detailOf("B = 'a'; " + setOf("B")), "two of its edits meet, in line 3");
+}
+
+TEST(Passes, FewFailuresAreFoundAmongMany) {
+  std::string declarations;
+  for (int i = 0; i < 1000; ++i) {
+    const std::string name = "P" + std::to_string(i);
+    declarations += name + " = 'a';\n" + setOf(name, i % 100 == 50 ? "" : "'a'") + "\n";
+  }
+  const ConvertedClass converted(classWith(block("properties", declarations)));
+  const auto sets = ConversionKindType::stringSet;
+  EXPECT_EQ(converted.update.conversionCounts[sets], 990U);
+  EXPECT_EQ(converted.update.leftOutCounts[sets], 10U);
+  const auto isOfFirstPass = [](const Conversion& each) { return each.pass == 1; };
+  EXPECT_EQ(std::ranges::count_if(converted.update.conversions, isOfFirstPass), 990);
+}
+
+// The first pass deletes lines before all others.
+TEST(Passes, PlacesAreInTheTextAsItWasRead) {
+  const ConvertedClass converted(
+      classWith(block("methods (Access = protected)", method("isOutputSizeLockedImpl")) +
+                block("properties", "A = 'a';\nB = 'a';\n" + setOf("A") + " " + setOf("B")) +
+                block(logical, "X") + block(positiveInteger, "D {} = 1;") +
+                block("methods (Access = protected)", method("isInputSizeLockedImpl", "true"))));
+  std::string places;
+  for (const Conversion& each : converted.update.conversions) {
+    places += fmt::format("{} {}: {}\n", each.pass, each.member, each.place.start.line + 1);
+  }
+  EXPECT_EQ(places,
+            "1 A: 9\n1 isInputSizeLockedImpl: 20\n1 isOutputSizeLockedImpl: 3\n2 B: 10\n"
+            "2 isInputSizeMutableImpl: 20\n0 D: 17\n");
+  ASSERT_EQ(converted.update.findings.size(), 1U);
+  EXPECT_EQ(converted.update.findings[0].line, 14U);
+  EXPECT_EQ(converted.update.findings[0].newPlace.line, 10U);
+}
+
+// Classes whose conversions are often on one line, or change what is a comment.
+std::string randomBody(std::mt19937& random) {
+  const auto pick = [&](const std::vector<std::string>& some) {
+    return some[random() % some.size()];
+  };
+  const auto end = [&] {
+    return random() % 6 > 0 ? "\n" : pick({" ", " %{\n", " %}\n", " ...\n", " %{\n%}\n"});
+  };
+  std::string body;
+  for (std::size_t blocks = 1 + random() % 5; blocks > 0; --blocks) {
+    const bool hasMethods = random() % 5 == 0;
+    body += hasMethods ? pick({"methods (Access = protected)\n", "methods\n"})
+                       : pick({"properties\n", "properties (Hidden)\n", "properties (Logical)\n",
+                               "properties (Logical, PositiveInteger)\n", "properties (Logical),",
+                               "properties (Hidden, Logical) %{\n"});
+    for (std::size_t members = random() % 4; members > 0; --members) {
+      const std::string name = pick({"A", "B", "D"});
+      body += hasMethods ? method(pick({"isInputSizeLockedImpl", "isInputSizeMutableImpl"}))
+                         : pick({name + " = 1;", name + " = 'a';", name + " {} = 1;", setOf(name),
+                                 setOf(name, ""), name + " = 'a'; " + setOf(name)}) +
+                               end();
+    }
+    body += "end" + end();
+  }
+  return body;
+}
+
+TEST(Passes, NothingIsLeftOutThatCouldBeMade) {
+  int converted = 0;
+  for (unsigned seed = 0; seed < 200; ++seed) {
+    std::mt19937 random(seed);
+    const std::string text = classWith(randomBody(random));
+    const RiskType risk = seed % 2 == 0 ? RiskType::review : RiskType::unsafe;
+    if (ca::analyzeText(fl::i18n::to_ustring(text))->hasSyntaxError()) continue;
+    const ConvertedClass result(text, limitsOf(risk));
+    ASSERT_EQ(result.leftOutTooMuch(), "")
+        << text << result.conversions() << to_string(*result.text);
+    converted += result.update.updated ? 1 : 0;
+  }
+  EXPECT_GT(converted, 50);
+}
+
+}  // namespace
+}  // namespace soca
