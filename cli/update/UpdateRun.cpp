@@ -186,6 +186,9 @@ void UpdateRun::take(TargetOutcome& outcome) {
   if (outcome.passedOver) passOver(*outcome.passedOver);
   if (!outcome.sharedClass.empty()) outcome.classes = shared_.takeOutcomes(outcome.sharedClass);
   for (ClassOutcome& entry : outcome.classes) takeClass(entry);
+  if (passes_ && outcome.bystander) {
+    passes_->add(outcome.bystander->first, outcome.bystander->second);
+  }
   for (const Failure& failure : outcome.failures) addFailure(failure);
   if (outcome.skipped) {
     summary_.addSkipped(*outcome.skipped);

@@ -1,5 +1,7 @@
 #include "conversions/choice/ConversionChooser.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <functional>
@@ -22,7 +24,6 @@ using Indices = std::vector<std::size_t>;
 
 // The largest number of new texts that are analysed for one choice, and of those in which the
 // guilty conversions are looked for by the places of the faults; the others are for halving.
-constexpr unsigned mostAnalyses = 64;
 constexpr unsigned mostExplained = 24;
 // The largest number of conversions that were left out and are tried once more, each alone.
 constexpr std::size_t mostTriedAgain = 8;
@@ -53,11 +54,12 @@ class Chooser {
         leftOut_(whole_.conversions.size()),
         needs_(findNeeds(whole_)) {}
 
-  ChosenConversions run() {
+  ChosenConversions run(unsigned analysesBefore) {
     dropUnwanted();
+    if (analysesBefore >= mostAnalyses) dropUntried();
     if (std::ranges::none_of(made_, std::identity())) {
       dropActions();
-      return {std::move(whole_), std::move(leftOut_), nullptr};
+      return {std::move(whole_), std::move(leftOut_), nullptr, 0};
     }
     std::optional<Attempt> good = dropGuilty();
     if (good) {
@@ -72,7 +74,7 @@ class Chooser {
       }
     }
     tryAgain(*good);
-    return {std::move(good->planned), std::move(leftOut_), std::move(good->updated)};
+    return {std::move(good->planned), std::move(leftOut_), std::move(good->updated), analyses_};
   }
 
  private:
@@ -126,6 +128,15 @@ class Chooser {
         drop(i, risks_[i].reasons.front());
       }
     }
+  }
+
+  static ConversionReason notTried() {
+    return {
+        "soca:NotTried", fmt::format("{} texts of the class were tried before", mostAnalyses), {}};
+  }
+
+  void dropUntried() {
+    for (std::size_t i = 0; i < made_.size(); ++i) drop(i, notTried());
   }
 
   // The plan of no conversion, without asking the rules again.
@@ -318,8 +329,8 @@ std::vector<std::size_t> findNeeds(const PlannedClass& planned) {
 }
 
 ChosenConversions chooseConversions(PlannedClass planned, const std::vector<ConversionRisk>& risks,
-                                    const ChoiceLimits& limits) {
-  return Chooser(std::move(planned), risks, limits).run();
+                                    const ChoiceLimits& limits, unsigned analysesBefore) {
+  return Chooser(std::move(planned), risks, limits).run(analysesBefore);
 }
 
 }  // namespace soca

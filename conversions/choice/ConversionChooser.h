@@ -25,6 +25,10 @@ struct ChoiceLimits {
 // be found again.
 std::vector<std::size_t> findNeeds(const PlannedClass& planned);
 
+// The largest number of new texts that are analysed for one class, about: what is undecided then is
+// left out.
+inline constexpr unsigned mostAnalyses = 64;
+
 struct ChosenConversions {
   // With the made conversions alone. Its new text, if it has one, has passed all checks.
   PlannedClass planned;
@@ -32,13 +36,15 @@ struct ChosenConversions {
   std::vector<std::optional<ConversionReason>> leftOut;
   // The analysis of the new text; null if there is none.
   std::shared_ptr<ca::AnalysisResult> updated;
+  // The number of new texts that were analysed.
+  unsigned analyses = 0;
 };
 
 // Chooses as many conversions as can be made together, within the limits, and makes them.
 // `planned` must be the plan with all conversions that lists its faults; `risks` has one entry for
-// each. Only the analysis of the plan and of each new text that is tried is kept at a time. Throws
-// what the rules throw.
+// each. `analysesBefore` are those of earlier passes over the class. Only the analysis of the plan
+// and of each new text that is tried is kept at a time. Throws what the rules throw.
 ChosenConversions chooseConversions(PlannedClass planned, const std::vector<ConversionRisk>& risks,
-                                    const ChoiceLimits& limits);
+                                    const ChoiceLimits& limits, unsigned analysesBefore = 0);
 
 }  // namespace soca

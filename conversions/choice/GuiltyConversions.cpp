@@ -39,6 +39,7 @@ class GuiltyList {
     });
   }
 
+  bool empty() const { return guilty_.empty(); }
   std::vector<GuiltyConversion> take() { return std::move(guilty_); }
 
  private:
@@ -102,6 +103,45 @@ std::vector<FaultyAction> findFaultyActions(const PlannedClass& planned) {
   }
   return found;
 }
+
+// Finds conversions whose own edits meet: they cannot be made, whatever the others do.
+class SelfMeetings {
+ public:
+  explicit SelfMeetings(const PlannedClass& planned) : planned_(planned) {
+    for (const RuleConversion& each : planned.conversions) {
+      extents_.push_back(findExtent(*planned.analysis, each));
+    }
+  }
+
+  void find(const FaultyAction& faulty, GuiltyList& guilty) const {
+    if (!faulty.other) return;
+    const std::uint64_t line = planned_.actions[faulty.fault->action].extent.start.line;
+    const auto own = ownersAt(line, faulty.fault->action);
+    const auto others = ownersAt(line, *faulty.other);
+    std::vector<std::size_t> both;
+    std::ranges::set_intersection(own, others, std::back_inserter(both));
+    for (const std::size_t each : both) {
+      guilty.add(each, makeReason("soca:EditsMeet",
+                                  fmt::format("two of its edits meet, in line {}", line + 1)));
+    }
+  }
+
+ private:
+  // Those that make the action, ascending; of several, those whose subject is on the line.
+  std::vector<std::size_t> ownersAt(std::uint64_t line, std::size_t action) const {
+    const auto owners = planned_.ownersOf(action);
+    std::vector<std::size_t> found;
+    for (const ActionOwner& owner : owners) {
+      const Extent& extent = extents_[owner.conversion];
+      const bool isThere = extent.start.line <= line && line <= extent.end.line;
+      if (owners.size() == 1 || isThere) found.push_back(owner.conversion);
+    }
+    return found;
+  }
+
+  const PlannedClass& planned_;
+  std::vector<Extent> extents_;
+};
 
 // The last of those that make the two actions, with the others.
 void addGuiltyOfOverlap(const PlannedClass& planned, const FaultyAction& faulty,
@@ -278,6 +318,9 @@ void addGuiltyOfMembers(const PlannedClass& planned, const NewTextFault& fault,
 std::vector<GuiltyConversion> findGuiltyOfFaults(const PlannedClass& planned) {
   GuiltyList guilty;
   std::vector<FaultyAction> faulty = findFaultyActions(planned);
+  const SelfMeetings meetings(planned);
+  for (const FaultyAction& each : faulty) meetings.find(each, guilty);
+  if (!guilty.empty()) return guilty.take();
   // What several conversions do together is not done without the guilty one of them, so its own
   // actions show first which one that is.
   std::ranges::stable_partition(faulty, [&](const FaultyAction& each) {

@@ -20,9 +20,9 @@ struct GuiltyConversion {
 };
 
 // Those because of which actions cannot be applied: at least one if there are faults. `planned`
-// must list its faults. Of two that edit one line, the first in the order of the rules is not
-// guilty. What only meets the edits of a guilty one is not guilty either: it may be made without
-// that.
+// must list its faults. Where own edits of conversions meet, only these are guilty at first. Of two
+// that edit one line, the first in the order of the rules is not guilty. What only meets the edits
+// of a guilty one is not guilty either: it may be made without that.
 std::vector<GuiltyConversion> findGuiltyOfFaults(const PlannedClass& planned);
 
 // Those whose new text holds the syntax errors, those that concern the members that differ, or

@@ -37,6 +37,16 @@ bool deletesMethod(const RuleConversion& conversion) {
   return conversion.method != nullptr && conversion.newName.empty();
 }
 
+// "class 'a.B' refers to it, class 'a.C' overrides it"; empty if nothing uses the method.
+std::string describeUsers(const RuleConversion& conversion, const std::vector<MethodUse>& uses) {
+  std::string text;
+  for (const MethodUse& use : uses) {
+    if (conversion.method->name->text.view() != use.method) continue;
+    text += fmt::format("{}{}", text.empty() ? "" : ", ", use.text);
+  }
+  return text;
+}
+
 void addReason(RiskType type, ConversionReason reason, ConversionRisk& risk) {
   if (type > risk.type) {
     risk.type = type;
@@ -145,9 +155,8 @@ std::vector<ConversionRisk> ClassPasses::judge(const std::vector<MethodUse>& use
   for (std::size_t i = 0; i < risks.size(); ++i) {
     const RuleConversion& conversion = planned_.conversions[i];
     if (conversion.method == nullptr) continue;
-    for (const MethodUse& use : uses) {
-      if (conversion.method->name->text.view() != use.method) continue;
-      addReason(RiskType::unsafe, {"soca:UsedElsewhere", use.text, {}}, risks[i]);
+    if (auto users = describeUsers(conversion, uses); !users.empty()) {
+      addReason(RiskType::unsafe, {"soca:UsedElsewhere", std::move(users), {}}, risks[i]);
     }
     if (followsDeletion(conversion)) {
       addReason(RiskType::unsafe,
@@ -169,6 +178,7 @@ bool ClassPasses::followsDeletion(const RuleConversion& conversion) const {
 // Whether all conversions are wanted and can be applied, as is so for the usual class.
 bool ClassPasses::mayMakeWhole() const {
   if (!planned_.faults.empty() || planned_.newText == nullptr) return false;
+  if (history_.analyses >= mostAnalyses) return false;
   for (std::size_t i = 0; i < risks_.size(); ++i) {
     if (risks_[i].type > limits_->highestRisk) return false;
     if (!limits_->rules.kinds[planned_.conversions[i].kind]) return false;
@@ -191,6 +201,7 @@ bool ClassPasses::makeWhole() {
     const OverlayScope overlay(file_, newText);
     updated = ca::analyzeFile(file_);
   }
+  ++history_.analyses;
   if (check.findFault(*updated)) return false;
   lines_ = std::move(lines);
   take(std::move(record), newText);
@@ -198,7 +209,9 @@ bool ClassPasses::makeWhole() {
 }
 
 bool ClassPasses::makeChosen() {
-  ChosenConversions chosen = chooseConversions(std::move(planned_), risks_, *limits_);
+  ChosenConversions chosen =
+      chooseConversions(std::move(planned_), risks_, *limits_, history_.analyses);
+  history_.analyses += chosen.analyses;
   planned_ = std::move(chosen.planned);
   leftOut_ = std::move(chosen.leftOut);
   if (planned_.newText == nullptr) return false;
@@ -293,7 +306,7 @@ void ClassPasses::moveToOldText(std::vector<Conversion>& conversions,
     if (each.leftOut) each.newPlace = place;
     toOld(place);
     each.place = extentOf(place);
-    if (numbers_) numbers_->correctId(each);
+    if (numbers_) numbers_->correct(each);
     for (ConversionReason& reason : each.risk.reasons) {
       std::ranges::for_each(reason.places, relatedToOld);
     }

@@ -41,6 +41,8 @@ struct PassHistory {
   // The number of the last pass, counted from 1, and the number of those that changed the text.
   unsigned pass = 0;
   unsigned changes = 0;
+  // The number of new texts that were analysed.
+  unsigned analyses = 0;
   // The largest number of old forms that the text may have had, once there were many passes.
   std::size_t forms = 0;
   // The names of the methods that were deleted.

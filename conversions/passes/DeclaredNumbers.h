@@ -1,9 +1,10 @@
-// The numbers of declarations with equal names, in the text as it was read.
+// The names and numbers of declarations in the text as it was read.
 #pragma once
 
+#include <cstddef>
+#include <map>
 #include <string>
 #include <unordered_map>
-#include <vector>
 
 #include "conversions/Conversions.h"
 #include "model/SourcePosition.h"
@@ -11,25 +12,36 @@
 
 namespace soca {
 
-// The id of a conversion holds the number of its declaration if there are several of that name. A
-// later pass would count anew, because earlier ones deleted some of them.
+// A conversion of a later pass has the names that earlier ones gave its members, and would count
+// the declarations anew, because earlier ones deleted some of them.
 class DeclaredNumbers {
  public:
   explicit DeclaredNumbers(const ca::AnalysisResult& analysis);
 
-  // Gives the conversion of a later pass, with its place in the text as it was read, the id that it
-  // would have had in the first pass.
-  void correctId(Conversion& conversion) const;
+  // Gives the conversion of a later pass, with its place in the text as it was read, the member and
+  // the id that it would have had in the first pass.
+  void correct(Conversion& conversion) const;
 
  private:
-  using Places = std::vector<SourcePosition>;
+  struct Declaration {
+    // In UTF-8; empty for a block.
+    std::string name;
+    std::size_t number = 1;
+  };
 
-  const Places* placesOf(const Conversion& conversion) const;
+  using Declarations = std::map<SourcePosition, Declaration>;
+  using Counts = std::unordered_map<std::string, std::size_t>;
 
-  // In UTF-8.
-  std::unordered_map<std::string, Places> properties_;
-  std::unordered_map<std::string, Places> methods_;
-  Places emptyBlocks_;
+  template <class Node>
+  static void add(const ca::AnalysisResult& analysis, const Node& declaration,
+                  Declarations& declarations, Counts& counts);
+
+  // By the starts of their names, or of the blocks.
+  Declarations properties_;
+  Declarations methods_;
+  Declarations emptyBlocks_;
+  Counts propertyCounts_;
+  Counts methodCounts_;
 };
 
 }  // namespace soca

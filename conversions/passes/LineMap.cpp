@@ -8,11 +8,12 @@ namespace soca {
 
 void LineMap::add(std::shared_ptr<const SourceFile> newLines,
                   std::shared_ptr<const fl::ustring> oldText) {
-  // The lines of a large class are not kept: they take more memory than their numbers.
+  // The lines of a large class, or of many passes, take more memory than their numbers.
   constexpr std::size_t large = 100'000;
+  constexpr std::size_t many = 4;
   const bool isLarge = newLines->getNumberOfLines() > large;
   pending_.push_back({std::move(oldText), std::move(newLines)});
-  if (isLarge) read();
+  if (isLarge || pending_.size() >= many) read();
 }
 
 void LineMap::read() const {

@@ -25,8 +25,9 @@ using ca::astapi::PropertyNode;
 using fl::i18n::to_string;
 
 bool isPositiveInteger(const LiteralValue& value) {
-  return value.type == LiteralValue::Type::number && std::isfinite(value.number) &&
-         value.number > 0 && std::floor(value.number) == value.number;
+  return value.type == LiteralValue::Type::number && !value.isSigned &&
+         std::isfinite(value.number) && value.number > 0 &&
+         std::floor(value.number) == value.number;
 }
 
 bool isLogical(const LiteralValue& value) {

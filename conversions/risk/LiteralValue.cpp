@@ -118,6 +118,7 @@ class LiteralReader {
     Result value = read(*operation.operand);
     if (!value || value->type != Type::number) return std::nullopt;
     if (sign == u'-') value->number = -value->number;
+    value->isSigned = true;
     return value;
   }
 
@@ -125,7 +126,7 @@ class LiteralReader {
     auto elements = readElements(list);
     if (!elements) return std::nullopt;
     if (elements->count > 1 && (elements->rows > 1 || !elements->areAllCharacters)) {
-      return LiteralValue{Type::several, 0, {}};
+      return LiteralValue{.type = Type::several};
     }
     return std::move(elements->joined);
   }

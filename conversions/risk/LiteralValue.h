@@ -24,6 +24,8 @@ struct LiteralValue {
 
   Type type = Type::number;
   double number = 0;
+  // Whether a sign is in front of the number.
+  bool isSigned = false;
   // Without quotes.
   fl::ustring text;
 

@@ -40,6 +40,7 @@
 // The answers of the service have no `undecided`, and conversions and findings only with `--edits`,
 // in an older form; a refused result has the reason under `refused`.
 #include <fmt/core.h>
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <nlohmann/json.hpp>
@@ -132,8 +133,14 @@ class ResultParts {
     }
     json["made"] = conversion.isMade();
     if (conversion.leftOut) {
-      json["leftOut"] = reasonOf(*conversion.leftOut,
-                                 describeLeftOut(conversion, *conversion.leftOut, LinesType::old));
+      Json leftOut = reasonOf(*conversion.leftOut,
+                              describeLeftOut(conversion, *conversion.leftOut, LinesType::old));
+      // What is no risk is a reason too.
+      const bool isRisk = std::ranges::any_of(
+          conversion.risk.reasons,
+          [&](const ConversionReason& each) { return each.id == conversion.leftOut->id; });
+      if (!isRisk) json["reasons"].push_back(leftOut);
+      json["leftOut"] = std::move(leftOut);
     }
     json["pass"] = conversion.isMade() ? conversion.pass : 0;
     json["needs"] = conversion.needs;

@@ -159,6 +159,24 @@ class OverlayTexts {
   std::list<fl::filesystem::OverlayScope> scopes_;
 };
 
+// A class that cannot be updated may use the methods of others all the same. Its file may be read
+// only in part.
+std::optional<PassFacts> factsOfBystander(const std::string& className) {
+  try {
+    const std::string path = sourcePathOf(className);
+    if (path.empty()) return std::nullopt;
+    PassFacts facts;
+    facts.superClasses = findSuperClassesWithFile(className);
+    if (facts.superClasses.empty()) return std::nullopt;
+    facts.names = findMethodNames(*ca::analyzeFile(path));
+    facts.isKept = true;
+    return facts;
+  } catch (const fl::filesystem::ReadError&) {
+    // Nobody knows what is in it.
+    return std::nullopt;
+  }
+}
+
 FailureScopeType scopeOf(UpdateStageType stage) {
   switch (stage) {
     case UpdateStageType::loading:
@@ -198,6 +216,11 @@ void ClassUpdater::complete(const Target& target, std::vector<Failure> failures,
   try {
     for (Failure& failure : failures) addFailure(target, std::move(failure), outcome);
     if (!request_.asService) outcome.addSuperClasses(target.className, target.path);
+    const bool isDecided = outcome.failures.empty() && !outcome.skipped && !outcome.undecided;
+    if (!request_.needs.facts || isDecided) return;
+    if (auto facts = factsOfBystander(target.className)) {
+      outcome.bystander.emplace(target.className, std::move(*facts));
+    }
   } catch (const fl::filesystem::ReadError& error) {
     outcome = {};
     addFailureOf(target, describeUnreadable(error), outcome);
@@ -320,7 +343,7 @@ PassNeeds ClassUpdater::passNeeds(const PlannedClass& planned) const {
   const OutcomeNeeds& needs = request_.needs;
   PassNeeds passNeeds{.conversions = needs.conversions,
                       .editsOfEach = std::nullopt,
-                      .changes = needs.edits,
+                      .changes = needs.edits || needs.conversions,
                       .places = needs.places};
   if (needs.editsOfEach) {
     const std::string path = to_string(planned.result.fileName);

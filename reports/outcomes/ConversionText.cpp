@@ -48,6 +48,31 @@ void addLine(const RelatedPlace& place, LinesType lines, std::vector<std::uint64
   if (line > 0) numbers.push_back(line);
 }
 
+bool isMethod(const Conversion& conversion) {
+  return conversionKind(conversion.kind).family == RuleFamilyType::impl;
+}
+
+std::string nameOf(const Conversion& conversion) {
+  return fmt::format("method '{}'", conversion.member);
+}
+
+// "renamed to 'g'"
+std::string pastOf(const Conversion& conversion) {
+  if (conversion.kind == ConversionKindType::emptyBlock) return "deleted";
+  if (!isMethod(conversion)) return "converted";
+  if (conversion.arguments.size() < 2) return "deleted";
+  return fmt::format("renamed to '{}'", conversion.arguments.back());
+}
+
+// Without the line at which the text is shown.
+std::string describeReason(const ConversionReason& reason, LinesType lines, std::uint64_t ownLine) {
+  std::vector<std::uint64_t> numbers;
+  for (const RelatedPlace& place : reason.places) addLine(place, lines, numbers);
+  std::erase(numbers, ownLine);
+  if (numbers.empty()) return reason.detail;
+  return fmt::format("{} ({})", reason.detail, listLines(std::move(numbers), 0));
+}
+
 }  // namespace
 
 std::string subjectOf(const Conversion& conversion) {
@@ -64,31 +89,30 @@ std::string subjectOf(const Conversion& conversion) {
       return "the list of superclasses";
     case ConversionKindType::rename:
     case ConversionKindType::renameNegate:
-      return fmt::format("method '{}', to be renamed to '{}'", conversion.member,
-                         conversion.arguments.back());
     case ConversionKindType::deleteObsolete:
     case ConversionKindType::deleteRedundant:
       break;
   }
-  return fmt::format("method '{}', to be deleted", conversion.member);
+  return fmt::format("{}, to be {}", nameOf(conversion), pastOf(conversion));
 }
 
 std::string describeReason(const ConversionReason& reason, LinesType lines) {
-  std::vector<std::uint64_t> numbers;
-  for (const RelatedPlace& place : reason.places) addLine(place, lines, numbers);
-  if (numbers.empty()) return reason.detail;
-  return fmt::format("{} ({})", reason.detail, listLines(std::move(numbers), 0));
+  return describeReason(reason, lines, 0);
 }
 
 std::string describeLeftOut(const Conversion& conversion, const ConversionReason& reason,
                             LinesType lines) {
-  const std::string why = describeReason(reason, lines);
-  const bool isMethod = conversionKind(conversion.kind).family == RuleFamilyType::impl;
-  return fmt::format("{}{} is not converted{}{}", subjectOf(conversion), isMethod ? "," : "",
-                     why.empty() ? "" : ": ", why);
+  const std::uint64_t ownLine =
+      lines == LinesType::updated ? conversion.newPlace.line : conversion.place.start.line + 1;
+  const std::string why = describeReason(reason, lines, ownLine);
+  return fmt::format("{} is not {}{}{}",
+                     isMethod(conversion) ? nameOf(conversion) : subjectOf(conversion),
+                     pastOf(conversion), why.empty() ? "" : ": ", why);
 }
 
 std::string adviceOn(const ConversionReason& reason) {
+  // Its detail names what to do with just this superclass.
+  if (reason.id == "soca:SuperClassUnresolved") return {};
   const MessageExplanation* explanation = findMessageExplanation(reason.id);
   if (explanation == nullptr) return {};
   const std::string_view fix = explanation->fix;

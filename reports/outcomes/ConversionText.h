@@ -17,8 +17,8 @@ std::string subjectOf(const Conversion& conversion);
 // The detail of a reason with its lines: "the source refers to it (lines 12 and 40)".
 std::string describeReason(const ConversionReason& reason, LinesType lines);
 
-// What is not made, and why: "method 'f', to be renamed to 'g', is not converted: the source refers
-// to it (lines 12 and 40)". Without a full stop at its end.
+// What is not made, and why: "method 'f' is not renamed to 'g': the source refers to it (lines 12
+// and 40)". Without a full stop at its end, and without the line of the conversion itself.
 std::string describeLeftOut(const Conversion& conversion, const ConversionReason& reason,
                             LinesType lines);
 

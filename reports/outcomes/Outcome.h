@@ -115,6 +115,8 @@ struct TargetOutcome {
   bool hasNoClass = false;
   // A file that is counted on its own.
   std::optional<PassedOverFile> passedOver;
+  // Of a class without an outcome: its name, and what it has to do with others of the run.
+  std::optional<std::pair<std::string, PassFacts>> bystander;
   // Of a class whose file or folder an argument names.
   DirectSuperClasses superClasses;
   // The folder of its file, if any of these was not found.
