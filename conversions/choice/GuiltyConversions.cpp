@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "conversions/Findings.h"
+#include "model/AnalyzerPositions.h"
 #include "model/SourceFile.h"
 #include "platform/text/Conversions.h"
 
@@ -120,7 +121,11 @@ class SelfMeetings {
     const auto others = ownersAt(line, *faulty.other);
     std::vector<std::size_t> both;
     std::ranges::set_intersection(own, others, std::back_inserter(both));
+    const bool areAlone = planned_.ownersOf(faulty.fault->action).size() == 1 &&
+                          planned_.ownersOf(*faulty.other).size() == 1;
     for (const std::size_t each : both) {
+      // What several make together is not made so by one alone.
+      if (!areAlone && !meetsAlone(planned_.conversions[each])) continue;
       guilty.add(each, makeReason("soca:EditsMeet",
                                   fmt::format("two of its edits meet, in line {}", line + 1)));
     }
@@ -137,6 +142,21 @@ class SelfMeetings {
       if (owners.size() == 1 || isThere) found.push_back(owner.conversion);
     }
     return found;
+  }
+
+  std::uint64_t firstLineOf(const ca::astapi::Node& node) const {
+    return makeExtentOfNode(*planned_.analysis, node).start.line;
+  }
+
+  // Whether the conversion of an attribute edits a line twice: that of the attribute and that of
+  // each property.
+  bool meetsAlone(const RuleConversion& conversion) const {
+    if (!conversion.isTakenOver || conversion.block->attributes.empty()) return false;
+    const ca::astapi::Node& attribute = *conversion.block->attributes.back();
+    std::set<std::uint64_t> lines = {makeExtentOfNode(*planned_.analysis, attribute).end.line};
+    return std::ranges::any_of(conversion.block->members, [&](const ca::astapi::Node* member) {
+      return !lines.insert(firstLineOf(*member)).second;
+    });
   }
 
   const PlannedClass& planned_;

@@ -4,6 +4,7 @@
 
 #include "platform/failure/Exception.h"
 #include "platform/text/Conversions.h"
+#include "rules/MethodRules.h"
 
 namespace soca::fuzz {
 
@@ -23,7 +24,10 @@ PlanAttempt attemptPlan(const std::function<PlannedClass()>& plan) {
 std::string plainId(const std::string& id) {
   const std::size_t name = id.find(':') + 1;
   const bool isNumber = name < id.size() && id[name] >= '0' && id[name] <= '9';
-  return id.substr(0, isNumber ? name : id.find('~'));
+  const std::string plain = id.substr(0, isNumber ? name : id.find('~'));
+  // A conversion of a later pass has the name that its method had in the text as it was read.
+  const fl::ustring oldName = fl::ustring(oldNameOf(fl::i18n::to_ustring(plain.substr(name))));
+  return oldName.empty() ? plain : plain.substr(0, name) + fl::i18n::to_string(oldName);
 }
 
 std::vector<std::string> plainIds(const PlannedClass& planned) {

@@ -60,7 +60,9 @@ std::string nameOf(const Conversion& conversion) {
 std::string pastOf(const Conversion& conversion) {
   if (conversion.kind == ConversionKindType::emptyBlock) return "deleted";
   if (!isMethod(conversion)) return "converted";
-  if (conversion.arguments.size() < 2) return "deleted";
+  const bool isRenamed = conversion.kind == ConversionKindType::rename ||
+                         conversion.kind == ConversionKindType::renameNegate;
+  if (!isRenamed) return "deleted";
   return fmt::format("renamed to '{}'", conversion.arguments.back());
 }
 

@@ -198,7 +198,7 @@ TEST(Passes, MakeWhatCanBeMade) {
       {"a method that is redundant once it is negated",
        block(methods, method("isInputSizeLockedImpl", "true")),
        "impl/rename-negate:isInputSizeLockedImpl 1\n"
-       "impl/delete-redundant:isInputSizeMutableImpl 2\n"},
+       "impl/delete-redundant:isInputSizeLockedImpl 2\n"},
       {"a set to which only a deleted method refers",
        block(methods, method("isOutputSizeLockedImpl", "o.ASet")) +
            block("properties", "A = 'a';\n" + setOf("A")),
@@ -257,7 +257,7 @@ TEST(Passes, PlacesAreInTheTextAsItWasRead) {
   }
   EXPECT_EQ(places,
             "1 A: 9\n1 isInputSizeLockedImpl: 20\n1 isOutputSizeLockedImpl: 3\n2 B: 10\n"
-            "2 isInputSizeMutableImpl: 20\n0 D: 17\n");
+            "2 isInputSizeLockedImpl: 20\n0 D: 17\n");
   ASSERT_EQ(converted.update.findings.size(), 1U);
   EXPECT_EQ(converted.update.findings[0].line, 14U);
   EXPECT_EQ(converted.update.findings[0].newPlace.line, 10U);

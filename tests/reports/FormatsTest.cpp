@@ -78,16 +78,15 @@ Conversion leftOut(ConversionKindType kind, const char* member, ConversionReason
 }
 
 ConversionReason makeReason(std::string detail, const std::vector<std::uint64_t>& lines) {
-  ConversionReason reason{"soca:SuperClassUnresolved", std::move(detail), {}};
+  ConversionReason reason{"soca:StillReferenced", std::move(detail), {}};
   for (const std::uint64_t line : lines) reason.places.push_back({{line, 2, 4, line}, "Here."});
   return reason;
 }
 
 TEST(Formats, TextSaysWhatIsLeftOutWhereAndWhatToDo) {
   const std::string advice =
-      ". Name the root of the superclass with `--path`, or give a class table (`--class-table`) "
-      "that lists what the superclass derives from; `soca classes --unresolved --format json` "
-      "writes a table to fill in. [soca:SuperClassUnresolved]\n";
+      ". Change the references to the new name, where a negated method needs the opposite, or "
+      "remove them. [soca:StillReferenced]\n";
   using enum ConversionKindType;
   Conversion block = leftOut(logical, "X", makeReason("why", {}));
   block.message = "properties";
@@ -98,12 +97,10 @@ TEST(Formats, TextSaysWhatIsLeftOutWhereAndWhatToDo) {
     std::string text;
   } rows[] = {
       {"the places", leftOut(rename, "f", makeReason("why", {12, 12, 40})),
-       "method 'f', to be renamed to 'new', is not converted: why (lines 12 and 40)" + advice},
+       "method 'f' is not renamed to 'new': why (lines 12 and 40)" + advice},
       {"many places",
        leftOut(deleteObsolete, "f", makeReason("why", {1, 2, 3, 4, 5, 6, 7, 8, 9, 10})),
-       "method 'f', to be deleted, is not converted: why (lines 1, 2, 3, 4, 5, 6, 7, 8 and 2 "
-       "more)" +
-           advice},
+       "method 'f' is not deleted: why (lines 2, 3, 4, 5, 6, 7, 8, 9 and 1 more)" + advice},
       {"one property", leftOut(positiveInteger, "X", makeReason("why", {7})),
        "the attribute PositiveInteger of property 'X' is not converted: why (line 7)" + advice},
       {"a block", block,
@@ -268,11 +265,11 @@ TEST(Formats, JsonHasEachDecision) {
   const Json result = Json::parse(report.finish().data).at("results").at(0);
   const Json expected = Json::parse(R"text([
     {"id": "p.A#impl/rename:f", "kinds": ["impl/rename"], "member": "f", "risk": "unsafe",
-     "reasons": [{"id": "soca:SuperClassUnresolved", "detail": "so",
+     "reasons": [{"id": "soca:StillReferenced", "detail": "so",
                   "message": "method 'f', to be renamed to 'new': so"}],
      "made": false,
-     "leftOut": {"id": "soca:SuperClassUnresolved", "detail": "why",
-       "message": "method 'f', to be renamed to 'new', is not converted: why (lines 12 and 40)",
+     "leftOut": {"id": "soca:StillReferenced", "detail": "why",
+       "message": "method 'f' is not renamed to 'new': why (lines 12 and 40)",
        "related": [{"line": 12, "column": 2, "endColumn": 4, "message": "Here."},
                    {"line": 40, "column": 2, "endColumn": 4, "message": "Here."}]},
      "pass": 0, "needs": [], "defaultKnown": true, "line": 1, "column": 3},
@@ -317,8 +314,8 @@ TEST(Formats, SarifHasAResultForWhatIsLeftOutOrFails) {
   }
   EXPECT_EQ(
       text,
-      "warning soca:SuperClassUnresolved [soca:SuperClassUnresolved] 1: method 'f', to be "
-      "renamed to 'new', is not converted: \n"
+      "warning soca:StillReferenced [soca:StillReferenced] 1: method 'f' is not renamed to "
+      "'new': why (lines 12 and \n"
       "note attributes/logical [attributes] 1 with a fix: The declaration of property 'X' "
       "does not say by itself\n"
       "note attributes/logical [attributes] 1: The declaration of property 'Y' does not say "
