@@ -17,6 +17,7 @@
 #include "platform/analyzer/Analyzer.h"
 #include "platform/paths/Overlay.h"
 #include "platform/text/Conversions.h"
+#include "rules/MethodRules.h"
 #include "service/UpdatePlan.h"
 
 namespace soca::fuzz {
@@ -106,7 +107,7 @@ class PassCheck {
     const SourceFile lines(*texts_.front());
     for (const Conversion& each : update_.conversions) {
       require(ids.insert(each.id).second, "two conversions are '{}'", each.id);
-      require(each.place.end.line < lines.getLines().size(), "'{}' has no place", each.id);
+      checkPlace(each, lines);
       ++(each.isMade() ? made : leftOut)[each.kind];
       checkReason(each);
     }
@@ -115,6 +116,19 @@ class PassCheck {
                   leftOut[kind.type] == update_.leftOutCounts[kind.type],
               "the numbers of '{}' are wrong", kind.name);
     }
+  }
+
+  // The place of a member is its name in the text as it was read, before it was renamed.
+  static void checkPlace(const Conversion& conversion, const SourceFile& lines) {
+    const Extent& place = conversion.place;
+    require(place.end.line < lines.getLines().size(), "'{}' has no place", conversion.id);
+    if (conversion.member.empty()) return;
+    const fl::ustring member = fl::i18n::to_ustring(conversion.member);
+    const fl::ustring_view text =
+        lines.getLines()[place.start.line].text.substr(place.start.column);
+    const fl::ustring_view oldName = oldNameOf(member);
+    require(text.starts_with(member) || (!oldName.empty() && text.starts_with(oldName)),
+            "the place of '{}' has another text", conversion.id);
   }
 
   void checkReason(const Conversion& conversion) const {
