@@ -69,7 +69,8 @@ std::map<std::string, json> outcomesOf(const json& document) {
 class FolderCheck {
  public:
   FolderCheck(std::uint64_t firstSeed, std::uint64_t count)
-      : files_(makeFiles(firstSeed, count)), risk_(firstSeed % 2 == 0 ? "unsafe" : "review") {
+      : files_(makeFiles(firstSeed, count)),
+        risk_(firstSeed / count % 2 == 0 ? "review" : "unsafe") {
     for (const auto& [name, text] : files_) space_.write(name, text);
   }
 
