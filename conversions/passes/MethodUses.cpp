@@ -67,14 +67,14 @@ std::vector<fl::ustring_view> namesOf(MethodSet methods) {
 }
 
 MethodSet MethodNames::used() const {
-  return static_cast<MethodSet>(referred | (defined & unconditional));
+  return static_cast<MethodSet>(referred | (declared & unconditional));
 }
 
 MethodSet MethodNames::concerned() const {
-  MethodSet concerned = defined & ~unconditional;
+  MethodSet concerned = declared & ~unconditional;
   for (const RenameRule& rule : renameRules) {
     const MethodSet both = methodSetOf(rule.oldName) | methodSetOf(rule.newName);
-    if ((defined & both) != 0) concerned |= both;
+    if ((declared & both) != 0) concerned |= both;
   }
   return concerned;
 }
@@ -87,7 +87,8 @@ MethodNames findMethodNames(const ca::AnalysisResult& analysis) {
     const MethodSet known = methodSetOf(method.name);
     if (known == 0) continue;
     declared.insert(method.node->name);
-    names.defined |= known;
+    names.declared |= known;
+    if (method.node->kind == lf::astapi::NodeKind::FunctionDefinition) names.defined |= known;
   }
   ca::astapi::NodeVisitor<ca::astapi::Identifier> visitor(
       [&](const ca::astapi::Identifier& identifier) {

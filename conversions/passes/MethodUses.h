@@ -24,14 +24,16 @@ std::vector<fl::ustring_view> namesOf(MethodSet methods);
 
 // What the text of a class has to do with such methods of other classes.
 struct MethodNames {
-  // Those to which it refers, as a call or otherwise, and those that it defines.
+  // Those to which it refers, as a call or otherwise, those that it declares, and those of them
+  // that it also defines, so that derived classes have them.
   MethodSet referred = 0;
+  MethodSet declared = 0;
   MethodSet defined = 0;
 
   // Those of its superclasses that it uses: to which it refers, or which it overrides and which a
   // rule takes away whatever the superclasses have.
   MethodSet used() const;
-  // Those of its superclasses on which its own conversions depend: which it defines and which are
+  // Those of its superclasses on which its own conversions depend: which it declares and which are
   // redundant if no superclass has them, under the names that they have or will have.
   MethodSet concerned() const;
 };

@@ -68,6 +68,16 @@ TEST(RunPasses, DecideClassesThatDependOnEachOther) {
                          {"Other", classText("Other", "Mid", "")}};
   Files betweenCalls = between;
   betweenCalls["Other"] = classText("Other", "Mid", caller);
+  const Files declares = {
+      {"Base", classText("Base", "velum.System",
+                         std::string("f = isInputComplexityMutableImpl(o, i)\n") + lockedQuery)},
+      {"Mid",
+       strict(classText("Mid", "Base",
+                        "function f = isInputSizeMutableImpl(o, i)\nf = o.X;\nend\n"
+                        "function f = isInputComplexityLockedImpl(o, i)\nf = true;\nend\n"))},
+      {"Heir", strict(classText("Heir", "Mid",
+                                "function f = isInputComplexityMutableImpl(o, i)\n"
+                                "f = false;\nend\n"))}};
   const char* const baseIsUsed = "Base#impl/rename:processInputSizeChangeImpl UsedElsewhere\n";
   const struct {
     const char* shows;
@@ -96,6 +106,13 @@ TEST(RunPasses, DecideClassesThatDependOnEachOther) {
        gains,
        {"Heir"},
        "Heir#impl/delete-redundant:isInputSizeMutableImpl SuperClassGainsMethod\n"},
+      {"a superclass loses a method that another one only declares",
+       declares,
+       {},
+       "Base#impl/rename-negate:isInputSizeLockedImpl 1\n"
+       "Heir#impl/delete-redundant:isInputComplexityMutableImpl 3\n"
+       "Mid#impl/rename-negate:isInputComplexityLockedImpl 1\n"
+       "Mid#impl/delete-redundant:isInputComplexityLockedImpl 2\n"},
       {"another class calls", calls, {}, baseIsUsed},
       {"another class calls, and its superclass is updated with it",
        calls,
