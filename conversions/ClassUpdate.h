@@ -8,7 +8,6 @@
 
 #include "conversions/Conversions.h"
 #include "conversions/Finding.h"
-#include "conversions/superclasses/SuperClassList.h"
 #include "rules/RuleFamilies.h"
 #include "service/UpdatePlan.h"
 #include "soca/Updater.h"
@@ -41,8 +40,6 @@ struct ClassUpdate {
   std::vector<Conversion> conversions;
   // The reason why the program refuses the new text; empty if it does not.
   std::string refusal;
-  // The superclass because of which it does not, if it is that.
-  std::optional<UnresolvedSuperClass> unresolved;
   // Whether an update of the new text would change it again.
   bool changesAgain = false;
   MethodNameChanges methods;

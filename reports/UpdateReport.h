@@ -1,6 +1,7 @@
 // The report of an update, and its formats.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <span>
 #include <string>
@@ -15,6 +16,9 @@
 #include "reports/text/FileNames.h"
 
 namespace soca {
+
+// The number of lines of one kind that a quiet run prints.
+inline constexpr std::size_t mostInQuietRun = 10;
 
 // One format. The output for a class has two parts, which any thread can make: data for standard
 // output, and notes for users.

@@ -25,9 +25,6 @@ namespace {
 
 using fl::timing::Phase;
 
-// The number of notes on files that a quiet run prints.
-constexpr std::size_t mostInQuietRun = 10;
-
 UpdateRequest requestOf(const Options& options, const ReportOptions& report, bool isOfSeveral) {
   UpdateRequest request;
   request.limits = {options.highestRisk(), options.rules};

@@ -50,7 +50,9 @@ WriteQueue::Entry WriteQueue::makeEntry(const ClassOutcome& outcome, bool hasNew
 }
 
 void WriteQueue::replace(std::size_t entry, const ClassOutcome& outcome) {
-  entries_[entry] = makeEntry(outcome, outcome.update.hasNewText());
+  const bool sharesFile = entries_[entry].sharesFile;
+  entries_[entry] = makeEntry(outcome, outcome.update.hasNewText() && !sharesFile);
+  entries_[entry].sharesFile = sharesFile;
 }
 
 void WriteQueue::drop(std::size_t entry) {

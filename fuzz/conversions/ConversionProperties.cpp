@@ -13,6 +13,7 @@
 #include "platform/failure/Exception.h"
 #include "platform/text/Conversions.h"
 #include "service/UpdatePlan.h"
+#include "tests/conversions/EditedBytes.h"
 
 namespace soca::fuzz {
 namespace {
@@ -86,16 +87,6 @@ std::vector<std::vector<bool>> subsetsOf(std::size_t count) {
   return subsets;
 }
 
-std::string applyAll(const std::vector<FileEdit>& edits, const std::string& text) {
-  std::string newText;
-  std::size_t position = 0;
-  for (const FileEdit& edit : edits) {
-    newText += text.substr(position, edit.offset - position) + edit.text;
-    position = edit.offset + edit.length;
-  }
-  return newText + text.substr(position);
-}
-
 // The edits of each conversion give the text with only this one.
 void checkEditsOfEach(const PlannedClass& whole) {
   const PlanAttempt update = attemptPlan([&] {
@@ -110,7 +101,7 @@ void checkEditsOfEach(const PlannedClass& whole) {
     made[i] = true;
     const PlanAttempt alone = attemptPlan([&] { return planConversions(whole, made); });
     const std::string expected = to_string(alone.planned ? alone.planned->text() : *whole.oldText);
-    const std::string edited = applyAll(conversions[i].edits, to_string(*whole.oldText));
+    const std::string edited = testing::applyAll(conversions[i].edits, to_string(*whole.oldText));
     require(edited == expected, "the edits of '{}' give another text", conversions[i].id);
   }
 }

@@ -66,7 +66,6 @@ class ClassResults {
       : outcome_(outcome), artifact_(std::move(artifact)), asService_(asService) {}
 
   std::string make() {
-    if (outcome_.update.unresolved) add(makeResult(*outcome_.update.unresolved));
     for (const Conversion& conversion : outcome_.update.conversions) {
       add(conversion.leftOut ? makeLeftOut(conversion, *conversion.leftOut)
                              : makeResult(conversion));
@@ -79,13 +78,6 @@ class ClassResults {
   void add(const Json& result) {
     if (!text_.empty()) text_ += ",\n  ";
     text_ += dump(result);
-  }
-
-  Json makeResult(const UnresolvedSuperClass& unresolved) {
-    Json result = sarifResult(unresolvedId, "error", refusalText(outcome_.update));
-    result["locations"] = Json::array({locationOf(regionOf(unresolved, hasMark()), {})});
-    addFingerprint({}, result);
-    return result;
   }
 
   Json makeResult(const Conversion& conversion) {
@@ -275,7 +267,7 @@ std::string SarifReport::notesOf(const ClassOutcome& outcome) const {
     notes += dump(makeNotification(level, std::move(text), Json::array({std::move(location)})));
     notes += '\n';
   };
-  if (outcome.update.isRefused() && !outcome.update.unresolved) {
+  if (outcome.update.isRefused()) {
     add("error", refusalText(outcome.update));
   }
   for (const std::string& hint : outcome.hints) add("note", fmt::format("{}.", hint));

@@ -17,9 +17,6 @@
 namespace soca {
 namespace {
 
-// The number of lines for the same reason that a quiet run prints.
-constexpr std::size_t mostInQuietRun = 10;
-
 // "3 attributes/logical, 1 mixins", or a text for no conversions.
 std::string conversionsOf(const ClassOutcome& outcome) {
   std::string text;

@@ -14,6 +14,7 @@
 #include "platform/text/Conversions.h"
 #include "tests/Places.h"
 #include "tests/cases/CaseFile.h"
+#include "tests/conversions/EditedBytes.h"
 #include "tests/platform/TemporaryFolder.h"
 
 namespace soca::cli {
@@ -22,17 +23,8 @@ namespace {
 namespace fs = std::filesystem;
 using fl::i18n::to_string;
 using fl::i18n::to_ustring;
+using testing::applyAll;
 using testing::Case;
-
-std::string applyAll(const std::vector<FileEdit>& edits, const std::string& text) {
-  std::string newText;
-  std::size_t position = 0;
-  for (const FileEdit& edit : edits) {
-    newText += text.substr(position, edit.offset - position) + edit.text;
-    position = edit.offset + edit.length;
-  }
-  return newText + text.substr(position);
-}
 
 // The declarations and bodies of the class after repeated updates. Its blocks depend on the
 // conversions that are made together.
