@@ -9,13 +9,13 @@
 #include "cli/commands/SyntaxCheck.h"
 #include "cli/commands/Undo.h"
 #include "cli/commands/Unresolved.h"
+#include "cli/commands/VerifiedUpdate.h"
 #include "cli/commands/Version.h"
 #include "cli/options/CommandLine.h"
 #include "cli/options/OptionTable.h"
 #include "cli/options/Options.h"
 #include "cli/terminal/Signals.h"
 #include "cli/update/StandardInput.h"
-#include "cli/update/UpdateRun.h"
 #include "files/targets/ClassPath.h"
 #include "files/targets/UsageError.h"
 #include "reports/FailureText.h"
@@ -47,7 +47,7 @@ ExitCodeType runCommand(const Options& options, Console& console) {
     case CommandType::update: {
       const ClassRoots roots = setClassPath(options.roots, options.classTable);
       if (!options.stdinPath.empty()) return updateStandardInput(options, roots, console);
-      return UpdateRun(&options, &roots, &console).run();
+      return runVerifiedUpdate(options, roots, console);
     }
     case CommandType::actions:
     case CommandType::classes: {

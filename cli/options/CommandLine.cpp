@@ -132,6 +132,9 @@ void checkOptions(const CommandRow& command, const Options& options) {
   if (options.write && options.check) {
     throw UsageError("--write and --check cannot be combined: --check changes nothing");
   }
+  if (!options.verify.empty() && !options.write) {
+    throw UsageError("--verify needs --write: the command verifies the files that were written");
+  }
   if (options.edits && !options.format->takesEdits) {
     throw UsageError("--edits needs a format for programs: add --format json");
   }

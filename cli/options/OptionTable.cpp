@@ -101,6 +101,16 @@ std::vector<OptionRow> makeOptions() {
        "its encoding lacks a character of the new text. soca undo undoes the run.",
        &Options::write,
        {}},
+      {"--verify",
+       "CMD",
+       forUpdate,
+       "with --write: undo the run if the command CMD fails",
+       "The shell runs CMD in the current folder after the files are written. If it fails, cannot "
+       "be started or is interrupted, the run is undone as by soca undo, and the exit code is 2, "
+       "or that of the interrupt. If nothing was written, CMD is not run. With --format json, what "
+       "CMD prints to standard output goes to standard error.",
+       readVerify,
+       {}},
       {"--check",
        "",
        forUpdate,

@@ -114,6 +114,11 @@ void readJobs(const std::string& value, Options& options) {
   }
 }
 
+void readVerify(const std::string& value, Options& options) {
+  if (value.empty()) throw UsageError("--verify takes a command for the shell");
+  options.verify = value;
+}
+
 void readStdinPath(const std::string& value, Options& options) {
   if (value.empty()) throw UsageError("--stdin-path takes the path of a class file");
   options.stdinPath = value;

@@ -25,6 +25,7 @@ void readGroup(const std::string& value, Options& options);
 void readFormat(const std::string& value, Options& options);
 void readColor(const std::string& value, Options& options);
 void readJobs(const std::string& value, Options& options);
+void readVerify(const std::string& value, Options& options);
 void readStdinPath(const std::string& value, Options& options);
 void readClassTable(const std::string& value, Options& options);
 

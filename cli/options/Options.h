@@ -37,6 +37,8 @@ struct Options {
   bool includeSuperclasses = false;
   bool write = false;
   bool check = false;
+  // The command that verifies what was written; empty for none.
+  std::string verify;
   // Whether files that git could not restore may be changed.
   bool allowDirty = false;
   // Whether a folder includes what git ignores, and links to folders.

@@ -144,10 +144,14 @@ void Console::printLine(std::string_view what, std::string_view color) {
 
 bool Console::isReaderGone() const { return out_.error() == EPIPE || err_.error() == EPIPE; }
 
-bool Console::finish() {
+void Console::flush() {
   clearStatus();
   out_.flush();
   err_.flush();
+}
+
+bool Console::finish() {
+  flush();
   if (wasInterrupted() && isReaderGone()) return false;
   if (out_.error() == 0 || out_.error() == EINTR) return true;
   complain(std::string("standard output could not be written: ") + std::strerror(out_.error()));

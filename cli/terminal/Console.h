@@ -67,6 +67,8 @@ class Console : public ReportOutput {
   void complain(std::string_view what) override;
   void tell(std::string_view what) override;
 
+  // To be called before another process writes to the same files.
+  void flush();
   // Flushes both streams, and returns whether all data could be written; if not, there was a
   // message, unless the reader is gone.
   bool finish();

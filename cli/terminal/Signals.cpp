@@ -11,9 +11,12 @@ constexpr int firstSignalCode = 128;
 std::atomic<int> caughtSignal = 0;
 static_assert(std::atomic<int>::is_always_lock_free, "a signal handler may write to it");
 
-extern "C" void noteSignal(int signal) {
+std::atomic<bool> isFromProcess = false;
+
+// What the kernel itself sends has a positive code.
+extern "C" void noteSignal(int signal, siginfo_t* info, void*) {
   int none = 0;
-  caughtSignal.compare_exchange_strong(none, signal);
+  if (caughtSignal.compare_exchange_strong(none, signal)) isFromProcess = info->si_code <= 0;
 }
 
 // Without SA_RESTART, so that a blocked write does not keep the program alive.
@@ -21,8 +24,8 @@ void catchSignal(int signal, unsigned flags) {
   struct sigaction old = {};
   if (sigaction(signal, nullptr, &old) == 0 && old.sa_handler == SIG_IGN) return;
   struct sigaction action = {};
-  action.sa_handler = noteSignal;
-  action.sa_flags = static_cast<int>(flags);
+  action.sa_sigaction = noteSignal;
+  action.sa_flags = static_cast<int>(flags | SA_SIGINFO);
   sigaction(signal, &action, nullptr);
 }
 
@@ -39,6 +42,20 @@ void catchBrokenPipes() { catchSignal(SIGPIPE, 0); }
 bool wasInterrupted() { return caughtSignal != 0; }
 
 ExitCodeType interruptExitCode() { return ExitCodeType{firstSignalCode + caughtSignal}; }
+
+std::optional<Interrupt> takeInterrupt() {
+  const Interrupt interrupt = {caughtSignal, isFromProcess};
+  if (interrupt.signal == 0) return std::nullopt;
+  if (interrupt.signal != SIGPIPE) {
+    caughtSignal = 0;
+    catchInterrupts();
+  }
+  return interrupt;
+}
+
+ExitCodeType exitCodeOf(const Interrupt& interrupt) {
+  return ExitCodeType{firstSignalCode + interrupt.signal};
+}
 
 void endBySignalOf(ExitCodeType exitCode) {
   if (!isOfSignal(exitCode)) return;

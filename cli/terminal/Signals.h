@@ -1,6 +1,8 @@
 // An orderly end after a signal.
 #pragma once
 
+#include <optional>
+
 #include "reports/ExitCodes.h"
 
 namespace soca::cli {
@@ -19,6 +21,20 @@ bool wasInterrupted();
 
 // The exit code for the first received signal.
 ExitCodeType interruptExitCode();
+
+// A received signal.
+struct Interrupt {
+  int signal = 0;
+  // Whether a process sent it; otherwise it came from a terminal, and all programs there got it.
+  bool isFromProcess = false;
+};
+
+// Returns the first received signal and forgets it, for work that must follow an interrupt: the
+// next signal is recorded in its place. Only a closed reader stays recorded, since it stays closed.
+std::optional<Interrupt> takeInterrupt();
+
+// The exit code for the signal.
+ExitCodeType exitCodeOf(const Interrupt& interrupt);
 
 // Ends the process by the signal of the exit code, if it is of one: a shell stops its loops only
 // after a program that the signal itself has ended.

@@ -379,7 +379,7 @@ void UpdateRun::finish() {
   if (lookedAtNothing()) console_->complain(nothingText());
   console_->tell(summaryText());
   if (!options_->quiet || options_->summary) printNumbers();
-  const RunNumber run = queue_ ? queue_->result().run : 0;
+  const RunNumber run = writtenRun();
   if (run != 0 && !options_->quiet) {
     console_->tell(fmt::format("this was run {}; 'soca undo {}' puts the files back", run, run));
   }

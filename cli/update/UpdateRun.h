@@ -50,6 +50,8 @@ class UpdateRun {
   UpdateRun(const Options* options, const ClassRoots* roots, Console* console);
 
   ExitCodeType run();
+  // The run by which the written files can be undone; 0 if no file was written.
+  RunNumber writtenRun() const { return queue_ ? queue_->result().run : 0; }
 
  private:
   void computeAll();
