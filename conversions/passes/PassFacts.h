@@ -8,11 +8,16 @@
 
 #include "conversions/passes/MethodUses.h"
 #include "platform/text/UString.h"
+#include "service/PlannedClass.h"
 
 namespace soca {
 
 // The classes that a class derives from directly and that have a file. In UTF-8.
 std::vector<std::string> findSuperClassesWithFile(const std::string& className);
+
+// Whether a conversion of the superclass may delete an abstract property that the class declares
+// too.
+bool mayFreeProperty(const std::string& superClass, const std::string& className);
 
 struct PassFacts {
   std::vector<std::string> superClasses;
@@ -22,14 +27,26 @@ struct PassFacts {
   // those that they took away, as far as others may use them.
   MethodSet changedMethods = 0;
   MethodSet takenMethods = 0;
+  // Whether something is not converted because a property is abstract.
+  bool hasAbstractFinding = false;
+  // Whether its list of superclasses may be converted. In a cycle of superclasses, this may take
+  // away what makes the derived classes System objects.
+  bool hasOldSuperClasses = false;
+  // Whether it or a superclass may be in such a cycle. Superclasses are not looked at if they are
+  // very many.
+  bool mayReachCycle = false;
   // Whether its file stays as it is although the passes change it.
   bool isKept = false;
 
   // Whether no other class can change its result, as far as the class itself shows.
   bool isIndependent() const {
-    return (superClasses.empty() || names.concerned() == 0) && takenMethods == 0;
+    const bool asksNothing = names.concerned() == 0 && !hasAbstractFinding && !mayReachCycle;
+    return (superClasses.empty() || asksNothing) && takenMethods == 0;
   }
 };
+
+// The facts of a class before its passes, from the plan of the text as it was read.
+PassFacts findPassFacts(const PlannedClass& planned);
 
 // What a class sees of the others in one pass.
 struct PassView {

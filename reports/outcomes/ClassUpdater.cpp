@@ -355,14 +355,7 @@ PassNeeds ClassUpdater::passNeeds(const PlannedClass& planned) const {
 
 ClassPasses ClassUpdater::makePasses(PlannedClass planned, const PassNeeds& needs,
                                      const std::vector<PassView>* views, PassFacts* facts) const {
-  if (facts != nullptr) {
-    facts->superClasses = findSuperClassesWithFile(to_string(planned.result.className));
-    const bool hasMethods = std::ranges::any_of(
-        planned.conversions, [](const RuleConversion& each) { return each.method != nullptr; });
-    if (hasMethods || !facts->superClasses.empty()) {
-      facts->names = findMethodNames(*planned.analysis);
-    }
-  }
+  if (facts != nullptr) *facts = findPassFacts(planned);
   ClassPasses passes(std::move(planned), &request_.limits, needs);
   if (views == nullptr) {
     while (passes.makePass() && passes.planNext()) continue;

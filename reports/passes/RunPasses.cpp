@@ -60,6 +60,8 @@ std::size_t RunPasses::add(std::string_view className, const PassFacts& facts) {
   added.names = facts.names;
   added.takenMethods = facts.takenMethods;
   added.changedMethods = facts.changedMethods;
+  added.hasAbstractFinding = facts.hasAbstractFinding;
+  added.hasOldSuperClasses = facts.hasOldSuperClasses;
   added.isKept = facts.isKept;
   return classes_.size() - 1;
 }
@@ -146,15 +148,15 @@ RunPasses::Numbers RunPasses::superClassesOf(std::size_t number) const {
 }
 
 RunPasses::Numbers RunPasses::ancestorsOf(std::size_t number) const {
-  Numbers ancestors = superClassesOf(number);
-  std::unordered_set<std::size_t> met(ancestors.begin(), ancestors.end());
-  met.insert(number);
-  for (std::size_t i = 0; i < ancestors.size(); ++i) {
-    for (const std::size_t each : superClassesOf(ancestors[i])) {
-      if (met.insert(each).second) ancestors.push_back(each);
+  Numbers found = {number};
+  std::unordered_set<std::size_t> met = {number};
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    for (const std::size_t each : superClassesOf(found[i])) {
+      if (met.insert(each).second) found.push_back(each);
     }
   }
-  return ancestors;
+  found.erase(found.begin());
+  return found;
 }
 
 void RunPasses::findDerived() {
@@ -174,10 +176,27 @@ void RunPasses::findDerived() {
     derivedStarts_[i] += derivedStarts_[i - 1];
 }
 
+std::vector<bool> RunPasses::findCyclic() const {
+  std::vector<bool> isCyclic(classes_.size(), true);
+  std::vector<std::size_t> pending(classes_.size());
+  Numbers free;
+  for (std::size_t i = 0; i < classes_.size(); ++i) {
+    pending[i] = superClassesOf(i).size();
+    if (pending[i] == 0) free.push_back(i);
+  }
+  for (std::size_t i = 0; i < free.size(); ++i) {
+    isCyclic[free[i]] = false;
+    for (std::uint32_t k = derivedStarts_[free[i]]; k < derivedStarts_[free[i] + 1]; ++k) {
+      if (--pending[derived_[k]] == 0) free.push_back(derived_[k]);
+    }
+  }
+  return isCyclic;
+}
+
 template <class Visit>
 void RunPasses::visitDerived(std::size_t number, const Visit& visit) const {
   Numbers derived = {number};
-  std::unordered_set<std::size_t> met;
+  std::unordered_set<std::size_t> met = {number};
   for (std::size_t i = 0; i < derived.size(); ++i) {
     for (std::uint32_t k = derivedStarts_[derived[i]]; k < derivedStarts_[derived[i] + 1]; ++k) {
       if (!met.insert(derived_[k]).second) continue;
@@ -195,29 +214,62 @@ MethodNames RunPasses::namesOfNow(std::size_t number) const {
 // --- the classes that take part ---
 
 void RunPasses::findMembers() {
-  const auto addMember = [&](std::size_t number, bool isReached) {
-    Member& member = members_[number];
-    member.isReached = member.isReached || isReached;
-    member.names = classes_[number].names;
-  };
+  Numbers open;
+  const std::vector<bool> isCyclic = findCyclic();
   for (std::size_t i = 0; i < added_; ++i) {
-    if (classes_[i].changedMethods == 0 || classes_[i].isKept) continue;
-    visitDerived(i, [&](std::size_t each) {
-      if ((classes_[each].names.concerned() & classes_[i].changedMethods) == 0) return;
-      if (each >= added_) return;
-      addMember(i, false);
-      addMember(each, true);
-    });
+    const Class& each = classes_[i];
+    if (each.hasAbstractFinding) reachByProperties(i, open);
+    if (each.isKept) continue;
+    if (each.changedMethods != 0 || each.takenMethods != 0) open.push_back(i);
+    if (!isCyclic[i] || !each.hasOldSuperClasses) continue;
+    visitDerived(i, [&](std::size_t heir) { addHeir(i, heir, open); });
   }
-  for (std::size_t i = 0; i < classes_.size(); ++i) {
-    const MethodSet used = classes_[i].names.used();
-    if (used == 0) continue;
-    for (const std::size_t each : ancestorsOf(i)) {
-      if ((classes_[each].takenMethods & used) != 0 && !classes_[each].isKept) {
-        addMember(each, true);
-        if (i < added_) addMember(i, false);
-      }
+  for (std::size_t i = 0; i < open.size(); ++i) reachByMethods(open[i], open);
+}
+
+void RunPasses::addMember(std::size_t number, bool isReached, Numbers& open) {
+  const auto [entry, isNew] = members_.try_emplace(number);
+  Member& member = entry->second;
+  if (isNew) member.names = classes_[number].names;
+  if (!isReached || member.isReached) return;
+  member.isReached = true;
+  open.push_back(number);
+}
+
+void RunPasses::addHeir(std::size_t number, std::size_t heir, Numbers& open) {
+  if (heir >= added_) return;
+  addMember(number, false, open);
+  addMember(heir, true, open);
+  members_.at(number).heirs.push_back(heir);
+}
+
+void RunPasses::reachByMethods(std::size_t number, Numbers& open) {
+  const Class& each = classes_[number];
+  if (number >= added_ || each.isKept) return;
+  const auto member = members_.find(number);
+  const bool isReached = member != members_.end() && member->second.isReached;
+  // A class that is reached may convert more than alone.
+  const MethodSet changed = each.changedMethods | (isReached ? each.names.concerned() : 0);
+  const MethodSet taken = each.takenMethods | (isReached ? each.names.declared : 0);
+  if (changed == 0 && taken == 0) return;
+  visitDerived(number, [&](std::size_t heir) {
+    const MethodNames& names = classes_[heir].names;
+    if ((names.concerned() & changed) != 0 && heir < added_) {
+      addMember(number, false, open);
+      addMember(heir, true, open);
     }
+    if ((names.used() & taken) != 0) {
+      addMember(number, true, open);
+      if (heir < added_) addMember(heir, false, open);
+    }
+  });
+}
+
+void RunPasses::reachByProperties(std::size_t number, Numbers& open) {
+  const std::string name = nameOf(number);
+  for (const std::size_t super : ancestorsOf(number)) {
+    if (super >= added_ || classes_[super].isKept) continue;
+    if (mayFreeProperty(nameOf(super), name)) addHeir(super, number, open);
   }
 }
 
@@ -290,6 +342,7 @@ bool RunPasses::makePass(unsigned pass) {
         member.hasChanged = true;
         member.file = std::move(result.file);
         member.history = std::move(result.history);
+        for (const std::size_t heir : member.heirs) members_.at(heir).isTouched = true;
         countDefined(number, member.names.defined & ~result.names.defined, -1);
         countDefined(number, result.names.defined & ~member.names.defined, 1);
         member.names = result.names;

@@ -22,9 +22,14 @@ namespace soca {
 
 // In each pass, every class sees the texts that the pass before it left, of all classes alike. Most
 // classes have nothing to do with others that change, so each is first updated alone, until nothing
-// changes. Then the passes are made again together for those that others may reach: classes whose
-// superclasses gain or lose a method that counts for them, or whose methods others use. Only these
-// have another result than alone.
+// changes. Then the passes are made again together for those that others may reach. Only these have
+// another result than alone. The rules ask of superclasses, and so a change of them counts:
+// - which methods they define: for a class with one that is then redundant, or no longer;
+// - whether a property is abstract in one of them: it no longer is if a conversion deletes it there
+//   as a companion;
+// - whether they are System objects, and have strict defaults: only in a cycle of superclasses can
+//   the conversion of a list take that away.
+// A method is taken away only if no derived class uses it, so a class is also reached by these.
 //
 // Keeps little of each class, so that a run may have any number of them.
 class RunPasses {
@@ -64,6 +69,8 @@ class RunPasses {
     MethodNames names;
     MethodSet takenMethods = 0;
     MethodSet changedMethods = 0;
+    bool hasAbstractFinding = false;
+    bool hasOldSuperClasses = false;
     bool isKept = false;
   };
 
@@ -72,9 +79,11 @@ class RunPasses {
     bool isReached = false;
     bool hasChanged = false;
     bool isUnsettled = false;
-    // Whether its superclasses have gained or lost a method that concerns it, since a pass last
+    // Whether its superclasses have gained or lost something that concerns it, since a pass last
     // looked at it.
     bool isTouched = false;
+    // The members that any change of it may concern, whatever their methods are.
+    std::vector<std::size_t> heirs;
     std::string file;
     PassHistory history;
     MethodNames names;
@@ -91,14 +100,23 @@ class RunPasses {
   void addClassesBetween();
   std::optional<std::size_t> find(std::uint64_t key) const;
   Numbers superClassesOf(std::size_t number) const;
-  // All that it derives from, nearest first.
+  // All that it derives from, nearest first, without itself.
   Numbers ancestorsOf(std::size_t number) const;
   void findDerived();
-  // Calls `visit` with each class that derives from the class, directly or not.
+  // Whether each class is in a cycle of superclasses, or derives from such a class.
+  std::vector<bool> findCyclic() const;
+  // Calls `visit` with each other class that derives from the class, directly or not.
   template <class Visit>
   void visitDerived(std::size_t number, const Visit& visit) const;
   MethodNames namesOfNow(std::size_t number) const;
   void findMembers();
+  // Appends a class to `open` that is reached for the first time.
+  void addMember(std::size_t number, bool isReached, Numbers& open);
+  void addHeir(std::size_t number, std::size_t heir, Numbers& open);
+  // The classes that depend on the methods of this one, or it on their uses.
+  void reachByMethods(std::size_t number, Numbers& open);
+  // The superclasses because of which its properties are abstract.
+  void reachByProperties(std::size_t number, Numbers& open);
   // Counts the methods that the class defines for those that derive from it.
   void countDefined(std::size_t number, MethodSet defined, int change);
   // The uses of each member's methods by the classes that derive from it, as the texts are now.

@@ -21,6 +21,12 @@ std::string classText(const std::string& name, const std::string& super,
                      methods);
 }
 
+// With `properties` in front of the methods.
+std::string withProperties(const std::string& properties, const std::string& text) {
+  const std::size_t place = text.find("methods");
+  return text.substr(0, place) + properties + text.substr(place);
+}
+
 std::string strict(const std::string& text) { return "classdef (StrictDefaults)" + text.substr(8); }
 
 constexpr const char* lockedQuery = "function f = isInputSizeLockedImpl(o, i)\nf = o.X;\nend\n";
@@ -78,6 +84,30 @@ TEST(RunPasses, DecideClassesThatDependOnEachOther) {
       {"Heir", strict(classText("Heir", "Mid",
                                 "function f = isInputComplexityMutableImpl(o, i)\n"
                                 "f = false;\nend\n"))}};
+  const std::string freesModeSet = withProperties(
+      "properties\nMode = 'a';\nend\n"
+      "properties (Abstract)\nModeSet = velum.system.StringSet({'a'});\nend\n",
+      classText("Base", "velum.System", ""));
+  const Files frees = {{"Base", freesModeSet},
+                       {"Heir", withProperties("properties (Logical)\nModeSet = true;\nend\n",
+                                               classText("Heir", "Base", ""))}};
+  // The class between converts its property, deletes its companion, and with it the reference to a
+  // method; that of the derived class goes with an obsolete method.
+  const std::string obsolete = "function f = isOutputSizeLockedImpl(o, i)\nf = o.X;\nend\n";
+  const Files freesMore = {{"Base", freesModeSet},
+                           {"Mid", withProperties("properties\nModeSet = 'b';\n"
+                                                  "ModeSetSet = velum.system.StringSet({'b', "
+                                                  "isOutputSizeLockedImpl});\nend\n",
+                                                  classText("Mid", "Base", obsolete))},
+                           {"Heir", classText("Heir", "Mid",
+                                              "function f = isOutputComplexityLockedImpl(o, i)\n"
+                                              "f = isOutputSizeLockedImpl(o, i);\nend\n")}};
+  const Files ownSuperClass = {{"Base", strict(classText("Base", "velum.System", redundantQuery))},
+                               {"Heir", classText("Heir", "Base & Heir", redundantQuery)}};
+  const Files cycle = {{"Base", classText("Base", "Base & velum.system.mixin.Propagates",
+                                          std::string(lockedQuery) +
+                                              "function g(o)\nisInputSizeLockedImpl(o);\nend\n")},
+                       {"Heir", strict(classText("Heir", "velum.System & Base", redundantQuery))}};
   const char* const baseIsUsed = "Base#impl/rename:processInputSizeChangeImpl UsedElsewhere\n";
   const struct {
     const char* shows;
@@ -113,6 +143,27 @@ TEST(RunPasses, DecideClassesThatDependOnEachOther) {
        "Heir#impl/delete-redundant:isInputComplexityMutableImpl 3\n"
        "Mid#impl/rename-negate:isInputComplexityLockedImpl 1\n"
        "Mid#impl/delete-redundant:isInputComplexityLockedImpl 2\n"},
+      {"a property is no longer abstract in a superclass",
+       frees,
+       {},
+       "Base#attributes/string-set:Mode 1\nHeir#attributes/logical:ModeSet 2\n"},
+      {"a class that is reached converts more than alone",
+       freesMore,
+       {},
+       "Base#attributes/string-set:Mode 1\n"
+       "Heir#impl/delete-obsolete:isOutputComplexityLockedImpl 1\n"
+       "Mid#attributes/string-set:ModeSet 2\n"
+       "Mid#impl/delete-obsolete:isOutputSizeLockedImpl 3\n"},
+      {"a class is no superclass of itself",
+       ownSuperClass,
+       {},
+       "Base#impl/delete-redundant:isInputSizeMutableImpl 1\n"
+       "Heir#impl/delete-redundant:isInputSizeMutableImpl 2\n"},
+      {"a superclass is no System object any more",
+       cycle,
+       {},
+       "Base#mixins 1\n"
+       "Heir#impl/delete-redundant:isInputSizeMutableImpl 2\n"},
       {"another class calls", calls, {}, baseIsUsed},
       {"another class calls, and its superclass is updated with it",
        calls,
