@@ -26,8 +26,8 @@ struct RelatedPlace : LinePlace {
   std::string text;
   // The words before the lines of such places: "referred to in". Empty if these are not listed.
   std::string_view phrase;
-  // Its line in the text after the update; 0 if it is not there, or not requested.
-  std::uint64_t newLine = 0;
+  // The same place in the text after the update; unknown if it is not there, or not requested.
+  LinePlace newPlace;
 };
 
 // The largest number of other places that are reported of one thing. Only references and default

@@ -263,13 +263,15 @@ void ClassPasses::describeInto(const PlannedClass& planned, const LeftOut& leftO
   if (hasFindings) {
     std::vector<Finding> all = describeFindings(planned, needs_.places);
     for (std::size_t i = 0; i < all.size(); ++i) {
-      if (planned.findings[i].conversion != noConversion) {
-        record.findings.push_back(std::move(all[i]));
-      }
+      if (planned.findings[i].conversion == noConversion) continue;
+      all[i].newPlace = all[i];
+      for (RelatedPlace& place : all[i].related) place.newPlace = place;
+      record.findings.push_back(std::move(all[i]));
     }
   }
   moveToOldText(record.conversions, record.findings);
-  if (needs_.changes) record.changes = findTextChanges(planned, numbers);
+  const bool movesFindings = !record.findings.empty() || !update_.findings.empty();
+  if (needs_.changes || movesFindings) record.changes = findTextChanges(planned, numbers);
 }
 
 void ClassPasses::take(Record record, std::shared_ptr<const fl::ustring> newText) {
@@ -283,10 +285,25 @@ void ClassPasses::take(Record record, std::shared_ptr<const fl::ustring> newText
   std::ranges::move(record.conversions, std::back_inserter(update_.conversions));
   std::ranges::move(record.findings, std::back_inserter(update_.findings));
   std::ranges::move(record.deletedMethods, std::back_inserter(history_.deletedMethods));
-  changes_ = changes_.empty() ? std::move(record.changes)
-                              : composeChanges(*oldText_, changes_, record.changes);
+  moveFindings(record.changes);
+  if (needs_.changes) {
+    changes_ = changes_.empty() ? std::move(record.changes)
+                                : composeChanges(*oldText_, changes_, record.changes);
+  }
   update_.updated = true;
   text_ = std::move(newText);
+}
+
+// Those about conversions that were made, from the text before a pass to the one after it. Rare, so
+// exact, unlike the lines that a LineMap knows.
+void ClassPasses::moveFindings(const TextChanges& changes) {
+  if (update_.findings.empty()) return;
+  const PositionMap map(*text_, changes);
+  const auto move = [&](LinePlace& place) { place = map.toNew(place).value_or(LinePlace()); };
+  for (Finding& each : update_.findings) {
+    move(each.newPlace);
+    for (RelatedPlace& place : each.related) move(place.newPlace);
+  }
 }
 
 void ClassPasses::moveToOldText(std::vector<Conversion>& conversions,
@@ -298,7 +315,7 @@ void ClassPasses::moveToOldText(std::vector<Conversion>& conversions,
     place = map ? map->toOld(place) : lines_.toOld(place);
   };
   const auto relatedToOld = [&](RelatedPlace& place) {
-    place.newLine = place.line;
+    place.newPlace = place;
     toOld(place);
   };
   for (Conversion& each : conversions) {
@@ -339,19 +356,8 @@ void ClassPasses::addLastPass() {
 }
 
 ClassUpdate ClassPasses::takeUpdate() {
-  const std::size_t kept = update_.findings.size();
   addLastPass();
   update_.changed = isChanged() && !fl::areEqualTexts(*text_, *oldText_);
-  std::optional<PositionMap> map;
-  if (kept > 0 && needs_.changes) map.emplace(*oldText_, changes_);
-  const auto toNew = [&](const LinePlace& place) {
-    return map ? map->toNew(place).value_or(LinePlace()) : lines_.toNew(place);
-  };
-  for (std::size_t i = 0; i < kept; ++i) {
-    Finding& finding = update_.findings[i];
-    finding.newPlace = toNew(finding);
-    for (RelatedPlace& place : finding.related) place.newLine = toNew(place).line;
-  }
   if (update_.findings.size() > 1) {
     std::ranges::stable_sort(update_.findings, {},
                              [](const Finding& each) { return std::pair(each.line, each.column); });

@@ -111,6 +111,7 @@ class ClassPasses {
   void take(Record record, std::shared_ptr<const fl::ustring> newText);
   void addLastPass();
   void checkSettling();
+  void moveFindings(const TextChanges& changes);
   void moveToOldText(std::vector<Conversion>& conversions, std::vector<Finding>& findings);
 
   const ChoiceLimits* limits_;

@@ -57,15 +57,4 @@ LinePlace LineMap::toOld(const LinePlace& place) const {
   return old;
 }
 
-LinePlace LineMap::toNew(const LinePlace& place) const {
-  read();
-  if (oldLines_.empty() || place.line == 0) return place;
-  const auto found = std::ranges::find(oldLines_, place.line - 1);
-  if (found == oldLines_.end()) return {};
-  LinePlace moved = place;
-  moved.line = static_cast<std::uint64_t>(found - oldLines_.begin()) + 1;
-  moved.endLine = std::max(moved.line, place.endLine + moved.line - place.line);
-  return moved;
-}
-
 }  // namespace soca

@@ -20,8 +20,6 @@ class LineMap {
 
   // An unknown place stays unknown.
   LinePlace toOld(const LinePlace& place) const;
-  // Unknown if the line is gone.
-  LinePlace toNew(const LinePlace& place) const;
 
  private:
   struct Pass {

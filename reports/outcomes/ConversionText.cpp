@@ -44,7 +44,7 @@ std::string listLines(std::vector<std::uint64_t> lines, std::size_t further) {
 
 // A place that is not in the text is omitted.
 void addLine(const RelatedPlace& place, LinesType lines, std::vector<std::uint64_t>& numbers) {
-  const std::uint64_t line = lines == LinesType::updated ? place.newLine : place.line;
+  const std::uint64_t line = lines == LinesType::updated ? place.newPlace.line : place.line;
   if (line > 0) numbers.push_back(line);
 }
 
