@@ -1,6 +1,12 @@
 #include "reports/Summary.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <iomanip>
+#include <iterator>
+#include <sstream>
+#include <utility>
 
 namespace soca {
 namespace {
@@ -42,6 +48,39 @@ ClassCounts::ClassCounts(const ClassOutcome& outcome)
   for (const Finding& finding : outcome.update.findings) {
     findings.push_back(finding.id);
   }
+}
+
+std::string pack(const ClassCounts& counts) {
+  std::string text = fmt::format("{}\n{:d} {:d} {:d} {:d}", counts.package, counts.isChanged,
+                                 counts.isRefused, counts.changesAgain, counts.isUncommitted);
+  for (const ConversionKind& kind : conversionKinds) {
+    fmt::format_to(std::back_inserter(text), " {}", counts.conversions[kind.type]);
+  }
+  fmt::format_to(std::back_inserter(text), " {}", counts.leftOut.size());
+  for (const LeftOutCount& each : counts.leftOut) {
+    fmt::format_to(std::back_inserter(text), " \"{}\" {} {}", each.reason,
+                   static_cast<unsigned>(each.kind), each.count);
+  }
+  for (const std::string& each : counts.findings) text += ' ' + each;
+  return text;
+}
+
+ClassCounts unpackCounts(const std::string& text) {
+  std::istringstream input(text);
+  ClassCounts counts;
+  std::getline(input, counts.package);
+  input >> counts.isChanged >> counts.isRefused >> counts.changesAgain >> counts.isUncommitted;
+  for (const ConversionKind& kind : conversionKinds) input >> counts.conversions[kind.type];
+  std::size_t leftOut = 0;
+  input >> leftOut;
+  for (; leftOut > 0; --leftOut) {
+    LeftOutCount& each = counts.leftOut.emplace_back();
+    unsigned kind = 0;
+    input >> std::quoted(each.reason) >> kind >> each.count;
+    each.kind = static_cast<ConversionKindType>(kind);
+  }
+  for (std::string finding; input >> finding;) counts.findings.push_back(std::move(finding));
+  return counts;
 }
 
 void Summary::add(const ClassCounts& counts) {

@@ -41,6 +41,10 @@ struct ClassCounts {
   std::vector<std::string> findings;
 };
 
+// The counts as a text, and back.
+std::string pack(const ClassCounts& counts);
+ClassCounts unpackCounts(const std::string& text);
+
 // The part of one package.
 struct PackageCounts {
   // The classes that were looked at, and those that failed or are undecided.

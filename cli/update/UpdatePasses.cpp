@@ -3,7 +3,6 @@
 #include "cli/update/UpdateRun.h"
 #include "reports/explanations/ProgramMessages.h"
 #include "reports/outcomes/Phases.h"
-#include "reports/passes/OrderedWorkers.h"
 
 namespace soca::cli {
 namespace {
@@ -23,73 +22,70 @@ Failure makeUnsettledFailure(const std::string& className) {
 void UpdateRun::startPasses() {
   if (options_->asService || (targets_.isOneClass() && !options_->includeSuperclasses)) return;
   passes_.emplace(
-      [this](const std::string& className, PassTexts::Text text, const PassView& view,
-             const PassHistory& history) {
-        const WorkScope scope(this);
-        return updater_.makePass(className, std::move(text), view, history);
+      [this](const std::string& className, const std::vector<PassView>& views) {
+        return updateInPasses(className, views);
       },
+      [this](std::size_t number, SingleUpdate& update) { takeAgain(number, update); },
       options_->jobs);
 }
 
 void UpdateRun::settle() {
-  const WorkScope scope(this);
-  passes_->make([] { return !wasInterrupted(); });
-  auto next = held_.entries().begin();
-  auto done = held_.entries().begin();
-  OrderedWorkers<HeldClasses::Entry, SettledClass>(
-      options_->jobs,
-      [&]() -> std::optional<HeldClasses::Entry> {
-        const bool isAtEnd = next == held_.entries().end() || wasInterrupted();
-        return isAtEnd ? std::nullopt : std::optional(*next++);
-      },
-      [this](const HeldClasses::Entry& entry) {
-        const WorkScope workScope(this);
-        SettledClass settled;
-        if (!passes_->isReached(entry.number)) return settled;
-        const std::string className = passes_->nameOf(entry.number);
-        settled.before = updateAlone(className);
-        settled.after = updateInPasses(className, entry.number);
-        return settled;
-      },
-      [&](SettledClass& settled) {
-        const Phase phase(printPhase);
-        takeSettled(*done++, settled);
-        return !wasInterrupted();
-      })
-      .run();
+  {
+    const WorkScope scope(this);
+    passes_->make([] { return !wasInterrupted(); });
+  }
+  const Phase phase(printPhase);
+  for (const HeldClasses::Entry& entry : held_.entries()) {
+    if (wasInterrupted()) return;
+    printSettled(entry);
+  }
 }
 
-SingleUpdate UpdateRun::updateInPasses(const std::string& className, std::size_t number) {
-  SingleUpdate update;
-  if (passes_->restsOnUnsettled(number)) {
-    update.failure = makeUnsettledFailure(className);
-  } else {
-    update = updater_.updateInPasses(className, passes_->viewsOf(number));
-  }
+SingleUpdate UpdateRun::updateInPasses(const std::string& className,
+                                       const std::vector<PassView>& views) {
+  const WorkScope scope(this);
+  SingleUpdate update = updater_.updateInPasses(className, views);
   if (update.outcome) finishOutcome(*update.outcome);
   return update;
 }
 
-void UpdateRun::takeSettled(const HeldClasses::Entry& entry, SettledClass& settled) {
-  if (!settled.after) {
-    const std::string data = held_.take(entry.data);
-    const std::string notes = held_.take(entry.notes);
-    if (!data.empty()) report_->printData(data);
-    if (!notes.empty()) report_->printNotes(notes);
+HeldClasses::Texts UpdateRun::textsOf(const ClassOutcome& outcome) const {
+  return {options_->write ? std::string() : outcome.data, outcome.notes,
+          pack(ClassCounts(outcome))};
+}
+
+void UpdateRun::takeAgain(std::size_t number, SingleUpdate& update) {
+  HeldClasses::Entry& entry = held_.find(number);
+  if (entry.countsSize > 0) summary_.remove(unpackCounts(held_.take(entry).counts));
+  heldFailures_.erase(number);
+  if (update.failure) {
+    update.failure->className = passes_->nameOf(number);
+    heldFailures_.emplace(number, std::move(*update.failure));
+    held_.put({}, entry);
     return;
   }
-  if (settled.before->outcome) summary_.remove(ClassCounts(*settled.before->outcome));
-  if (options_->write) reachedEntries_.insert(entry.queued);
-  if (settled.after->failure) {
-    settled.after->failure->className = passes_->nameOf(entry.number);
-    addFailure(*settled.after->failure);
+  summary_.add(ClassCounts(*update.outcome));
+  held_.put(textsOf(*update.outcome), entry);
+  if (options_->write) queue_->replace(entry.queued, *update.outcome);
+}
+
+void UpdateRun::printSettled(const HeldClasses::Entry& entry) {
+  const bool isReached = passes_->isReached(entry.number);
+  if (isReached && options_->write) reachedEntries_.insert(entry.queued);
+  if (isReached && passes_->restsOnUnsettled(entry.number)) {
+    SingleUpdate update;
+    update.failure = makeUnsettledFailure(passes_->nameOf(entry.number));
+    takeAgain(entry.number, update);
+  }
+  const auto failure = heldFailures_.find(entry.number);
+  if (failure != heldFailures_.end()) {
+    addFailure(failure->second);
     if (options_->write) queue_->drop(entry.queued);
     return;
   }
-  ClassOutcome& outcome = *settled.after->outcome;
-  summary_.add(ClassCounts(outcome));
-  if (options_->write) queue_->replace(entry.queued, outcome);
-  print(outcome);
+  const HeldClasses::Texts texts = held_.take(entry);
+  if (!texts.data.empty()) report_->printData(texts.data);
+  if (!texts.notes.empty()) report_->printNotes(texts.notes);
 }
 
 }  // namespace soca::cli

@@ -184,7 +184,7 @@ void UpdateRun::take(TargetOutcome& outcome) {
   if (!outcome.sharedClass.empty()) outcome.classes = shared_.takeOutcomes(outcome.sharedClass);
   for (ClassOutcome& entry : outcome.classes) takeClass(entry);
   if (passes_ && outcome.bystander) {
-    passes_->add(outcome.bystander->first, outcome.bystander->second);
+    passes_->add(outcome.bystander->first, outcome.bystander->second, {});
   }
   for (const Failure& failure : outcome.failures) addFailure(failure);
   if (outcome.skipped) {
@@ -208,10 +208,13 @@ void UpdateRun::takeClass(ClassOutcome& outcome) {
   if (options_->write) queue_->add(outcome, hasNewText && isFirst);
   if (!passes_) return print(outcome);
   outcome.facts.isKept = outcome.update.isRefused();
-  const std::size_t number = passes_->add(outcome.update.className, outcome.facts);
+  const std::size_t number =
+      passes_->add(outcome.update.className, outcome.facts, outcome.update.file);
   if (held_.empty() && outcome.facts.isIndependent()) return print(outcome);
   const std::size_t queued = options_->write ? queue_->entries().size() - 1 : 0;
-  held_.add(number, queued, options_->write ? std::string() : outcome.data, outcome.notes);
+  HeldClasses::Texts texts = textsOf(outcome);
+  if (outcome.facts.isIndependent()) texts.counts = {};
+  held_.add(number, queued, texts);
 }
 
 void UpdateRun::print(const ClassOutcome& outcome) {

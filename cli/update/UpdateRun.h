@@ -34,13 +34,6 @@
 
 namespace soca::cli {
 
-// A class that was held back: without others, and in passes with them. Both are empty if no other
-// class reaches it.
-struct SettledClass {
-  std::optional<SingleUpdate> before;
-  std::optional<SingleUpdate> after;
-};
-
 // Computes and checks the updates of all targets in several threads, and prints them in the order
 // of the arguments. With `--write` the new files are stored until the last class is done; then all
 // files are replaced.
@@ -81,8 +74,12 @@ class UpdateRun {
   // Makes the passes of the classes that others of the run reach, and prints what was held back.
   void startPasses();
   void settle();
-  SingleUpdate updateInPasses(const std::string& className, std::size_t number);
-  void takeSettled(const HeldClasses::Entry& entry, SettledClass& settled);
+  // Called by several threads.
+  SingleUpdate updateInPasses(const std::string& className, const std::vector<PassView>& views);
+  // Replaces what is held of the class.
+  void takeAgain(std::size_t number, SingleUpdate& update);
+  void printSettled(const HeldClasses::Entry& entry);
+  HeldClasses::Texts textsOf(const ClassOutcome& outcome) const;
 
   void addFailure(const Failure& failure);
   void passOver(const PassedOverFile& file);
@@ -130,6 +127,8 @@ class UpdateRun {
   // Only for several classes that are decided, and not as the service.
   std::optional<RunPasses> passes_;
   HeldClasses held_;
+  // Of the held classes that fail only in passes with others, by their numbers.
+  std::map<std::size_t, Failure> heldFailures_;
   // The entries of the queue that others of the run reach.
   std::unordered_set<std::size_t> reachedEntries_;
 

@@ -94,6 +94,10 @@ bool ClassPasses::makePass(const std::vector<MethodUse>& uses) {
 bool ClassPasses::makePass(unsigned pass, const std::vector<MethodUse>& uses) {
   history_.pass = pass;
   leftOut_.clear();
+  foundMethods_ = 0;
+  for (const RuleConversion& each : planned_.conversions) {
+    if (each.method != nullptr) foundMethods_ |= methodSetOf(each.method->name->text.view());
+  }
   if (planned_.conversions.empty()) return false;
   std::optional<OverlayScope> overlay;
   if (isChanged()) overlay.emplace(file_, text_);
@@ -137,9 +141,10 @@ void ClassPasses::checkSettling() {
   if (history_.changes > 2 * (history_.forms + usual)) throw NotSettled();
 }
 
-std::shared_ptr<const ca::AnalysisResult> ClassPasses::analyzePresentText() const {
+MethodNames ClassPasses::findPresentNames() const {
+  if (planned_.analysis != nullptr) return findMethodNames(*planned_.analysis);
   const OverlayScope overlay(file_, text_);
-  return ca::analyzeFile(file_);
+  return findMethodNames(*ca::analyzeFile(file_));
 }
 
 // The plan of this pass once more, with everything in it.

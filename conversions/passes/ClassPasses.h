@@ -81,7 +81,10 @@ class ClassPasses {
   // took away.
   MethodSet changedMethods() const { return changedMethods_; }
   MethodSet takenMethods() const { return takenMethods_; }
-  std::shared_ptr<const ca::AnalysisResult> analyzePresentText() const;
+  // The methods for which the last pass found conversions, made or not.
+  MethodSet foundMethods() const { return foundMethods_; }
+  // Of the present text, after `planNext`.
+  MethodNames findPresentNames() const;
   // From the text as it was read to the present one, with the indices of the conversions in the
   // update; only if they are needed.
   const TextChanges& changes() const { return changes_; }
@@ -127,6 +130,7 @@ class ClassPasses {
   LeftOut leftOut_;
   MethodSet changedMethods_ = 0;
   MethodSet takenMethods_ = 0;
+  MethodSet foundMethods_ = 0;
   // The result so far. The places of its findings and conversions are in the text as it was read.
   ClassUpdate update_;
   TextChanges changes_;

@@ -30,6 +30,7 @@ struct MethodNames {
   MethodSet declared = 0;
   MethodSet defined = 0;
 
+  bool empty() const { return (referred | declared) == 0; }
   // Those of its superclasses that it uses: to which it refers, or which it overrides and which a
   // rule takes away whatever the superclasses have.
   MethodSet used() const;

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <list>
 
+#include "platform/paths/Overlay.h"
 #include "platform/runtime/ClassDescription.h"
 #include "platform/text/Conversions.h"
 #include "rules/FindingPlaces.h"
@@ -52,6 +54,55 @@ bool mayReachCycle(const std::string& className) {
   return graph.empty() || !isGone.front();
 }
 
+// During its life, the texts are the overlay texts of this thread.
+class OverlayTexts {
+ public:
+  using Texts = std::vector<std::pair<std::string, std::shared_ptr<const fl::ustring>>>;
+
+  explicit OverlayTexts(const Texts& texts) {
+    for (const auto& [path, text] : texts) scopes_.emplace_back(path, text);
+  }
+
+ private:
+  std::list<fl::filesystem::OverlayScope> scopes_;
+};
+
+// Makes passes, and records them.
+class PassMaker {
+ public:
+  PassMaker(ClassPasses* passes, const MethodNames* names, std::vector<PassRecord>* records)
+      : passes_(*passes), names_(names), records_(*records) {}
+
+  // Whether the pass changed the text.
+  bool make(unsigned pass, const std::vector<MethodUse>& uses) {
+    if (names_ == nullptr) return passes_.makePass(pass, uses);
+    try {
+      const bool isChanged = passes_.makePass(pass, uses);
+      records_.push_back({.pass = pass,
+                          .newText = isChanged ? passes_.text() : nullptr,
+                          .foundMethods = passes_.foundMethods()});
+      return isChanged;
+    } catch (const NotSettled&) {
+      records_.push_back({.pass = pass, .isUnsettled = true});
+      throw;
+    }
+  }
+
+  bool planNext() {
+    const bool isPlanned = passes_.planNext();
+    // Without such names in the text that was read, there are none in later ones.
+    if (names_ != nullptr && !names_->empty() && records_.back().newText != nullptr) {
+      records_.back().names = passes_.findPresentNames();
+    }
+    return isPlanned;
+  }
+
+ private:
+  ClassPasses& passes_;
+  const MethodNames* names_;
+  std::vector<PassRecord>& records_;
+};
+
 }  // namespace
 
 std::vector<std::string> findSuperClassesWithFile(const std::string& className) {
@@ -97,6 +148,21 @@ PassFacts findPassFacts(const PlannedClass& planned) {
     return finding.findPlaces == findAbstractAttributes;
   });
   return facts;
+}
+
+void makeAllPasses(ClassPasses& passes, const std::vector<PassView>& views,
+                   const MethodNames* names, std::vector<PassRecord>& records) {
+  PassMaker maker(&passes, names, &records);
+  for (const PassView& view : views) {
+    const OverlayTexts overlays(view.texts);
+    if (&view != &views.front() && !maker.planNext()) return;
+    bool isChanged = maker.make(view.pass, view.uses);
+    if (&view != &views.back()) continue;
+    for (unsigned pass = view.pass + 1; isChanged; ++pass) {
+      if (!maker.planNext()) return;
+      isChanged = maker.make(pass, view.uses);
+    }
+  }
 }
 
 }  // namespace soca

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "conversions/passes/ClassPasses.h"
 #include "conversions/passes/MethodUses.h"
 #include "platform/text/UString.h"
 #include "service/PlannedClass.h"
@@ -18,6 +19,19 @@ std::vector<std::string> findSuperClassesWithFile(const std::string& className);
 // Whether a conversion of the superclass may delete an abstract property that the class declares
 // too.
 bool mayFreeProperty(const std::string& superClass, const std::string& className);
+
+// What one pass made of a class.
+struct PassRecord {
+  // The number of the pass in the run, counted from 1.
+  unsigned pass = 1;
+  // The text after it; null if it changed nothing.
+  std::shared_ptr<const fl::ustring> newText;
+  // Of the text after it.
+  MethodNames names;
+  // The methods for which it found conversions.
+  MethodSet foundMethods = 0;
+  bool isUnsettled = false;
+};
 
 struct PassFacts {
   std::vector<std::string> superClasses;
@@ -37,11 +51,17 @@ struct PassFacts {
   bool mayReachCycle = false;
   // Whether its file stays as it is although the passes change it.
   bool isKept = false;
+  // All passes of the class alone; empty if they do not matter for any class.
+  std::vector<PassRecord> passes;
 
   // Whether no other class can change its result, as far as the class itself shows.
   bool isIndependent() const {
     const bool asksNothing = names.concerned() == 0 && !hasAbstractFinding && !mayReachCycle;
     return (superClasses.empty() || asksNothing) && takenMethods == 0;
+  }
+  // Whether other classes may concern it, or it may concern them.
+  bool takesPart() const {
+    return !isIndependent() || (!superClasses.empty() && names.used() != 0);
   }
 };
 
@@ -56,5 +76,11 @@ struct PassView {
   std::vector<std::pair<std::string, std::shared_ptr<const fl::ustring>>> texts;
   std::vector<MethodUse> uses;
 };
+
+// Makes the passes of the views, and after the last one further passes that see the same, until
+// nothing changes. `names` are those of the text as it was read; null if the passes need not be
+// recorded. If it throws, the passes before are in the records.
+void makeAllPasses(ClassPasses& passes, const std::vector<PassView>& views,
+                   const MethodNames* names, std::vector<PassRecord>& records);
 
 }  // namespace soca

@@ -3,7 +3,6 @@
 #include <fmt/core.h>
 
 #include <algorithm>
-#include <list>
 #include <memory>
 #include <new>
 #include <utility>
@@ -146,19 +145,6 @@ Failure describeMissingDelimiter(const std::string& file, const SourcePosition& 
   return failure;
 }
 
-// During its life, the texts are the overlay texts of this thread.
-class OverlayTexts {
- public:
-  using Texts = std::vector<std::pair<std::string, std::shared_ptr<const fl::ustring>>>;
-
-  explicit OverlayTexts(const Texts& texts) {
-    for (const auto& [path, text] : texts) scopes_.emplace_back(path, text);
-  }
-
- private:
-  std::list<fl::filesystem::OverlayScope> scopes_;
-};
-
 // A class that cannot be updated may use the methods of others all the same. Its file may be read
 // only in part.
 std::optional<PassFacts> factsOfBystander(const std::string& className) {
@@ -228,7 +214,11 @@ void ClassUpdater::complete(const Target& target, std::vector<Failure> failures,
 }
 
 SingleUpdate ClassUpdater::updateAlone(const std::string& className) const {
-  return update(className, nullptr);
+  SingleUpdate single = update(className, nullptr);
+  if (single.outcome && single.outcome->facts.takesPart()) {
+    single.outcome->facts.passes = std::move(single.passes);
+  }
+  return single;
 }
 
 SingleUpdate ClassUpdater::updateInPasses(const std::string& className,
@@ -270,8 +260,8 @@ void ClassUpdater::finishPlan(PlannedClass planned, const std::vector<PassView>*
     return;
   }
   try {
-    single.outcome =
-        request_.asService ? makeServiceOutcome(planned) : makeOutcome(std::move(planned), views);
+    single.outcome = request_.asService ? makeServiceOutcome(planned)
+                                        : makeOutcome(std::move(planned), views, single.passes);
   } catch (const NotSettled&) {
     single.scope = FailureScopeType::classOnly;
     single.failure = makeFailure("soca:NotSettled", {});
@@ -354,18 +344,13 @@ PassNeeds ClassUpdater::passNeeds(const PlannedClass& planned) const {
 }
 
 ClassPasses ClassUpdater::makePasses(PlannedClass planned, const PassNeeds& needs,
-                                     const std::vector<PassView>* views, PassFacts* facts) const {
+                                     const std::vector<PassView>* views, PassFacts* facts,
+                                     std::vector<PassRecord>& records) const {
   if (facts != nullptr) *facts = findPassFacts(planned);
   ClassPasses passes(std::move(planned), &request_.limits, needs);
-  if (views == nullptr) {
-    while (passes.makePass() && passes.planNext()) continue;
-  } else {
-    for (const PassView& view : *views) {
-      const OverlayTexts overlays(view.texts);
-      if (&view != &views->front() && !passes.planNext()) break;
-      passes.makePass(view.pass, view.uses);
-    }
-  }
+  static const std::vector<PassView> alone = {PassView()};
+  const auto& all = views != nullptr ? *views : alone;
+  makeAllPasses(passes, all, facts != nullptr ? &facts->names : nullptr, records);
   if (facts != nullptr) {
     facts->changedMethods = passes.changedMethods();
     facts->takenMethods = passes.takenMethods();
@@ -373,15 +358,15 @@ ClassPasses ClassUpdater::makePasses(PlannedClass planned, const PassNeeds& need
   return passes;
 }
 
-ClassOutcome ClassUpdater::makeOutcome(PlannedClass planned,
-                                       const std::vector<PassView>* views) const {
+ClassOutcome ClassUpdater::makeOutcome(PlannedClass planned, const std::vector<PassView>* views,
+                                       std::vector<PassRecord>& records) const {
   const Phase phase(checksPhase);
   const OutcomeNeeds& needs = request_.needs;
   const std::optional<fl::filesystem::FileState> oldFile = planned.oldFile;
   ClassOutcome outcome;
   PassFacts* const facts = needs.facts ? &outcome.facts : nullptr;
   const PassNeeds passNeeds = this->passNeeds(planned);
-  ClassPasses passes = makePasses(std::move(planned), passNeeds, views, facts);
+  ClassPasses passes = makePasses(std::move(planned), passNeeds, views, facts, records);
   ClassUpdate& update = outcome.update;
   update = passes.takeUpdate();
   ca::forgetLastAnalysis();
@@ -394,34 +379,6 @@ ClassOutcome ClassUpdater::makeOutcome(PlannedClass planned,
         placeChanges(*passes.oldText(), passes.changes(), outcome.file.bytes->encoding);
   }
   return outcome;
-}
-
-PassResult ClassUpdater::makePass(const std::string& className,
-                                  std::shared_ptr<const fl::ustring> text, const PassView& view,
-                                  const PassHistory& history) const {
-  const CurrentClass current(className);
-  PassResult result;
-  try {
-    const OverlayTexts overlays(view.texts);
-    std::optional<fl::filesystem::OverlayScope> own;
-    if (text != nullptr) own.emplace(sourcePathOf(className), std::move(text));
-    auto planned = planUpdate(to_ustring(className), families(), false,
-                              {.keepLines = true, .listFaults = true});
-    ClassPasses passes(std::move(planned.front()), &request_.limits, {}, history);
-    if (!passes.makePass(view.pass, view.uses)) return result;
-    result.newText = passes.text();
-    result.file = passes.file();
-    result.history = passes.history();
-    result.names = findMethodNames(*passes.analyzePresentText());
-  } catch (const std::bad_alloc&) {
-    throw;
-  } catch (const NotSettled&) {
-    result.isUnsettled = true;
-  } catch (const std::exception&) {
-    // The update of the class in all passes reports the fault.
-    result = {};
-  }
-  return result;
 }
 
 fl::filesystem::FileState ClassUpdater::oldFileOf(const UpdatedText& text) const {

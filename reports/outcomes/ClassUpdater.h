@@ -49,17 +49,6 @@ struct UpdateRequest {
   const fl::filesystem::FileState* overlaidFile = nullptr;
 };
 
-// What one pass of a run made of a class.
-struct PassResult {
-  // Null if the pass changed nothing.
-  std::shared_ptr<const fl::ustring> newText;
-  std::string file;
-  PassHistory history;
-  bool isUnsettled = false;
-  // Of the new text.
-  MethodNames names;
-};
-
 // The text of a class before and after its update.
 struct UpdatedText {
   const std::string* path;
@@ -88,15 +77,10 @@ class ClassUpdater {
   // The class without its superclasses, but with their names if they are included.
   SingleUpdate updateAlone(const std::string& className) const;
 
-  // The same in passes that see other classes; `views` are all passes that look at the class. Not
-  // as the service.
+  // The same in passes that see other classes; `views` are the first passes that look at the class,
+  // and the others see what the last of these sees. Not as the service.
   SingleUpdate updateInPasses(const std::string& className,
                               const std::vector<PassView>& views) const;
-
-  // One pass over the text that earlier ones left; null for the text as it was read. A class that
-  // cannot be updated stays unchanged.
-  PassResult makePass(const std::string& className, std::shared_ptr<const fl::ustring> text,
-                      const PassView& view, const PassHistory& history) const;
 
  private:
   // Sets the outcome, or a failure that concerns the class alone.
@@ -113,10 +97,12 @@ class ClassUpdater {
   // As the service. Moves from the plan what is not needed afterwards.
   ClassOutcome makeServiceOutcome(PlannedClass& planned) const;
   // Decides each conversion, in passes.
-  ClassOutcome makeOutcome(PlannedClass planned, const std::vector<PassView>* views) const;
+  ClassOutcome makeOutcome(PlannedClass planned, const std::vector<PassView>* views,
+                           std::vector<PassRecord>& records) const;
   // All passes; `views` are null for a class alone.
   ClassPasses makePasses(PlannedClass planned, const PassNeeds& needs,
-                         const std::vector<PassView>* views, PassFacts* facts) const;
+                         const std::vector<PassView>* views, PassFacts* facts,
+                         std::vector<PassRecord>& records) const;
   PassNeeds passNeeds(const PlannedClass& planned) const;
   fl::filesystem::FileState oldFileOf(const UpdatedText& text) const;
   // Sets the fields that depend on the bytes of the file.

@@ -35,6 +35,8 @@ struct SingleUpdate {
   std::optional<ClassOutcome> outcome;
   std::optional<Failure> failure;
   FailureScopeType scope = FailureScopeType::loading;
+  // All passes, up to one that failed, only if facts about the class are requested.
+  std::vector<PassRecord> passes;
 };
 
 // Updates each class once, and composes from that what a call of the service with superclasses

@@ -2,16 +2,27 @@
 
 #include <cstring>
 #include <ranges>
-#include <string>
-#include <string_view>
 
 namespace soca {
 
-void PassTexts::put(std::size_t number, unsigned pass, const fl::ustring& text) {
-  const std::lock_guard lock(mutex_);
+Spool::Place PassTexts::store(fl::ustring_view text) {
   const auto* bytes = reinterpret_cast<const char*>(text.data());
-  const Spool::Place place = spool_.put({bytes, text.size() * sizeof(char16_t)});
-  texts_[number].push_back({pass, place, {}});
+  return store(std::string_view(bytes, text.size() * sizeof(char16_t)));
+}
+
+Spool::Place PassTexts::store(std::string_view bytes) {
+  const std::lock_guard lock(mutex_);
+  return spool_.put(bytes);
+}
+
+std::string PassTexts::take(const Spool::Place& place) {
+  const std::lock_guard lock(mutex_);
+  return spool_.take(place);
+}
+
+void PassTexts::set(std::size_t number, unsigned pass, const Spool::Place& text) {
+  const std::lock_guard lock(mutex_);
+  texts_[number].push_back({pass, text, {}});
 }
 
 PassTexts::Text PassTexts::get(std::size_t number, unsigned pass) {

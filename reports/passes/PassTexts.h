@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -20,9 +22,14 @@ class PassTexts {
  public:
   using Text = std::shared_ptr<const fl::ustring>;
 
-  // The text of the class with this number after the pass. Passes are counted from 1, and those of
-  // one class are put in their order.
-  void put(std::size_t number, unsigned pass, const fl::ustring& text);
+  // Stores a text that a class may have after a pass, or anything else.
+  Spool::Place store(fl::ustring_view text);
+  Spool::Place store(std::string_view bytes);
+  std::string take(const Spool::Place& place);
+
+  // Gives the class with this number a stored text after the pass. Passes are counted from 1, and
+  // those of one class are set in their order.
+  void set(std::size_t number, unsigned pass, const Spool::Place& text);
 
   // The text after the pass, or after the last one before it that changed it; null for the text as
   // it was read. The same pointer while the text is in memory.

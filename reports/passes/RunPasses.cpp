@@ -3,10 +3,12 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <cstring>
 #include <functional>
 #include <iterator>
 #include <ranges>
 #include <tuple>
+#include <type_traits>
 #include <unordered_set>
 
 #include "platform/text/Conversions.h"
@@ -46,9 +48,38 @@ void addUses(const std::string& user, const MethodNames& names, std::vector<Meth
   }
 }
 
+// Those of the methods.
+std::vector<MethodUse> usesOf(MethodSet methods, std::vector<MethodUse> uses) {
+  std::erase_if(uses,
+                [&](const MethodUse& use) { return (methodSetOf(use.method) & methods) == 0; });
+  return uses;
+}
+
+// The values, their number before them, and the rest of the text.
+template <class Value>
+std::string pack(const std::vector<Value>& values, std::string_view rest) {
+  static_assert(std::is_trivially_copyable_v<Value>);
+  const std::size_t count = values.size();
+  std::string text(sizeof count + count * sizeof(Value), '\0');
+  std::memcpy(text.data(), &count, sizeof count);
+  if (count > 0) std::memcpy(text.data() + sizeof count, values.data(), count * sizeof(Value));
+  return text.append(rest);
+}
+
+template <class Value>
+void unpack(std::string_view text, std::vector<Value>& values, std::string& rest) {
+  std::size_t count = 0;
+  std::memcpy(&count, text.data(), sizeof count);
+  values.resize(count);
+  rest = text.substr(sizeof count + count * sizeof(Value));
+  if (count == 0) return;
+  std::memcpy(static_cast<void*>(values.data()), text.data() + sizeof count, count * sizeof(Value));
+}
+
 }  // namespace
 
-std::size_t RunPasses::add(std::string_view className, const PassFacts& facts) {
+std::size_t RunPasses::add(std::string_view className, const PassFacts& facts,
+                           std::string_view path) {
   Class& added = classes_.emplace_back();
   added.key = keyOf(className);
   added.nameStart = names_.size();
@@ -63,6 +94,7 @@ std::size_t RunPasses::add(std::string_view className, const PassFacts& facts) {
   added.hasAbstractFinding = facts.hasAbstractFinding;
   added.hasOldSuperClasses = facts.hasOldSuperClasses;
   added.isKept = facts.isKept;
+  if (!facts.passes.empty()) added.passes = texts_.store(pack(store(facts.passes), path));
   return classes_.size() - 1;
 }
 
@@ -83,14 +115,6 @@ bool RunPasses::isReached(std::size_t number) const {
 
 std::string RunPasses::nameOf(std::size_t number) const {
   return names_.substr(classes_[number].nameStart, classes_[number].nameSize);
-}
-
-std::vector<PassView> RunPasses::viewsOf(std::size_t number) {
-  std::vector<PassView> views;
-  for (const auto& [pass, uses] : members_.at(number).looks) {
-    views.push_back(viewOf(number, pass, uses));
-  }
-  return views;
 }
 
 bool RunPasses::restsOnUnsettled(std::size_t number) const {
@@ -132,7 +156,7 @@ void RunPasses::addClassesBetween() {
       if (!known.insert(keyOf(name)).second) continue;
       PassFacts facts;
       facts.superClasses = findSuperClassesWithFile(name);
-      add(name, facts);
+      add(name, facts, {});
     }
   }
   if (classes_.size() > added_) index();
@@ -230,7 +254,11 @@ void RunPasses::findMembers() {
 void RunPasses::addMember(std::size_t number, bool isReached, Numbers& open) {
   const auto [entry, isNew] = members_.try_emplace(number);
   Member& member = entry->second;
-  if (isNew) member.names = classes_[number].names;
+  if (isNew) {
+    const Class& added = classes_[number];
+    member.names = added.names;
+    if (added.passes.size > 0) unpack(texts_.take(added.passes), member.known, member.file);
+  }
   if (!isReached || member.isReached) return;
   member.isReached = true;
   open.push_back(number);
@@ -317,40 +345,87 @@ RunPasses::Numbers RunPasses::findActive(unsigned pass, Uses& uses) const {
   return active;
 }
 
+bool RunPasses::isKnown(const Member& member, unsigned pass) const {
+  if (member.known.empty() || (pass > 1 && member.isTouched)) return false;
+  if (!member.isReached) return true;
+  const auto known = std::ranges::find(member.known, pass, &KnownPass::pass);
+  // Beyond the last one, nothing changes.
+  const KnownPass& same = known == member.known.end() ? member.known.back() : *known;
+  return areSame(usesOf(same.foundMethods, member.looks.back().second),
+                 usesOf(same.foundMethods, member.knownUses));
+}
+
 bool RunPasses::makePass(unsigned pass) {
   Uses uses = findUses();
   const Numbers active = findActive(pass, uses);
+  Numbers unknown;
+  for (const std::size_t each : active) {
+    Member& member = members_.at(each);
+    member.looks.emplace_back(pass, std::move(uses[each]));
+    if (isKnown(member, pass)) continue;
+    unknown.push_back(each);
+  }
   for (auto& [number, member] : members_) member.hasChanged = member.isTouched = false;
-  for (const std::size_t each : active) members_[each].looks.emplace_back(pass, uses[each]);
-  auto next = active.begin();
-  auto done = active.begin();
-  OrderedWorkers<std::size_t, PassResult>(
+  updateAgain(unknown);
+  for (const std::size_t each : active) takePass(each, pass);
+  return !active.empty();
+}
+
+void RunPasses::updateAgain(const Numbers& numbers) {
+  auto next = numbers.begin();
+  auto done = numbers.begin();
+  OrderedWorkers<std::size_t, SingleUpdate>(
       jobs_,
       [&]() -> std::optional<std::size_t> {
-        return next == active.end() ? std::nullopt : std::optional(*next++);
+        return next == numbers.end() ? std::nullopt : std::optional(*next++);
       },
-      [&](const std::size_t& number) {
-        const Member& member = members_.at(number);
-        return makePass_(nameOf(number), texts_.get(number, pass - 1),
-                         viewOf(number, pass, member.looks.back().second), member.history);
-      },
-      [&](PassResult& result) {
+      [&](const std::size_t& number) { return update_(nameOf(number), viewsOf(number)); },
+      [&](SingleUpdate& update) {
         const std::size_t number = *done++;
         Member& member = members_.at(number);
-        member.isUnsettled = result.isUnsettled;
-        if (result.newText == nullptr) return true;
-        member.hasChanged = true;
-        member.file = std::move(result.file);
-        member.history = std::move(result.history);
-        for (const std::size_t heir : member.heirs) members_.at(heir).isTouched = true;
-        countDefined(number, member.names.defined & ~result.names.defined, -1);
-        countDefined(number, result.names.defined & ~member.names.defined, 1);
-        member.names = result.names;
-        texts_.put(number, pass, *result.newText);
+        member.known = store(update.passes);
+        member.knownUses = member.looks.back().second;
+        if (member.isReached) take_(number, update);
         return true;
       })
       .run();
-  return !active.empty();
+}
+
+std::vector<RunPasses::KnownPass> RunPasses::store(const std::vector<PassRecord>& records) {
+  std::vector<KnownPass> passes;
+  passes.reserve(records.size());
+  for (const PassRecord& each : records) {
+    KnownPass& pass = passes.emplace_back();
+    pass.pass = each.pass;
+    pass.names = each.names;
+    pass.foundMethods = each.foundMethods;
+    pass.isUnsettled = each.isUnsettled;
+    pass.isChanged = each.newText != nullptr;
+    if (pass.isChanged) pass.text = texts_.store(*each.newText);
+  }
+  return passes;
+}
+
+void RunPasses::takePass(std::size_t number, unsigned pass) {
+  Member& member = members_.at(number);
+  const auto known = std::ranges::find(member.known, pass, &KnownPass::pass);
+  if (known == member.known.end()) return;
+  member.isUnsettled = known->isUnsettled;
+  if (!known->isChanged) return;
+  member.hasChanged = true;
+  for (const std::size_t heir : member.heirs) members_.at(heir).isTouched = true;
+  countDefined(number, member.names.defined & ~known->names.defined, -1);
+  countDefined(number, known->names.defined & ~member.names.defined, 1);
+  member.names = known->names;
+  texts_.set(number, pass, known->text);
+}
+
+std::vector<PassView> RunPasses::viewsOf(std::size_t number) {
+  std::vector<PassView> views;
+  for (const auto& [pass, uses] : members_.at(number).looks) {
+    views.push_back(viewOf(number, pass, uses));
+  }
+  return views;
 }
 
 PassView RunPasses::viewOf(std::size_t number, unsigned pass, const std::vector<MethodUse>& uses) {

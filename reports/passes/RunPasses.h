@@ -31,30 +31,34 @@ namespace soca {
 //   the conversion of a list take that away.
 // A method is taken away only if no derived class uses it, so a class is also reached by these.
 //
+// A pass of a class is the same as alone if nothing has reached it before. Otherwise the class is
+// updated again, in the passes so far and in those that follow from them alone.
+//
 // Keeps little of each class, so that a run may have any number of them.
 class RunPasses {
  public:
-  // As ClassUpdater::makePass; called by several threads.
-  using MakePass = std::function<PassResult(const std::string& className, PassTexts::Text text,
-                                            const PassView& view, const PassHistory& history)>;
+  // As ClassUpdater::updateInPasses; called by several threads.
+  using Update =
+      std::function<SingleUpdate(const std::string& className, const std::vector<PassView>& views)>;
+  // Takes the result for the class with that number, in place of earlier ones.
+  using Take = std::function<void(std::size_t number, SingleUpdate& update)>;
 
-  // `jobs` is the number of threads.
-  RunPasses(MakePass makePass, unsigned jobs) : makePass_(std::move(makePass)), jobs_(jobs) {}
+  // `jobs` is the number of threads. `take` is called by the thread that calls `make`.
+  RunPasses(Update update, Take take, unsigned jobs)
+      : update_(std::move(update)), take_(std::move(take)), jobs_(jobs) {}
 
-  // Adds a class that was updated alone, in UTF-8. Returns its number, counted from 0.
-  std::size_t add(std::string_view className, const PassFacts& facts);
+  // Adds a class that was updated alone, by its name and its path in UTF-8. Returns its number,
+  // counted from 0.
+  std::size_t add(std::string_view className, const PassFacts& facts, std::string_view path);
 
   // Makes the passes of the classes that others reach, after all classes were added.
   // `goesOn` is asked before each pass.
   void make(const std::function<bool()>& goesOn);
 
-  // Whether the class has to be updated again because others reach it.
+  // Whether others may reach the class.
   bool isReached(std::size_t number) const;
   std::string nameOf(std::size_t number) const;
 
-  // What the class sees in each pass that looks at it, for its update in all of them. Safe to use
-  // from several threads.
-  std::vector<PassView> viewsOf(std::size_t number);
   // Whether a class that it derives from came to no rest.
   bool restsOnUnsettled(std::size_t number) const;
 
@@ -72,6 +76,18 @@ class RunPasses {
     bool hasAbstractFinding = false;
     bool hasOldSuperClasses = false;
     bool isKept = false;
+    // Its known passes, from its update alone, and its path.
+    Spool::Place passes;
+  };
+
+  // A pass of a class as it will be unless others reach the class before.
+  struct KnownPass {
+    unsigned pass = 1;
+    MethodNames names;
+    MethodSet foundMethods = 0;
+    bool isUnsettled = false;
+    bool isChanged = false;
+    Spool::Place text;
   };
 
   // A class that takes part in the passes.
@@ -85,8 +101,10 @@ class RunPasses {
     // The members that any change of it may concern, whatever their methods are.
     std::vector<std::size_t> heirs;
     std::string file;
-    PassHistory history;
     MethodNames names;
+    // With the uses that were known when they were made.
+    std::vector<KnownPass> known;
+    std::vector<MethodUse> knownUses;
     // The number of members that it derives from and that define each method.
     std::array<std::uint32_t, mostMethods> definedAbove{};
     // The passes that looked at it, with the uses of its methods.
@@ -123,11 +141,21 @@ class RunPasses {
   Uses findUses() const;
   // The classes that the changes of the pass before may have reached.
   Numbers findActive(unsigned pass, Uses& uses) const;
+  // Whether the known pass of the class is right.
+  bool isKnown(const Member& member, unsigned pass) const;
   // Returns false if there is nothing left to look at.
   bool makePass(unsigned pass);
+  // Updates the classes again, up to the pass and beyond.
+  void updateAgain(const Numbers& numbers);
+  std::vector<KnownPass> store(const std::vector<PassRecord>& records);
+  // Makes the known pass that of the run.
+  void takePass(std::size_t number, unsigned pass);
+  // What the class sees in each pass that looks at it. Safe to use from several threads.
+  std::vector<PassView> viewsOf(std::size_t number);
   PassView viewOf(std::size_t number, unsigned pass, const std::vector<MethodUse>& uses);
 
-  MakePass makePass_;
+  Update update_;
+  Take take_;
   unsigned jobs_;
   std::vector<Class> classes_;
   // The number of those that were added by the client.
