@@ -1,11 +1,10 @@
 #include "model/Method.h"
 
 #include <algorithm>
-#include <functional>
-#include <utility>
 #include <variant>
 
 #include "model/AnalyzerPositions.h"
+#include "platform/analyzer/tree/IdentifierSearch.h"
 #include "platform/analyzer/tree/NodeVisitor.h"
 #include "platform/failure/Terminate.h"
 #include "platform/text/TextSearch.h"
@@ -20,18 +19,6 @@ using ca::astapi::StringId;
 using lf::astapi::NodeKind;
 
 constexpr std::uint64_t endKeywordLength = 3;
-
-// Visits the nodes of one type in the whole file; the function selects those of the method.
-template <class T>
-class MethodNodeVisitor : public ca::astapi::NodeVisitor<T> {
- public:
-  MethodNodeVisitor(const ca::astapi::FunctionDefinition* visitedFor,
-                    std::function<void(const T&)> function)
-      : ca::astapi::NodeVisitor<T>(std::move(function)), method(visitedFor) {}
-
-  // The walk is not limited to this method.
-  const ca::astapi::FunctionDefinition* method;
-};
 
 // The first and the last position of a subtree.
 struct Span {
@@ -78,15 +65,6 @@ bool isOutput(const Node* target, const fl::ustring& outputName) {
 // Whether the text contains the keyword, if only in a comment or a name.
 bool mayReturn(fl::ustring_view text) {
   return fl::TextFinder(u"return").find(text) != fl::ustring_view::npos;
-}
-
-// Whether the text contains the name at another place than its own, if only in a comment or a
-// literal. Otherwise there is no other identifier of that name, and the tree need not be walked.
-bool standsElsewhere(fl::ustring_view text, const Identifier& name) {
-  const fl::TextFinder finder(name.text.view());
-  std::size_t place = finder.find(text);
-  if (place == name.position) place = finder.find(text, place + 1);
-  return place != fl::ustring_view::npos;
 }
 
 }  // namespace
@@ -142,28 +120,26 @@ std::vector<Extent> Method::findReturnStatements() const {
   const ca::astapi::FunctionDefinition& function = definition();
   std::vector<Extent> statements;
   if (!mayReturn(context_->analysis->nodeTextView(function))) return statements;
-  const Span method(function);
   const std::vector<Span> nested = nestedFunctions(function);
-  MethodNodeVisitor<ReturnStatement> visitor(&function, [&](const ReturnStatement& statement) {
+  ca::astapi::NodeVisitor<ReturnStatement> visitor([&](const ReturnStatement& statement) {
     const Span span(statement);
     const auto holdsIt = [&](const Span& other) { return other.contains(span); };
-    if (!method.contains(span) || std::ranges::any_of(nested, holdsIt)) return;
+    if (std::ranges::any_of(nested, holdsIt)) return;
     statements.push_back(makeExtentOfNode(*context_->analysis, statement));
   });
-  visitor(context_->analysis->getRootNode());
+  visitor(&function);
   return statements;
 }
 
 bool Method::isMethodReferencedInSysObj() const {
-  if (!standsElsewhere(context_->analysis->sourceTextView(), *node_->name)) return false;
-  const StringId id(node_->name->text.getText());
-  const Extent ownName = getNameExtent();
+  const Identifier& ownName = *node_->name;
   bool isReferenced = false;
-  ca::astapi::NodeVisitor<Identifier> visitor([&](const Identifier& identifier) {
-    if (isReferenced || !(identifier.id == id)) return;
-    isReferenced = makeExtentOfNode(*context_->analysis, identifier) != ownName;
-  });
-  visitor(context_->analysis->getRootNode());
+  ca::astapi::visitIdentifiers(context_->analysis->getRootNode(),
+                               context_->analysis->sourceTextView(), ownName.text.view(),
+                               [&](const Identifier& identifier) {
+                                 isReferenced = identifier.position != ownName.position;
+                                 return !isReferenced;
+                               });
   return isReferenced;
 }
 

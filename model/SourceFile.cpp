@@ -1,7 +1,7 @@
 #include "model/SourceFile.h"
 
 #include <algorithm>
-#include <boost/algorithm/string/find_iterator.hpp>
+#include <boost/algorithm/string/find.hpp>
 #include <boost/range/iterator_range.hpp>
 #include <cstddef>
 #include <utility>
@@ -35,7 +35,7 @@ void markDeleted(Line& line) {
   line.flags |= SourceFile::LineDeleted;
 }
 
-// Finds the line ends for make_split_iterator.
+// Finds the line ends for Boost's algorithms.
 struct LineEndFinder {
   template <class Iterator>
   boost::iterator_range<Iterator> operator()(Iterator begin, Iterator end) const {
@@ -50,9 +50,13 @@ std::vector<Line> splitTextIntoLines(fl::ustring_view text) {
   constexpr std::size_t usualLineLength = 32;
   std::vector<Line> lines;
   lines.reserve(text.size() / usualLineLength + 1);
-  auto pieces = boost::algorithm::make_split_iterator(text, LineEndFinder());
-  for (; !pieces.eof(); ++pieces) {
-    lines.push_back({fl::ustring_view(pieces->begin(), pieces->end())});
+  boost::iterator_range<const char16_t*> rest(text.data(), text.data() + text.size());
+  while (true) {
+    // A split iterator would call the finder by a pointer and copy it.
+    const auto end = boost::algorithm::find(rest, LineEndFinder());
+    lines.push_back({fl::ustring_view(rest.begin(), end.begin())});
+    if (end.empty()) break;
+    rest = {end.end(), rest.end()};
   }
   // The last line is treated as edited, so that an empty one after a final line end is removed
   // again.

@@ -5,7 +5,7 @@
 
 #include "model/AnalyzerPositions.h"
 #include "model/ClassContext.h"
-#include "platform/analyzer/tree/NodeVisitor.h"
+#include "platform/analyzer/tree/IdentifierSearch.h"
 
 namespace soca {
 namespace {
@@ -194,12 +194,14 @@ std::vector<FindingPlace> findSignature(PlaceSearch& search, const RuleFinding& 
 std::vector<FindingPlace> findReferences(PlaceSearch& search, const RuleFinding& finding) {
   const AnalysisResult& analysis = search.analysis();
   std::vector<FindingPlace> places;
-  ca::astapi::NodeVisitor<Identifier> visitor([&](const Identifier& identifier) {
-    if (&identifier == finding.memberName || !(identifier.id == finding.memberName->id)) return;
-    places.push_back(makePlace(analysis, FindingPlaceType::reference, identifier));
-  });
-  visitor(analysis.getRootNode());
-  return sorted(std::move(places));
+  ca::astapi::visitIdentifiers(
+      analysis.getRootNode(), analysis.sourceTextView(), finding.memberName->text.view(),
+      [&](const Identifier& identifier) {
+        if (&identifier == finding.memberName) return true;
+        places.push_back(makePlace(analysis, FindingPlaceType::reference, identifier));
+        return true;
+      });
+  return places;
 }
 
 }  // namespace soca

@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "conversions/ClassMembers.h"
+#include "platform/analyzer/tree/IdentifierSearch.h"
 #include "platform/analyzer/tree/NodeVisitor.h"
 #include "platform/text/TextSearch.h"
 #include "rules/MethodRules.h"
@@ -36,18 +37,37 @@ constexpr bool haveCommonEnd() {
 }
 static_assert(haveCommonEnd());
 
-// The names that stand anywhere in the text, as words or in longer ones.
-MethodSet findNames(fl::ustring_view text) {
+// Calls `visit` with each place in the text, as a word or in a longer one, and the name.
+template <class Visit>
+void visitNames(fl::ustring_view text, const Visit& visit) {
   static const fl::TextFinder finder(commonEnd);
-  MethodSet found = 0;
   for (std::size_t place = finder.find(text); place != fl::ustring_view::npos;
        place = finder.find(text, place + 1)) {
     const fl::ustring_view head = text.substr(0, place + commonEnd.size());
-    for (std::size_t i = 0; i < methodCount; ++i) {
-      if (head.ends_with(methodNames[i])) found |= MethodSet{1} << i;
+    for (const fl::ustring_view name : methodNames) {
+      if (head.ends_with(name)) visit(head.size() - name.size(), name);
     }
   }
-  return found;
+}
+
+// The names to which the text refers, without declarations.
+MethodSet findReferred(const ca::AnalysisResult& analysis,
+                       const std::unordered_set<const ca::astapi::Node*>& declarations) {
+  MethodSet referred = 0;
+  const auto add = [&](const ca::astapi::Identifier& identifier) {
+    if (!declarations.contains(&identifier)) referred |= methodSetOf(identifier.text.view());
+  };
+  if (analysis.hasSyntaxError()) {
+    ca::astapi::NodeVisitor<ca::astapi::Identifier> visitor(add);
+    visitor(analysis.getRootNode());
+    return referred;
+  }
+  ca::astapi::IdentifierSearch search(analysis.getRootNode());
+  visitNames(analysis.sourceTextView(), [&](std::size_t place, fl::ustring_view name) {
+    if ((referred & methodSetOf(name)) != 0) return;
+    if (const auto* found = search.findAt(static_cast<std::uint32_t>(place))) add(*found);
+  });
+  return referred;
 }
 
 }  // namespace
@@ -81,21 +101,16 @@ MethodSet MethodNames::concerned() const {
 
 MethodNames findMethodNames(const ca::AnalysisResult& analysis) {
   MethodNames names;
-  if (findNames(analysis.sourceTextView()) == 0) return names;
-  std::unordered_set<const ca::astapi::Node*> declared;
+  std::unordered_set<const ca::astapi::Node*> declarations;
   for (const DeclaredMethod& method : declaredMethods(analysis)) {
+    if (!method.name.ends_with(commonEnd)) continue;
     const MethodSet known = methodSetOf(method.name);
     if (known == 0) continue;
-    declared.insert(method.node->name);
+    declarations.insert(method.node->name);
     names.declared |= known;
     if (method.node->kind == lf::astapi::NodeKind::FunctionDefinition) names.defined |= known;
   }
-  ca::astapi::NodeVisitor<ca::astapi::Identifier> visitor(
-      [&](const ca::astapi::Identifier& identifier) {
-        if (declared.contains(&identifier)) return;
-        names.referred |= methodSetOf(identifier.text.view());
-      });
-  visitor(analysis.getRootNode());
+  names.referred = findReferred(analysis, declarations);
   return names;
 }
 

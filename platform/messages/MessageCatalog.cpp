@@ -38,15 +38,14 @@ bool isPlaceholder(ustring_view pattern, std::size_t index, std::size_t argument
 // Fills the placeholders in one pass, so that a `{0}` inside an argument is not replaced.
 ustring fillIn(ustring_view pattern, const BaseMsgID& message) {
   ustring text;
-  for (std::size_t i = 0; i < pattern.size(); ++i) {
-    if (!isPlaceholder(pattern, i, message.arguments.size())) {
-      text += pattern[i];
-      continue;
-    }
+  std::size_t start = 0;
+  for (std::size_t i = pattern.find(u'{'); i != ustring_view::npos; i = pattern.find(u'{', i + 1)) {
+    if (!isPlaceholder(pattern, i, message.arguments.size())) continue;
+    text += pattern.substr(start, i - start);
     text += std::visit(ArgumentText(), message.arguments[pattern[i + 1] - u'0']);
-    i += 2;
+    start = i + 3;
   }
-  return text;
+  return text += pattern.substr(start);
 }
 
 // The text for a message without an entry: its id and its arguments.

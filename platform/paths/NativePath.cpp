@@ -34,9 +34,17 @@ std::optional<std::size_t> findPoint(const ustring& path) {
   return point;
 }
 
+// Whether it is the path of something in a folder, and neither `.`, `..` nor a doubled slash may be
+// in it.
+bool isAbsoluteAndNormal(std::string_view path) {
+  return path.size() > 1 && path.front() == '/' && path.back() != '/' &&
+         path.find("//") == std::string_view::npos && path.find("/.") == std::string_view::npos;
+}
+
 }  // namespace
 
 std::string makeAbsoluteLexically(std::string_view path) {
+  if (isAbsoluteAndNormal(path)) return std::string(path);
   std::filesystem::path absolute(path);
   if (absolute.is_relative()) {
     // Without a current folder, because it was deleted, the path stays relative and finds nothing.
