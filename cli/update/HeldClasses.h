@@ -62,6 +62,11 @@ class HeldClasses {
     return *std::ranges::lower_bound(entries_, number, {}, &Entry::number);
   }
 
+  void clear() {
+    std::vector<Entry>().swap(entries_);
+    spool_.drop();
+  }
+
   bool empty() const { return entries_.empty(); }
   const std::vector<Entry>& entries() const { return entries_; }
 

@@ -39,6 +39,9 @@ void UpdateRun::settle() {
     if (wasInterrupted()) return;
     printSettled(entry);
   }
+  // The writing needs the memory.
+  passes_.reset();
+  held_.clear();
 }
 
 SingleUpdate UpdateRun::updateInPasses(const std::string& className,

@@ -192,13 +192,12 @@ Journal::StateType Journal::state() const {
 std::string_view Journal::oldBytes(std::size_t number) const {
   // The first record is that of the run.
   const Record& record = before_.records()[number + 1];
+  before_.releaseBefore(record.data);
   if (record.hasIntactData()) return record.data;
   throw JournalError("the journal no longer has its old text, since the disk has changed it");
 }
 
-bool Journal::hasIntactBytes() const {
-  return std::ranges::all_of(before_.records(), &Record::hasIntactData);
-}
+bool Journal::hasIntactBytes() const { return before_.hasIntactData(); }
 
 FileNumbers Journal::unfinished() const {
   return state_.stage == RunState::StageType::undoing ? state_.undoing : pending_;
@@ -232,6 +231,7 @@ void Journal::readBefore() {
   files_.reserve(count);
   for (std::size_t i = 1; i <= count; ++i) {
     if (records[i].type != RecordType::file) throw damage();
+    before_.releaseBefore(records[i].fields);
     files_.push_back(readFile(FieldReader(records[i].fields)));
   }
   FieldReader last(records.back().fields);

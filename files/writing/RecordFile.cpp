@@ -130,6 +130,7 @@ RecordFile::~RecordFile() {
 
 void RecordFile::findRecords(ReadType type) {
   for (std::string_view rest = bytes_; !rest.empty();) {
+    releaseBefore(rest);
     const std::uint64_t maximum = isWhole_ ? rest.size() : salvagedFieldsSize;
     if (const auto size = takeRecord(rest, maximum, records_)) {
       rest.remove_prefix(*size);
@@ -141,6 +142,23 @@ void RecordFile::findRecords(ReadType type) {
     const std::size_t next = rest.find(markBytes, 1);
     rest.remove_prefix(std::min(next, rest.size()));
   }
+}
+
+bool RecordFile::hasIntactData() const {
+  return std::ranges::all_of(records_, [this](const Record& record) {
+    releaseBefore(record.data);
+    return record.hasIntactData();
+  });
+}
+
+void RecordFile::releaseBefore(std::string_view part) const {
+  // A multiple of the size of a page.
+  constexpr std::size_t step = std::size_t{4} << 20U;
+  const std::size_t end = static_cast<std::size_t>(part.data() - bytes_.data()) / step * step;
+  if (end > released_) {
+    ::madvise(const_cast<char*>(bytes_.data()) + released_, end - released_, MADV_DONTNEED);
+  }
+  released_ = end;
 }
 
 std::string_view FieldReader::take(std::uint64_t size) {

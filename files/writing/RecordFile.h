@@ -73,6 +73,11 @@ class RecordFile {
   bool isWhole() const { return isWhole_; }
   // The number of bytes of the file.
   std::uint64_t size() const { return bytes_.size(); }
+  // Whether the data of all records are intact.
+  bool hasIntactData() const;
+  // Gives the memory of the file before the part back to the system, which reads it again when it
+  // is needed: otherwise a journal that is read to its end would be all in memory. For one thread.
+  void releaseBefore(std::string_view part) const;
 
  private:
   void findRecords(ReadType type);
@@ -80,6 +85,8 @@ class RecordFile {
   std::string_view bytes_;
   std::vector<Record> records_;
   bool isWhole_ = true;
+  // The number of bytes before the last part that was released, in whole steps.
+  mutable std::size_t released_ = 0;
 };
 
 // Joins the fields of a record into bytes.

@@ -17,6 +17,7 @@
 
 #include "files/writing/FileBatch.h"
 #include "files/writing/Journal.h"
+#include "files/writing/RecordFile.h"
 #include "files/writing/Repair.h"
 #include "files/writing/Restore.h"
 #include "tests/cli/ProgramRunner.h"
@@ -430,6 +431,34 @@ TEST_F(JournalTest, EachStepCountsItsFiles) {
   Journal journal(store_.folderOf(1));
   undoRun(journal, journal.pending(), always, onStep);
   EXPECT_EQ(steps, "v3v3v3r3r3r3");
+}
+
+// In KiB.
+long mappedFileMemory() {
+  std::ifstream status("/proc/self/status");
+  std::string word;
+  long size = 0;
+  while (status >> word && word != "RssFile:") continue;
+  status >> size;
+  return size;
+}
+
+TEST(RecordFile, ALargeFileIsNeverAllInMemory) {
+  constexpr int count = 10;
+  const Workspace space;
+  const std::string path = space.path() / "records";
+  RecordWriter writer(path);
+  for (int i = 0; i < count; ++i) {
+    writer.append(1, "fields", std::string(std::size_t{4} << 20U, static_cast<char>('a' + i)));
+  }
+  writer.flush();
+  const long before = mappedFileMemory();
+  const RecordFile file(path);
+  for (int i = 0; i < 2; ++i) EXPECT_TRUE(file.hasIntactData());
+  EXPECT_LT(mappedFileMemory() - before, 16 << 10);
+  for (int i = 0; i < count; ++i) {
+    EXPECT_EQ(file.records().at(static_cast<std::size_t>(i)).data.back(), 'a' + i);
+  }
 }
 
 TEST_F(JournalTest, ARunWithALockIsNotTreatedAsInterrupted) {
