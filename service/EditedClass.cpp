@@ -50,6 +50,24 @@ UpdateResult makeResult(const ClassActions& entry) {
   return result;
 }
 
+// `applyAll` applies the actions of the plan, and returns whether the update is complete.
+template <class ApplyAll>
+EditedClass editWith(const ApplyAll& applyAll, PlannedClass plan) {
+  EditedClass edited{std::move(plan), std::nullopt};
+  PlannedClass& planned = edited.planned;
+  // Without actions the text stays exactly the same: a SourceFile could remove the last line.
+  if (planned.actions.empty()) return edited;
+  edited.file.emplace(fl::ustring_view(*planned.oldText));
+  ActionApplier applier(&*edited.file, planned.result.fileName);
+  if (!applyAll(applier, *edited.file, planned)) {
+    edited.file.reset();
+    return edited;
+  }
+  edited.file->removeEmptiedLines();
+  planned.result.updated = true;
+  return edited;
+}
+
 }  // namespace
 
 PlannedClass planClass(ClassActions entry, const ServiceContext& context) {
@@ -68,45 +86,32 @@ PlannedClass planClass(ClassActions entry, const ServiceContext& context) {
 
 EditedClass editClass(ClassActions entry, const ServiceContext& context,
                       MissingDelimiterType missingDelimiter) {
-  EditedClass edited{planClass(std::move(entry), context), std::nullopt};
-  PlannedClass& planned = edited.planned;
-  // Without actions the text stays exactly the same: a SourceFile could remove the last line.
-  if (planned.actions.empty()) return edited;
-  edited.file.emplace(fl::ustring_view(*planned.oldText));
-  ActionApplier applier(&*edited.file, planned.result.fileName);
-  for (const PlannedAction& action : planned.actions) {
-    if (missingDelimiter == MissingDelimiterType::endsProcess) {
-      applier.apply(action);
-    } else if ((planned.missingDelimiter = applier.tryApply(action))) {
-      edited.file.reset();
-      return edited;
+  const auto applyAll = [&](ActionApplier& applier, const SourceFile&, PlannedClass& planned) {
+    for (const PlannedAction& action : planned.actions) {
+      if (missingDelimiter == MissingDelimiterType::endsProcess) {
+        applier.apply(action);
+      } else if ((planned.missingDelimiter = applier.tryApply(action))) {
+        return false;
+      }
     }
-  }
-  edited.file->removeEmptiedLines();
-  planned.result.updated = true;
-  return edited;
+    return true;
+  };
+  return editWith(applyAll, planClass(std::move(entry), context));
 }
 
 EditedClass editClassListingFaults(ClassActions entry, const ServiceContext& context) {
-  EditedClass edited{planClass(std::move(entry), context), std::nullopt};
-  PlannedClass& planned = edited.planned;
-  planned.listsFaults = true;
-  if (planned.actions.empty()) return edited;
-  edited.file.emplace(fl::ustring_view(*planned.oldText));
-  ActionApplier applier(&*edited.file, planned.result.fileName);
-  for (std::size_t i = 0; i < planned.actions.size(); ++i) {
-    for (PlannedEdit& edit : planned.actions[i].edits) adaptLineEnds(*edited.file, edit);
-    if (auto fault = applier.applyOrFault(planned.actions[i])) {
-      fault->action = i;
-      planned.faults.push_back(*fault);
+  const auto applyAll = [](ActionApplier& applier, const SourceFile& file, PlannedClass& planned) {
+    for (std::size_t i = 0; i < planned.actions.size(); ++i) {
+      for (PlannedEdit& edit : planned.actions[i].edits) adaptLineEnds(file, edit);
+      if (auto fault = applier.applyOrFault(planned.actions[i])) {
+        fault->action = i;
+        planned.faults.push_back(*fault);
+      }
     }
-  }
-  if (!planned.faults.empty()) {
-    edited.file.reset();
-    return edited;
-  }
-  edited.file->removeEmptiedLines();
-  planned.result.updated = true;
+    return planned.faults.empty();
+  };
+  EditedClass edited = editWith(applyAll, planClass(std::move(entry), context));
+  edited.planned.listsFaults = true;
   return edited;
 }
 

@@ -1,23 +1,11 @@
 // The part of an update in which the classes of the run see each other.
 #include "cli/terminal/Signals.h"
 #include "cli/update/UpdateRun.h"
-#include "reports/explanations/ProgramMessages.h"
+#include "reports/outcomes/Failures.h"
 #include "reports/outcomes/Phases.h"
 
 namespace soca::cli {
-namespace {
-
 using fl::timing::Phase;
-
-Failure makeUnsettledFailure(const std::string& className) {
-  Failure failure;
-  failure.className = className;
-  failure.id = "soca:NotSettled";
-  failure.message = programMessage(failure.id, {});
-  return failure;
-}
-
-}  // namespace
 
 void UpdateRun::startPasses() {
   if (options_->asService || (targets_.isOneClass() && !options_->includeSuperclasses)) return;
@@ -77,7 +65,7 @@ void UpdateRun::printSettled(const HeldClasses::Entry& entry) {
   if (isReached && options_->write) reachedEntries_.insert(entry.queued);
   if (isReached && passes_->restsOnUnsettled(entry.number)) {
     SingleUpdate update;
-    update.failure = makeUnsettledFailure(passes_->nameOf(entry.number));
+    update.failure = describeUnsettled();
     takeAgain(entry.number, update);
   }
   const auto failure = heldFailures_.find(entry.number);

@@ -264,7 +264,7 @@ void ClassUpdater::finishPlan(PlannedClass planned, const std::vector<PassView>*
                                         : makeOutcome(std::move(planned), views, single.passes);
   } catch (const NotSettled&) {
     single.scope = FailureScopeType::classOnly;
-    single.failure = makeFailure("soca:NotSettled", {});
+    single.failure = describeUnsettled();
   } catch (const ClassFault& fault) {
     single.scope = FailureScopeType::classOnly;
     single.failure = makeFailure(fault.id(), fault.arguments());

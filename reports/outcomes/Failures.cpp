@@ -72,6 +72,13 @@ void explainSafely(Failure& failure, const Explain& explain) {
 
 }  // namespace
 
+Failure describeUnsettled() {
+  Failure failure;
+  failure.id = "soca:NotSettled";
+  failure.message = programMessage(failure.id, {});
+  return failure;
+}
+
 Failure describeUnreadable(const fl::filesystem::ReadError& error) {
   const resource_core::BaseMsgID message = {
       {error.path()}, "VELUM:system:Analyzer", "CodeAnalyzerError"};

@@ -26,6 +26,10 @@ struct FailedCall {
 // The failure of a class that cannot be updated because a file cannot be read; without the class.
 Failure describeUnreadable(const fl::filesystem::ReadError& error);
 
+// That of a class whose passes come to no end, or that derives from such a class; without the
+// class.
+Failure describeUnsettled();
+
 // Describes a failure with the details that the program can find. Reads the files concerned again.
 class FailureDescriber {
  public:

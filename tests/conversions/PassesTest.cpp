@@ -263,6 +263,20 @@ TEST(Passes, PlacesAreInTheTextAsItWasRead) {
   EXPECT_EQ(converted.update.findings[0].newPlace.line, 10U);
 }
 
+TEST(Passes, AClassThatChangesTooOftenIsAFault) {
+  const TemporaryFolder folder;
+  folder.write("C.vlm", classWith(block(logical, "A = true;")));
+  PathDispatcher::getDispatcher().setClassPath({folder.path()});
+  const ChoiceLimits limits;
+  const auto makeAfter = [&](unsigned changes) {
+    auto planned = planUpdate(u"C", allFamilies, false, detailed);
+    ClassPasses passes(std::move(planned.front()), &limits, {}, {.changes = changes});
+    return passes.makePass();
+  };
+  EXPECT_TRUE(makeAfter(200));
+  EXPECT_THROW(makeAfter(300), NotSettled);
+}
+
 // Classes whose conversions are often on one line, or change what is a comment.
 std::string randomBody(std::mt19937& random) {
   const auto pick = [&](const std::vector<std::string>& some) {

@@ -263,6 +263,15 @@ TEST(RunPasses, LinesAreThoseOfTheFileThatIsThere) {
             std::string::npos)
       << written.err;
   EXPECT_EQ(read.out, space.read("C.vlm"));
+  // The first pass inserts a line before the rest of the line on which the second one begins.
+  space.write("C.vlm", classText("C", "velum.System",
+                                 "function f = isInputSizeLockedImpl(o, i)\nf = o.X;\n"
+                                 "end, function f = isInputComplexityLockedImpl(o, i)\n"
+                                 "f = isInputComplexityLockedImpl(o, i);\nend\n"));
+  const auto inserted = update(space, {"--write", "--risk=unsafe"});
+  EXPECT_NE(inserted.err.find("C.vlm:6: warning: Method 'isInputComplexityLockedImpl' was conv"),
+            std::string::npos)
+      << inserted.err << space.read("C.vlm");
 }
 
 }  // namespace
