@@ -30,7 +30,10 @@ ExitCodeType undo(RunNumber run, const Options& options, Console& console) {
 
 CommandResult runCommand(RunNumber run, const Options& options, Console& console) {
   // What was interrupted while it was written is not worth a test.
-  if (const auto interrupt = takeInterrupt()) return {"is not run", interrupt};
+  if (const auto interrupt = takeInterrupt()) {
+    catchInterrupts();
+    return {"is not run", interrupt};
+  }
   if (!options.quiet) console.tell(fmt::format("run {} is verified by '{}'", run, options.verify));
   console.flush();
   return runInShell(options.verify, options.format->isForPeople ? CommandOutputType::standardOutput

@@ -87,10 +87,17 @@ CommandResult waitFor(pid_t process) {
 CommandResult runInShell(const std::string& command, CommandOutputType output) {
   // If it is ignored, the end of the command is lost.
   std::signal(SIGCHLD, SIG_DFL);
+  catchRepeatedInterrupts();
   pid_t process = 0;
   const int error = SpawnSettings(output).start(command, process);
-  if (error != 0) return {describeError("started", error), {}};
-  return waitFor(process);
+  CommandResult result;
+  if (error == 0) {
+    result = waitFor(process);
+  } else {
+    result.failure = describeError("started", error);
+  }
+  catchInterrupts();
+  return result;
 }
 
 }  // namespace soca::cli

@@ -29,12 +29,18 @@ void catchSignal(int signal, unsigned flags) {
   sigaction(signal, &action, nullptr);
 }
 
+void catchAll(unsigned flags) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) catchSignal(signal, flags);
+}
+
 }  // namespace
 
 void catchInterrupts() {
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) catchSignal(signal, SA_RESETHAND);
+  catchAll(SA_RESETHAND);
   std::signal(SIGXFSZ, SIG_IGN);
 }
+
+void catchRepeatedInterrupts() { catchAll(0); }
 
 // All later writes to the pipe fail, too.
 void catchBrokenPipes() { catchSignal(SIGPIPE, 0); }
@@ -46,10 +52,7 @@ ExitCodeType interruptExitCode() { return ExitCodeType{firstSignalCode + caughtS
 std::optional<Interrupt> takeInterrupt() {
   const Interrupt interrupt = {caughtSignal, isFromProcess};
   if (interrupt.signal == 0) return std::nullopt;
-  if (interrupt.signal != SIGPIPE) {
-    caughtSignal = 0;
-    catchInterrupts();
-  }
+  if (interrupt.signal != SIGPIPE) caughtSignal = 0;
   return interrupt;
 }
 

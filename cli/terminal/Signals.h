@@ -12,6 +12,10 @@ namespace soca::cli {
 // Exceeding the limit of the file size becomes an error of the write instead of a signal.
 void catchInterrupts();
 
+// The same for the time in which a command of the user handles the signals: none of them ends the
+// process, however often it comes.
+void catchRepeatedInterrupts();
+
 // After this a closed reader of the output is recorded like an interrupt. Otherwise it ends the
 // process immediately, which is right as long as there is nothing to clean up.
 void catchBrokenPipes();
@@ -29,8 +33,9 @@ struct Interrupt {
   bool isFromProcess = false;
 };
 
-// Returns the first received signal and forgets it, for work that must follow an interrupt: the
-// next signal is recorded in its place. Only a closed reader stays recorded, since it stays closed.
+// Returns the first received signal and forgets it, for work that must follow an interrupt; the
+// next one is recorded in its place if it is caught. A closed reader stays recorded, since it stays
+// closed.
 std::optional<Interrupt> takeInterrupt();
 
 // The exit code for the signal.

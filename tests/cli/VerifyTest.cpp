@@ -111,6 +111,8 @@ TEST(Verify, WithoutAWrittenFileNothingIsRun) {
 TEST(Verify, ACommandThatCannotBeStartedFails) {
   const auto result = cli::runInShell("true", cli::CommandOutputType::standardOutput);
   EXPECT_EQ(result.failure, "can't be started: Resource temporarily unavailable");
+  // For the programs that other tests start.
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGXFSZ}) std::signal(signal, SIG_DFL);
 }
 
 TEST(Verify, TheCommandHasItsOwnStreamsAndSignals) {
