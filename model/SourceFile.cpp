@@ -23,12 +23,6 @@ bool has(const Line& line, std::uint64_t flag) { return (line.flags & flag) != 0
 
 bool isBlank(const Line& line) { return line.text.find_first_not_of(blanks) == fl::ustring::npos; }
 
-bool isBareContinuation(const Line& line) {
-  const std::size_t first = line.text.find_first_not_of(blanks);
-  return first != fl::ustring::npos &&
-         line.text.compare(first, continuation.size(), continuation) == 0;
-}
-
 void markDeleted(Line& line) {
   line.text = {};
   line.flags &= ~(SourceFile::LineNoNewline | SourceFile::LineModified);
@@ -202,10 +196,15 @@ void SourceFile::closeGapBehind(const Extent& extent) {
   if (isBlank(before) && isBlank(after)) markDeleted(after);
 }
 
+bool SourceFile::isEmptied(fl::ustring_view text) {
+  const std::size_t first = text.find_first_not_of(blanks);
+  return first == fl::ustring::npos || text.substr(first).starts_with(continuation);
+}
+
 void SourceFile::removeEmptiedLines() {
   for (Line& line : lines_) {
     if (!has(line, LineModified)) continue;
-    if (isBlank(line) || isBareContinuation(line)) markDeleted(line);
+    if (isEmptied(line.text)) markDeleted(line);
   }
   // A line whose next line was deleted gets its line end back.
   for (std::size_t i = 0; i + 1 < lines_.size(); ++i) {

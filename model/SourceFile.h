@@ -75,9 +75,15 @@ class SourceFile {
   // other character ends the process.
   SourcePosition movePastDelimiter(SourcePosition position, const fl::ustring& delimiters) const;
 
+  // The end of what `replace` replaces with these options and an extent with this end. Ends the
+  // process like it.
+  SourcePosition endWithDelimiters(SourcePosition end, std::uint64_t options) const;
+
   // Removes the lines that edits left blank or with only a continuation. The last line is always
   // treated as edited.
   void removeEmptiedLines();
+  // Whether an edited line with this text is removed.
+  static bool isEmptied(fl::ustring_view text);
 
   std::uint64_t getNumberOfLines() const { return lines_.size(); }
   const std::vector<Line>& getLines() const { return lines_; }
@@ -90,7 +96,6 @@ class SourceFile {
   DelimiterSearch searchDelimiter(SourcePosition position, fl::ustring_view delimiters) const;
   // The line that continues `line` after a continuation.
   std::uint64_t lineBehindContinuation(std::uint64_t line) const;
-  SourcePosition endWithDelimiters(SourcePosition end, std::uint64_t options) const;
   // Removes the part of the extent after its first line.
   void cutFollowingLines(const Extent& extent);
   void closeGapBehind(const Extent& extent);

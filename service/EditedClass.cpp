@@ -6,6 +6,7 @@
 
 #include "diagnostics/Findings.h"
 #include "service/ActionApplier.h"
+#include "service/LineEnds.h"
 
 namespace soca {
 namespace {
@@ -23,22 +24,6 @@ std::vector<PlannedAction> takeActions(ClassActions& entry,
     }
   }
   return actions;
-}
-
-bool hasCarriageReturn(const SourceFile& file, std::uint64_t line) {
-  const auto& lines = file.getLines();
-  // The last line has no line end of its own.
-  if (line > 0 && line + 1 >= lines.size()) line = lines.size() - 2;
-  return line < lines.size() && lines[line].text.ends_with(u'\r');
-}
-
-// Gives the lines that an edit inserts the line end of the line at which it begins.
-void adaptLineEnds(const SourceFile& file, PlannedEdit& edit) {
-  std::size_t end = edit.text.find(u'\n');
-  if (end == fl::ustring::npos || !hasCarriageReturn(file, edit.extent.start.line)) return;
-  for (; end != fl::ustring::npos; end = edit.text.find(u'\n', end + 1)) {
-    if (end == 0 || edit.text[end - 1] != u'\r') edit.text.insert(end++, 1, u'\r');
-  }
 }
 
 UpdateResult makeResult(const ClassActions& entry) {
@@ -101,8 +86,9 @@ EditedClass editClass(ClassActions entry, const ServiceContext& context,
 
 EditedClass editClassListingFaults(ClassActions entry, const ServiceContext& context) {
   const auto applyAll = [](ActionApplier& applier, const SourceFile& file, PlannedClass& planned) {
+    adaptInsertedLineEnds(file, planned.actions);
+    keepCarriageReturns(file, planned.actions);
     for (std::size_t i = 0; i < planned.actions.size(); ++i) {
-      for (PlannedEdit& edit : planned.actions[i].edits) adaptLineEnds(file, edit);
       if (auto fault = applier.applyOrFault(planned.actions[i])) {
         fault->action = i;
         planned.faults.push_back(*fault);

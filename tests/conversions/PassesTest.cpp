@@ -244,6 +244,57 @@ TEST(Passes, FewFailuresAreFoundAmongMany) {
   EXPECT_EQ(std::ranges::count_if(converted.update.conversions, isOfFirstPass), 990);
 }
 
+// With the line ends of all lines but the one with this number.
+std::string withReturns(const std::string& text, std::size_t other) {
+  std::string result;
+  std::size_t line = 0;
+  for (const char each : text) {
+    if (each == '\n' && line++ != other) result += '\r';
+    result += each;
+  }
+  return result;
+}
+
+TEST(Passes, LinesEndLikeTheirNeighbours) {
+  const std::string methods = "methods (Access = protected)";
+  const std::string set = "velum.system.StringSet({'a', ...\n'b'";
+  const std::string list = "classdef C < velum.System & ...\n  velum.system.mixin.";
+  const std::pair<const char*, std::string> rows[] = {
+      {"a negation at returns and at the end",
+       classWith(block(methods, method("isInputSizeLockedImpl", "i; % a\rb\nif i, return, end")))},
+      {"a list of superclasses on two lines", list + "Propagates\nend\n"},
+      {"a list on three lines, with a comment after it",
+       list + "Propagates & ... x\nvelum.system.mixin.SampleTime % y\nend\n"},
+      {"a companion on two lines after another property",
+       classWith(block("properties", "A = 'a'\nB = 1; ASet = " + set + "})"))},
+      {"a companion on three lines, with a property after it",
+       classWith(block("properties", "A = 'a'\nB = 1; ASet = " + set + " ...\n}); D = 1"))},
+      {"a companion without a delimiter",
+       classWith(block("properties", "A = 'a'\nB = 1; ASet = " + set + "})  \nend\nproperties"))},
+      {"a block after another one",
+       classWith("properties\nA = 'a'\nend, " +
+                 block("properties (Hidden)", "ASet = " + set + "})"))},
+      {"a method after the opening of its block",
+       classWith(methods + ", " + method("isOutputSizeLockedImpl") + "end\n")},
+  };
+  constexpr std::size_t none = std::string::npos;
+  const auto convert = [](const std::string& text) {
+    return to_string(*ConvertedClass(text, limitsOf(RiskType::unsafe)).text);
+  };
+  for (const auto& [shows, text] : rows) {
+    const std::string plain = convert(text);
+    EXPECT_NE(plain, text) << shows;
+    EXPECT_EQ(convert(withReturns(text, none)), withReturns(plain, none)) << shows;
+    // One line ends in another way, and the last one has no line end.
+    for (std::ptrdiff_t line = std::ranges::count(text, '\n') - 2; line >= 0; --line) {
+      std::string mixed = withReturns(text, static_cast<std::size_t>(line));
+      std::string result = convert(mixed.substr(0, mixed.size() - 2)) + "\r\n";
+      for (std::size_t at = 0; (at = result.find("\r\n", at)) != none;) result.erase(at, 1);
+      EXPECT_EQ(result, plain) << shows << ", line " << line;
+    }
+  }
+}
+
 // The first pass deletes lines before all others.
 TEST(Passes, PlacesAreInTheTextAsItWasRead) {
   const ConvertedClass converted(
