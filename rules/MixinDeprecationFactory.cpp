@@ -84,21 +84,22 @@ bool needsSystemBase(const SuperClasses& superClasses, const MetaDataInterface& 
   });
 }
 
-// The remaining names, with the system base in place of the first mixin if it is needed.
+}  // namespace
+
 std::vector<fl::ustring> newSuperClassNames(const SuperClasses& superClasses,
-                                            bool isSystemBaseNeeded) {
+                                            const MetaDataInterface& metaData) {
+  bool isSystemBaseNeeded = needsSystemBase(superClasses, metaData);
   std::vector<fl::ustring> names;
   for (const SuperClassReference& superClass : superClasses) {
     if (!isDeprecated(superClass)) {
       names.push_back(superClass.name);
-    } else if (std::exchange(isSystemBaseNeeded, false)) {
-      names.emplace_back(systemBase);
+    } else {
+      names.emplace_back(std::exchange(isSystemBaseNeeded, false) ? systemBase
+                                                                  : fl::ustring_view());
     }
   }
   return names;
 }
-
-}  // namespace
 
 std::unique_ptr<AbstractActionFactory> makeMixinDeprecationFactory(MetaDataInterface* metaData) {
   return std::make_unique<MixinDeprecationFactory>(metaData);
@@ -111,7 +112,8 @@ RuleResult MixinDeprecationFactory::createActions(const AnalyzedClass& analyzedC
   if (std::ranges::none_of(superClasses, isDeprecated)) return result;
   const std::size_t conversion = result.addConversion({.kind = ConversionKindType::mixins});
   if (!choice.isMade(conversion)) return result;
-  auto names = newSuperClassNames(superClasses, needsSystemBase(superClasses, *metaData_));
+  auto names = newSuperClassNames(superClasses, *metaData_);
+  std::erase(names, fl::ustring());
   result.addAction(std::make_unique<RewriteSuperClasses>(&superClasses.front(),
                                                          &superClasses.back(), std::move(names)),
                    conversion);

@@ -1,10 +1,19 @@
 // The rule family for deprecated mixin superclasses.
 #pragma once
 
+#include <vector>
+
 #include "metadata/MetaDataInterface.h"
+#include "model/ClassDefinition.h"
+#include "platform/text/UString.h"
 #include "rules/AbstractActionFactory.h"
 
 namespace soca {
+
+// The name of each superclass after the update: its own, that of the system base in place of the
+// first mixin if the class needs it, or empty for one that is deleted.
+std::vector<fl::ustring> newSuperClassNames(const std::vector<SuperClassReference>& superClasses,
+                                            const MetaDataInterface& metaData);
 
 // Removes the deprecated mixins from the superclass list. If no other superclass makes the class a
 // System object, the system base replaces the first mixin:

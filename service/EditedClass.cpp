@@ -7,6 +7,7 @@
 #include "diagnostics/Findings.h"
 #include "service/ActionApplier.h"
 #include "service/LineEnds.h"
+#include "service/TidyEdits.h"
 
 namespace soca {
 namespace {
@@ -55,7 +56,7 @@ EditedClass editWith(const ApplyAll& applyAll, PlannedClass plan) {
 
 }  // namespace
 
-PlannedClass planClass(ClassActions entry, const ServiceContext& context) {
+PlannedClass planClass(ClassActions&& entry, const ServiceContext& context) {
   PlannedClass planned;
   planned.result = makeResult(entry);
   planned.mask = context.mask;
@@ -84,9 +85,12 @@ EditedClass editClass(ClassActions entry, const ServiceContext& context,
   return editWith(applyAll, planClass(std::move(entry), context));
 }
 
-EditedClass editClassListingFaults(ClassActions entry, const ServiceContext& context) {
-  const auto applyAll = [](ActionApplier& applier, const SourceFile& file, PlannedClass& planned) {
+EditedClass editClassListingFaults(ClassActions entry, const ServiceContext& context,
+                                   EditStyleType style) {
+  const auto& definition = *entry.analyzedClass->definition;
+  const auto applyAll = [&](ActionApplier& applier, const SourceFile& file, PlannedClass& planned) {
     adaptInsertedLineEnds(file, planned.actions);
+    if (style == EditStyleType::tidy) tidyEdits(definition, *context.metaData, file, planned);
     keepCarriageReturns(file, planned.actions);
     for (std::size_t i = 0; i < planned.actions.size(); ++i) {
       if (auto fault = applier.applyOrFault(planned.actions[i])) {
@@ -96,9 +100,10 @@ EditedClass editClassListingFaults(ClassActions entry, const ServiceContext& con
     }
     return planned.faults.empty();
   };
-  EditedClass edited = editWith(applyAll, planClass(std::move(entry), context));
-  edited.planned.listsFaults = true;
-  return edited;
+  PlannedClass plan = planClass(std::move(entry), context);
+  plan.listsFaults = true;
+  plan.isTidy = style == EditStyleType::tidy;
+  return editWith(applyAll, std::move(plan));
 }
 
 }  // namespace soca

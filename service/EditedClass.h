@@ -13,6 +13,9 @@ namespace soca {
 // The effect of an edit with a missing delimiter.
 enum class MissingDelimiterType { endsProcess, stopsUpdate };
 
+// How edits leave the text: as the service does, or tidy (see TidyEdits.h).
+enum class EditStyleType { ofService, tidy };
+
 struct EditedClass {
   PlannedClass planned;
   // The lines after the edits; empty if the class has no actions, or if the update stopped.
@@ -20,7 +23,8 @@ struct EditedClass {
 };
 
 // The plan of the class without applying its actions. `context` is that of their collection.
-PlannedClass planClass(ClassActions entry, const ServiceContext& context);
+// Takes all but the class itself out of the entry.
+PlannedClass planClass(ClassActions&& entry, const ServiceContext& context);
 
 // The same with all actions applied. Throws the exceptions of ActionApplier.
 EditedClass editClass(ClassActions entry, const ServiceContext& context,
@@ -28,6 +32,7 @@ EditedClass editClass(ClassActions entry, const ServiceContext& context,
 
 // The same for a client that decides each conversion: lists the actions that cannot be applied,
 // with any of which there are no lines, and ends inserted lines like their neighbours.
-EditedClass editClassListingFaults(ClassActions entry, const ServiceContext& context);
+EditedClass editClassListingFaults(ClassActions entry, const ServiceContext& context,
+                                   EditStyleType style);
 
 }  // namespace soca

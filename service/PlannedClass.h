@@ -87,6 +87,8 @@ struct PlannedClass {
   // class with faults has no new text.
   bool listsFaults = false;
   std::vector<EditFault> faults;
+  // Whether tidy edits were requested.
+  bool isTidy = false;
 
   // The text of the result: the new text if there is one, otherwise the old one.
   fl::ustring_view text() const { return newText ? *newText : *oldText; }

@@ -26,8 +26,9 @@ void takeEach(const fl::ustring& className, const ServiceContext& context, bool 
 
 PlannedClass finishPlan(ClassActions entry, const ServiceContext& context,
                         const PlanOptions& options) {
+  const auto style = options.isTidy ? EditStyleType::tidy : EditStyleType::ofService;
   EditedClass update =
-      options.listFaults ? editClassListingFaults(std::move(entry), context)
+      options.listFaults ? editClassListingFaults(std::move(entry), context, style)
                          : editClass(std::move(entry), context, MissingDelimiterType::stopsUpdate);
   PlannedClass planned = std::move(update.planned);
   if (!update.file) return planned;
@@ -77,7 +78,10 @@ PlannedClass planConversions(const PlannedClass& planned, const std::vector<bool
   const ServiceContext context(planned.mask);
   ClassActions entry = collectClassActions(reloadClass(planned, *context.metaData),
                                            context.factories, ConversionChoice(&made));
-  return finishPlan(std::move(entry), context, options);
+  PlanOptions all = options;
+  all.listFaults |= planned.listsFaults;
+  all.isTidy |= planned.isTidy;
+  return finishPlan(std::move(entry), context, all);
 }
 
 ClassPlan planClassOnce(const fl::ustring& className, const UpdateMask& mask,

@@ -20,6 +20,8 @@ struct PlanOptions {
   // Actions that cannot be applied are listed in the plan, in place of an exception for the first;
   // and inserted lines end like their neighbours, which those of the service do not.
   bool listFaults = false;
+  // Edits that leave the text tidy, which those of the service do not. Only if faults are listed.
+  bool isTidy = false;
 };
 
 // The classes and results of `Updater::update` with the same arguments; throws the same exceptions.
@@ -33,7 +35,8 @@ std::vector<PlannedClass> planActions(const fl::ustring& className, const Update
 
 // Plans the class again with only those conversions whose index has `true` in `made`, and the
 // findings that result. Does not read or analyse the file again. With all conversions, the result
-// and the exceptions are those of `planUpdate`; with none, the text does not change.
+// and the exceptions are those of `planUpdate`; with none, the text does not change. Lists faults,
+// and makes tidy edits, if `planned` does.
 PlannedClass planConversions(const PlannedClass& planned, const std::vector<bool>& made,
                              const PlanOptions& options = {});
 

@@ -105,6 +105,7 @@ void checkDecisions(const Options& options) {
   if (!options.rules.hasWholeFamilies()) {
     refuse("--rules with a kind", "the service takes families; name these alone");
   }
+  if (options.tidy) refuse("--tidy", "the edits are those of the service");
   if (options.summary) refuse("--summary", "add -q instead");
   if (options.groupBy) refuse("--group-by", "the service leaves no conversion out");
 }

@@ -85,6 +85,14 @@ std::vector<OptionRow> makeOptions() {
        "person should look at it. The result of an unsafe one is known or likely to be wrong. What "
        "has a higher risk is left out, and listed with the reason.",
        readRisk, riskWords()},
+      {"--tidy",
+       "",
+       forUpdate,
+       "leave the edited places tidy",
+       "No edit leaves a blank at the end of a line, a deleted method takes a comment along that "
+       "only repeats its name, and a list of superclasses over several lines keeps its form.",
+       &Options::tidy,
+       {}},
       {"-s,--superclasses",
        "",
        forUpdate | bitOf(CommandType::actions),

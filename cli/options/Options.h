@@ -39,6 +39,8 @@ struct Options {
   bool check = false;
   // The command that verifies what was written; empty for none.
   std::string verify;
+  // Whether edits leave the texts tidy, unlike those of the service.
+  bool tidy = false;
   // Whether files that git could not restore may be changed.
   bool allowDirty = false;
   // Whether a folder includes what git ignores, and links to folders.

@@ -84,6 +84,7 @@ UpdateRequest requestOf(const Options& options, const ReportOptions& report,
   UpdateRequest request;
   request.limits = {options.highestRisk(), options.rules};
   request.asService = options.asService;
+  request.isTidy = options.tidy;
   request.needs = options.format->needs(report);
   request.needs.diff = false;
   request.needs.newBytes = options.format->isForPeople && !options.check;

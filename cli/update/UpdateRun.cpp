@@ -30,6 +30,7 @@ UpdateRequest requestOf(const Options& options, const ReportOptions& report, boo
   request.limits = {options.highestRisk(), options.rules};
   request.includeSuperclasses = options.includeSuperclasses;
   request.asService = options.asService;
+  request.isTidy = options.tidy;
   request.needs = options.format->needs(report);
   request.needs.newBytes = options.write;
   request.needs.facts = isOfSeveral && !options.asService;

@@ -25,7 +25,9 @@ namespace {
 using fl::filesystem::OverlayScope;
 using fl::i18n::to_string;
 
-constexpr PlanOptions detailed{.keepLines = true, .listFaults = true};
+PlanOptions optionsOf(const PlannedClass& planned) {
+  return {.keepLines = true, .listFaults = true, .isTidy = planned.isTidy};
+}
 
 fl::ustring memberOf(const RuleConversion& conversion) {
   if (conversion.method != nullptr) return conversion.method->name->text.getText();
@@ -112,7 +114,8 @@ bool ClassPasses::makePass(unsigned pass, const std::vector<MethodUse>& uses) {
 
 bool ClassPasses::planNext() {
   const OverlayScope overlay(file_, text_);
-  ClassPlan plan = planClassOnce(planned_.result.className, planned_.mask, false, detailed);
+  ClassPlan plan =
+      planClassOnce(planned_.result.className, planned_.mask, false, optionsOf(planned_));
   ca::forgetLastAnalysis();
   if (plan.failure) {
     try {
@@ -152,7 +155,8 @@ void ClassPasses::planAgain() {
   std::optional<OverlayScope> overlay;
   if (isChanged()) overlay.emplace(file_, text_);
   const PlannedClass spent = std::move(planned_);
-  planned_ = std::move(planUpdate(spent.result.className, spent.mask, false, detailed).front());
+  planned_ =
+      std::move(planUpdate(spent.result.className, spent.mask, false, optionsOf(spent)).front());
 }
 
 std::vector<ConversionRisk> ClassPasses::judge(const std::vector<MethodUse>& uses) const {

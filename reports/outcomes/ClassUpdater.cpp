@@ -234,7 +234,8 @@ SingleUpdate ClassUpdater::update(const std::string& className,
     const Phase phase(rulesPhase);
     ClassPlan plan = planClassOnce(to_ustring(className), families(), request_.includeSuperclasses,
                                    {.keepLines = !request_.asService || request_.needs.edits,
-                                    .listFaults = !request_.asService});
+                                    .listFaults = !request_.asService,
+                                    .isTidy = request_.isTidy});
     for (const fl::ustring& name : plan.superClassNames) {
       single.superClasses.push_back(to_string(name));
     }

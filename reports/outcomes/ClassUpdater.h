@@ -44,6 +44,8 @@ struct UpdateRequest {
   // Whether the program leaves all decisions to the service, which makes all conversions of a class
   // or none.
   bool asService = false;
+  // Whether the edits leave the texts tidy; not as the service.
+  bool isTidy = false;
   OutcomeNeeds needs;
   // The file with an overlay text of this thread, which is not read from the disk. Null for none.
   const fl::filesystem::FileState* overlaidFile = nullptr;

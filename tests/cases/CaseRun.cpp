@@ -63,6 +63,7 @@ struct Options {
   fl::ustring className;
   UpdateMask mask = allFamilies;
   bool includeSuperclasses = false;
+  bool isTidy = false;
 };
 
 // The options of the case; the default class is that of the first file.
@@ -85,6 +86,8 @@ Options optionsOf(const Case& testCase) {
       in >> options.mask;
     } else if (word == "superclasses") {
       options.includeSuperclasses = true;
+    } else if (word == "tidy") {
+      options.isTidy = true;
     } else {
       ADD_FAILURE() << "unknown option: " << word;
     }
@@ -145,6 +148,20 @@ void addResults(const std::vector<UpdateResult>& results, const CaseFolder& fold
       outcome.sections["messages"] += prefix + to_string(message) + "\n";
     }
   }
+}
+
+// The service makes no tidy edits, so only a plan has them.
+void planTidily(const Options& options, const CaseFolder& folder, const Case& testCase,
+                CaseOutcome& outcome) {
+  std::vector<UpdateResult> results;
+  for (const PlannedClass& planned :
+       planUpdate(options.className, options.mask, options.includeSuperclasses,
+                  {.listFaults = true, .isTidy = true})) {
+    EXPECT_TRUE(planned.faults.empty());
+    results.push_back(planned.result);
+    results.back().text = planned.text();
+  }
+  addResults(results, folder, testCase, outcome);
 }
 
 // Runs the update. If the service would end the process, makes only the plan.
@@ -226,7 +243,11 @@ CaseOutcome runCase(const Case& testCase) {
   const Options options = optionsOf(testCase);
   UpdaterImpl updater;
   CaseOutcome outcome;
-  update(options, folder, testCase, outcome);
+  if (options.isTidy) {
+    planTidily(options, folder, testCase, outcome);
+  } else {
+    update(options, folder, testCase, outcome);
+  }
   report(
       "actions", testCase, folder,
       [&] { return updater.reportActions(options.className, options.includeSuperclasses); },

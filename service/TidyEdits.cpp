@@ -1,0 +1,209 @@
+#include "service/TidyEdits.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <unordered_map>
+#include <vector>
+
+#include "rules/MethodRules.h"
+#include "rules/MixinDeprecationFactory.h"
+#include "service/LineEnds.h"
+
+namespace soca {
+namespace {
+
+constexpr fl::ustring_view blanks = u"\t\v\f\r ";
+constexpr fl::ustring_view continuation = u"...";
+
+fl::ustring_view withoutBlanks(fl::ustring_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+  return text.substr(0, text.find_last_not_of(blanks) + 1);
+}
+
+// Whether the text, without the blanks around it, is a comment with no other word than the name:
+//
+//   % f   %% f   % --- f() ---
+bool isCommentOf(fl::ustring_view name, fl::ustring_view text) {
+  constexpr fl::ustring_view ornaments = u"%-=*#+~.:|/<>() \t";
+  text = withoutBlanks(text);
+  if (!text.starts_with(u'%')) return false;
+  text.remove_prefix(std::min(text.find_first_not_of(ornaments), text.size()));
+  if (!text.starts_with(name)) return false;
+  return text.find_first_not_of(ornaments, name.size()) == fl::ustring_view::npos;
+}
+
+// The new superclass list in the form of the old one: between two names that stay is what was
+// between them, up to the first line end.
+class ListForm {
+ public:
+  ListForm(const std::vector<SuperClassReference>* superClasses, const SourceFile* file)
+      : superClasses_(*superClasses), file_(*file) {}
+
+  bool isWrapped() const {
+    return superClasses_.front().extent.start.line < superClasses_.back().extent.end.line;
+  }
+
+  // `names` has the new name of each superclass; empty for one that is deleted.
+  fl::ustring makeText(const std::vector<fl::ustring>& names) const {
+    fl::ustring text;
+    std::size_t last = names.size();
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      if (names[i].empty()) continue;
+      if (last < names.size()) text += separator(last, i);
+      text += names[i];
+      last = i;
+    }
+    return text;
+  }
+
+ private:
+  // The text after one of the names up to the next.
+  fl::ustring textAfter(std::size_t index) const {
+    const SourcePosition& start = superClasses_[index].extent.end;
+    const SourcePosition& end = superClasses_[index + 1].extent.start;
+    fl::ustring text;
+    for (std::uint64_t line = start.line; line <= end.line; ++line) {
+      fl::ustring_view part = file_.getLines()[line].text;
+      if (line == end.line) part = part.substr(0, end.column);
+      if (line == start.line) part.remove_prefix(start.column);
+      text.append(line > start.line ? u"\n" : u"").append(part);
+    }
+    return text;
+  }
+
+  fl::ustring separator(std::size_t from, std::size_t to) const {
+    for (std::size_t i = from; i < to; ++i) {
+      fl::ustring text = textAfter(i);
+      if (text.find(u'\n') != fl::ustring::npos) return text;
+    }
+    return textAfter(from);
+  }
+
+  const std::vector<SuperClassReference>& superClasses_;
+  const SourceFile& file_;
+};
+
+class EditTidier {
+ public:
+  EditTidier(const SourceFile* file, PlannedClass* planned) : file_(*file), planned_(*planned) {
+    for (const PlannedAction& action : planned_.actions) {
+      for (const PlannedEdit& edit : action.edits) countLines(edit);
+    }
+  }
+
+  void keepListForm(const ClassDefinition& definition, const MetaDataInterface& metaData) {
+    const auto mixins =
+        std::ranges::find(planned_.actions, RuleFamilyType::mixins, &PlannedAction::family);
+    if (mixins == planned_.actions.end()) return;
+    const auto& superClasses = definition.getSuperClasses();
+    const ListForm form(&superClasses, &file_);
+    if (!form.isWrapped()) return;
+    PlannedEdit& edit = mixins->edits.front();
+    edit.text = form.makeText(newSuperClassNames(superClasses, metaData));
+    takeRestOfLine(edit);
+  }
+
+  void tidyDeletions() {
+    for (std::size_t i = 0; i < planned_.actions.size(); ++i) {
+      PlannedAction& action = planned_.actions[i];
+      if (action.edits.size() == 1) tidyDeletion(deletedMethodOf(i), action);
+    }
+  }
+
+ private:
+  void countLines(const PlannedEdit& edit) {
+    const auto replaced = findReplaced(file_, edit);
+    if (!replaced) return;
+    ++editsOfLine_[replaced->start.line];
+    if (replaced->end.line > replaced->start.line) ++editsOfLine_[replaced->end.line];
+  }
+
+  // After an edit over three lines, the rest would be on a line of its own.
+  void takeRestOfLine(PlannedEdit& edit) const {
+    SourcePosition& end = edit.extent.end;
+    const fl::ustring_view rest = textOf(end.line).substr(end.column);
+    const std::size_t kept = rest.find_last_not_of(blanks) + 1;
+    edit.text += rest.substr(0, kept);
+    end.column += kept;
+  }
+
+  fl::ustring_view textOf(std::uint64_t line) const { return file_.getLines()[line].text; }
+
+  // The name of the method that the action deletes; empty for other actions.
+  fl::ustring_view deletedMethodOf(std::size_t action) const {
+    const RuleConversion& owner =
+        planned_.conversions[planned_.ownersOf(action).front().conversion];
+    const bool isDeletion = owner.method != nullptr && owner.newName.empty();
+    return isDeletion ? owner.method->name->text.view() : fl::ustring_view();
+  }
+
+  // An earlier pass may have renamed the method.
+  static bool isCommentOfMethod(fl::ustring_view method, fl::ustring_view text) {
+    if (method.empty()) return false;
+    const fl::ustring_view oldName = oldNameOf(method);
+    return isCommentOf(method, text) || (!oldName.empty() && isCommentOf(oldName, text));
+  }
+
+  // Deletes blanks and comments around what the only edit of the action deletes.
+  void tidyDeletion(fl::ustring_view method, PlannedAction& action) {
+    const auto replaced = findReplaced(file_, action.edits.front());
+    if (!replaced || !action.edits.front().text.empty() || replaced->start == replaced->end) return;
+    const auto& [start, end] = *replaced;
+    if (editsOfLine_.at(start.line) > 1 || editsOfLine_.at(end.line) > 1) return;
+    const fl::ustring_view before = withoutBlanks(textOf(start.line).substr(0, start.column));
+    if (before.empty()) removeCommentAbove(method, start.line, action);
+    trim(method, *replaced, action);
+  }
+
+  // Edits of one line are made from right to left.
+  void trim(fl::ustring_view method, const Extent& replaced, PlannedAction& action) {
+    const auto& [start, end] = replaced;
+    const fl::ustring_view last = textOf(end.line);
+    const fl::ustring_view rest = withoutBlanks(last.substr(end.column));
+    const bool losesComment = isCommentOfMethod(method, rest);
+    const fl::ustring_view first = textOf(start.line).substr(0, start.column);
+    const std::size_t kept = first.find_last_not_of(blanks) + 1;
+    const bool isAtLineEnd = rest.empty() || losesComment || endsFirstLine(file_, replaced);
+    const bool isLineKept = kept > 0;
+    const std::size_t lineEnd = last.size() - (last.ends_with(u'\r') ? 1 : 0);
+    const bool isSingleLine = start.line == end.line;
+    if (losesComment || (rest.empty() && isSingleLine && isLineKept)) {
+      addDeletion({end, {end.line, std::max<std::uint64_t>(lineEnd, end.column)}},
+                  action.edits.begin(), action);
+    }
+    if (isAtLineEnd && isLineKept) {
+      addDeletion({{start.line, kept}, start}, action.edits.end(), action);
+    }
+  }
+
+  // The line must be a comment even without the line above it.
+  void removeCommentAbove(fl::ustring_view method, std::uint64_t line, PlannedAction& action) {
+    if (line == 0 || !isCommentOfMethod(method, textOf(line - 1))) return;
+    const bool mayContinue =
+        line > 1 && textOf(line - 2).find(continuation) != fl::ustring_view::npos;
+    if (mayContinue || editsOfLine_.contains(line - 1)) return;
+    addDeletion({{line - 1, 0}, {line - 1, textOf(line - 1).size()}}, action.edits.end(), action);
+  }
+
+  static void addDeletion(const Extent& extent, std::vector<PlannedEdit>::iterator place,
+                          PlannedAction& action) {
+    if (extent.start != extent.end) action.edits.insert(place, {extent, u"", 0});
+  }
+
+  const SourceFile& file_;
+  PlannedClass& planned_;
+  // The number of edits that begin or end on each line.
+  std::unordered_map<std::uint64_t, std::size_t> editsOfLine_;
+};
+
+}  // namespace
+
+void tidyEdits(const ClassDefinition& definition, const MetaDataInterface& metaData,
+               const SourceFile& file, PlannedClass& planned) {
+  EditTidier tidier(&file, &planned);
+  tidier.keepListForm(definition, metaData);
+  tidier.tidyDeletions();
+}
+
+}  // namespace soca
