@@ -70,7 +70,8 @@ class FolderCheck {
  public:
   FolderCheck(std::uint64_t firstSeed, std::uint64_t count)
       : files_(makeFiles(firstSeed, count)),
-        risk_(firstSeed / count % 2 == 0 ? "review" : "unsafe") {
+        risk_(firstSeed / count % 2 == 0 ? "review" : "unsafe"),
+        isTidy_(firstSeed / count % 3 == 0) {
     for (const auto& [name, text] : files_) space_.write(name, text);
   }
 
@@ -92,6 +93,7 @@ class FolderCheck {
  private:
   ProgramResult update(const std::vector<std::string>& options, unsigned jobs) const {
     std::vector<std::string> arguments = {"update", "--risk", risk_, "-j", std::to_string(jobs)};
+    if (isTidy_) arguments.emplace_back("--tidy");
     arguments.insert(arguments.end(), options.begin(), options.end());
     return space_.soca(arguments);
   }
@@ -152,6 +154,7 @@ class FolderCheck {
   Workspace space_;
   Files files_;
   std::string risk_;
+  bool isTidy_;
   ProgramResult dryRun_;
   std::map<std::string, json> outcomes_;
   bool hasFailed_ = false;

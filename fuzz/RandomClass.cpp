@@ -244,6 +244,7 @@ class ClassMaker {
   void writeImplMethod(const ImplShape& shape) {
     RandomCode::Head head{{}, shape.name, std::vector<fl::ustring_view>(shape.inputs, u"obj")};
     if (shape.outputs > 0) head.outputs = {u"flag"};
+    if (out_.once(4)) writeNameComment(shape.name);
     out_.put(u"function ");
     code_.head(head);
     out_.lineEnd();
@@ -254,7 +255,15 @@ class ClassMaker {
       if (!callsSuperClass) out_.identifier(out_.pick({u"false", u"false", u"true"}));
     }
     if (callsSuperClass) writeSuperClassCall(shape.name);
-    out_.put(u";\nend\n");
+    out_.put(u";\nend");
+    if (out_.once(8)) return writeNameComment(shape.name);
+    out_.put(u"\n");
+  }
+
+  void writeNameComment(fl::ustring_view method) {
+    out_.put(out_.pick({u"% ", u" %% ", u"  %--- "}));
+    out_.put(method);
+    out_.put(out_.pick({u"\n", u" ---\n", u" of 2\n"}));
   }
 
   void writeSuperClassCall(fl::ustring_view method) {

@@ -110,9 +110,11 @@ UpdateVerdict checkUpdate(const std::vector<ClassFile>& files) {
   checkReports(className);
   for (const RuleFamily& family : ruleFamilies) checkCall(className, family.bit, false);
   checkCall(className, allFamilies, true);
-  checkConversions(className);
+  checkConversions(className, {});
+  checkConversions(className, {.keepLines = true, .listFaults = true, .isTidy = true});
   UpdateVerdict verdict = checkCall(className, allFamilies, false);
   checkPasses(className, RiskType::unsafe);
+  checkPasses(className, RiskType::unsafe, /*isTidy=*/true);
   verdict.passes = checkPasses(className, RiskType::review);
   return verdict;
 }

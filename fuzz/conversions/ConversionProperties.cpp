@@ -30,12 +30,20 @@ bool isSame(const PlannedAction& left, const PlannedAction& right) {
   return left.family == right.family && left.isGroup == right.isGroup &&
          left.extent == right.extent && std::ranges::equal(left.edits, right.edits, isSameEdit);
 }
+
+PlanOptions optionsOf(const PlannedClass& whole) {
+  return {.keepLines = true, .listFaults = whole.listsFaults, .isTidy = whole.isTidy};
+}
+
+PlannedClass planAll(const PlannedClass& whole, const PlanOptions& options) {
+  return std::move(planUpdate(whole.result.className, whole.mask, false, options).front());
+}
+
 // Returns the members after all conversions.
 std::optional<MemberTexts> checkAll(const PlannedClass& whole) {
   const std::vector<bool> made(whole.conversions.size(), true);
   const PlanAttempt attempted = attemptPlan([&] { return planConversions(whole, made); });
-  const PlanAttempt update = attemptPlan(
-      [&] { return std::move(planUpdate(whole.result.className, whole.mask, false).front()); });
+  const PlanAttempt update = attemptPlan([&] { return planAll(whole, optionsOf(whole)); });
   require(attempted.failure == update.failure, "all conversions fail with '{}', not '{}'",
           attempted.failure, update.failure);
   if (!update.planned) return std::nullopt;
@@ -89,10 +97,7 @@ std::vector<std::vector<bool>> subsetsOf(std::size_t count) {
 
 // The edits of each conversion give the text with only this one.
 void checkEditsOfEach(const PlannedClass& whole) {
-  const PlanAttempt update = attemptPlan([&] {
-    return std::move(
-        planUpdate(whole.result.className, whole.mask, false, {.keepLines = true}).front());
-  });
+  const PlanAttempt update = attemptPlan([&] { return planAll(whole, optionsOf(whole)); });
   if (!update.planned || update.planned->newText == nullptr) return;
   auto conversions = describeConversions(*update.planned);
   findEditsOfEach(*update.planned, fl::EncodingType::utf8, conversions);
@@ -122,10 +127,11 @@ void checkRisks(const PlannedClass& whole) {
 
 }  // namespace
 
-void checkConversions(const fl::ustring& className) {
+void checkConversions(const fl::ustring& className, const PlanOptions& options) {
   std::optional<PlannedClass> whole;
   try {
-    whole = std::move(planActions(className, allFamilies, false).front());
+    whole = std::move(options.isTidy ? planUpdate(className, allFamilies, false, options).front()
+                                     : planActions(className, allFamilies, false).front());
   } catch (const foundation::core::except::IMsgIDException&) {
     return;
   }

@@ -26,8 +26,6 @@ namespace {
 using fl::filesystem::OverlayScope;
 using Text = std::shared_ptr<const fl::ustring>;
 
-constexpr PlanOptions detailed{.keepLines = true, .listFaults = true};
-
 // The id without the class, as the plan has it, and without its number.
 std::string plainId(const Conversion& conversion) {
   return fuzz::plainId(conversion.id.substr(conversion.id.find('#') + 1));
@@ -55,8 +53,10 @@ std::optional<std::vector<bool>> findMade(const PlannedClass& planned, const Cla
 
 class PassCheck {
  public:
-  PassCheck(fl::ustring className, RiskType highestRisk)
-      : className_(std::move(className)), limits_{highestRisk, RuleChoice()} {}
+  PassCheck(fl::ustring className, RiskType highestRisk, bool isTidy)
+      : className_(std::move(className)),
+        limits_{highestRisk, RuleChoice()},
+        options_{.keepLines = true, .listFaults = true, .isTidy = isTidy} {}
 
   unsigned run() {
     PlanAttempt first = plan();
@@ -76,13 +76,14 @@ class PassCheck {
     checkEachPass();
     checkLean();
     checkSecond();
+    if (options_.isTidy) checkLineEnds();
     return static_cast<unsigned>(texts_.size()) - 1;
   }
 
  private:
   PlanAttempt plan() const {
     return attemptPlan(
-        [&] { return std::move(planUpdate(className_, allFamilies, false, detailed).front()); });
+        [&] { return std::move(planUpdate(className_, allFamilies, false, options_).front()); });
   }
 
   PlanAttempt planOf(const Text& text) const {
@@ -193,7 +194,7 @@ class PassCheck {
     const auto made = findMade(planned, update_, pass);
     if (!made) return;
     const OverlayScope overlay(file_, texts_[pass - 1]);
-    const PlannedClass again = planConversions(planned, *made, detailed);
+    const PlannedClass again = planConversions(planned, *made, options_);
     require(again.faults.empty() && again.text() == *texts_[pass],
             "the conversions of pass {} give another text", pass);
     const auto fault = NewTextCheck(again).findFault(*analysis);
@@ -235,8 +236,22 @@ class PassCheck {
     require(!passes.makePass(), "a second update changes the text again");
   }
 
+  static std::ptrdiff_t countBlankEnds(const Text& text) {
+    const SourceFile file(*text);
+    return std::ranges::count_if(file.getLines(), [](const SourceFile::Line& line) {
+      const fl::ustring_view rest = line.text.substr(0, line.text.find_last_not_of(u'\r') + 1);
+      return !SourceFile::isEmptied(rest) && (rest.ends_with(u' ') || rest.ends_with(u'\t'));
+    });
+  }
+
+  void checkLineEnds() const {
+    require(countBlankEnds(texts_.back()) <= countBlankEnds(texts_.front()),
+            "more lines end with a blank");
+  }
+
   fl::ustring className_;
   ChoiceLimits limits_;
+  PlanOptions options_;
   std::string file_;
   // The text as it was read, and those after the passes that changed it.
   std::vector<Text> texts_;
@@ -245,11 +260,12 @@ class PassCheck {
 
 }  // namespace
 
-unsigned checkPasses(const fl::ustring& className, RiskType highestRisk) {
+unsigned checkPasses(const fl::ustring& className, RiskType highestRisk, bool isTidy) {
   try {
-    return PassCheck(className, highestRisk).run();
+    return PassCheck(className, highestRisk, isTidy).run();
   } catch (const Violation& violation) {
-    throw Violation(fmt::format("with risk '{}': {}", riskName(highestRisk), violation.what()));
+    throw Violation(fmt::format("with risk '{}'{}: {}", riskName(highestRisk),
+                                isTidy ? ", tidy" : "", violation.what()));
   }
 }
 

@@ -14,7 +14,8 @@ namespace soca::fuzz {
 //   most this risk, or has a reason why not; those that are left out are those of the last text;
 // - the changes of the text as it was read give the last text, and name conversions that are made;
 // - a client that needs nothing but the findings gets the same text, numbers and lines;
-// - a second update of the last text changes nothing.
-unsigned checkPasses(const fl::ustring& className, RiskType highestRisk);
+// - a second update of the last text changes nothing;
+// - with tidy edits, there are no more lines that end with a blank.
+unsigned checkPasses(const fl::ustring& className, RiskType highestRisk, bool isTidy = false);
 
 }  // namespace soca::fuzz

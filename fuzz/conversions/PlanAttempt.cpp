@@ -5,6 +5,7 @@
 #include "platform/failure/Exception.h"
 #include "platform/text/Conversions.h"
 #include "rules/MethodRules.h"
+#include "service/UpdatePlan.h"
 
 namespace soca::fuzz {
 
@@ -19,6 +20,14 @@ PlanAttempt attemptPlan(const std::function<PlannedClass()>& plan) {
     result.failure = "std::out_of_range";
   }
   return result;
+}
+
+PlannedClass planLike(const PlannedClass& planned) {
+  const fl::ustring& className = planned.result.className;
+  if (!planned.listsFaults) return std::move(planActions(className, planned.mask, false).front());
+  return std::move(planUpdate(className, planned.mask, false,
+                              {.keepLines = true, .listFaults = true, .isTidy = planned.isTidy})
+                       .front());
 }
 
 std::string plainId(const std::string& id) {

@@ -20,6 +20,9 @@ struct PlanAttempt {
 // Throws what no update may throw.
 PlanAttempt attemptPlan(const std::function<PlannedClass()>& plan);
 
+// A plan of the class with its present text, whose edits are made like those of `planned`.
+PlannedClass planLike(const PlannedClass& planned);
+
 // The id without the number of the declaration or block. In UTF-8.
 std::string plainId(const std::string& id);
 // Those of all conversions of the class.

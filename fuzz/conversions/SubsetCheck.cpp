@@ -274,9 +274,7 @@ class SubsetCheck {
   void checkRest() const {
     const fl::filesystem::OverlayScope overlay(to_string(whole_.result.fileName),
                                                fl::ustring(subset_.planned->text()));
-    const PlanAttempt attempted = attemptPlan([&] {
-      return std::move(planActions(whole_.result.className, whole_.mask, false).front());
-    });
+    const PlanAttempt attempted = attemptPlan([&] { return planLike(whole_); });
     if (!attempted.planned) {
       // In a cycle of superclasses, the mixin may have been all that made it a System object.
       require(Ancestry(to_string(whole_.result.className)).isCyclic(), "the next update fails: {}",
