@@ -385,6 +385,7 @@ void RunPasses::updateAgain(const Numbers& numbers) {
         Member& member = members_.at(number);
         member.known = store(update.passes);
         member.knownUses = member.looks.back().second;
+        if (update.outcome) member.file = update.outcome->update.file;
         if (member.isReached) take_(number, update);
         return true;
       })
