@@ -19,22 +19,31 @@ using ca::astapi::Node;
 using ca::astapi::PropertiesBlockNode;
 using fl::i18n::to_string;
 
-// For each conversion its index in the next plan: that of the same id, or else of the first one
-// with the same id but for its number, because numbers change when declarations are deleted.
+// For each conversion that is not made its index in the next plan: that of the same id, or else of
+// one with the same id but for its number, because numbers change when declarations are deleted.
 std::vector<std::optional<std::size_t>> findAgain(const PlannedClass& planned,
+                                                  const std::vector<bool>& made,
                                                   const PlannedClass& next) {
   const auto ids = makeConversionIds(*planned.analysis, planned.conversions);
   const auto found = makeConversionIds(*next.analysis, next.conversions);
   const auto plain = plainIds(planned);
   const auto plainFound = plainIds(next);
-  std::vector<std::optional<std::size_t>> indices;
-  for (std::size_t i = 0; i < ids.size(); ++i) {
-    auto place = std::ranges::find(found, ids[i]) - found.begin();
-    if (place == std::ssize(found)) {
-      place = std::ranges::find(plainFound, plain[i]) - plainFound.begin();
+  std::vector<std::optional<std::size_t>> indices(ids.size());
+  std::vector<bool> isTaken(found.size());
+  const auto find = [&](const auto& isSought) -> std::optional<std::size_t> {
+    for (std::size_t k = 0; k < found.size(); ++k) {
+      if (isSought(k)) return k;
     }
-    std::optional<std::size_t>& index = indices.emplace_back();
-    if (place != std::ssize(found)) index = static_cast<std::size_t>(place);
+    return std::nullopt;
+  };
+  for (std::size_t i = 0; i < ids.size(); ++i) {
+    if (made[i]) continue;
+    const auto isSame = [&](std::size_t k) { return plainFound[k] == plain[i]; };
+    auto place = find([&](std::size_t k) { return found[k] == ids[i]; });
+    if (!place) place = find([&](std::size_t k) { return isSame(k) && !isTaken[k]; });
+    if (!place) place = find(isSame);
+    if (place) isTaken[*place] = true;
+    indices[i] = place;
   }
   return indices;
 }
@@ -282,7 +291,7 @@ class SubsetCheck {
       return;
     }
     const PlannedClass& next = *attempted.planned;
-    const auto again = findAgain(whole_, next);
+    const auto again = findAgain(whole_, made_, next);
     checkMade(next);
     std::vector<bool> rest(next.conversions.size());
     bool isWhole = all_ != nullptr && !sharesCompanion();
