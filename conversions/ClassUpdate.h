@@ -36,7 +36,7 @@ struct ClassUpdate {
   PerKind<std::size_t> conversionCounts;
   // The conversions that were found and are not made, by kind.
   PerKind<std::size_t> leftOutCounts;
-  // Those that are not made; if conversions are requested, all.
+  // Those that are not made, or for which lines were laid apart; if conversions are requested, all.
   std::vector<Conversion> conversions;
   // The reason why the program refuses the new text; empty if it does not.
   std::string refusal;

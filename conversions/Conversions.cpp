@@ -86,6 +86,11 @@ class ConversionDescriber {
 
 }  // namespace
 
+const ConversionReason* Conversion::findLaidApart() const {
+  if (!isMade() || risk.reasons.empty() || risk.reasons.back().id != laidApartId) return nullptr;
+  return &risk.reasons.back();
+}
+
 std::vector<Conversion> describeConversions(const PlannedClass& planned) {
   const ConversionDescriber describer(planned);
   const auto ids = makeConversionIds(*planned.analysis, planned.conversions);

@@ -42,6 +42,8 @@ struct Conversion {
   std::vector<FileEdit> edits;
 
   bool isMade() const { return !leftOut; }
+  // The reason that has the lines that were laid apart for it; null if there are none.
+  const ConversionReason* findLaidApart() const;
 };
 
 // All conversions of the class, in the order of the rules.

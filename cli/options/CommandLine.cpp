@@ -106,6 +106,7 @@ void checkDecisions(const Options& options) {
     refuse("--rules with a kind", "the service takes families; name these alone");
   }
   if (options.tidy) refuse("--tidy", "the edits are those of the service");
+  if (options.noLayout) refuse("--no-layout", "the service never lays lines apart");
   if (options.summary) refuse("--summary", "add -q instead");
   if (options.groupBy) refuse("--group-by", "the service leaves no conversion out");
 }

@@ -34,6 +34,8 @@ struct Options {
   RuleChoice rules;
   // As given; see `highestRisk`.
   std::optional<RiskType> risk;
+  // Whether conversions whose edits meet are left out, instead of laying their lines apart.
+  bool noLayout = false;
   bool includeSuperclasses = false;
   bool write = false;
   bool check = false;

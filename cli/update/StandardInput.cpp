@@ -82,7 +82,7 @@ Targets targetsOf(const Options& options, const ClassRoots& roots) {
 UpdateRequest requestOf(const Options& options, const ReportOptions& report,
                         const fl::filesystem::FileState& file) {
   UpdateRequest request;
-  request.limits = {options.highestRisk(), options.rules};
+  request.limits = {options.highestRisk(), options.rules, !options.noLayout};
   request.asService = options.asService;
   request.isTidy = options.tidy;
   request.needs = options.format->needs(report);

@@ -27,7 +27,7 @@ using fl::timing::Phase;
 
 UpdateRequest requestOf(const Options& options, const ReportOptions& report, bool isOfSeveral) {
   UpdateRequest request;
-  request.limits = {options.highestRisk(), options.rules};
+  request.limits = {options.highestRisk(), options.rules, !options.noLayout};
   request.includeSuperclasses = options.includeSuperclasses;
   request.asService = options.asService;
   request.isTidy = options.tidy;

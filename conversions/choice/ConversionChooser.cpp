@@ -54,8 +54,9 @@ class Chooser {
         leftOut_(whole_.conversions.size()),
         needs_(findNeeds(whole_)) {}
 
-  ChosenConversions run(unsigned analysesBefore) {
+  ChosenConversions run(unsigned analysesBefore, const std::vector<bool>* candidates) {
     dropUnwanted();
+    if (candidates != nullptr) dropAllBut(*candidates);
     if (analysesBefore >= mostAnalyses) dropUntried();
     if (std::ranges::none_of(made_, std::identity())) {
       dropActions();
@@ -112,7 +113,7 @@ class Chooser {
   void takeBackWhatMet(std::size_t conversion) {
     for (auto met = metBy_.extract(conversion); met; met = metBy_.extract(conversion)) {
       const auto& reason = leftOut_[met.mapped()];
-      if (!reason || reason->id != "soca:EditsMeet") continue;
+      if (!reason || reason->id != editsMeetId) continue;
       visitRing(met.mapped(), [&](std::size_t each) {
         made_[each] = true;
         leftOut_[each].reset();
@@ -127,6 +128,12 @@ class Chooser {
       } else if (risks_[i].type > limits_.highestRisk) {
         drop(i, risks_[i].reasons.front());
       }
+    }
+  }
+
+  void dropAllBut(const std::vector<bool>& candidates) {
+    for (std::size_t i = 0; i < made_.size(); ++i) {
+      if (!candidates[i]) drop(i, {"soca:NotSelected", "it is not a candidate", {}});
     }
   }
 
@@ -329,8 +336,9 @@ std::vector<std::size_t> findNeeds(const PlannedClass& planned) {
 }
 
 ChosenConversions chooseConversions(PlannedClass planned, const std::vector<ConversionRisk>& risks,
-                                    const ChoiceLimits& limits, unsigned analysesBefore) {
-  return Chooser(std::move(planned), risks, limits).run(analysesBefore);
+                                    const ChoiceLimits& limits, unsigned analysesBefore,
+                                    const std::vector<bool>* candidates) {
+  return Chooser(std::move(planned), risks, limits).run(analysesBefore, candidates);
 }
 
 }  // namespace soca

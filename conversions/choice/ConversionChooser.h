@@ -17,6 +17,8 @@ namespace soca {
 struct ChoiceLimits {
   RiskType highestRisk = RiskType::review;
   RuleChoice rules;
+  // Whether lines may be laid apart for conversions whose edits meet.
+  bool mayLayApart = true;
 };
 
 // For each conversion of the class the next one that is made with it or not at all, in a ring; a
@@ -43,8 +45,10 @@ struct ChosenConversions {
 // Chooses as many conversions as can be made together, within the limits, and makes them.
 // `planned` must be the plan with all conversions that lists its faults; `risks` has one entry for
 // each. `analysesBefore` are those of earlier passes over the class. Only the analysis of the plan
-// and of each new text that is tried is kept at a time. Throws what the rules throw.
+// and of each new text that is tried is kept at a time. Only conversions with `true` in
+// `candidates` are made; null for all. Throws what the rules throw.
 ChosenConversions chooseConversions(PlannedClass planned, const std::vector<ConversionRisk>& risks,
-                                    const ChoiceLimits& limits, unsigned analysesBefore = 0);
+                                    const ChoiceLimits& limits, unsigned analysesBefore = 0,
+                                    const std::vector<bool>* candidates = nullptr);
 
 }  // namespace soca

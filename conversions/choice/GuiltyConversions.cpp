@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "conversions/Findings.h"
+#include "conversions/parts/LinePlace.h"
 #include "model/AnalyzerPositions.h"
 #include "model/SourceFile.h"
 #include "platform/text/Conversions.h"
@@ -25,6 +26,8 @@ using fl::i18n::to_string;
 ConversionReason makeReason(std::string_view id, std::string detail) {
   return {std::string(id), std::move(detail), {}};
 }
+
+constexpr const char* ownEditsMeet = "two of its edits meet";
 
 // Lists each conversion once, with the reason that it is given first.
 class GuiltyList {
@@ -105,6 +108,18 @@ std::vector<FaultyAction> findFaultyActions(const PlannedClass& planned) {
   return found;
 }
 
+std::uint64_t lineOf(const PlannedClass& planned, const FaultyAction& faulty) {
+  return planned.actions[faulty.fault->action].extent.start.line;
+}
+
+ConversionReason makeMeeting(const char* what, const PlannedClass& planned,
+                             const FaultyAction& faulty) {
+  const SourcePosition& start = planned.actions[faulty.fault->action].extent.start;
+  ConversionReason reason = makeReason(editsMeetId, what);
+  reason.places.push_back({placeOf({start, start}), "The line with both."});
+  return reason;
+}
+
 // Finds conversions whose own edits meet: they cannot be made, whatever the others do.
 class SelfMeetings {
  public:
@@ -114,21 +129,21 @@ class SelfMeetings {
     }
   }
 
-  void find(const FaultyAction& faulty, GuiltyList& guilty) const {
-    if (!faulty.other) return;
-    const std::uint64_t line = planned_.actions[faulty.fault->action].extent.start.line;
+  // The conversions whose edits meet on the first line of the action.
+  std::vector<std::size_t> find(const FaultyAction& faulty) const {
+    if (!faulty.other) return {};
+    const std::uint64_t line = lineOf(planned_, faulty);
     const auto own = ownersAt(line, faulty.fault->action);
     const auto others = ownersAt(line, *faulty.other);
     std::vector<std::size_t> both;
     std::ranges::set_intersection(own, others, std::back_inserter(both));
     const bool areAlone = planned_.ownersOf(faulty.fault->action).size() == 1 &&
                           planned_.ownersOf(*faulty.other).size() == 1;
-    for (const std::size_t each : both) {
-      // What several make together is not made so by one alone.
-      if (!areAlone && !meetsAlone(planned_.conversions[each])) continue;
-      guilty.add(each, makeReason("soca:EditsMeet",
-                                  fmt::format("two of its edits meet, in line {}", line + 1)));
-    }
+    // What several make together is not made so by one alone.
+    std::erase_if(both, [&](std::size_t each) {
+      return !areAlone && !meetsAlone(planned_.conversions[each]);
+    });
+    return both;
   }
 
  private:
@@ -173,24 +188,20 @@ void addGuiltyOfOverlap(const PlannedClass& planned, const FaultyAction& faulty,
   }
   const std::size_t last = *owners.rbegin();
   owners.erase(last);
-  const char* what = owners.empty() ? "two of its edits meet" : "another conversion edits the line";
-  const std::size_t line = planned.actions[faulty.fault->action].extent.start.line + 1;
-  guilty.add(last, makeReason("soca:EditsMeet", fmt::format("{}, in line {}", what, line)),
-             {owners.begin(), owners.end()});
+  const char* what = owners.empty() ? ownEditsMeet : "another conversion edits the line";
+  guilty.add(last, makeMeeting(what, planned, faulty), {owners.begin(), owners.end()});
 }
 
 void addGuiltyOf(const PlannedClass& planned, const FaultyAction& faulty, GuiltyList& guilty) {
   const EditFault& fault = *faulty.fault;
   if (guilty.haveOwnerOf(planned, fault.action)) return;
   if (faulty.other && guilty.haveOwnerOf(planned, *faulty.other)) return;
-  const std::uint64_t line = planned.actions[fault.action].extent.start.line + 1;
   switch (fault.type) {
     case EditFaultType::overlaps:
       return addGuiltyOfOverlap(planned, faulty, guilty);
     case EditFaultType::startsBehindLine:
-      return guilty.add(
-          lastOwnerOf(planned, fault.action),
-          makeReason("soca:EditsMeet", fmt::format("two of its edits meet, in line {}", line)));
+      return guilty.add(lastOwnerOf(planned, fault.action),
+                        makeMeeting(ownEditsMeet, planned, faulty));
     case EditFaultType::lacksDelimiter:
       return guilty.add(lastOwnerOf(planned, fault.action),
                         makeReason("soca:DelimiterNotFound",
@@ -335,11 +346,26 @@ void addGuiltyOfMembers(const PlannedClass& planned, const NewTextFault& fault,
 
 }  // namespace
 
+std::vector<SelfMeeting> findSelfMeetings(const PlannedClass& planned) {
+  const SelfMeetings meetings(planned);
+  std::vector<SelfMeeting> found;
+  for (const FaultyAction& each : findFaultyActions(planned)) {
+    for (const std::size_t conversion : meetings.find(each)) {
+      found.push_back({conversion, lineOf(planned, each)});
+    }
+  }
+  return found;
+}
+
 std::vector<GuiltyConversion> findGuiltyOfFaults(const PlannedClass& planned) {
   GuiltyList guilty;
   std::vector<FaultyAction> faulty = findFaultyActions(planned);
   const SelfMeetings meetings(planned);
-  for (const FaultyAction& each : faulty) meetings.find(each, guilty);
+  for (const FaultyAction& each : faulty) {
+    for (const std::size_t conversion : meetings.find(each)) {
+      guilty.add(conversion, makeMeeting(ownEditsMeet, planned, each));
+    }
+  }
   if (!guilty.empty()) return guilty.take();
   // What several conversions do together is not done without the guilty one of them, so its own
   // actions show first which one that is.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "conversions/Checks.h"
@@ -18,6 +19,16 @@ struct GuiltyConversion {
   // The indices of some conversions without which it may be made: those that edit the same line.
   std::vector<std::size_t> meets = {};
 };
+
+// A line on which edits of one conversion meet, counted from 0.
+struct SelfMeeting {
+  std::size_t conversion = 0;
+  std::uint64_t line = 0;
+};
+
+// All that the faults of `planned` show: of several edits on one line, only those that meet the
+// first one.
+std::vector<SelfMeeting> findSelfMeetings(const PlannedClass& planned);
 
 // Those because of which actions cannot be applied: at least one if there are faults. `planned`
 // must list its faults. Where own edits of conversions meet, only these are guilty at first. Of two

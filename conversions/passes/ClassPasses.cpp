@@ -96,6 +96,7 @@ bool ClassPasses::makePass(const std::vector<MethodUse>& uses) {
 bool ClassPasses::makePass(unsigned pass, const std::vector<MethodUse>& uses) {
   history_.pass = pass;
   leftOut_.clear();
+  isLaidApart_ = false;
   foundMethods_ = 0;
   for (const RuleConversion& each : planned_.conversions) {
     if (each.method != nullptr) foundMethods_ |= methodSetOf(each.method->name->text.view());
@@ -104,12 +105,12 @@ bool ClassPasses::makePass(unsigned pass, const std::vector<MethodUse>& uses) {
   std::optional<OverlayScope> overlay;
   if (isChanged()) overlay.emplace(file_, text_);
   checkSettling();
-  risks_ = judge(uses);
+  risks_ = judge(planned_, uses);
   if (mayMakeWhole()) {
     if (makeWhole()) return true;
     planAgain();
   }
-  return makeChosen();
+  return makeChosen(uses);
 }
 
 bool ClassPasses::planNext() {
@@ -159,10 +160,11 @@ void ClassPasses::planAgain() {
       std::move(planUpdate(spent.result.className, spent.mask, false, optionsOf(spent)).front());
 }
 
-std::vector<ConversionRisk> ClassPasses::judge(const std::vector<MethodUse>& uses) const {
-  std::vector<ConversionRisk> risks = judgeRisks(planned_);
+std::vector<ConversionRisk> ClassPasses::judge(const PlannedClass& planned,
+                                               const std::vector<MethodUse>& uses) const {
+  std::vector<ConversionRisk> risks = judgeRisks(planned);
   for (std::size_t i = 0; i < risks.size(); ++i) {
-    const RuleConversion& conversion = planned_.conversions[i];
+    const RuleConversion& conversion = planned.conversions[i];
     if (conversion.method == nullptr) continue;
     if (auto users = describeUsers(conversion, uses); !users.empty()) {
       addReason(RiskType::unsafe, {"soca:UsedElsewhere", std::move(users), {}}, risks[i]);
@@ -217,17 +219,70 @@ bool ClassPasses::makeWhole() {
   return true;
 }
 
-bool ClassPasses::makeChosen() {
+bool ClassPasses::makeChosen(const std::vector<MethodUse>& uses) {
   ChosenConversions chosen =
       chooseConversions(std::move(planned_), risks_, *limits_, history_.analyses);
   history_.analyses += chosen.analyses;
   planned_ = std::move(chosen.planned);
   leftOut_ = std::move(chosen.leftOut);
-  if (planned_.newText == nullptr) return false;
+  if (planned_.newText == nullptr) return layApart(uses);
+  takeChosen();
+  return true;
+}
+
+void ClassPasses::takeChosen() {
   Record record = recordOf(planned_, leftOut_);
   lines_.add(std::move(planned_.newLines), planned_.oldText);
   take(std::move(record), planned_.newText);
+}
+
+// --- lines that are laid apart ---
+
+// Lays lines apart only once nothing else can be made, because another conversion of a crowded line
+// may need no layout.
+bool ClassPasses::layApart(const std::vector<MethodUse>& uses) {
+  if (!limits_->mayLayApart) return false;
+  const auto judgeAgain = [&](const PlannedClass& planned) { return judge(planned, uses); };
+  LayoutSearch search(&planned_, limits_, judgeAgain, history_.analyses);
+  std::optional<LaidApart> laid = search.search(leftOut_);
+  while (laid && limits_->highestRisk < RiskType::review) {
+    leaveOutForLayout(*laid);
+    laid = search.search(leftOut_);
+  }
+  history_.analyses += search.analyses();
+  if (!laid) return false;
+  takeLayout(std::move(*laid));
   return true;
+}
+
+void ClassPasses::takeLayout(LaidApart laid) {
+  leftOut_ = std::move(laid.chosen.leftOut);
+  std::vector<std::uint32_t> numbers(leftOut_.size());
+  auto next = static_cast<std::uint32_t>(update_.conversions.size());
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    if (!leftOut_[i]) numbers[i] = next++;
+  }
+  const TextChanges changes = findLayoutChanges(laid, numbers);
+  moveKeptPlaces(changes);
+  if (needs_.changes) changes_ = composeChanges(*oldText_, changes_, changes);
+  if (isFirst_ && needs_.conversions) numbers_.emplace(*planned_.analysis);
+  isFirst_ = false;
+  lines_.add(std::move(laid.lines), planned_.oldText);
+  text_ = std::move(laid.text);
+  planned_ = std::move(laid.chosen.planned);
+  risks_ = std::move(laid.risks);
+  isLaidApart_ = true;
+  hasLayout_ = true;
+  takeChosen();
+}
+
+// Where the layout is too risky, that is the reason.
+void ClassPasses::leaveOutForLayout(const LaidApart& laid) {
+  for (std::size_t i = 0; i < leftOut_.size(); ++i) {
+    if (laid.chosen.leftOut[i]) continue;
+    leftOut_[i] = reasonForLayout(laid, i, *planned_.oldText);
+    addReason(RiskType::review, *leftOut_[i], risks_[i]);
+  }
 }
 
 // --- the result ---
@@ -252,16 +307,17 @@ ClassPasses::Record ClassPasses::recordOf(const PlannedClass& planned, const Lef
 void ClassPasses::describeInto(const PlannedClass& planned, const LeftOut& leftOut,
                                Record& record) {
   std::vector<std::uint32_t> numbers(planned.conversions.size());
-  if (needs_.conversions) {
+  if (needs_.conversions || isLaidApart_) {
     if (isFirst_) numbers_.emplace(*planned.analysis);
     std::vector<Conversion> all = describeAll(planned);
-    if (needs_.editsOfEach && history_.pass == 1)
+    if (needs_.editsOfEach && history_.pass == 1 && !isLaidApart_)
       findEditsOfEach(planned, *needs_.editsOfEach, all);
     for (std::size_t i = 0; i < all.size(); ++i) {
       if (leftOut[i]) continue;
+      all[i].risk = risks_[i];
+      if (!needs_.conversions && all[i].findLaidApart() == nullptr) continue;
       numbers[i] =
           static_cast<std::uint32_t>(update_.conversions.size() + record.conversions.size());
-      all[i].risk = risks_[i];
       all[i].pass = history_.pass;
       record.conversions.push_back(std::move(all[i]));
     }
@@ -279,8 +335,8 @@ void ClassPasses::describeInto(const PlannedClass& planned, const LeftOut& leftO
     }
   }
   moveToOldText(record.conversions, record.findings);
-  const bool movesFindings = !record.findings.empty() || !update_.findings.empty();
-  if (needs_.changes || movesFindings) record.changes = findTextChanges(planned, numbers);
+  const bool movesPlaces = !record.findings.empty() || !update_.findings.empty() || hasLayout_;
+  if (needs_.changes || movesPlaces) record.changes = findTextChanges(planned, numbers);
 }
 
 void ClassPasses::take(Record record, std::shared_ptr<const fl::ustring> newText) {
@@ -294,7 +350,7 @@ void ClassPasses::take(Record record, std::shared_ptr<const fl::ustring> newText
   std::ranges::move(record.conversions, std::back_inserter(update_.conversions));
   std::ranges::move(record.findings, std::back_inserter(update_.findings));
   std::ranges::move(record.deletedMethods, std::back_inserter(history_.deletedMethods));
-  moveFindings(record.changes);
+  moveKeptPlaces(record.changes);
   if (needs_.changes) {
     changes_ = changes_.empty() ? std::move(record.changes)
                                 : composeChanges(*oldText_, changes_, record.changes);
@@ -303,15 +359,19 @@ void ClassPasses::take(Record record, std::shared_ptr<const fl::ustring> newText
   text_ = std::move(newText);
 }
 
-// Those about conversions that were made, from the text before a pass to the one after it. Rare, so
-// exact, unlike the lines that a LineMap knows.
-void ClassPasses::moveFindings(const TextChanges& changes) {
-  if (update_.findings.empty()) return;
+// Those of findings about conversions that were made, and of lines that were laid apart, from the
+// text before a pass to the one after it. Rare, so exact, unlike the lines that a LineMap knows.
+void ClassPasses::moveKeptPlaces(const TextChanges& changes) {
+  if (update_.findings.empty() && !hasLayout_) return;
   const PositionMap map(*text_, changes);
   const auto move = [&](LinePlace& place) { place = map.toNew(place).value_or(LinePlace()); };
   for (Finding& each : update_.findings) {
     move(each.newPlace);
     for (RelatedPlace& place : each.related) move(place.newPlace);
+  }
+  for (Conversion& each : update_.conversions) {
+    if (each.findLaidApart() == nullptr) continue;
+    for (RelatedPlace& place : each.risk.reasons.back().places) move(place.newPlace);
   }
 }
 

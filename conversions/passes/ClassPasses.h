@@ -12,6 +12,7 @@
 #include "conversions/ClassUpdate.h"
 #include "conversions/choice/ConversionChooser.h"
 #include "conversions/passes/DeclaredNumbers.h"
+#include "conversions/passes/LaidApart.h"
 #include "conversions/passes/LineMap.h"
 #include "conversions/passes/MethodUses.h"
 #include "conversions/passes/TextChanges.h"
@@ -103,18 +104,23 @@ class ClassPasses {
 
   using LeftOut = std::vector<std::optional<ConversionReason>>;
 
-  std::vector<ConversionRisk> judge(const std::vector<MethodUse>& uses) const;
+  std::vector<ConversionRisk> judge(const PlannedClass& planned,
+                                    const std::vector<MethodUse>& uses) const;
   bool followsDeletion(const RuleConversion& conversion) const;
   bool mayMakeWhole() const;
   bool makeWhole();
-  bool makeChosen();
+  bool makeChosen(const std::vector<MethodUse>& uses);
+  void takeChosen();
+  bool layApart(const std::vector<MethodUse>& uses);
+  void takeLayout(LaidApart laid);
+  void leaveOutForLayout(const LaidApart& laid);
   void planAgain();
   Record recordOf(const PlannedClass& planned, const LeftOut& leftOut);
   void describeInto(const PlannedClass& planned, const LeftOut& leftOut, Record& record);
   void take(Record record, std::shared_ptr<const fl::ustring> newText);
   void addLastPass();
   void checkSettling();
-  void moveFindings(const TextChanges& changes);
+  void moveKeptPlaces(const TextChanges& changes);
   void moveToOldText(std::vector<Conversion>& conversions, std::vector<Finding>& findings);
 
   const ChoiceLimits* limits_;
@@ -128,6 +134,9 @@ class ClassPasses {
   PlannedClass planned_;
   std::vector<ConversionRisk> risks_;
   LeftOut leftOut_;
+  // Whether lines were laid apart in the present pass, and in any.
+  bool isLaidApart_ = false;
+  bool hasLayout_ = false;
   MethodSet changedMethods_ = 0;
   MethodSet takenMethods_ = 0;
   MethodSet foundMethods_ = 0;

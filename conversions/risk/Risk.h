@@ -22,6 +22,10 @@ constexpr std::string_view riskName(RiskType type) {
   return riskNames[static_cast<std::size_t>(type)];
 }
 
+// Reasons after which lines are laid apart, and that they are.
+inline constexpr std::string_view editsMeetId = "soca:EditsMeet";
+inline constexpr std::string_view laidApartId = "soca:LaidApart";
+
 // Why a conversion has its risk, or why it is not made. All texts are UTF-8.
 struct ConversionReason {
   // A full id, which `soca explain` knows: `soca:StillReferenced`.

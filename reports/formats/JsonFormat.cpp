@@ -22,6 +22,7 @@
 //                  "line": 3, "column": 5, "endColumn": 26,
 //                  "related": [{"line": 9, ..., "message": "..."}]}]
 //
+// and, if lines were laid apart for the conversion, their numbers, "laidApart": [12, 14],
 // where a reason, also the one in `leftOut`, is
 //
 //    {"id": "soca:StillReferenced", "message": "...", "detail": "...",
@@ -144,6 +145,9 @@ class ResultParts {
     }
     json["pass"] = conversion.isMade() ? conversion.pass : 0;
     json["needs"] = conversion.needs;
+    if (const ConversionReason* layout = conversion.findLaidApart()) {
+      for (const RelatedPlace& place : layout->places) json["laidApart"].push_back(place.line);
+    }
     json["defaultKnown"] = conversion.risk.isDefaultKnown;
   }
 

@@ -84,6 +84,7 @@ class ClassResults {
     Json result = sarifResult(conversion);
     result["locations"] =
         Json::array({locationOf(regionOf(conversion.place, hasMark()), conversion.member)});
+    if (const auto* layout = conversion.findLaidApart()) addRelated(layout->places, result);
     addFingerprint(conversion.member, result);
     // The edits of later passes are not those of the current file.
     const bool hasFix = conversion.pass == 1 && !conversion.edits.empty();

@@ -48,6 +48,15 @@ std::string leftOutLine(const std::string& file, const Conversion& conversion,
                      reason.id);
 }
 
+// `file:line: note: lines 12 to 14 laid apart for method 'f' [id]`
+std::string layoutLine(const std::string& file, const Conversion& conversion,
+                       const ConversionReason& layout, LinesType lines) {
+  const RelatedPlace& first = layout.places.front();
+  const std::uint64_t line = lines == LinesType::updated ? first.newPlace.line : first.line;
+  return fmt::format("{}{}: note: {} [{}]\n", file, line > 0 ? fmt::format(":{}", line) : "",
+                     withEscapesInLine(describeLayout(conversion, layout, lines)), layout.id);
+}
+
 // `file:line: error: the superclass ... was not found [id]`
 std::string undecidedLine(const std::string& file, const Failure& failure) {
   std::string text = file;
@@ -115,6 +124,11 @@ std::string TextReport::notesOf(const ClassOutcome& outcome) const {
   const std::string file = names_->shown(outcome.update.file);
   if (options_->verbose) text += fmt::format("{}: {}\n", file, conversionsOf(outcome));
   if (!options_->quiet) {
+    for (const Conversion& conversion : outcome.update.conversions) {
+      if (const ConversionReason* layout = conversion.findLaidApart()) {
+        text += layoutLine(file, conversion, *layout, linesOf(outcome.update));
+      }
+    }
     for (const Finding& finding : outcome.update.findings) {
       text += findingLine(file, finding, outcome.update);
     }

@@ -1,6 +1,7 @@
 #include "reports/outcomes/ConversionText.h"
 
 #include <fmt/core.h>
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -39,6 +40,29 @@ std::string listLines(std::vector<std::uint64_t> lines, std::size_t further) {
     text += fmt::format("{}{}", i + 1 == shown && more == 0 ? " and " : ", ", lines[i]);
   }
   if (more > 0) text += fmt::format(" and {} more", groupDigits(more));
+  return text;
+}
+
+// "line 12", "lines 12 to 14", "lines 12 to 14 and 16"; of many the first ones, as above.
+std::string listRanges(const std::vector<std::uint64_t>& lines) {
+  std::vector<std::string> ranges;
+  for (std::size_t i = 0; i < lines.size();) {
+    std::size_t last = i;
+    while (last + 1 < lines.size() && lines[last + 1] <= lines[last] + 1) ++last;
+    ranges.push_back(lines[i] == lines[last] ? fmt::format("{}", lines[i])
+                                             : fmt::format("{} to {}", lines[i], lines[last]));
+    i = last + 1;
+  }
+  const std::string noun = lines.front() == lines.back() ? "line" : "lines";
+  if (ranges.size() > mostLines) {
+    const std::size_t more = ranges.size() - mostLines;
+    ranges.resize(mostLines);
+    return fmt::format("{} {} and {} more", noun, fmt::join(ranges, ", "), groupDigits(more));
+  }
+  std::string text = fmt::format("{} {}", noun, ranges.front());
+  for (std::size_t i = 1; i < ranges.size(); ++i) {
+    text += fmt::format("{}{}", i + 1 == ranges.size() ? " and " : ", ", ranges[i]);
+  }
   return text;
 }
 
@@ -110,6 +134,14 @@ std::string describeLeftOut(const Conversion& conversion, const ConversionReason
   return fmt::format("{} is not {}{}{}",
                      isMethod(conversion) ? nameOf(conversion) : subjectOf(conversion),
                      pastOf(conversion), why.empty() ? "" : ": ", why);
+}
+
+std::string describeLayout(const Conversion& conversion, const ConversionReason& layout,
+                           LinesType lines) {
+  std::vector<std::uint64_t> numbers;
+  for (const RelatedPlace& place : layout.places) addLine(place, lines, numbers);
+  return fmt::format("{} laid apart for {}", numbers.empty() ? "lines" : listRanges(numbers),
+                     isMethod(conversion) ? nameOf(conversion) : subjectOf(conversion));
 }
 
 std::string adviceOn(const ConversionReason& reason) {

@@ -22,6 +22,11 @@ std::string describeReason(const ConversionReason& reason, LinesType lines);
 std::string describeLeftOut(const Conversion& conversion, const ConversionReason& reason,
                             LinesType lines);
 
+// "lines 12 to 14 laid apart for method 'f'". `layout` are the lines that were laid apart for the
+// conversion.
+std::string describeLayout(const Conversion& conversion, const ConversionReason& layout,
+                           LinesType lines);
+
 // What to do about a reason, from its explanation: one sentence; empty if there is none.
 std::string adviceOn(const ConversionReason& reason);
 

@@ -33,6 +33,12 @@ ChoiceLimits limitsOf(RiskType highest, std::initializer_list<ConversionKindType
   return limits;
 }
 
+ChoiceLimits withoutLayout() {
+  ChoiceLimits limits;
+  limits.mayLayApart = false;
+  return limits;
+}
+
 // The class C of the text after all passes over it.
 class ConvertedClass {
  public:
@@ -143,7 +149,8 @@ TEST(Passes, MakeWhatCanBeMade) {
       {"edits that meet each other, and those that are joined with them",
        block(logical, "A = true;") + "properties (Logical), B = true; end\n" +
            block(logical, "D = true;"),
-       "attributes/logical:A 1\nattributes/logical:D 1\nattributes/logical:B EditsMeet\n"},
+       "attributes/logical:A 1\nattributes/logical:D 1\nattributes/logical:B EditsMeet\n",
+       withoutLayout()},
       // --- two that depend on each other ---
       {"two that only fail together, where the end of a block is deleted",
        block(logical, "A = true;") + block("properties (Logical) %{", "B = true;"),
@@ -162,7 +169,38 @@ TEST(Passes, MakeWhatCanBeMade) {
        "attributes/string-set:B 1\nattributes/string-set:A ResultHasSyntaxError\n"},
       {"one on the line of another whose edits meet",
        block("properties", "A = 'a'; " + setOf("A") + " " + setOf("B") + "\nB = 'a';"),
-       "attributes/string-set:B 1\nattributes/string-set:A EditsMeet\n"},
+       "attributes/string-set:B 1\nattributes/string-set:A EditsMeet\n", withoutLayout()},
+      // --- lines that are laid apart ---
+      {"edits that meet each other, and those that are joined with them",
+       block(logical, "A = true;") + "properties (Logical), B = true; end\n" +
+           block(logical, "D = true;"),
+       "attributes/logical:A 1\nattributes/logical:D 1\nattributes/logical:B 2\n"},
+      {"one on the line of another whose edits meet",
+       block("properties", "A = 'a'; " + setOf("A") + " " + setOf("B") + "\nB = 'a';"),
+       "attributes/string-set:B 1\nattributes/string-set:A 2\n"},
+      {"two crowded lines, and one that cannot be made on a line of its own either",
+       block("properties", "A = 'a'; " + setOf("A") + "\nB = 'a'; " + setOf("B", "") +
+                               "\nD = 'a'; " + setOf("D")),
+       "attributes/string-set:A 1\nattributes/string-set:D 1\n"
+       "attributes/string-set:B EditsMeet\n"},
+      {"crowded lines of which one cannot be made, and another is on its line",
+       block("properties", "A = 'a'; " + setOf("A", "") + " B = 'a'; " + setOf("B")),
+       "attributes/string-set:B 1\nattributes/string-set:A ResultHasSyntaxError\n"},
+      {"a method that is laid apart, negated and deleted",
+       block(methods, "function f = isInputSizeLockedImpl(~, ~), f = true; end"),
+       "impl/rename-negate:isInputSizeLockedImpl 1\n"
+       "impl/delete-redundant:isInputSizeLockedImpl 2\n"},
+      {"blocks that are joined, on one line",
+       "properties (Logical), A = true; end, properties (Logical), B = false; end\n",
+       "attributes/logical:A 1\nattributes/logical:B 1\n"},
+      {"lines that may not be laid apart, beside other risks",
+       block(methods, "function f = isInputSizeLockedImpl(~, i), f = g(i); end") +
+           "properties (Logical), A = true; end\nproperties (Logical), B = 3; end\n" +
+           block("properties", "D = 'a'; " + setOf("D", "")),
+       "attributes/logical:A LaidApart\nattributes/logical:B DefaultOutsideValidators\n"
+       "attributes/string-set:D EditsMeet\n"
+       "impl/rename-negate:isInputSizeLockedImpl CallNegated\n",
+       limitsOf(RiskType::safe)},
       {"sets with one companion, all of which can be made",
        block("properties", "A = 'a';\n" + setOf("A") + "\nA = 'b';"),
        "attributes/string-set:A~1 1\nattributes/string-set:A~2 1\n"},
@@ -219,15 +257,38 @@ TEST(Passes, MakeWhatCanBeMade) {
   }
 }
 
-TEST(Passes, AReasonShowsTheNewLine) {
-  const auto detailOf = [](const std::string& declarations) {
-    const ConvertedClass converted(classWith(block(positiveInteger, declarations)));
-    return converted.update.conversions.back().leftOut->detail;
+TEST(Passes, AReasonShowsWhereItIs) {
+  const auto reasonOf = [](const std::string& body) {
+    const ConvertedClass converted(classWith(body), withoutLayout());
+    return *converted.update.conversions.back().leftOut;
   };
-  EXPECT_EQ(detailOf("B {} = 1;"),
+  EXPECT_EQ(reasonOf(block(positiveInteger, "B {} = 1;")).detail,
             "the new line would be `B (1, 1) {mustBePositive, mustBeInteger} {} = 1;`: expected a "
             "line end, `;` or `,` behind the declaration, found `{`");
-  EXPECT_EQ(detailOf("B = 'a'; " + setOf("B")), "two of its edits meet, in line 3");
+  const ConversionReason reason =
+      reasonOf(block(logical, "") + block("properties", "B = 'a'; " + setOf("B")));
+  EXPECT_EQ(reason.detail, "two of its edits meet");
+  ASSERT_EQ(reason.places.size(), 1U);
+  EXPECT_EQ(reason.places[0].line, 6U);
+}
+
+// The first pass deletes lines before the one that is laid apart.
+TEST(Passes, WhatIsLaidApartIsReported) {
+  const ConvertedClass converted(
+      classWith(block("methods (Access = protected)", method("isOutputSizeLockedImpl")) +
+                "properties (Logical), A = true; B = true; end % note\n" +
+                block("properties", "D = 'a'; " + setOf("D"))));
+  std::string found;
+  for (const Conversion& each : converted.update.conversions) {
+    const ConversionReason* layout = each.findLaidApart();
+    if (layout == nullptr) continue;
+    EXPECT_EQ(each.risk.type, RiskType::review);
+    for (const RelatedPlace& place : layout->places) {
+      found += fmt::format("{} {}: {}:{}-{}:{}, now {}\n", each.pass, each.member, place.line,
+                           place.column, place.endLine, place.endColumn, place.newPlace.line);
+    }
+  }
+  EXPECT_EQ(found, "2 A: 8:1-8:53, now 5\n2 D: 10:1-10:52, now 9\n");
 }
 
 TEST(Passes, FewFailuresAreFoundAmongMany) {
