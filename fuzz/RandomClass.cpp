@@ -72,7 +72,7 @@ class ClassMaker {
     }
     out_.identifier(name_);
     if (!out_.once(20)) writeSuperClasses();
-    out_.lineEnd();
+    out_.headEnd();
   }
 
   void writeSuperClasses() {
@@ -118,7 +118,7 @@ class ClassMaker {
     }
     out_.indent();
     out_.put(u"end");
-    out_.once(20) ? out_.put(out_.pick({u";", u",", u" , "})) : out_.lineEnd();
+    out_.once(20) ? out_.put(out_.pick({u";", u",", u" , "})) : out_.headEnd();
   }
 
   void writeProperties() {
@@ -129,7 +129,7 @@ class ClassMaker {
                         u"Nontunable", u"Constant", u"Abstract", u"Dependent", u"Transient",
                         u"logical", u"Description", u"Access", u"GetAccess", u"SetAccess"});
     }
-    out_.lineEnd();
+    out_.headEnd();
     // A block that the attribute rules convert needs default values for all properties.
     hasDefaults_ = !out_.once(3);
     out_.separated(4, [this] { writeProperty(); });
@@ -185,7 +185,7 @@ class ClassMaker {
         out_.put(u")");
       }
     }
-    out_.lineEnd();
+    out_.headEnd();
     out_.separated(3, [this] { writeMethod(); });
   }
 
@@ -198,7 +198,7 @@ class ClassMaker {
     RandomCode::Head head = implHead();
     if (choice == 2) head.name = out_.pick({u"get.ModeSet", u"get.Rate", u"set.Mode"});
     code_.head(head);
-    out_.lineEnd();
+    out_.headEnd();
     if (out_.once(10)) code_.argumentBlock();
     writeImplBody(head);
     out_.indent();
@@ -282,7 +282,7 @@ class ClassMaker {
       out_.gap();
       code_.attributes({u"Hidden"});
     }
-    out_.lineEnd();
+    out_.headEnd();
     out_.separated(2, [this, isEvents] {
       out_.identifier(out_.pick({u"Moved", u"events", u"Mode"}));
       if (!isEvents && out_.once(2)) {

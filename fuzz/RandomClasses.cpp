@@ -19,6 +19,7 @@
 #include "fuzz/UpdateProperties.h"
 #include "fuzz/Violation.h"
 #include "fuzz/changes/ChangeProperties.h"
+#include "fuzz/conversions/LayoutProperties.h"
 #include "platform/text/Conversions.h"
 
 namespace soca::fuzz {
@@ -54,6 +55,7 @@ class Run {
       for (const RandomClass& each : classes) {
         checkAsMade(each);
         checkChanges(each.file.text, seed);
+        checkLayout(each.file.text);
         codeUnits_ += each.file.text.size();
       }
       count(checkUpdate(filesOf(classes)));

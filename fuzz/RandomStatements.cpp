@@ -70,7 +70,7 @@ void RandomCode::condition(int depth) {
   out.put(u" ");
   if (!out.once(3)) {
     expression(depth);
-    return out.lineEnd();
+    return out.headEnd();
   }
   out.put(u"(");
   expression(depth + 1);
@@ -92,7 +92,7 @@ void RandomCode::controlStatement(int depth) {
   if (choice == 2) return tryStatement(depth);
   if (choice == 3) {
     out.put(u"spmd");
-    out.lineEnd();
+    out.headEnd();
     body(depth);
     return out.put(u"end");
   }
@@ -132,7 +132,7 @@ void RandomCode::loop(int depth) {
     operand(depth);
   }
   if (isWrapped) out.put(u")");
-  out.lineEnd();
+  out.headEnd();
   body(depth);
   out.put(u"end");
 }
@@ -158,7 +158,7 @@ void RandomCode::switchStatement(int depth) {
 void RandomCode::tryStatement(int depth) {
   SourceWriter& out = *writer_;
   out.put(u"try");
-  out.lineEnd();
+  out.headEnd();
   body(depth);
   if (!out.once(4)) {
     out.put(u"catch");
@@ -166,7 +166,7 @@ void RandomCode::tryStatement(int depth) {
       out.put(u" ");
       out.identifier(u"problem");
     }
-    out.lineEnd();
+    out.headEnd();
     body(depth);
   }
   out.put(u"end");
@@ -219,7 +219,7 @@ void RandomCode::function(int depth) {
   out.put(u"function");
   out.space();
   head(randomHead());
-  out.lineEnd();
+  out.headEnd();
   if (out.once(6)) argumentBlock();
   body(depth);
   out.put(u"end");

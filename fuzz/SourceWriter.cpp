@@ -3,7 +3,10 @@
 namespace soca::fuzz {
 
 SourceWriter::SourceWriter(bench::Dice* dice)
-    : dice_(dice), lineEnd_(pick({u"\n", u"\n", u"\r\n"})), oddness_(4 + dice->roll(20)) {
+    : dice_(dice),
+      lineEnd_(pick({u"\n", u"\n", u"\r\n"})),
+      oddness_(4 + dice->roll(20)),
+      isCrowded_(once(3)) {
   if (once(20)) put(u"\uFEFF");
 }
 
@@ -91,8 +94,14 @@ void SourceWriter::lineEnd() {
   }
 }
 
+void SourceWriter::headEnd() {
+  if (!isCrowded_ || once(3)) return lineEnd();
+  put(pick({u", ", u"; ", u",", u" ;\t", u" , "}));
+}
+
 void SourceWriter::separator() {
   if (once(2 * oddness_)) gap();
+  if (isCrowded_ && !once(3)) return put(pick({u";", u", ", u"; ", u" ;,", u"; "}));
   if (once(oddness_)) return put(pick({u";", u",", u" ; ", u", ", u";;", u";,"}));
   if (once(2)) {
     put(pick({u";", u";", u",", u" ;"}));
@@ -102,7 +111,8 @@ void SourceWriter::separator() {
 }
 
 void SourceWriter::optionalSeparator() {
-  if (once(oddness_)) return put(pick({u" ", u", ", u"; ", u" , ", u";"}));
+  if (once(oddness_) || (isCrowded_ && !once(3)))
+    return put(pick({u" ", u", ", u"; ", u" , ", u";"}));
   lineEnd();
 }
 

@@ -48,6 +48,8 @@ class SourceWriter {
       separator();
     }
   }
+  // After a head that a separator also ends: in a crowded text often one of these.
+  void headEnd();
   // A line end, with random comments and blank lines before and after it.
   void lineEnd();
   // A separator between two statements or members.
@@ -92,6 +94,8 @@ class SourceWriter {
   fl::ustring_view lineEnd_;
   // One place in this many has an unusual layout.
   std::size_t oddness_;
+  // Whether there are often several members and statements on one line, as in a third of the texts.
+  bool isCrowded_ = false;
   bool isInList_ = false;
   fl::ustring text_;
   std::vector<Stretch> identifiers_;

@@ -12,6 +12,7 @@
 #include "conversions/passes/ClassPasses.h"
 #include "fuzz/Violation.h"
 #include "fuzz/changes/ChangeProperties.h"
+#include "fuzz/conversions/LayoutProperties.h"
 #include "fuzz/conversions/PlanAttempt.h"
 #include "model/SourceFile.h"
 #include "platform/analyzer/Analyzer.h"
@@ -137,6 +138,7 @@ class PassCheck {
       require(conversion.pass >= 1 && conversion.pass < texts_.size(), "'{}' is made in pass {}",
               conversion.id, conversion.pass);
       require(conversion.risk.type <= limits_.highestRisk, "'{}' is too risky", conversion.id);
+      checkLaidApart(conversion);
       return;
     }
     require(conversion.pass == 0, "'{}' is made and left out", conversion.id);
@@ -144,6 +146,18 @@ class PassCheck {
     require(!reason.id.empty() && !reason.detail.empty(), "'{}' has no reason", conversion.id);
     for (const RelatedPlace& place : reason.places) {
       require(place.line > 0 && place.line <= place.endLine, "{} without a place", reason.id);
+    }
+  }
+
+  // The lines are in the text as it was read.
+  void checkLaidApart(const Conversion& conversion) const {
+    const ConversionReason* layout = conversion.findLaidApart();
+    if (layout == nullptr) return;
+    require(conversion.edits.empty(), "'{}' has edits without its layout", conversion.id);
+    const auto lines = SourceFile(*texts_.front()).getNumberOfLines();
+    for (const RelatedPlace& place : layout->places) {
+      require(place.line > 0 && place.line <= place.endLine && place.endLine <= lines,
+              "'{}' is laid apart after the text", conversion.id);
     }
   }
 
@@ -193,11 +207,26 @@ class PassCheck {
     require(!analysis->hasSyntaxError(), "pass {} gives a syntax error", pass);
     const auto made = findMade(planned, update_, pass);
     if (!made) return;
-    const OverlayScope overlay(file_, texts_[pass - 1]);
-    const PlannedClass again = planConversions(planned, *made, options_);
+    const bool hasLayout = std::ranges::any_of(update_.conversions, [&](const Conversion& each) {
+      return each.pass == pass && each.findLaidApart() != nullptr;
+    });
+    if (hasLayout) {
+      const auto text = std::make_shared<const fl::ustring>(layApart(planned, *made));
+      const PlanAttempt laidApart = planOf(text);
+      require(laidApart.planned.has_value(), "the lines of pass {} cannot be planned", pass);
+      checkMade(*laidApart.planned, text, *made, pass, *analysis);
+    } else {
+      checkMade(planned, texts_[pass - 1], *made, pass, *analysis);
+    }
+  }
+
+  void checkMade(const PlannedClass& planned, const Text& text, const std::vector<bool>& made,
+                 unsigned pass, const ca::AnalysisResult& analysis) const {
+    const OverlayScope overlay(file_, text);
+    const PlannedClass again = planConversions(planned, made, options_);
     require(again.faults.empty() && again.text() == *texts_[pass],
             "the conversions of pass {} give another text", pass);
-    const auto fault = NewTextCheck(again).findFault(*analysis);
+    const auto fault = NewTextCheck(again).findFault(analysis);
     require(!fault, "the text of pass {} has faults: {}", pass, fault ? fault->text : "");
   }
 
