@@ -27,10 +27,10 @@ void adaptLineEnds(const SourceFile& file, PlannedEdit& edit) {
 }
 
 bool losesCarriageReturn(const SourceFile& file, const PlannedEdit& edit) {
+  const fl::ustring_view first = file.getLines()[edit.extent.start.line].text;
+  if (!first.ends_with(u'\r')) return false;
   const auto replaced = findReplaced(file, edit);
-  if (!replaced) return false;
-  const fl::ustring_view first = file.getLines()[replaced->start.line].text;
-  if (!first.ends_with(u'\r') || replaced->start.column == first.size()) return false;
+  if (!replaced || replaced->start.column == first.size()) return false;
   // A line of which nothing is left is removed.
   if (edit.text.empty() && SourceFile::isEmptied(first.substr(0, replaced->start.column))) {
     return false;
