@@ -24,6 +24,11 @@ struct PlanOptions {
   bool isTidy = false;
 };
 
+// The options to plan the class again as it was planned, with its lines.
+inline PlanOptions optionsOf(const PlannedClass& planned) {
+  return {.keepLines = true, .listFaults = planned.listsFaults, .isTidy = planned.isTidy};
+}
+
 // The classes and results of `Updater::update` with the same arguments; throws the same exceptions.
 std::vector<PlannedClass> planUpdate(const fl::ustring& className, const UpdateMask& mask,
                                      bool includeSuperclasses, const PlanOptions& options = {});

@@ -25,10 +25,6 @@ namespace {
 using fl::filesystem::OverlayScope;
 using fl::i18n::to_string;
 
-PlanOptions optionsOf(const PlannedClass& planned) {
-  return {.keepLines = true, .listFaults = true, .isTidy = planned.isTidy};
-}
-
 fl::ustring memberOf(const RuleConversion& conversion) {
   if (conversion.method != nullptr) return conversion.method->name->text.getText();
   if (conversion.property != nullptr) return conversion.property->name->text.getText();

@@ -19,7 +19,6 @@
 namespace soca {
 namespace {
 
-constexpr PlanOptions detailed{.keepLines = true, .listFaults = true};
 constexpr fl::ustring_view blanks = u"\t\v\f\r ";
 
 using Lines = std::set<std::uint64_t>;
@@ -123,7 +122,7 @@ std::optional<LaidApart> LayoutSearch::search(
 
 std::optional<LaidApart> LayoutSearch::layApart(const std::vector<bool>& candidates) {
   if (analysesBefore_ + analyses_ + 1 >= mostAnalyses) return std::nullopt;
-  const PlannedClass attempt = planConversions(planned_, candidates, detailed);
+  const PlannedClass attempt = planConversions(planned_, candidates, optionsOf(planned_));
   const Lines lines = findCrowdedLines(attempt);
   LaidApart laid;
   laid.breaks = findLineBreaks(*planned_.analysis, lines);
@@ -142,7 +141,8 @@ std::optional<LaidApart> LayoutSearch::layApart(const std::vector<bool>& candida
 
 // Returns false if the text cannot be used.
 bool LayoutSearch::planAgain(LaidApart& laid, PlannedClass& planned) {
-  ClassPlan plan = planClassOnce(planned_.result.className, planned_.mask, false, detailed);
+  ClassPlan plan =
+      planClassOnce(planned_.result.className, planned_.mask, false, optionsOf(planned_));
   ++analyses_;
   if (plan.failure) {
     try {

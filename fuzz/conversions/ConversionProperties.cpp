@@ -31,10 +31,6 @@ bool isSame(const PlannedAction& left, const PlannedAction& right) {
          left.extent == right.extent && std::ranges::equal(left.edits, right.edits, isSameEdit);
 }
 
-PlanOptions optionsOf(const PlannedClass& whole) {
-  return {.keepLines = true, .listFaults = whole.listsFaults, .isTidy = whole.isTidy};
-}
-
 PlannedClass planAll(const PlannedClass& whole, const PlanOptions& options) {
   return std::move(planUpdate(whole.result.className, whole.mask, false, options).front());
 }
