@@ -47,6 +47,10 @@ struct ClassUpdate {
   bool isRefused() const { return !refusal.empty(); }
   // Whether the file is to be replaced.
   bool hasNewText() const { return changed && !isRefused(); }
+  // Drops the descriptions of the conversions that are made.
+  void forgetMade() {
+    std::erase_if(conversions, [](const Conversion& each) { return each.isMade(); });
+  }
 };
 
 // The parts of a plan to keep after the check: the rest is freed before the new text is analysed.

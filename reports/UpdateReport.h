@@ -36,6 +36,8 @@ class UpdateReport {
   virtual void addFailure(const Failure& failure) = 0;
   virtual void addSkipped(const Failure& failure) = 0;
   virtual void addUndecided(const Failure& failure) = 0;
+  // Takes a conversion that was selected and is neither made nor left out, with the reason.
+  virtual void addNotFound(const std::string& id, const std::string& reason) = 0;
   // Takes the roots that the run should have had. The client prints them for people.
   virtual void addSuggestion(const SuggestedRoots& suggestion, const std::string& text) = 0;
   // Prints the end of the output. `exitCode` is the exit code of the run.
@@ -54,6 +56,8 @@ struct ReportOptions {
   bool check = false;
   // Whether the single replacements are to be printed.
   bool edits = false;
+  // Whether conversions were selected one by one: then most others are not worth a line.
+  bool hasSelection = false;
   // Whether the data have the form that a run as the service has: without what the program itself
   // decides.
   bool asService = false;
@@ -80,6 +84,8 @@ struct ReportFormat {
   std::string_view whyNotWritten;
   OutcomeNeeds (*needs)(const ReportOptions& options);
   std::unique_ptr<UpdateReport> (*make)(const ReportContext& context);
+  // The format that lists the conversions instead; null if there is none.
+  const ReportFormat* list = nullptr;
 };
 
 // The first one is the default.

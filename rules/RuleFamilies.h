@@ -121,6 +121,7 @@ struct RuleChoice {
   void add(RuleFamilyType family);
   // Adds a kind, and its family without its other kinds.
   void add(ConversionKindType kind);
+  bool isEverything() const { return families == allFamilies && hasWholeFamilies(); }
   // Whether each family is chosen with all its kinds, or not at all.
   bool hasWholeFamilies() const;
 

@@ -95,8 +95,25 @@ void checkFormat(const Options& options) {
   throw UsageError(fmt::format("--format {} and --unresolved cannot be combined", format.name));
 }
 
+// Checks the options with which a list is printed, and not the update.
+void checkList(const Options& options) {
+  const auto refuse = [](std::string_view option, std::string_view reason) {
+    throw UsageError(fmt::format("{} and --list cannot be combined: {}", option, reason));
+  };
+  if (options.write) refuse("--write", "--list changes nothing");
+  if (options.check) refuse("--check", "it prints the names of classes");
+  if (options.summary) refuse("--summary", "it prints no conversions; add -q instead");
+  if (options.edits) refuse("--edits", "without --list they have the ids of their conversions");
+  if (options.format->list == nullptr) {
+    refuse(fmt::format("--format {}", options.format->name), "the log lists all conversions");
+  }
+}
+
 // Checks the options for what the program decides, and for the numbers.
 void checkDecisions(const Options& options) {
+  if (!options.selectionFile.empty() && !options.rules.isEverything()) {
+    throw UsageError("--selection and --rules cannot be combined: the file names the conversions");
+  }
   if (!options.asService) return;
   const auto refuse = [](std::string_view option, std::string_view reason) {
     throw UsageError(fmt::format("{} and --as-service cannot be combined: {}", option, reason));
@@ -107,6 +124,13 @@ void checkDecisions(const Options& options) {
   }
   if (options.tidy) refuse("--tidy", "the edits are those of the service");
   if (options.noLayout) refuse("--no-layout", "the service never lays lines apart");
+  if (options.hasSelection()) {
+    refuse(!options.only.empty()   ? "--only"
+           : !options.skip.empty() ? "--skip"
+                                   : "--selection",
+           "the service makes all conversions of a class");
+  }
+  if (options.list) refuse("--list", "the service decides nothing about single conversions");
   if (options.summary) refuse("--summary", "add -q instead");
   if (options.groupBy) refuse("--group-by", "the service leaves no conversion out");
 }
@@ -131,6 +155,8 @@ void checkNumbers(const Options& options) {
 }
 
 void checkOptions(const CommandRow& command, const Options& options) {
+  const bool isUpdate = command.type == CommandType::update;
+  if (isUpdate && options.list) checkList(options);
   if (options.write && options.check) {
     throw UsageError("--write and --check cannot be combined: --check changes nothing");
   }
@@ -147,7 +173,7 @@ void checkOptions(const CommandRow& command, const Options& options) {
   if (options.edits && options.write) {
     throw UsageError("--edits and --write cannot be combined: written files need no edits");
   }
-  if (command.type == CommandType::update) {
+  if (isUpdate) {
     checkStandardInput(options);
     checkDecisions(options);
     checkNumbers(options);
@@ -163,6 +189,7 @@ void checkOptions(const CommandRow& command, const Options& options) {
   if (command.type == CommandType::explain && options.arguments.size() > 1) {
     throw UsageError("'explain' takes one id at a time");
   }
+  if (isUpdate) return;
   if (options.list && !options.arguments.empty()) {
     throw UsageError("'undo --list' lists all runs, and takes no argument");
   }
@@ -256,6 +283,7 @@ void parseCommandLine(const CommandRow& command, const std::vector<std::string>&
   options.jobs = numberOfProcessors();
   readValues(app, rawValues, options);
   checkOptions(command, options);
+  if (command.type == CommandType::update && options.list) options.format = options.format->list;
 }
 
 // Names of files and classes must be UTF-8.

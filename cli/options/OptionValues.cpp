@@ -124,6 +124,11 @@ void readStdinPath(const std::string& value, Options& options) {
   options.stdinPath = value;
 }
 
+void readSelectionFile(const std::string& value, Options& options) {
+  if (value.empty()) throw UsageError("--selection takes the name of a file");
+  options.selectionFile = value;
+}
+
 void readClassTable(const std::string& value, Options& options) {
   if (value.empty()) throw UsageError("--class-table takes the name of a file");
   options.classTable = value;

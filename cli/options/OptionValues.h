@@ -27,6 +27,7 @@ void readColor(const std::string& value, Options& options);
 void readJobs(const std::string& value, Options& options);
 void readVerify(const std::string& value, Options& options);
 void readStdinPath(const std::string& value, Options& options);
+void readSelectionFile(const std::string& value, Options& options);
 void readClassTable(const std::string& value, Options& options);
 
 // Empty for a word that is not in `colorWords`.

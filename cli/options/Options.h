@@ -36,6 +36,11 @@ struct Options {
   std::optional<RiskType> risk;
   // Whether conversions whose edits meet are left out, instead of laying their lines apart.
   bool noLayout = false;
+  // Patterns over the ids of conversions, of those to make and those to leave out.
+  std::vector<std::string> only;
+  std::vector<std::string> skip;
+  // The file with the conversions to make; empty for none.
+  std::string selectionFile;
   bool includeSuperclasses = false;
   bool write = false;
   bool check = false;
@@ -51,6 +56,7 @@ struct Options {
   bool asService = false;
   // Whether to print the superclasses that are not found, in place of facts about classes.
   bool unresolved = false;
+  // Whether to print the conversions of classes, or the runs that can be undone.
   bool list = false;
   // Whether to print what an undo would do instead of doing it.
   bool dryRun = false;
@@ -67,8 +73,11 @@ struct Options {
   // The path of the class whose text is read from standard input; empty for none.
   std::string stdinPath;
 
-  // The highest risk of a conversion that is made.
-  RiskType highestRisk() const { return risk.value_or(RiskType::review); }
+  // The highest risk of a conversion that is made. Those in a file were accepted with theirs.
+  RiskType highestRisk() const {
+    return risk.value_or(selectionFile.empty() ? RiskType::review : RiskType::unsafe);
+  }
+  bool hasSelection() const { return !only.empty() || !skip.empty() || !selectionFile.empty(); }
 
   // The options for a report.
   ReportOptions forReport() const {
@@ -78,6 +87,7 @@ struct Options {
             .write = write,
             .check = check,
             .edits = edits,
+            .hasSelection = hasSelection(),
             .asService = asService};
   }
 };

@@ -14,6 +14,7 @@
 
 #include "cli/terminal/Signals.h"
 #include "cli/update/RootGuard.h"
+#include "cli/update/SelectionNotes.h"
 #include "files/targets/NearestFile.h"
 #include "files/targets/Targets.h"
 #include "files/targets/UsageError.h"
@@ -79,10 +80,11 @@ Targets targetsOf(const Options& options, const ClassRoots& roots) {
 }
 
 // No diff is needed: the new bytes themselves are printed.
-UpdateRequest requestOf(const Options& options, const ReportOptions& report,
-                        const fl::filesystem::FileState& file) {
+UpdateRequest requestOf(const Options& options, const ConversionSelection& selection,
+                        const ReportOptions& report, const fl::filesystem::FileState& file) {
   UpdateRequest request;
-  request.limits = {options.highestRisk(), options.rules, !options.noLayout};
+  request.limits = {options.highestRisk(), options.rules, !options.noLayout,
+                    selection.isEmpty() ? nullptr : &selection};
   request.asService = options.asService;
   request.isTidy = options.tidy;
   request.needs = options.format->needs(report);
@@ -96,13 +98,15 @@ class StandardInputRun {
  public:
   StandardInputRun(const Options& options, const ClassRoots& roots, Console& console)
       : options_(options),
+        selection_(readSelection(options)),
         console_(console),
         reportOptions_(options.forReport()),
         names_(&roots),
         targets_(targetsOf(options, roots)),
         target_(*targets_.next()),
         guard_(&options_, &roots, &names_, &targets_.namedFolders()),
-        report_(options.format->make({&reportOptions_, &roots, &names_, &console})) {}
+        report_(options.format->make({&reportOptions_, &roots, &names_, &console})),
+        notes_(&options_, &selection_) {}
 
   ExitCodeType run(const ClassRoots& roots) {
     const std::string bytes = readAll();
@@ -112,7 +116,8 @@ class StandardInputRun {
     file.encoding = decoded.encoding;
     const fl::filesystem::OverlayScope overlay(target_.path, std::move(decoded.text));
     const TargetOutcome outcome =
-        ClassUpdater(&roots, &names_, requestOf(options_, reportOptions_, file)).update(target_);
+        ClassUpdater(&roots, &names_, requestOf(options_, selection_, reportOptions_, file))
+            .update(target_);
     guard_.take(outcome);
     guard_.look(hasNothingToDo(outcome));
     for (const ClassOutcome& each : outcome.classes) print(each, bytes);
@@ -120,6 +125,7 @@ class StandardInputRun {
     if (outcome.undecided) report_->addUndecided(*outcome.undecided);
     const bool failed = !outcome.failures.empty() || outcome.undecided || guard_.stopsTheRun();
     if (failed) exitCode_ = ExitCodeType::failed;
+    notes_.report(*report_, console_);
     guard_.report(*report_);
     report_->finish(exitCode_);
     if (!options_.quiet) guard_.printNote(console_);
@@ -137,6 +143,7 @@ class StandardInputRun {
   }
 
   void print(const ClassOutcome& outcome, const std::string& oldBytes) {
+    notes_.take(outcome.update);
     report_->printNotes(report_->notesOf(outcome));
     if (outcome.update.isRefused()) exitCode_ = ExitCodeType::failed;
     if (options_.check && outcome.update.hasNewText()) exitCode_ = ExitCodeType::somethingToChange;
@@ -150,6 +157,7 @@ class StandardInputRun {
   }
 
   const Options& options_;
+  ConversionSelection selection_;
   Console& console_;
   ReportOptions reportOptions_;
   FileNames names_;
@@ -157,6 +165,7 @@ class StandardInputRun {
   Target target_;
   RootGuard guard_;
   std::unique_ptr<UpdateReport> report_;
+  SelectionNotes notes_;
   ExitCodeType exitCode_ = ExitCodeType::done;
 };
 

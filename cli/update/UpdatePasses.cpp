@@ -55,6 +55,7 @@ void UpdateRun::takeAgain(std::size_t number, SingleUpdate& update) {
     held_.put({}, entry);
     return;
   }
+  selectionNotes_.takeAgain(update.outcome->update);
   summary_.add(ClassCounts(*update.outcome));
   held_.put(textsOf(*update.outcome), entry);
   if (options_->write) queue_->replace(entry.queued, *update.outcome);

@@ -25,9 +25,11 @@ namespace {
 
 using fl::timing::Phase;
 
-UpdateRequest requestOf(const Options& options, const ReportOptions& report, bool isOfSeveral) {
+UpdateRequest requestOf(const Options& options, const ConversionSelection& selection,
+                        const ReportOptions& report, bool isOfSeveral) {
   UpdateRequest request;
-  request.limits = {options.highestRisk(), options.rules, !options.noLayout};
+  request.limits = {options.highestRisk(), options.rules, !options.noLayout,
+                    selection.isEmpty() ? nullptr : &selection};
   request.includeSuperclasses = options.includeSuperclasses;
   request.asService = options.asService;
   request.isTidy = options.tidy;
@@ -60,17 +62,19 @@ void tellOfWaitingRuns(Console& console) {
 
 UpdateRun::UpdateRun(const Options* options, const ClassRoots* roots, Console* console)
     : options_(options),
+      selection_(readSelection(*options)),
       roots_(roots),
       console_(console),
       names_(roots),
       targets_(makeTargets()),
       reportOptions_(options->forReport()),
       updater_(roots, &names_,
-               requestOf(*options, reportOptions_,
+               requestOf(*options, selection_, reportOptions_,
                          options->includeSuperclasses || !targets_.isOneClass())),
       shared_([this](const std::string& className) { return updateAlone(className); }),
       guard_(options, roots, &names_, &targets_.namedFolders()),
-      report_(options->format->make({&reportOptions_, roots, &names_, console})) {
+      report_(options->format->make({&reportOptions_, roots, &names_, console})),
+      selectionNotes_(options, &selection_) {
   const bool asksInDryRun = targets_.haveFolders() && !options->noIgnore && !options->check;
   summary_.countsPackages = options->groupBy == GroupType::packages;
   asksGit_ = !options->allowDirty && (options->write || asksInDryRun);
@@ -164,7 +168,7 @@ void UpdateRun::finishOutcome(ClassOutcome& outcome) {
   outcome.text = {};
   outcome.file.diff = {};
   outcome.file.edits = {};
-  std::erase_if(outcome.update.conversions, [](const Conversion& each) { return each.isMade(); });
+  if (!selectionNotes_.isActive()) outcome.update.forgetMade();
 }
 
 void UpdateRun::checkUncommitted(ClassOutcome& outcome) {
@@ -199,6 +203,10 @@ void UpdateRun::take(TargetOutcome& outcome) {
 }
 
 void UpdateRun::takeClass(ClassOutcome& outcome) {
+  if (selectionNotes_.isActive()) {
+    selectionNotes_.take(outcome.update);
+    outcome.update.forgetMade();
+  }
   summary_.add(ClassCounts(outcome));
   if (!options_->quiet && options_->asService) methodChanges_.add(outcome.update);
   // A file that several classes share by links is changed once.
@@ -333,6 +341,7 @@ void UpdateRun::updateAgain(std::size_t entry) {
     queue_->drop(entry);
     return;
   }
+  selectionNotes_.takeAgain(update.outcome->update);
   summary_.add(ClassCounts(*update.outcome));
   if (!options_->quiet && options_->asService) methodChanges_.add(update.outcome->update);
   queue_->replace(entry, *update.outcome);
@@ -367,6 +376,7 @@ void UpdateRun::takeWritten() {
 }
 
 void UpdateRun::finish() {
+  if (fatalError_.empty() && !wasInterrupted()) selectionNotes_.report(*report_, *console_);
   guard_.report(*report_);
   report_->finish(exitCode());
   if (!options_->write) tellOfWaitingRuns(*console_);

@@ -16,6 +16,7 @@
 #include "cli/terminal/Progress.h"
 #include "cli/update/HeldClasses.h"
 #include "cli/update/RootGuard.h"
+#include "cli/update/SelectionNotes.h"
 #include "cli/update/Stats.h"
 #include "cli/update/WriteQueue.h"
 #include "conversions/MethodChanges.h"
@@ -39,7 +40,8 @@ namespace soca::cli {
 // files are replaced.
 class UpdateRun {
  public:
-  // All three must outlive the run. Throws UsageError for arguments that are on no root.
+  // All three must outlive the run. Throws UsageError for arguments that are on no root, and for a
+  // file that is no selection.
   UpdateRun(const Options* options, const ClassRoots* roots, Console* console);
 
   ExitCodeType run();
@@ -108,6 +110,7 @@ class UpdateRun {
   ExitCodeType exitCode() const;
 
   const Options* options_;
+  ConversionSelection selection_;
   const ClassRoots* roots_;
   Console* console_;
   // All results are computed from the state of the files before the run.
@@ -123,6 +126,7 @@ class UpdateRun {
   SharedUpdates shared_;
   RootGuard guard_;
   std::unique_ptr<UpdateReport> report_;
+  SelectionNotes selectionNotes_;
 
   // Only for several classes that are decided, and not as the service.
   std::optional<RunPasses> passes_;

@@ -46,9 +46,10 @@ bool areSame(const std::vector<GuiltyConversion>& left,
 class Chooser {
  public:
   Chooser(PlannedClass planned, const std::vector<ConversionRisk>& risks,
-          const ChoiceLimits& limits)
+          const std::vector<Wish>& wishes, const ChoiceLimits& limits)
       : whole_(std::move(planned)),
         risks_(risks),
+        wishes_(wishes),
         limits_(limits),
         made_(whole_.conversions.size(), true),
         leftOut_(whole_.conversions.size()),
@@ -122,10 +123,15 @@ class Chooser {
   }
 
   void dropUnwanted() {
+    for (std::size_t i = 0; i < wishes_.size(); ++i) {
+      made_[i] = !wishes_[i].leftOut;
+      leftOut_[i] = wishes_[i].leftOut;
+    }
     for (std::size_t i = 0; i < made_.size(); ++i) {
+      const RiskType highestRisk = wishes_.empty() ? limits_.highestRisk : wishes_[i].highestRisk;
       if (!limits_.rules.kinds[whole_.conversions[i].kind]) {
         drop(i, {"soca:NotSelected", "its kind is not among those that were asked for", {}});
-      } else if (risks_[i].type > limits_.highestRisk) {
+      } else if (risks_[i].type > highestRisk) {
         drop(i, risks_[i].reasons.front());
       }
     }
@@ -304,6 +310,7 @@ class Chooser {
 
   PlannedClass whole_;
   const std::vector<ConversionRisk>& risks_;
+  const std::vector<Wish>& wishes_;
   const ChoiceLimits& limits_;
   std::vector<bool> made_;
   std::vector<std::optional<ConversionReason>> leftOut_;
@@ -336,9 +343,9 @@ std::vector<std::size_t> findNeeds(const PlannedClass& planned) {
 }
 
 ChosenConversions chooseConversions(PlannedClass planned, const std::vector<ConversionRisk>& risks,
-                                    const ChoiceLimits& limits, unsigned analysesBefore,
-                                    const std::vector<bool>* candidates) {
-  return Chooser(std::move(planned), risks, limits).run(analysesBefore, candidates);
+                                    const std::vector<Wish>& wishes, const ChoiceLimits& limits,
+                                    unsigned analysesBefore, const std::vector<bool>* candidates) {
+  return Chooser(std::move(planned), risks, wishes, limits).run(analysesBefore, candidates);
 }
 
 }  // namespace soca

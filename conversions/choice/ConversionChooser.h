@@ -6,7 +6,9 @@
 #include <optional>
 #include <vector>
 
+#include "conversions/choice/Wishes.h"
 #include "conversions/risk/Risk.h"
+#include "conversions/selection/ConversionSelection.h"
 #include "platform/analyzer/AnalysisResult.h"
 #include "rules/RuleFamilies.h"
 #include "service/PlannedClass.h"
@@ -19,6 +21,8 @@ struct ChoiceLimits {
   RuleChoice rules;
   // Whether lines may be laid apart for conversions whose edits meet.
   bool mayLayApart = true;
+  // Null if all conversions are selected. Must outlive what is made with the limits.
+  const ConversionSelection* selection = nullptr;
 };
 
 // For each conversion of the class the next one that is made with it or not at all, in a ring; a
@@ -44,11 +48,12 @@ struct ChosenConversions {
 
 // Chooses as many conversions as can be made together, within the limits, and makes them.
 // `planned` must be the plan with all conversions that lists its faults; `risks` has one entry for
-// each. `analysesBefore` are those of earlier passes over the class. Only the analysis of the plan
-// and of each new text that is tried is kept at a time. Only conversions with `true` in
-// `candidates` are made; null for all. Throws what the rules throw.
+// each, and `wishes` too, unless it is empty. `analysesBefore` are those of earlier passes over the
+// class. Only the analysis of the plan and of each new text that is tried is kept at a time. Only
+// conversions with `true` in `candidates` are made; null for all. Throws what the rules throw.
 ChosenConversions chooseConversions(PlannedClass planned, const std::vector<ConversionRisk>& risks,
-                                    const ChoiceLimits& limits, unsigned analysesBefore = 0,
+                                    const std::vector<Wish>& wishes, const ChoiceLimits& limits,
+                                    unsigned analysesBefore = 0,
                                     const std::vector<bool>* candidates = nullptr);
 
 }  // namespace soca

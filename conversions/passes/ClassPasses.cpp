@@ -102,6 +102,7 @@ bool ClassPasses::makePass(unsigned pass, const std::vector<MethodUse>& uses) {
   if (isChanged()) overlay.emplace(file_, text_);
   checkSettling();
   risks_ = judge(planned_, uses);
+  if (limits_->selection != nullptr) wishes_ = wish();
   if (mayMakeWhole()) {
     if (makeWhole()) return true;
     planAgain();
@@ -182,12 +183,24 @@ bool ClassPasses::followsDeletion(const RuleConversion& conversion) const {
          std::ranges::find(deleted, conversion.newName) != deleted.end();
 }
 
+// The ids that were selected are those of the text as it was read.
+std::vector<Wish> ClassPasses::wish() {
+  if (!numbers_) numbers_.emplace(*planned_.analysis);
+  std::vector<Conversion> all = describeConversions(planned_);
+  std::vector<Finding> none;
+  moveToOldText(all, none);
+  return findWishes(all, findNeeds(planned_), {update_.className, isOutdated_}, *limits_->selection,
+                    limits_->highestRisk);
+}
+
 // Whether all conversions are wanted and can be applied, as is so for the usual class.
 bool ClassPasses::mayMakeWhole() const {
   if (!planned_.faults.empty() || planned_.newText == nullptr) return false;
   if (history_.analyses >= mostAnalyses) return false;
   for (std::size_t i = 0; i < risks_.size(); ++i) {
-    if (risks_[i].type > limits_->highestRisk) return false;
+    if (!wishes_.empty() && wishes_[i].leftOut) return false;
+    const RiskType highestRisk = wishes_.empty() ? limits_->highestRisk : wishes_[i].highestRisk;
+    if (risks_[i].type > highestRisk) return false;
     if (!limits_->rules.kinds[planned_.conversions[i].kind]) return false;
   }
   return true;
@@ -217,7 +230,7 @@ bool ClassPasses::makeWhole() {
 
 bool ClassPasses::makeChosen(const std::vector<MethodUse>& uses) {
   ChosenConversions chosen =
-      chooseConversions(std::move(planned_), risks_, *limits_, history_.analyses);
+      chooseConversions(std::move(planned_), risks_, wishes_, *limits_, history_.analyses);
   history_.analyses += chosen.analyses;
   planned_ = std::move(chosen.planned);
   leftOut_ = std::move(chosen.leftOut);
@@ -239,7 +252,7 @@ void ClassPasses::takeChosen() {
 bool ClassPasses::layApart(const std::vector<MethodUse>& uses) {
   if (!limits_->mayLayApart) return false;
   const auto judgeAgain = [&](const PlannedClass& planned) { return judge(planned, uses); };
-  LayoutSearch search(&planned_, limits_, judgeAgain, history_.analyses);
+  LayoutSearch search(&planned_, limits_, &wishes_, judgeAgain, history_.analyses);
   std::optional<LaidApart> laid = search.search(leftOut_);
   while (laid && limits_->highestRisk < RiskType::review) {
     leaveOutForLayout(*laid);
@@ -304,7 +317,7 @@ void ClassPasses::describeInto(const PlannedClass& planned, const LeftOut& leftO
                                Record& record) {
   std::vector<std::uint32_t> numbers(planned.conversions.size());
   if (needs_.conversions || isLaidApart_) {
-    if (isFirst_) numbers_.emplace(*planned.analysis);
+    if (isFirst_ && !numbers_) numbers_.emplace(*planned.analysis);
     std::vector<Conversion> all = describeAll(planned);
     if (needs_.editsOfEach && history_.pass == 1 && !isLaidApart_)
       findEditsOfEach(planned, *needs_.editsOfEach, all);

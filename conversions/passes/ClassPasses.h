@@ -58,6 +58,10 @@ class ClassPasses {
   ClassPasses(PlannedClass first, const ChoiceLimits* limits, const PassNeeds& needs,
               PassHistory history = {});
 
+  // To be called before the first pass if the file is not the one for which conversions were
+  // selected. They are left out then.
+  void setOutdated() { isOutdated_ = true; }
+
   // Makes the conversions of the planned pass that can be made, and returns whether the text
   // changed. Throws NotSettled. `uses` are the methods that other classes use. Overlay texts of
   // superclasses must be in force, here and in `planNext`; the one of the class itself is not
@@ -107,6 +111,7 @@ class ClassPasses {
   std::vector<ConversionRisk> judge(const PlannedClass& planned,
                                     const std::vector<MethodUse>& uses) const;
   bool followsDeletion(const RuleConversion& conversion) const;
+  std::vector<Wish> wish();
   bool mayMakeWhole() const;
   bool makeWhole();
   bool makeChosen(const std::vector<MethodUse>& uses);
@@ -133,6 +138,9 @@ class ClassPasses {
   // Of the present pass.
   PlannedClass planned_;
   std::vector<ConversionRisk> risks_;
+  // Empty if all are selected.
+  std::vector<Wish> wishes_;
+  bool isOutdated_ = false;
   LeftOut leftOut_;
   // Whether lines were laid apart in the present pass, and in any.
   bool isLaidApart_ = false;
@@ -144,7 +152,7 @@ class ClassPasses {
   ClassUpdate update_;
   TextChanges changes_;
   LineMap lines_;
-  // Of the text as it was read; empty if nothing of the first pass was described.
+  // Of the text as it was read; empty if it was neither described nor selected from.
   std::optional<DeclaredNumbers> numbers_;
 };
 

@@ -169,7 +169,7 @@ void LayoutSearch::choose(PlannedClass planned, const std::vector<bool>& candida
   }
   ChoiceLimits limits = limits_;
   limits.highestRisk = std::max(limits.highestRisk, RiskType::review);
-  laid.chosen = chooseConversions(std::move(planned), laid.risks, limits,
+  laid.chosen = chooseConversions(std::move(planned), laid.risks, wishes_, limits,
                                   analysesBefore_ + analyses_, &candidates);
   analyses_ += laid.chosen.analyses;
 }

@@ -42,12 +42,14 @@ class LayoutSearch {
  public:
   using Judge = std::function<std::vector<ConversionRisk>(const PlannedClass&)>;
 
-  // `planned` and `limits` must outlive this object. `planned` must have its analysis, and `judge`
-  // finds the risks of such a plan. `analysesBefore` are those of earlier passes over the class.
-  LayoutSearch(const PlannedClass* planned, const ChoiceLimits* limits, Judge judge,
-               unsigned analysesBefore)
+  // `planned`, `limits` and `wishes` must outlive this object. `planned` must have its analysis,
+  // and `judge` finds the risks of such a plan. `wishes` are those of its conversions; empty if all
+  // are selected. `analysesBefore` are those of earlier passes over the class.
+  LayoutSearch(const PlannedClass* planned, const ChoiceLimits* limits,
+               const std::vector<Wish>* wishes, Judge judge, unsigned analysesBefore)
       : planned_(*planned),
         limits_(*limits),
+        wishes_(*wishes),
         judge_(std::move(judge)),
         analysesBefore_(analysesBefore) {}
 
@@ -66,6 +68,7 @@ class LayoutSearch {
 
   const PlannedClass& planned_;
   const ChoiceLimits& limits_;
+  const std::vector<Wish>& wishes_;
   Judge judge_;
   unsigned analysesBefore_;
   unsigned analyses_ = 0;

@@ -10,7 +10,8 @@
 //    "skipped": [{"class": "a.D", "id": "...", "message": "...", "hint": "..."}]}
 //
 // Where nothing is written because the roots of the class path are wrong, there is a key more:
-// "suggestedRoots": ["/abs/src"].
+// "suggestedRoots": ["/abs/src"]. If conversions were selected that are not found, it is
+// "notFound": [{"id": "a.B#mixins", "message": "..."}].
 //
 // A result has the conversions of the class, made or left out, and the messages with their places:
 //
@@ -225,6 +226,10 @@ class JsonReport : public UpdateReport {
   void addSuggestion(const SuggestedRoots& suggestion, const std::string&) override {
     suggestedRoots_ = suggestion.roots;
   }
+  void addNotFound(const std::string& id, const std::string& reason) override {
+    hasNotFound_ = true;
+    notFound_.add(dump({{"id", id}, {"message", reason}}));
+  }
   void finish(ExitCodeType exitCode) override;
 
  private:
@@ -237,6 +242,8 @@ class JsonReport : public UpdateReport {
   SpooledList errors_;
   SpooledList undecided_;
   SpooledList skipped_;
+  SpooledList notFound_;
+  bool hasNotFound_ = false;
   std::vector<std::string> suggestedRoots_;
 };
 
@@ -305,6 +312,10 @@ void JsonReport::finish(ExitCodeType) {
   }
   output_->print(",\n \"skipped\": ");
   skipped_.print(*output_);
+  if (hasNotFound_) {
+    output_->print(",\n \"notFound\": ");
+    notFound_.print(*output_);
+  }
   if (!suggestedRoots_.empty()) {
     output_->print(",\n \"suggestedRoots\": " + dump(suggestedRoots_));
   }
@@ -332,6 +343,7 @@ std::unique_ptr<UpdateReport> makeReport(const ReportContext& context) {
 }  // namespace
 
 extern const ReportFormat jsonFormat;
+extern const ReportFormat selectionFormat;
 constinit const ReportFormat jsonFormat = {
     .name = "json",
     .description = "prints one document with results, errors and skipped classes, for programs",
@@ -339,6 +351,7 @@ constinit const ReportFormat jsonFormat = {
     .takesEdits = true,
     .whyNotWritten = {},
     .needs = needsOf,
-    .make = makeReport};
+    .make = makeReport,
+    .list = &selectionFormat};
 
 }  // namespace soca

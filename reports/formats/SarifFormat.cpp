@@ -226,6 +226,7 @@ class SarifReport : public UpdateReport {
   void addFailure(const Failure& failure) override;
   void addSkipped(const Failure& failure) override;
   void addUndecided(const Failure& failure) override;
+  void addNotFound(const std::string& id, const std::string& reason) override;
   void addSuggestion(const SuggestedRoots& suggestion, const std::string& text) override;
   void finish(ExitCodeType exitCode) override;
 
@@ -297,6 +298,16 @@ Json SarifReport::resultOf(const Failure& failure) const {
   result["locations"] = Json::array({std::move(places.front())});
   result["partialFingerprints"] = fingerprintsOf(fingerprintKey(key, result, {}), 0);
   return result;
+}
+
+void SarifReport::addNotFound(const std::string& id, const std::string& reason) {
+  const std::string className = id.substr(0, id.find('#'));
+  Json result = sarifResult("soca:ConversionNotFound", "warning",
+                            fmt::format("'{}' was selected and is not found: {}.", id, reason));
+  result["locations"] = Json::array({classLocation(className)});
+  result["partialFingerprints"] = fingerprintsOf(fingerprintKey(className, result, id), 0);
+  result["properties"] = {{"conversion", id}};
+  printData('\n' + dump(result));
 }
 
 // Such a text is also a notification about the run.

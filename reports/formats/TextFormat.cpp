@@ -84,6 +84,7 @@ class TextReport : public UpdateReport {
   void addFailure(const Failure& failure) override;
   void addSkipped(const Failure& failure) override;
   void addUndecided(const Failure& failure) override;
+  void addNotFound(const std::string& id, const std::string& reason) override;
   void addSuggestion(const SuggestedRoots&, const std::string&) override {}
   void finish(ExitCodeType) override;
 
@@ -91,6 +92,8 @@ class TextReport : public UpdateReport {
   std::string findingLine(const std::string& file, const Finding& finding,
                           const ClassUpdate& update) const;
   std::string leftOutLines(const std::string& file, const ClassUpdate& update) const;
+  // Whether conversions that are left out for this reason have no lines.
+  bool isHidden(const ConversionReason& reason) const;
   // The lines that a quiet run prints.
   std::string linesWithRoom(std::string_view lines);
   // The text to which the lines of the notes refer.
@@ -173,10 +176,14 @@ LinesType TextReport::linesOf(const ClassUpdate& update) const {
   return options_->write && update.hasNewText() ? LinesType::updated : LinesType::old;
 }
 
+bool TextReport::isHidden(const ConversionReason& reason) const {
+  return options_->hasSelection && !options_->verbose && reason.id == "soca:NotSelected";
+}
+
 std::string TextReport::leftOutLines(const std::string& file, const ClassUpdate& update) const {
   std::string text;
   for (const Conversion& conversion : update.conversions) {
-    if (!conversion.leftOut) continue;
+    if (!conversion.leftOut || isHidden(*conversion.leftOut)) continue;
     text += leftOutLine(file, conversion, *conversion.leftOut, linesOf(update));
   }
   return text;
@@ -217,6 +224,14 @@ void TextReport::addUndecided(const Failure& failure) {
   output_->printMessages(text);
 }
 
+void TextReport::addNotFound(const std::string& id, const std::string& reason) {
+  if (!hasRoomFor(" [soca:ConversionNotFound]")) return;
+  output_->printMessages(
+      fmt::format("warning: '{}' was selected and is not found: {} "
+                  "[soca:ConversionNotFound]\n",
+                  withEscapesInLine(id), reason));
+}
+
 void TextReport::finish(ExitCodeType) {
   std::string text;
   for (const auto& [reason, lines] : linesByReason_) {
@@ -241,12 +256,14 @@ std::unique_ptr<UpdateReport> makeReport(const ReportContext& context) {
 }  // namespace
 
 extern const ReportFormat textFormat;
+extern const ReportFormat listFormat;
 constinit const ReportFormat textFormat = {.name = "text",
                                            .description = {},
                                            .isForPeople = true,
                                            .takesEdits = false,
                                            .whyNotWritten = {},
                                            .needs = needsOf,
-                                           .make = makeReport};
+                                           .make = makeReport,
+                                           .list = &listFormat};
 
 }  // namespace soca

@@ -332,9 +332,10 @@ ClassOutcome ClassUpdater::makeServiceOutcome(PlannedClass& planned) const {
 
 PassNeeds ClassUpdater::passNeeds(const PlannedClass& planned) const {
   const OutcomeNeeds& needs = request_.needs;
-  PassNeeds passNeeds{.conversions = needs.conversions,
+  const bool hasSelection = request_.limits.selection != nullptr;
+  PassNeeds passNeeds{.conversions = needs.conversions || hasSelection,
                       .editsOfEach = std::nullopt,
-                      .changes = needs.edits || needs.conversions,
+                      .changes = needs.edits || needs.conversions || hasSelection,
                       .places = needs.places};
   if (needs.editsOfEach) {
     const std::string path = to_string(planned.result.fileName);
@@ -344,11 +345,24 @@ PassNeeds ClassUpdater::passNeeds(const PlannedClass& planned) const {
   return passNeeds;
 }
 
+bool ClassUpdater::isOutdated(const PlannedClass& planned) const {
+  const ConversionSelection* selection = request_.limits.selection;
+  if (selection == nullptr || !selection->ids) return false;
+  const auto chosen = selection->ids->findClass(to_string(planned.result.className));
+  if (!chosen) return false;
+  const std::string path = to_string(planned.result.fileName);
+  const UpdatedText text{&path, *planned.oldText, *planned.oldText, &planned.oldFile};
+  const std::string bytes = makeBytes(path, text.oldText, oldFileOf(text).encoding);
+  return sha256(bytes) != selection->ids->sha256Of(*chosen);
+}
+
 ClassPasses ClassUpdater::makePasses(PlannedClass planned, const PassNeeds& needs,
                                      const std::vector<PassView>* views, PassFacts* facts,
                                      std::vector<PassRecord>& records) const {
   if (facts != nullptr) *facts = findPassFacts(planned);
+  const bool isOutdated = this->isOutdated(planned);
   ClassPasses passes(std::move(planned), &request_.limits, needs);
+  if (isOutdated) passes.setOutdated();
   static const std::vector<PassView> alone = {PassView()};
   const auto& all = views != nullptr ? *views : alone;
   makeAllPasses(passes, all, facts != nullptr ? &facts->names : nullptr, records);
@@ -373,7 +387,8 @@ ClassOutcome ClassUpdater::makeOutcome(PlannedClass planned, const std::vector<P
   ca::forgetLastAnalysis();
   if (needs.text) outcome.text = to_string(*passes.text());
   if (needs.hints) outcome.hints = hintsOnSuperClasses(update.className, *roots_, words());
-  if (!update.hasNewText() && !needs.edits) return outcome;
+  const bool needsIdentity = needs.edits || (needs.identity && !update.conversions.empty());
+  if (!update.hasNewText() && !needsIdentity) return outcome;
   addFile({&update.file, *passes.oldText(), *passes.text(), &oldFile}, outcome);
   if (needs.edits && update.hasNewText()) {
     outcome.file.edits =
@@ -396,7 +411,7 @@ void ClassUpdater::addFile(const UpdatedText& text, ClassOutcome& outcome) const
   const fl::filesystem::FileState old = oldFileOf(text);
   file.stamp = old.stamp;
   const auto bytesOf = [&](fl::ustring_view each) { return makeBytes(path, each, old.encoding); };
-  if (needs.edits) {
+  if (needs.edits || needs.identity) {
     file.bytes =
         FileBytes{sha256(bytesOf(text.oldText)), old.encoding, text.oldText.starts_with(u'\uFEFF')};
   }

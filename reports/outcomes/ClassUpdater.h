@@ -34,6 +34,8 @@ struct OutcomeNeeds {
   FindingPlacesType places = FindingPlacesType::none;
   // What each class has to do with others of the run.
   bool facts = false;
+  // The identification of the file of a class with conversions.
+  bool identity = false;
 };
 
 // The input of the computation.
@@ -106,6 +108,9 @@ class ClassUpdater {
                          const std::vector<PassView>* views, PassFacts* facts,
                          std::vector<PassRecord>& records) const;
   PassNeeds passNeeds(const PlannedClass& planned) const;
+  // Whether the file of the planned class is not the one for which conversions were selected. The
+  // plan must be that of the text as it was read.
+  bool isOutdated(const PlannedClass& planned) const;
   fl::filesystem::FileState oldFileOf(const UpdatedText& text) const;
   // Sets the fields that depend on the bytes of the file.
   void addFile(const UpdatedText& text, ClassOutcome& outcome) const;

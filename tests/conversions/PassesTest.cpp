@@ -257,6 +257,51 @@ TEST(Passes, MakeWhatCanBeMade) {
   }
 }
 
+// The ids are those of the text as it was read, in all passes.
+TEST(Passes, MakeWhatIsSelected) {
+  const std::string emptyBlocks =
+      block("properties (Hidden)", "") + block("properties", "") + block("properties", "");
+  const std::string strict =
+      block("methods (Access = protected)", method("isInputSizeLockedImpl", "true"));
+  const std::string sharedSet = block("properties", "A = 'a';\n" + setOf("A") + "\nA = 'b';");
+  const struct {
+    const char* shows;
+    std::string body;
+    ConversionSelection selection;
+    const char* conversions;
+  } rows[] = {
+      {"a number that others have once it is made",
+       emptyBlocks,
+       {{"*:2"}, {}, {}},
+       "attributes/empty-block:2 1\nattributes/empty-block:1 NotSelected\n"
+       "attributes/empty-block:3 NotSelected\n"},
+      {"two passes over one method",
+       strict,
+       {{"*:isInputSizeLockedImpl"}, {}, {}},
+       "impl/rename-negate:isInputSizeLockedImpl 1\n"
+       "impl/delete-redundant:isInputSizeLockedImpl 2\n"},
+      {"the first of them",
+       strict,
+       {{}, {"*redundant*"}, {}},
+       "impl/rename-negate:isInputSizeLockedImpl 1\n"
+       "impl/delete-redundant:isInputSizeLockedImpl NotSelected\n"},
+      {"the second of them",
+       strict,
+       {{"*redundant*"}, {}, {}},
+       "impl/rename-negate:isInputSizeLockedImpl NotSelected\n"},
+      {"one of two that need each other",
+       sharedSet,
+       {{}, {"C#*:A~2"}, {}},
+       "attributes/string-set:A~1 NeedsNotSelected\nattributes/string-set:A~2 NotSelected\n"},
+  };
+  for (const auto& row : rows) {
+    ChoiceLimits limits;
+    limits.selection = &row.selection;
+    EXPECT_EQ(ConvertedClass(classWith(row.body), limits).conversions(), row.conversions)
+        << row.shows;
+  }
+}
+
 TEST(Passes, AReasonShowsWhereItIs) {
   const auto reasonOf = [](const std::string& body) {
     const ConvertedClass converted(classWith(body), withoutLayout());
