@@ -73,7 +73,7 @@ class NodeLister : public ca::astapi::Visitor<NodeLister, lf::astapi::Const> {
     NodeKind kind;
     Stretch part;
 
-    friend bool operator==(const Listed&, const Listed&) = default;
+    bool operator==(const Listed& other) const = default;
   };
 
   explicit NodeLister(const ca::AnalysisResult& analysis) : text_(analysis.sourceTextView()) {
@@ -109,7 +109,7 @@ struct Comment {
   CommentType type;
   Stretch part;
 
-  friend bool operator==(const Comment&, const Comment&) = default;
+  bool operator==(const Comment& other) const = default;
 };
 
 // Finds the comments of a text outside of its literals and the words of its commands.

@@ -134,7 +134,7 @@ TEST(Formats, TextHasTheDetailsOfFindingsAndTheirNewLines) {
   finding.text = "Method 'f' is left.";
   finding.newPlace.line = 5;
   for (std::uint64_t line = 8; line < 10; ++line) {
-    finding.related.push_back({{line, 1, 2, line}, "A reference.", "referred to in", line + 10});
+    finding.related.push_back({{line, 1, 2, line}, "A reference.", "referred to in", {line + 10}});
   }
   finding.furtherLines = 1500;
   const struct {
