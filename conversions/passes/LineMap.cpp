@@ -2,9 +2,37 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <ranges>
 #include <utility>
 
+#include "conversions/passes/TextChanges.h"
+#include "service/PlannedClass.h"
+
 namespace soca {
+namespace {
+
+// Whether an edited line has text and continues with the text of a later one.
+bool joinsLines(const SourceFile& newLines) {
+  bool isOpen = false;
+  for (const SourceFile::Line& line : newLines.getLines()) {
+    if (line.flags == 0 && !isOpen) continue;
+    if ((line.flags & SourceFile::LineDeleted) != 0) continue;
+    const bool hasText = line.text.find_first_not_of(u"\t\v\f\r ") != fl::ustring_view::npos;
+    if (isOpen && hasText) return true;
+    isOpen = (line.flags & SourceFile::LineNoNewline) != 0 && (isOpen || hasText);
+  }
+  return false;
+}
+
+TextChanges findChanges(const std::shared_ptr<const fl::ustring>& oldText,
+                        const std::shared_ptr<const SourceFile>& newLines) {
+  PlannedClass pass;
+  pass.oldText = oldText;
+  pass.newLines = newLines;
+  return findTextChanges(pass, {});
+}
+
+}  // namespace
 
 void LineMap::add(std::shared_ptr<const SourceFile> newLines,
                   std::shared_ptr<const fl::ustring> oldText) {
@@ -17,7 +45,13 @@ void LineMap::add(std::shared_ptr<const SourceFile> newLines,
 }
 
 void LineMap::read() const {
-  for (const Pass& pass : pending_) read(*pass.newLines);
+  for (const Pass& pass : pending_) {
+    if (joined_.empty() && !joinsLines(*pass.newLines)) {
+      read(*pass.newLines);
+    } else {
+      joined_.emplace_back(*pass.oldText, findChanges(pass.oldText, pass.newLines));
+    }
+  }
   pending_.clear();
 }
 
@@ -47,13 +81,15 @@ void LineMap::read(const SourceFile& newLines) const {
 
 LinePlace LineMap::toOld(const LinePlace& place) const {
   read();
-  if (oldLines_.empty() || place.line == 0) return place;
+  if (place.line == 0) return place;
+  LinePlace old = place;
+  for (const PositionMap& pass : joined_ | std::views::reverse) old = pass.toOld(old);
+  if (oldLines_.empty()) return old;
   const auto oldOf = [&](std::uint64_t line) {
     return std::uint64_t{oldLines_[std::min<std::size_t>(line, oldLines_.size()) - 1]} + 1;
   };
-  LinePlace old = place;
-  old.line = oldOf(place.line);
-  if (place.endLine != 0) old.endLine = std::max(old.line, oldOf(place.endLine));
+  old.line = oldOf(old.line);
+  if (old.endLine != 0) old.endLine = std::max(old.line, oldOf(old.endLine));
   return old;
 }
 

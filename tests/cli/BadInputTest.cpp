@@ -50,6 +50,8 @@ TEST(BadInput, WrongCommandLineDoesNothing) {
       {{"update", "--group-by", "kinds"}, "'kinds'; known are: kind, reason, package; did you"},
       {{"update", "--as-service", "--risk=review"}, "--risk and --as-service cannot be combined"},
       {{"update", "--as-service", "-r", "mixins,impl/rename"}, "--rules with a kind and --as-serv"},
+      {{"update", "--as-service", "--no-layout"},
+       "--no-layout and --as-service cannot be combined"},
       {{"update", "--as-service", "--tidy"}, "--tidy and --as-service cannot be combined"},
       {{"update", "--as-service", "--summary"}, "--summary and --as-service cannot be combined"},
       {{"update", "--as-service", "--group-by=kind"}, "--group-by and --as-service cannot be com"},

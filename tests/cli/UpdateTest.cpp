@@ -176,6 +176,34 @@ TEST(Update, PrintsWhatIsLeftToAPerson) {
             "soca: looked at 3 classes: 1 would change, 2 stay as they are; 2 findings\n");
 }
 
+TEST(Update, LaysLinesApartUnlessToldOtherwise) {
+  const Workspace space;
+  space.write("Gate.vlm",
+              "classdef Gate < velum.system.mixin.Propagates\r\n"
+              "\tproperties (Logical), Muted = false; end\r\nend\r\n");
+  const char* const meets =
+      "Gate.vlm:2: warning: the attribute Logical of property 'Muted' is not ";
+  const struct {
+    std::vector<std::string> options;
+    std::string expected;
+  } rows[] = {
+      {{"--no-layout"}, std::string(meets) + "converted: two of its edits meet. Put each "},
+      {{"--risk=safe"}, std::string(meets) + "converted: a line would be laid apart. Put each "},
+      {{},
+       "Gate.vlm:2: note: line 2 laid apart for the attribute Logical of property 'Muted' [soca"},
+      {{"--write"}, "Gate.vlm:2: note: line 2 laid apart for "},
+      {{"--check"}, "soca: looked at 1 class: 0 would change, 1 stays as it is"},
+  };
+  for (auto [options, expected] : rows) {
+    options.insert(options.begin(), "update");
+    const std::string messages = space.soca(options).err;
+    EXPECT_NE(messages.find(expected), std::string::npos) << expected << "\n" << messages;
+  }
+  EXPECT_EQ(space.read("Gate.vlm"),
+            "classdef Gate < velum.System\r\n\tproperties \r\n"
+            "\t\tMuted (1, 1) logical = false;\r\n\tend\r\nend\r\n");
+}
+
 TEST(Update, StatsShowTheTimeOfEachPhase) {
   const Workspace space;
   space.write("A.vlm", outdatedClass("A"));

@@ -42,19 +42,21 @@ ChoiceLimits withoutLayout() {
 // The class C of the text after all passes over it.
 class ConvertedClass {
  public:
-  explicit ConvertedClass(const std::string& oldText, const ChoiceLimits& limits = {})
+  explicit ConvertedClass(const std::string& oldText, const ChoiceLimits& limits = {},
+                          const PassNeeds& needs = {.conversions = true,
+                                                    .editsOfEach = std::nullopt,
+                                                    .changes = true,
+                                                    .places = FindingPlacesType::members})
       : limits_(limits) {
     file_ = folder_.write("C.vlm", oldText);
     PathDispatcher::getDispatcher().setClassPath({folder_.path()});
-    ClassPasses passes(plan(), &limits_,
-                       {.conversions = true,
-                        .editsOfEach = std::nullopt,
-                        .changes = true,
-                        .places = FindingPlacesType::members});
+    ClassPasses passes(plan(), &limits_, needs);
     while (passes.makePass() && passes.planNext()) continue;
     text = passes.text();
     update = passes.takeUpdate();
-    EXPECT_EQ(applyChanges(*passes.oldText(), passes.changes()), *text);
+    if (needs.changes) {
+      EXPECT_EQ(applyChanges(*passes.oldText(), passes.changes()), *text);
+    }
   }
 
   // One line for each conversion: with its pass, or with the reason for which it is left out.
@@ -315,6 +317,16 @@ TEST(Passes, AReasonShowsWhereItIs) {
   EXPECT_EQ(reason.detail, "two of its edits meet");
   ASSERT_EQ(reason.places.size(), 1U);
   EXPECT_EQ(reason.places[0].line, 6U);
+}
+
+// Also for a client that needs no columns, and where a pass joins the rests of two lines.
+TEST(Passes, LinesAreThoseOfTheTextAsItWasRead) {
+  const std::string text = classWith(
+      "methods (Access = protected), function f = isOutputSizeLockedImpl(o, i)\nf = o;\n"
+      "end; function f = isInputSizeLockedImpl(o)\nend\nend\n");
+  const ConvertedClass converted(text, {}, {.places = FindingPlacesType::members});
+  ASSERT_EQ(converted.update.findings.size(), 1U);
+  EXPECT_EQ(converted.update.findings[0].line, 4U) << to_string(*converted.text);
 }
 
 // The first pass deletes lines before the one that is laid apart.

@@ -259,6 +259,38 @@ ClassOutcome decidedOutcome() {
   return outcome;
 }
 
+TEST(Formats, LinesThatAreLaidApartAreNamed) {
+  const struct {
+    std::vector<std::uint64_t> lines;
+    std::string text;
+  } rows[] = {
+      {{12}, "line 12"},
+      {{12, 13, 14}, "lines 12 to 14"},
+      {{12, 13, 16, 18, 19}, "lines 12 to 13, 16 and 18 to 19"},
+      {{1, 3, 5, 7, 9, 11, 13, 15, 17, 18}, "lines 1, 3, 5, 7, 9, 11, 13, 15 and 1 more"},
+  };
+  for (const auto& [lines, text] : rows) {
+    ClassOutcome outcome;
+    outcome.update.file = "/r/p/A.vlm";
+    Conversion conversion = makeConversion(ConversionKindType::renameNegate, "f");
+    conversion.risk = {RiskType::review, {makeReason("why", lines)}};
+    conversion.risk.reasons[0].id = laidApartId;
+    outcome.update.conversions = {conversion};
+    const auto printed = [&](const char* format) {
+      Report report(format, {});
+      report.add(outcome);
+      return report.finish();
+    };
+    EXPECT_EQ(printed("text").messages,
+              fmt::format("/r/p/A.vlm:{}: note: {} laid apart for method 'f' [soca:LaidApart]\n",
+                          lines.front(), text));
+    const Json result = Json::parse(printed("json").data).at("results").at(0);
+    EXPECT_EQ(result.at("conversions").at(0).at("laidApart"), Json(lines));
+    const Json run = Json::parse(printed("sarif").data).at("runs").at(0);
+    EXPECT_EQ(run.at("results").at(0).at("relatedLocations").size(), lines.size());
+  }
+}
+
 TEST(Formats, JsonHasEachDecision) {
   Report report("json", {.edits = true});
   report.add(decidedOutcome());
