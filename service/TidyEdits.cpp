@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "rules/MethodRules.h"
@@ -15,6 +17,7 @@ namespace {
 
 constexpr fl::ustring_view blanks = u"\t\v\f\r ";
 constexpr fl::ustring_view continuation = u"...";
+constexpr std::uint64_t lineEnd = std::numeric_limits<std::uint64_t>::max();
 
 fl::ustring_view withoutBlanks(fl::ustring_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
@@ -101,7 +104,7 @@ class EditTidier {
     if (!form.isWrapped()) return;
     PlannedEdit& edit = mixins->edits.front();
     edit.text = form.makeText(newSuperClassNames(superClasses, metaData));
-    takeRestOfLine(edit);
+    takeComment(edit);
   }
 
   void tidyDeletions() {
@@ -115,14 +118,29 @@ class EditTidier {
   void countLines(const PlannedEdit& edit) {
     const auto replaced = findReplaced(file_, edit);
     if (!replaced) return;
-    ++editsOfLine_[replaced->start.line];
-    if (replaced->end.line > replaced->start.line) ++editsOfLine_[replaced->end.line];
+    const auto& [start, end] = *replaced;
+    const bool isSingleLine = start.line == end.line;
+    editsOfLine_[start.line].push_back({start.column, isSingleLine ? end.column : lineEnd});
+    if (!isSingleLine) editsOfLine_[end.line].push_back({0, end.column});
   }
 
-  // After an edit over three lines, the rest would be on a line of its own.
-  void takeRestOfLine(PlannedEdit& edit) const {
+  // Whether an edit changes the columns, or text between them; an edit that ends or begins with
+  // them does not.
+  bool isEdited(std::uint64_t line, std::uint64_t first, std::uint64_t last) const {
+    const auto edits = editsOfLine_.find(line);
+    return edits != editsOfLine_.end() && std::ranges::any_of(edits->second, [&](const auto& edit) {
+             return edit.first < last && edit.second > first;
+           });
+  }
+
+  // After an edit over three lines, the rest would be on a line of its own. Code stays there,
+  // because the edit would hide where it comes from.
+  void takeComment(PlannedEdit& edit) const {
     SourcePosition& end = edit.extent.end;
+    if (end.line - edit.extent.start.line < 2) return;
     const fl::ustring_view rest = textOf(end.line).substr(end.column);
+    const fl::ustring_view comment = withoutBlanks(rest);
+    if (!comment.starts_with(u'%') && !comment.starts_with(continuation)) return;
     const std::size_t kept = rest.find_last_not_of(blanks) + 1;
     edit.text += rest.substr(0, kept);
     end.column += kept;
@@ -149,8 +167,7 @@ class EditTidier {
   void tidyDeletion(fl::ustring_view method, PlannedAction& action) {
     const auto replaced = findReplaced(file_, action.edits.front());
     if (!replaced || !action.edits.front().text.empty() || replaced->start == replaced->end) return;
-    const auto& [start, end] = *replaced;
-    if (editsOfLine_.at(start.line) > 1 || editsOfLine_.at(end.line) > 1) return;
+    const SourcePosition& start = replaced->start;
     const fl::ustring_view before = withoutBlanks(textOf(start.line).substr(0, start.column));
     if (before.empty()) removeCommentAbove(method, start.line, action);
     trim(method, *replaced, action);
@@ -166,13 +183,13 @@ class EditTidier {
     const std::size_t kept = first.find_last_not_of(blanks) + 1;
     const bool isAtLineEnd = rest.empty() || losesComment || endsFirstLine(file_, replaced);
     const bool isLineKept = kept > 0;
-    const std::size_t lineEnd = last.size() - (last.ends_with(u'\r') ? 1 : 0);
+    const std::size_t restEnd = last.size() - (last.ends_with(u'\r') ? 1 : 0);
     const bool isSingleLine = start.line == end.line;
     if (losesComment || (rest.empty() && isSingleLine && isLineKept)) {
-      addDeletion({end, {end.line, std::max<std::uint64_t>(lineEnd, end.column)}},
+      addDeletion({end, {end.line, std::max<std::uint64_t>(restEnd, end.column)}},
                   action.edits.begin(), action);
     }
-    if (isAtLineEnd && isLineKept) {
+    if (isAtLineEnd && isLineKept && !isEdited(start.line, kept, start.column)) {
       addDeletion({{start.line, kept}, start}, action.edits.end(), action);
     }
   }
@@ -193,8 +210,9 @@ class EditTidier {
 
   const SourceFile& file_;
   PlannedClass& planned_;
-  // The number of edits that begin or end on each line.
-  std::unordered_map<std::uint64_t, std::size_t> editsOfLine_;
+  // The first columns of the edits that begin or end on each line, and those after their last ones.
+  std::unordered_map<std::uint64_t, std::vector<std::pair<std::uint64_t, std::uint64_t>>>
+      editsOfLine_;
 };
 
 }  // namespace
