@@ -59,8 +59,10 @@ void LineMap::read(const SourceFile& newLines) const {
   const auto& lines = newLines.getLines();
   std::vector<std::uint32_t> oldLines;
   oldLines.reserve(lines.size());
+  // A pass that deletes the last line knows no line for the end of its text.
   const auto oldOf = [&](std::size_t line) {
-    return oldLines_.empty() ? static_cast<std::uint32_t>(line) : oldLines_[line];
+    if (oldLines_.empty()) return static_cast<std::uint32_t>(line);
+    return oldLines_[std::min(line, oldLines_.size() - 1)];
   };
   bool isJoined = false;
   for (std::size_t i = 0; i < lines.size(); ++i) {

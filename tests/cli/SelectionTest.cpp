@@ -179,7 +179,7 @@ TEST(Selection, AFileSelects) {
         "..."}},
       {"one of two that are made together",
        [](Json& list, const Workspace&) {
-         list["classes"] = {list["classes"][3]};
+         list["classes"] = Json::array({list["classes"][3]});
          list["classes"][0]["conversions"].erase(0);
        },
        {},
@@ -202,7 +202,7 @@ TEST(Selection, AFileSelects) {
         "not found: "}},
       {"one that has become riskier than it was listed",
        [](Json& list, const Workspace& space) {
-         list["classes"] = {list["classes"][0]};
+         list["classes"] = Json::array({list["classes"][0]});
          space.write("p/User.vlm", classOf("User < p.A",
                                            "methods\nfunction g(o)\no.isInputSizeLockedImpl(1);\n"
                                            "end\nend\n"));
@@ -212,7 +212,7 @@ TEST(Selection, AFileSelects) {
        {"class 'p.User' refers to it"}},
       {"a conversion of a later pass without the one before it",
        [](Json& list, const Workspace&) {
-         list["classes"] = {list["classes"][1]};
+         list["classes"] = Json::array({list["classes"][1]});
          list["classes"][0]["conversions"].erase(0);
        },
        {},
@@ -244,8 +244,9 @@ TEST(Selection, ProgramsSeeWhatIsNotFound) {
   const Workspace space;
   writeTree(space);
   Json list = listOf(space);
-  list["classes"] = {list["classes"][0]};
-  list["classes"][0]["conversions"] = {{{"id", "p.A#mixins"}}, {{"id", "p.A#impl/rename:x"}}};
+  list["classes"] = Json::array({list["classes"][0]});
+  list["classes"][0]["conversions"] =
+      Json::array({{{"id", "p.A#mixins"}}, {{"id", "p.A#impl/rename:x"}}});
   space.write("s.json", list.dump());
   const auto json = Json::parse(space.soca({"update", "--selection=s.json", "--format=json"}).out);
   EXPECT_EQ(json.at("notFound").at(0).at("id"), "p.A#impl/rename:x");
