@@ -106,13 +106,16 @@ std::string laterId(const std::string& id) {
                   "InputSpecificationChange");
 }
 
-// The attributes of a block in the order of their names, because joined blocks have those of the
-// first one.
+// The attributes of a block in the order of their names and in one form. Blocks are joined that
+// have the same access and the same logical attributes, and get the others of the first one.
 std::string attributesOf(const ca::AnalysisResult& analysis, const ca::astapi::BlockNode& block) {
   std::set<std::string> attributes;
   for (const AttributeText& each : blockParts::attributeTexts(analysis, block)) {
-    attributes.insert(fl::i18n::to_string((each.negated ? u"~" : u"") + each.name + u"=" +
-                                          each.value.value_or(u"")));
+    const std::string name = fl::i18n::to_string(each.name);
+    std::string value = fl::i18n::to_string(each.value.value_or(each.negated ? u"false" : u"true"));
+    if (!name.ends_with("Access") && value != "true" && value != "false") continue;
+    std::erase_if(value, [](char quote) { return quote == '\'' || quote == '"'; });
+    attributes.insert(fmt::format("{}={}", name, value));
   }
   return fmt::format("{}", fmt::join(attributes, ", "));
 }
