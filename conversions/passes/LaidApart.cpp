@@ -23,16 +23,12 @@ constexpr fl::ustring_view blanks = u"\t\v\f\r ";
 
 using Lines = std::set<std::uint64_t>;
 
-// The lines on which edits of one of the conversions meet.
-Lines findCrowdedLines(const PlannedClass& candidates) {
-  Lines lines;
-  for (const SelfMeeting& each : findSelfMeetings(candidates)) lines.insert(each.line);
-  return lines;
-}
-
-// For each conversion those of the lines on which it has an edit that it makes alone.
-std::vector<Lines> divideLines(const PlannedClass& candidates, const Lines& lines) {
+// For each conversion the lines of those on which it has an edit that it makes alone, or on which
+// its edits meet.
+std::vector<Lines> divideLines(const PlannedClass& candidates,
+                               const std::vector<SelfMeeting>& meetings, const Lines& lines) {
   std::vector<Lines> linesOf(candidates.conversions.size());
+  for (const SelfMeeting& each : meetings) linesOf[each.conversion].insert(each.line);
   for (std::size_t i = 0; i < candidates.actions.size(); ++i) {
     const std::uint64_t line = candidates.actions[i].extent.start.line;
     const auto owners = candidates.ownersOf(i);
@@ -123,11 +119,13 @@ std::optional<LaidApart> LayoutSearch::search(
 std::optional<LaidApart> LayoutSearch::layApart(const std::vector<bool>& candidates) {
   if (analysesBefore_ + analyses_ + 1 >= mostAnalyses) return std::nullopt;
   const PlannedClass attempt = planConversions(planned_, candidates, optionsOf(planned_));
-  const Lines lines = findCrowdedLines(attempt);
+  const std::vector<SelfMeeting> meetings = findSelfMeetings(attempt);
+  Lines lines;
+  for (const SelfMeeting& each : meetings) lines.insert(each.line);
   LaidApart laid;
   laid.breaks = findLineBreaks(*planned_.analysis, lines);
   if (laid.breaks.empty()) return std::nullopt;
-  laid.linesOf = divideLines(attempt, lines);
+  laid.linesOf = divideLines(attempt, meetings, lines);
   laid.lines = std::make_shared<const SourceFile>(
       applyBreaks(*planned_.oldText, *planned_.analysis, laid.breaks));
   laid.text = std::make_shared<const fl::ustring>(laid.lines->getText());

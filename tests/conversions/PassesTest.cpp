@@ -56,6 +56,7 @@ class ConvertedClass {
     update = passes.takeUpdate();
     if (needs.changes) {
       EXPECT_EQ(applyChanges(*passes.oldText(), passes.changes()), *text);
+      for (const TextChange& each : passes.changes()) EXPECT_FALSE(each.conversions.empty());
     }
   }
 
@@ -195,6 +196,10 @@ TEST(Passes, MakeWhatCanBeMade) {
       {"blocks that are joined, on one line",
        "properties (Logical), A = true; end, properties (Logical), B = false; end\n",
        "attributes/logical:A 1\nattributes/logical:B 1\n"},
+      {"a line on which only blocks are joined",
+       "properties (Logical), A = true;\nend, properties, B = 1; F = 1; end, properties (Logical)\n"
+       "D = true; E = true;\nend\n",
+       "attributes/logical:A 1\nattributes/logical:D 1\n"},
       {"lines that may not be laid apart, beside other risks",
        block(methods, "function f = isInputSizeLockedImpl(~, i), f = g(i); end") +
            "properties (Logical), A = true; end\nproperties (Logical), B = 3; end\n" +
