@@ -53,6 +53,7 @@ TEST(BadInput, WrongCommandLineDoesNothing) {
       {{"update", "--as-service", "--no-layout"},
        "--no-layout and --as-service cannot be combined"},
       {{"update", "--as-service", "--tidy"}, "--tidy and --as-service cannot be combined"},
+      {{"update", "--as-service", "--tidy"}, "--tidy and --as-service cannot be combined"},
       {{"update", "--as-service", "--summary"}, "--summary and --as-service cannot be combined"},
       {{"update", "--as-service", "--group-by=kind"}, "--group-by and --as-service cannot be com"},
       {{"update", "--as-service", "--only=*"}, "--only and --as-service cannot be combined"},
