@@ -54,13 +54,19 @@ void TerminalRun::type(std::string_view keys) const {
 
 bool TerminalRun::waitFor(std::string_view text) {
   while (output_.find(text) == std::string::npos) {
-    if (!readMore()) return false;
+    if (!readMore(patienceMilliseconds)) return false;
   }
   return true;
 }
 
+bool TerminalRun::hasPrinted(std::string_view text) {
+  while (readMore(0)) {
+  }
+  return output_.find(text) != std::string::npos;
+}
+
 int TerminalRun::finish() {
-  while (readMore()) {
+  while (readMore(patienceMilliseconds)) {
   }
   int status = 0;
   ::waitpid(process_, &status, 0);
@@ -68,10 +74,10 @@ int TerminalRun::finish() {
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-bool TerminalRun::readMore() {
+bool TerminalRun::readMore(int milliseconds) {
   std::array<char, 4096> buffer;
   pollfd waiting = {.fd = terminal_, .events = POLLIN, .revents = 0};
-  if (::poll(&waiting, 1, patienceMilliseconds) != 1) return false;
+  if (::poll(&waiting, 1, milliseconds) != 1) return false;
   // Fails once no process has the terminal any more.
   const ssize_t count = ::read(terminal_, buffer.data(), buffer.size());
   if (count <= 0) return false;

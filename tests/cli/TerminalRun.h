@@ -25,13 +25,16 @@ class TerminalRun {
   void type(std::string_view keys) const;
   // Reads until the output contains the text. False if it ends before, or no output comes for long.
   bool waitFor(std::string_view text);
+  // Reads what has been printed so far. Whether the text is part of the output.
+  bool hasPrinted(std::string_view text);
   // Reads all output, and returns the exit code as in ProgramResult.
   int finish();
   // What was read so far.
   const std::string& output() const { return output_; }
 
  private:
-  bool readMore();
+  // False if there is no output within the time, or if it ends.
+  bool readMore(int milliseconds);
 
   pid_t process_ = 0;
   int terminal_ = -1;

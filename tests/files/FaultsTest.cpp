@@ -1,15 +1,16 @@
 // The program while files change and system calls fail, which strace brings about.
 #include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <random>
-#include <thread>
 
 #include "tests/Places.h"
 #include "tests/cli/TerminalRun.h"
@@ -27,17 +28,30 @@ bool canTrace(const Workspace& space) {
 
 constexpr const char* whyNotTraced = "the program cannot be traced by strace";
 
-// The output of an update that has computed everything, and then waits for some time for its turn
-// to write, while `change` is called. It looks at files slowly, so that others can change them.
+// Whether the child is stopped, which is waited for; false if it ends.
+bool isStopped(pid_t process) {
+  siginfo_t state = {};
+  ::waitid(P_PID, static_cast<id_t>(process), &state, WSTOPPED | WEXITED | WNOWAIT);
+  if (state.si_code != CLD_STOPPED && state.si_code != CLD_TRAPPED) return false;
+  return ::waitid(P_PID, static_cast<id_t>(process), &state, WSTOPPED | WNOHANG) == 0;
+}
+
+// An update that stops after each of the system calls, and waits once for its turn to write, when
+// it has computed everything. strace must not be its parent, so that this process sees the stops.
+std::vector<std::string> stoppingUpdate(const std::string& stops) {
+  return {"strace", "-D", "-f", "-qq", "-o", "/dev/null", "-e", "trace=flock,newfstatat", "-e",
+          // The first lock is that of the repair before the update.
+          "inject=flock:error=EAGAIN:when=2", "-e", "inject=" + stops, programPath(), "update",
+          "--write", "--jobs=1", "--color=never", "--path=front", "--path=."};
+}
+
+// The output of an update that has computed everything when `change` is called.
 std::string updateWhile(const Workspace& space, const std::function<void()>& change,
                         int expectedExitCode) {
-  // The first lock is that of the repair before the update.
-  TerminalRun run(
-      space, {"strace", "-f", "-qq", "-o", "/dev/null", "-e", "trace=flock,newfstatat", "-e",
-              "inject=flock:error=EAGAIN:when=2..6", "-e", "inject=newfstatat:delay_enter=3000",
-              programPath(), "update", "--write", "--color=never", "--path=front", "--path=."});
-  EXPECT_TRUE(run.waitFor("waiting for it to end")) << run.output();
+  TerminalRun run(space, stoppingUpdate("flock:signal=SIGSTOP:error=EAGAIN:when=2"));
+  EXPECT_TRUE(isStopped(run.process()));
   change();
+  ::kill(run.process(), SIGCONT);
   EXPECT_EQ(run.finish(), expectedExitCode) << run.output();
   return run.output();
 }
@@ -105,26 +119,25 @@ TEST(ChangedFiles, ClassesAreUpdatedAgain) {
 }
 
 TEST(ChangedFiles, ClassesFailWhoseFilesKeepChanging) {
-  if (!canTrace(Workspace())) GTEST_SKIP() << whyNotTraced;
   const Workspace space;
+  if (!canTrace(space)) GTEST_SKIP() << whyNotTraced;
   writeClasses(space);
   const std::string old = space.read("Top.vlm");
-  std::jthread changer;
-  const auto change = [&] {
-    changer = std::jthread([&](const std::stop_token& stop) {
-      for (std::size_t i = 0; !stop.stop_requested(); ++i) {
-        // Two files of one size may have equal stamps if there are milliseconds between them.
-        space.write("next", "classdef Base < handle\nend\n%" + std::string(i % 1000, 'x'));
-        fs::rename(space.path() / "next", space.path() / "Base.vlm");
-      }
-    });
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  };
-  const std::string output = updateWhile(space, change, 2);
-  changer = {};
-  EXPECT_NE(output.find("Top.vlm' was not written and stays as it was: it changed since"),
+  TerminalRun run(space, stoppingUpdate("newfstatat:signal=SIGSTOP"));
+  std::size_t changes = 0;
+  while (isStopped(run.process())) {
+    if (run.hasPrinted("waiting for it to end")) {
+      // Two files of one size may have equal stamps if there are milliseconds between them.
+      space.write("next", "classdef Base < handle\nend\n%" + std::string(++changes, 'x'));
+      fs::rename(space.path() / "next", space.path() / "Base.vlm");
+    }
+    ::kill(run.process(), SIGCONT);
+  }
+  EXPECT_EQ(run.finish(), 2) << run.output();
+  EXPECT_GT(changes, 0U);
+  EXPECT_NE(run.output().find("Top.vlm' was not written and stays as it was: it changed since"),
             std::string::npos)
-      << output;
+      << run.output();
   EXPECT_EQ(space.read("Top.vlm"), old);
   EXPECT_NE(space.read("Other.vlm"), outdatedClass("Other"));
 }
