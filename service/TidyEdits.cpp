@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <limits>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "rules/MethodRules.h"
@@ -37,7 +36,8 @@ bool isCommentOf(fl::ustring_view name, fl::ustring_view text) {
 }
 
 // The new superclass list in the form of the old one: between two names that stay is what was
-// between them, up to the first line end.
+// between them, up to the first line end. The comment of a name is that of the continuation after
+// it.
 class ListForm {
  public:
   ListForm(const std::vector<SuperClassReference>* superClasses, const SourceFile* file)
@@ -58,6 +58,18 @@ class ListForm {
       last = i;
     }
     return text;
+  }
+
+  // The comment of the last name that stays if those after it are deleted; empty if it has none.
+  fl::ustring lastComment(const std::vector<fl::ustring>& names) const {
+    std::size_t last = names.size() - 1;
+    while (last > 0 && names[last].empty()) --last;
+    if (last + 1 == names.size()) return {};
+    const fl::ustring text = textAfter(last);
+    fl::ustring_view line = withoutBlanks(fl::ustring_view(text).substr(0, text.find(u'\n')));
+    if (line.starts_with(u'&')) line = withoutBlanks(line.substr(1));
+    if (!line.starts_with(continuation)) return {};
+    return fl::ustring(withoutBlanks(line.substr(continuation.size())));
   }
 
  private:
@@ -103,8 +115,9 @@ class EditTidier {
     const ListForm form(&superClasses, &file_);
     if (!form.isWrapped()) return;
     PlannedEdit& edit = mixins->edits.front();
-    edit.text = form.makeText(newSuperClassNames(superClasses, metaData));
-    takeComment(edit);
+    const std::vector<fl::ustring> names = newSuperClassNames(superClasses, metaData);
+    edit.text = form.makeText(names);
+    takeComment(form.lastComment(names), edit);
   }
 
   void tidyDeletions() {
@@ -115,13 +128,26 @@ class EditTidier {
   }
 
  private:
+  // What an edit replaces of a line.
+  struct EditedPart {
+    // The first column, and the one after the last.
+    std::uint64_t first = 0;
+    std::uint64_t last = 0;
+    bool isDeletion = false;
+    // Of an edit that goes on in later lines: whether it deletes up to the end of one.
+    bool isUpToLineEnd = false;
+  };
+
   void countLines(const PlannedEdit& edit) {
     const auto replaced = findReplaced(file_, edit);
     if (!replaced) return;
     const auto& [start, end] = *replaced;
+    const bool isDeletion = edit.text.empty();
+    const bool isUpToLineEnd = withoutBlanks(textOf(end.line).substr(end.column)).empty();
     const bool isSingleLine = start.line == end.line;
-    editsOfLine_[start.line].push_back({start.column, isSingleLine ? end.column : lineEnd});
-    if (!isSingleLine) editsOfLine_[end.line].push_back({0, end.column});
+    const std::uint64_t last = isSingleLine ? end.column : lineEnd;
+    editsOfLine_[start.line].push_back({start.column, last, isDeletion, isUpToLineEnd});
+    if (!isSingleLine) editsOfLine_[end.line].push_back({0, end.column, isDeletion});
   }
 
   // Whether an edit changes the columns, or text between them; an edit that ends or begins with
@@ -129,20 +155,53 @@ class EditTidier {
   bool isEdited(std::uint64_t line, std::uint64_t first, std::uint64_t last) const {
     const auto edits = editsOfLine_.find(line);
     return edits != editsOfLine_.end() && std::ranges::any_of(edits->second, [&](const auto& edit) {
-             return edit.first < last && edit.second > first;
+             return edit.first < last && edit.last > first;
            });
   }
 
+  // The deletion that begins in the line after the column, with only blanks between; null if there
+  // is none.
+  const EditedPart* findDeletionAt(std::uint64_t line, std::uint64_t column) const {
+    const auto edits = editsOfLine_.find(line);
+    if (edits == editsOfLine_.end()) return nullptr;
+    const std::uint64_t next = textOf(line).find_first_not_of(blanks, column);
+    const auto edit = std::ranges::find_if(edits->second, [&](const EditedPart& part) {
+      return part.isDeletion && column <= part.first && part.first <= next && next < part.last;
+    });
+    return edit == edits->second.end() ? nullptr : &*edit;
+  }
+
+  // Whether no text stays between the position and the end of its line.
+  bool isRestDeleted(SourcePosition position) const {
+    while (!withoutBlanks(textOf(position.line).substr(position.column)).empty()) {
+      const EditedPart* next = findDeletionAt(position.line, position.column);
+      if (next == nullptr) return false;
+      if (next->last == lineEnd) return next->isUpToLineEnd;
+      position.column = next->last;
+    }
+    return true;
+  }
+
+  // The comment after the list belongs to the last name. If that is deleted, the comment of the
+  // last one that stays takes its place, if it has one.
+  //
   // After an edit over three lines, the rest would be on a line of its own. Code stays there,
   // because the edit would hide where it comes from.
-  void takeComment(PlannedEdit& edit) const {
+  void takeComment(const fl::ustring& lastComment, PlannedEdit& edit) const {
     SourcePosition& end = edit.extent.end;
-    if (end.line - edit.extent.start.line < 2) return;
     const fl::ustring_view rest = textOf(end.line).substr(end.column);
     const fl::ustring_view comment = withoutBlanks(rest);
-    if (!comment.starts_with(u'%') && !comment.starts_with(continuation)) return;
+    const bool isContinued = comment.starts_with(continuation);
+    if (!comment.empty() && !comment.starts_with(u'%') && !isContinued) return;
     const std::size_t kept = rest.find_last_not_of(blanks) + 1;
-    edit.text += rest.substr(0, kept);
+    if (!lastComment.empty()) {
+      const bool hasSign = isContinued || lastComment.starts_with(u'%');
+      edit.text.append(isContinued ? u" ... " : hasSign ? u" " : u" % ").append(lastComment);
+    } else if (end.line - edit.extent.start.line >= 2) {
+      edit.text += rest.substr(0, kept);
+    } else {
+      return;
+    }
     end.column += kept;
   }
 
@@ -181,7 +240,7 @@ class EditTidier {
     const bool losesComment = isCommentOfMethod(method, rest);
     const fl::ustring_view first = textOf(start.line).substr(0, start.column);
     const std::size_t kept = first.find_last_not_of(blanks) + 1;
-    const bool isAtLineEnd = rest.empty() || losesComment || endsFirstLine(file_, replaced);
+    const bool isAtLineEnd = losesComment || endsFirstLine(file_, replaced) || isRestDeleted(end);
     const bool isLineKept = kept > 0;
     const std::size_t restEnd = last.size() - (last.ends_with(u'\r') ? 1 : 0);
     const bool isSingleLine = start.line == end.line;
@@ -210,9 +269,8 @@ class EditTidier {
 
   const SourceFile& file_;
   PlannedClass& planned_;
-  // The first columns of the edits that begin or end on each line, and those after their last ones.
-  std::unordered_map<std::uint64_t, std::vector<std::pair<std::uint64_t, std::uint64_t>>>
-      editsOfLine_;
+  // Of the edits that begin or end on each line.
+  std::unordered_map<std::uint64_t, std::vector<EditedPart>> editsOfLine_;
 };
 
 }  // namespace

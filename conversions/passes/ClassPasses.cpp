@@ -273,8 +273,8 @@ void ClassPasses::takeLayout(LaidApart laid) {
   }
   const TextChanges changes = findLayoutChanges(laid, numbers);
   moveKeptPlaces(changes);
-  if (needs_.changes) changes_ = composeChanges(*oldText_, changes_, changes);
   if (isFirst_ && needs_.conversions) numbers_.emplace(*planned_.analysis);
+  if (keepsChanges()) changes_ = composeChanges(*oldText_, changes_, changes);
   isFirst_ = false;
   lines_.add(std::move(laid.lines), planned_.oldText);
   text_ = std::move(laid.text);
@@ -345,7 +345,7 @@ void ClassPasses::describeInto(const PlannedClass& planned, const LeftOut& leftO
   }
   moveToOldText(record.conversions, record.findings);
   const bool movesPlaces = !record.findings.empty() || !update_.findings.empty() || hasLayout_;
-  if (needs_.changes || movesPlaces) record.changes = findTextChanges(planned, numbers);
+  if (keepsChanges() || movesPlaces) record.changes = findTextChanges(planned, numbers);
 }
 
 void ClassPasses::take(Record record, std::shared_ptr<const fl::ustring> newText) {
@@ -360,7 +360,7 @@ void ClassPasses::take(Record record, std::shared_ptr<const fl::ustring> newText
   std::ranges::move(record.findings, std::back_inserter(update_.findings));
   std::ranges::move(record.deletedMethods, std::back_inserter(history_.deletedMethods));
   moveKeptPlaces(record.changes);
-  if (needs_.changes) {
+  if (keepsChanges()) {
     changes_ = changes_.empty() ? std::move(record.changes)
                                 : composeChanges(*oldText_, changes_, record.changes);
   }
@@ -384,11 +384,16 @@ void ClassPasses::moveKeptPlaces(const TextChanges& changes) {
   }
 }
 
+// Only exact places show to which declaration of a name a conversion of a later pass belongs.
+bool ClassPasses::keepsChanges() const {
+  return needs_.changes || (numbers_ && numbers_->haveDuplicates());
+}
+
 void ClassPasses::moveToOldText(std::vector<Conversion>& conversions,
                                 std::vector<Finding>& findings) {
   if (!isChanged() || (conversions.empty() && findings.empty())) return;
   std::optional<PositionMap> map;
-  if (needs_.changes) map.emplace(*oldText_, changes_);
+  if (keepsChanges()) map.emplace(*oldText_, changes_);
   const auto toOld = [&](LinePlace& place) {
     place = map ? map->toOld(place) : lines_.toOld(place);
   };

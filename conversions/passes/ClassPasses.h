@@ -125,6 +125,7 @@ class ClassPasses {
   void take(Record record, std::shared_ptr<const fl::ustring> newText);
   void addLastPass();
   void checkSettling();
+  bool keepsChanges() const;
   void moveKeptPlaces(const TextChanges& changes);
   void moveToOldText(std::vector<Conversion>& conversions, std::vector<Finding>& findings);
 

@@ -1,13 +1,12 @@
 // The names and numbers of declarations in the text as it was read.
 #pragma once
 
-#include <cstddef>
-#include <map>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "conversions/Conversions.h"
-#include "model/SourcePosition.h"
+#include "model/Extent.h"
 #include "platform/analyzer/AnalysisResult.h"
 
 namespace soca {
@@ -18,30 +17,35 @@ class DeclaredNumbers {
  public:
   explicit DeclaredNumbers(const ca::AnalysisResult& analysis);
 
-  // Gives the conversion of a later pass, with its place in the text as it was read, the member and
-  // the id that it would have had in the first pass.
+  // Whether a name is declared more than once, so that only exact places tell which one is meant.
+  bool haveDuplicates() const { return haveDuplicates_; }
+
+  // Gives the conversion of a later pass, with its place in the text as it was read, the member,
+  // the place and the id that it would have had in the first pass. If several declarations have its
+  // name, and none is at its place, it is that of the next one.
   void correct(Conversion& conversion) const;
 
  private:
-  struct Declaration {
-    // In UTF-8; empty for a block.
+  // By name, in UTF-8. The places are those of the names, in the order of the text.
+  using Declarations = std::unordered_map<std::string, std::vector<Extent>>;
+
+  struct Found {
     std::string name;
-    std::size_t number = 1;
+    std::size_t number = 0;
+    Extent place;
   };
 
-  using Declarations = std::map<SourcePosition, Declaration>;
-  using Counts = std::unordered_map<std::string, std::size_t>;
-
   template <class Node>
-  static void add(const ca::AnalysisResult& analysis, const Node& declaration,
-                  Declarations& declarations, Counts& counts);
+  void add(const ca::AnalysisResult& analysis, const Node& declaration, Declarations& declarations);
+  void correctBlock(Conversion& conversion) const;
+  static void findNext(const Declarations& declarations, const std::string& name,
+                       const SourcePosition& position, Found& found);
 
-  // By the starts of their names, or of the blocks.
   Declarations properties_;
   Declarations methods_;
-  Declarations emptyBlocks_;
-  Counts propertyCounts_;
-  Counts methodCounts_;
+  // The starts of the empty blocks.
+  std::vector<SourcePosition> emptyBlocks_;
+  bool haveDuplicates_ = false;
 };
 
 }  // namespace soca

@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -128,6 +130,19 @@ std::vector<Range> findComments(const fl::ustring& text) {
   }
 }
 
+// The text of the comment without what begins it.
+fl::ustring_view wordsOf(fl::ustring_view text, const Range& comment) {
+  text = text.substr(0, comment.end);
+  return text.substr(std::min(text.find_first_not_of(u"%\t ", comment.start), text.size()));
+}
+
+// The words of all comments in a text that begins with a token.
+std::multiset<fl::ustring, std::less<>> findWords(const fl::ustring& text) {
+  std::multiset<fl::ustring, std::less<>> words;
+  for (const Range& comment : findComments(text)) words.emplace(wordsOf(text, comment));
+  return words;
+}
+
 bool mayHoldComment(fl::ustring_view text) {
   return text.find(u'%') != fl::ustring_view::npos ||
          text.find(continuation) != fl::ustring_view::npos;
@@ -196,10 +211,14 @@ class CommentSearch {
   void searchText(Range deleted, const fl::ustring& replacement) {
     const fl::ustring_view text = text_.substr(deleted.start, deleted.end - deleted.start);
     if (!mayHoldComment(text)) return;
+    auto kept = findWords(replacement);
     for (const Range& comment : findComments(fl::ustring(text))) {
-      const auto length = comment.end - comment.start;
-      if (replacement.find(text.substr(comment.start, length)) != fl::ustring::npos) continue;
-      found_.push_back({deleted.start + comment.start, deleted.start + comment.end});
+      const auto same = kept.find(wordsOf(text, comment));
+      if (same == kept.end()) {
+        found_.push_back({deleted.start + comment.start, deleted.start + comment.end});
+      } else {
+        kept.erase(same);
+      }
     }
   }
 
