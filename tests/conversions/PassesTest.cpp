@@ -437,6 +437,20 @@ TEST(Passes, PlacesAreInTheTextAsItWasRead) {
   EXPECT_EQ(converted.update.findings[0].newPlace.line, 10U);
 }
 
+// The second pass finds the first property where texts that are compared show a companion that the
+// first pass deleted.
+TEST(Passes, APlaceIsThatOfTheDeclaration) {
+  const ConvertedClass converted(
+      "classdef C < velum.System\nproperties (PositiveInteger), BSet = "
+      "velum.system.StringSet({'a', "
+      "...\n 'b'}) ; A = 1; B = 'a'; end\nend\n",
+      limitsOf(RiskType::unsafe));
+  const auto& found = converted.update.conversions;
+  ASSERT_EQ(found.size(), 2U);
+  EXPECT_EQ(found.back().id, "C#attributes/positive-integer:A");
+  EXPECT_EQ(found.back().place, (Extent{{2, 9}, {2, 10}}));
+}
+
 TEST(Passes, AClassThatChangesTooOftenIsAFault) {
   const TemporaryFolder folder;
   folder.write("C.vlm", classWith(block(logical, "A = true;")));

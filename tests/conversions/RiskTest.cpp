@@ -156,6 +156,9 @@ TEST(RiskJudge, FindsCommentsThatAreDeleted) {
        "classdef C < velum.System & ... one\n  velum.system.mixin.Propagates & ... two\n  "
        "velum.system.mixin.SampleTime % stays\nend\n",
        "mixins 1 2\n"},
+      {"in it, also if a name is the same text",
+       "classdef C < handle ... handle\n  & velum.system.mixin.Propagates & velum.System\nend\n",
+       "mixins 1\n"},
       {"after it, where nothing else is left of the line",
        "classdef C < velum.System & ...\n  velum.system.mixin.Propagates ... one\n  \nend\n",
        "mixins 2\n"},
