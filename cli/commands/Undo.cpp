@@ -311,9 +311,9 @@ ExitCodeType forgetRuns(const RunStore& store, const Options& options, Console& 
   const auto runs = runsOf(options.arguments);
   if (options.dryRun) return previewForgetting(store, runs, console);
   catchBrokenPipes();
-  const auto lock = lockRuns(store, console);
+  const auto lock = lockRuns(store, console, goesOn);
   if (!lock) return interruptExitCode();
-  repairAndReport(store, *lock, console);
+  repairAndReport(store, *lock, console, goesOn);
   for (const RunNumber run : runs) checkExists(store, run);
   bool isClean = true;
   for (const RunNumber run : runs) {
@@ -333,12 +333,12 @@ ExitCodeType runUndo(const Options& options, Console& console) {
   if (options.dryRun) return preview(store, request, options, console);
 
   catchBrokenPipes();
-  const auto lock = lockRuns(store, console);
+  const auto lock = lockRuns(store, console, goesOn);
   if (!lock) return interruptExitCode();
   // Before the repair: if the last run is an interrupted one, no other run is undone.
   const auto run = request.findRun(store);
-  const auto repaired = repairAndReport(store, *lock, console);
-  if (wasInterrupted()) return interruptExitCode();
+  const auto repaired = repairAndReport(store, *lock, console, goesOn);
+  if (!goesOn()) return interruptExitCode();
   if (const auto chosen = chooseRepaired(request, run, repaired)) {
     return exitCodeOfRepaired(store, *chosen);
   }

@@ -5,13 +5,10 @@
 #include <algorithm>
 #include <string>
 
-#include "cli/terminal/Signals.h"
 #include "cli/update/WriteProgress.h"
 
 namespace soca::cli {
 namespace {
-
-bool goesOn() { return !wasInterrupted(); }
 
 std::string describe(const RepairedRun& repaired) {
   const auto& [run, type, result] = repaired;
@@ -47,13 +44,14 @@ void print(const RepairedRun& repaired, Console& console) {
 
 }  // namespace
 
-std::optional<RunStore::Lock> lockRuns(const RunStore& store, Console& console) {
+std::optional<RunStore::Lock> lockRuns(const RunStore& store, Console& console,
+                                       const GoesOn& goesOn) {
   return store.lock([&] { console.tell("another soca is changing files; waiting for it to end"); },
                     goesOn);
 }
 
 std::vector<RepairedRun> repairAndReport(const RunStore& store, const RunStore::Lock& lock,
-                                         Console& console,
+                                         Console& console, const GoesOn& goesOn,
                                          const std::vector<RepairedRun>& reported) {
   WriteProgress progress(&console, "files put back");
   auto all = repairRuns(store, lock, goesOn, progress.onStep());

@@ -11,14 +11,15 @@
 
 namespace soca::cli {
 
-// Takes the lock; prints a message if it has to wait. Returns no lock after an interrupt. Throws
-// JournalError.
-std::optional<RunStore::Lock> lockRuns(const RunStore& store, Console& console);
+// Takes the lock; prints a message if it has to wait. Returns no lock if `goesOn` ends the wait.
+// Throws JournalError.
+std::optional<RunStore::Lock> lockRuns(const RunStore& store, Console& console,
+                                       const GoesOn& goesOn);
 
-// Repairs all interrupted runs, and prints the result of each that is not one of `reported`. Throws
-// JournalError.
+// Repairs all interrupted runs as long as `goesOn` allows it, and prints the result of each that is
+// not one of `reported`. Throws JournalError.
 std::vector<RepairedRun> repairAndReport(const RunStore& store, const RunStore::Lock& lock,
-                                         Console& console,
+                                         Console& console, const GoesOn& goesOn,
                                          const std::vector<RepairedRun>& reported = {});
 
 // Prints the runs that can be neither undone nor repaired. Throws JournalError.

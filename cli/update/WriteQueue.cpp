@@ -17,14 +17,14 @@ bool goesOn() { return !wasInterrupted(); }
 WriteQueue::WriteQueue(Console* console) : console_(console) {
   // The files beside the class files must be deleted even if the reader of the output is gone.
   catchBrokenPipes();
-  if (const auto lock = lockRuns(store_, *console_)) {
+  if (const auto lock = lockRuns(store_, *console_, goesOn)) {
     repair(*lock);
     tellOfDamaged(store_, *console_);
   }
 }
 
 void WriteQueue::repair(const RunStore::Lock& lock) {
-  repaired_ = repairAndReport(store_, lock, *console_, repaired_);
+  repaired_ = repairAndReport(store_, lock, *console_, goesOn, repaired_);
   hasFailedRepair_ = std::ranges::any_of(
       repaired_, [](const RepairedRun& run) { return !run.result.failed.empty(); });
 }
@@ -64,7 +64,7 @@ bool WriteQueue::lock() {
   const bool hasNewFiles = std::ranges::any_of(entries_, &Entry::hasNewFile);
   // A run that could not be repaired before would take its files back later.
   if (!hasNewFiles && interruptedRuns(store_).empty()) return false;
-  lock_ = lockRuns(store_, *console_);
+  lock_ = lockRuns(store_, *console_, goesOn);
   if (lock_) repair(*lock_);
   if (lock_ && !wasInterrupted()) return true;
   lock_.reset();

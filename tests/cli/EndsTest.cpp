@@ -80,6 +80,8 @@ TEST(Signals, WithoutAReaderTheProgramEndsQuietly) {
       {"a run that writes ends after that", soca + "update --write --format json", true},
       {"an undo, too", soca + "undo -v 2>&1", false},
       {"without messages", soca + "update --write 2>&1", true},
+      {"an undo without messages", soca + "undo 2>&1", false},
+      {"a verified run is undone", soca + "update --write --verify true 2>&1", false},
   };
   for (const auto& [what, command, isNew] : cases) {
     const auto result = runWithoutReader(space, command);
