@@ -114,6 +114,9 @@ void checkDecisions(const Options& options) {
   if (!options.selectionFile.empty() && !options.rules.isEverything()) {
     throw UsageError("--selection and --rules cannot be combined: the file names the conversions");
   }
+  if (std::ranges::count(options.only, "") + std::ranges::count(options.skip, "") > 0) {
+    throw UsageError("--only and --skip take patterns, and not an empty text");
+  }
   if (!options.asService) return;
   const auto refuse = [](std::string_view option, std::string_view reason) {
     throw UsageError(fmt::format("{} and --as-service cannot be combined: {}", option, reason));

@@ -78,6 +78,7 @@ TEST(BadInput, WrongCommandLineDoesNothing) {
       {{"update", "--write", "--check"}, "--write and --check cannot be combined"},
       {{"update", "--write", "--verify", ""}, "--verify takes a command for the shell"},
       {{"update", "--verify", "true"}, "--verify needs --write"},
+      {{"update", "--skip", ""}, "--only and --skip take patterns, and not an empty text"},
       {{"update", "--check", "--verify", "true"}, "--verify needs --write"},
       {{"update", "--stdin-path=A.vlm", "--verify=true", "-"}, "--verify needs --write"},
       {{"update", "--format=json", "--edits", "--write"}, "--edits and --write cannot be combined"},
