@@ -141,7 +141,11 @@ class SelectionReader : public nlohmann::json_sax<Json> {
     return true;
   }
   bool key(std::string& value) override {
-    if (findKey(level(), value) == nullptr) failAtKey(value);
+    const KeyRow* row = findKey(level(), value);
+    if (row == nullptr) failAtKey(value);
+    const std::uint32_t bit = std::uint32_t{1} << static_cast<unsigned>(row - keyRows.begin());
+    if ((levels_.back().keys & bit) != 0) fail(fmt::format("\"{}\" is there twice", value));
+    levels_.back().keys |= bit;
     key_ = std::move(value);
     return true;
   }
@@ -166,6 +170,11 @@ class SelectionReader : public nlohmann::json_sax<Json> {
   }
 
  private:
+  // An object or a list that is read, and a bit for each row of a key that it has so far.
+  struct Level {
+    LevelType type;
+    std::uint32_t keys = 0;
+  };
   // A conversion in the file with its whole id, and where it ends.
   struct ReadConversion {
     ChosenConversion chosen;
@@ -177,7 +186,7 @@ class SelectionReader : public nlohmann::json_sax<Json> {
     std::vector<ReadConversion> conversions;
   };
 
-  LevelType level() const { return levels_.back(); }
+  LevelType level() const { return levels_.back().type; }
 
   std::size_t lineAt(std::size_t offset) const {
     const std::string_view before = text_.substr(0, offset);
@@ -212,7 +221,7 @@ class SelectionReader : public nlohmann::json_sax<Json> {
     return true;
   }
 
-  void open(ValueType type) { levels_.push_back(expect(type).opens); }
+  void open(ValueType type) { levels_.push_back({expect(type).opens}); }
 
   void takeVersion(std::uint64_t version) {
     if (version != selectionVersion) {
@@ -239,7 +248,7 @@ class SelectionReader : public nlohmann::json_sax<Json> {
 
   void finishConversion() {
     if (conversion_.name.empty()) fail("a conversion lacks its \"id\"");
-    if (levels_[levels_.size() - 2] == LevelType::leftOut) return;
+    if (levels_[levels_.size() - 2].type == LevelType::leftOut) return;
     class_.conversions.push_back({std::move(conversion_), read_});
   }
 
@@ -290,7 +299,7 @@ class SelectionReader : public nlohmann::json_sax<Json> {
   std::string_view text_;
   // The number of bytes that the parser has taken.
   std::size_t read_ = 0;
-  std::vector<LevelType> levels_ = {LevelType::top};
+  std::vector<Level> levels_ = {{LevelType::top}};
   std::string key_;
   bool hasVersion_ = false;
   ReadClass class_;
