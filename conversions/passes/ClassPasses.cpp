@@ -193,14 +193,17 @@ std::vector<Wish> ClassPasses::wish() {
                     limits_->highestRisk);
 }
 
+RiskType ClassPasses::highestRiskOf(std::size_t conversion) const {
+  return wishes_.empty() ? limits_->highestRisk : wishes_[conversion].highestRisk;
+}
+
 // Whether all conversions are wanted and can be applied, as is so for the usual class.
 bool ClassPasses::mayMakeWhole() const {
   if (!planned_.faults.empty() || planned_.newText == nullptr) return false;
   if (history_.analyses >= mostAnalyses) return false;
   for (std::size_t i = 0; i < risks_.size(); ++i) {
     if (!wishes_.empty() && wishes_[i].leftOut) return false;
-    const RiskType highestRisk = wishes_.empty() ? limits_->highestRisk : wishes_[i].highestRisk;
-    if (risks_[i].type > highestRisk) return false;
+    if (risks_[i].type > highestRiskOf(i)) return false;
     if (!limits_->rules.kinds[planned_.conversions[i].kind]) return false;
   }
   return true;
@@ -254,10 +257,7 @@ bool ClassPasses::layApart(const std::vector<MethodUse>& uses) {
   const auto judgeAgain = [&](const PlannedClass& planned) { return judge(planned, uses); };
   LayoutSearch search(&planned_, limits_, &wishes_, judgeAgain, history_.analyses);
   std::optional<LaidApart> laid = search.search(leftOut_);
-  while (laid && limits_->highestRisk < RiskType::review) {
-    leaveOutForLayout(*laid);
-    laid = search.search(leftOut_);
-  }
+  while (laid && leaveOutForLayout(*laid)) laid = search.search(leftOut_);
   history_.analyses += search.analyses();
   if (!laid) return false;
   takeLayout(std::move(*laid));
@@ -285,13 +285,16 @@ void ClassPasses::takeLayout(LaidApart laid) {
   takeChosen();
 }
 
-// Where the layout is too risky, that is the reason.
-void ClassPasses::leaveOutForLayout(const LaidApart& laid) {
+// Where the layout is too risky, that is the reason. Returns whether it is for any conversion.
+bool ClassPasses::leaveOutForLayout(const LaidApart& laid) {
+  bool isAny = false;
   for (std::size_t i = 0; i < leftOut_.size(); ++i) {
-    if (laid.chosen.leftOut[i]) continue;
+    if (laid.chosen.leftOut[i] || highestRiskOf(i) >= RiskType::review) continue;
     leftOut_[i] = reasonForLayout(laid, i, *planned_.oldText);
     addReason(RiskType::review, *leftOut_[i], risks_[i]);
+    isAny = true;
   }
+  return isAny;
 }
 
 // --- the result ---

@@ -112,13 +112,14 @@ class ClassPasses {
                                     const std::vector<MethodUse>& uses) const;
   bool followsDeletion(const RuleConversion& conversion) const;
   std::vector<Wish> wish();
+  RiskType highestRiskOf(std::size_t conversion) const;
   bool mayMakeWhole() const;
   bool makeWhole();
   bool makeChosen(const std::vector<MethodUse>& uses);
   void takeChosen();
   bool layApart(const std::vector<MethodUse>& uses);
   void takeLayout(LaidApart laid);
-  void leaveOutForLayout(const LaidApart& laid);
+  bool leaveOutForLayout(const LaidApart& laid);
   void planAgain();
   Record recordOf(const PlannedClass& planned, const LeftOut& leftOut);
   void describeInto(const PlannedClass& planned, const LeftOut& leftOut, Record& record);

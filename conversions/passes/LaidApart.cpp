@@ -167,7 +167,9 @@ void LayoutSearch::choose(PlannedClass planned, const std::vector<bool>& candida
   }
   ChoiceLimits limits = limits_;
   limits.highestRisk = std::max(limits.highestRisk, RiskType::review);
-  laid.chosen = chooseConversions(std::move(planned), laid.risks, wishes_, limits,
+  std::vector<Wish> wishes = wishes_;
+  for (Wish& each : wishes) each.highestRisk = std::max(each.highestRisk, RiskType::review);
+  laid.chosen = chooseConversions(std::move(planned), laid.risks, wishes, limits,
                                   analysesBefore_ + analyses_, &candidates);
   analyses_ += laid.chosen.analyses;
 }

@@ -264,6 +264,13 @@ TEST(Passes, MakeWhatCanBeMade) {
   }
 }
 
+ConversionSelection selectionOf(const std::vector<ChosenConversion>& chosen) {
+  ConversionSelection selection{{}, {}, ChosenIds()};
+  selection.ids->add("C", "", chosen);
+  selection.ids->finish();
+  return selection;
+}
+
 // The ids are those of the text as it was read, in all passes.
 TEST(Passes, MakeWhatIsSelected) {
   const std::string emptyBlocks =
@@ -300,6 +307,11 @@ TEST(Passes, MakeWhatIsSelected) {
        sharedSet,
        {{}, {"C#*:A~2"}, {}},
        "attributes/string-set:A~1 NeedsNotSelected\nattributes/string-set:A~2 NotSelected\n"},
+      {"lines to lay apart, of which one was accepted as safe",
+       "properties (Logical), A = true; end\nproperties (Logical), B = true; end\n",
+       selectionOf(
+           {{"attributes/logical:A", RiskType::safe}, {"attributes/logical:B", RiskType::review}}),
+       "attributes/logical:B 1\nattributes/logical:A LaidApart\n"},
   };
   for (const auto& row : rows) {
     ChoiceLimits limits;
