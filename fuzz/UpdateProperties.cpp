@@ -38,17 +38,20 @@ bool isSame(const PlannedClass& planned, const UpdateResult& result) {
          planned.result.messages == result.messages && planned.result.updated == result.updated;
 }
 
-// One call of the service, and its plan.
+// One call of the service for the first class of the files, and its plan.
 class Call {
  public:
-  Call(fl::ustring className, UpdateMask mask, bool includeSuperclasses)
-      : className_(std::move(className)), mask_(mask), includeSuperclasses_(includeSuperclasses) {}
+  Call(const std::vector<ClassFile>* files, UpdateMask mask, bool includeSuperclasses)
+      : files_(files),
+        className_(fl::i18n::to_ustring(files->front().className)),
+        mask_(mask),
+        includeSuperclasses_(includeSuperclasses) {}
 
   void run() {
     failure_ = failureOf([&] { planned_ = planUpdate(className_, mask_, includeSuperclasses_); });
-    const bool wouldEndProcess = std::ranges::any_of(
-        planned_, [](const PlannedClass& each) { return each.missingDelimiter.has_value(); });
-    if (wouldEndProcess) return;
+    if (wouldEndProcess(planned_)) return;
+    // A plan of several classes that fails does not show which of them would end the process.
+    if (includeSuperclasses_ && !failure_.empty() && wouldEndWithoutSuperclasses()) return;
     std::vector<UpdateResult> results;
     const std::string failure =
         failureOf([&] { results = UpdaterImpl().update(className_, mask_, includeSuperclasses_); });
@@ -61,6 +64,21 @@ class Call {
   const std::string& failure() const { return failure_; }
 
  private:
+  static bool wouldEndProcess(const std::vector<PlannedClass>& planned) {
+    return std::ranges::any_of(
+        planned, [](const PlannedClass& each) { return each.missingDelimiter.has_value(); });
+  }
+
+  bool wouldEndWithoutSuperclasses() const {
+    return std::ranges::any_of(*files_, [&](const ClassFile& file) {
+      std::vector<PlannedClass> planned;
+      const fl::ustring name = fl::i18n::to_ustring(file.className);
+      failureOf([&] { planned = planUpdate(name, mask_, false); });
+      return wouldEndProcess(planned);
+    });
+  }
+
+  const std::vector<ClassFile>* files_;
   fl::ustring className_;
   UpdateMask mask_;
   bool includeSuperclasses_;
@@ -82,8 +100,9 @@ UpdateVerdict judge(const PlannedClass& planned) {
   return {UpdateVerdict::Type::updated, ""};
 }
 
-UpdateVerdict checkCall(const fl::ustring& className, UpdateMask mask, bool includeSuperclasses) {
-  Call call(className, mask, includeSuperclasses);
+UpdateVerdict checkCall(const std::vector<ClassFile>& files, UpdateMask mask,
+                        bool includeSuperclasses) {
+  Call call(&files, mask, includeSuperclasses);
   call.run();
   if (!call.failure().empty()) return {UpdateVerdict::Type::failed, call.failure()};
   require(!call.planned().empty(), "an update without a result");
@@ -108,11 +127,11 @@ UpdateVerdict checkUpdate(const std::vector<ClassFile>& files) {
   const ClassFilesScope scope(files);
   const fl::ustring className = fl::i18n::to_ustring(files.front().className);
   checkReports(className);
-  for (const RuleFamily& family : ruleFamilies) checkCall(className, family.bit, false);
-  checkCall(className, allFamilies, true);
+  for (const RuleFamily& family : ruleFamilies) checkCall(files, family.bit, false);
+  checkCall(files, allFamilies, true);
   checkConversions(className, {});
   checkConversions(className, {.keepLines = true, .listFaults = true, .isTidy = true});
-  UpdateVerdict verdict = checkCall(className, allFamilies, false);
+  UpdateVerdict verdict = checkCall(files, allFamilies, false);
   checkPasses(className, RiskType::unsafe);
   checkPasses(className, RiskType::unsafe, /*isTidy=*/true);
   verdict.passes = checkPasses(className, RiskType::review);
