@@ -10,21 +10,15 @@
 #include <string>
 #include <vector>
 
-#include "conversions/Checks.h"
-#include "conversions/risk/RiskJudge.h"
 #include "platform/analyzer/Analyzer.h"
-#include "platform/analyzer/FileAnalysis.h"
-#include "platform/paths/Overlay.h"
-#include "platform/paths/PathDispatcher.h"
 #include "platform/text/Conversions.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/conversions/ConvertedClass.h"
 
 namespace soca {
 namespace {
 
 using fl::i18n::to_string;
-
-constexpr PlanOptions detailed{.keepLines = true, .listFaults = true};
+using testing::ConvertedClass;
 
 ChoiceLimits limitsOf(RiskType highest, std::initializer_list<ConversionKindType> kinds = {}) {
   ChoiceLimits limits{highest, {}};
@@ -38,77 +32,6 @@ ChoiceLimits withoutLayout() {
   limits.mayLayApart = false;
   return limits;
 }
-
-// The class C of the text after all passes over it.
-class ConvertedClass {
- public:
-  explicit ConvertedClass(const std::string& oldText, const ChoiceLimits& limits = {},
-                          const PassNeeds& needs = {.conversions = true,
-                                                    .editsOfEach = std::nullopt,
-                                                    .changes = true,
-                                                    .places = FindingPlacesType::members})
-      : limits_(limits) {
-    file_ = folder_.write("C.vlm", oldText);
-    PathDispatcher::getDispatcher().setClassPath({folder_.path()});
-    ClassPasses passes(plan(), &limits_, needs);
-    while (passes.makePass() && passes.planNext()) continue;
-    text = passes.text();
-    update = passes.takeUpdate();
-    if (needs.changes) {
-      EXPECT_EQ(applyChanges(*passes.oldText(), passes.changes()), *text);
-      for (const TextChange& each : passes.changes()) EXPECT_FALSE(each.conversions.empty());
-    }
-  }
-
-  // One line for each conversion: with its pass, or with the reason for which it is left out.
-  std::string conversions() const {
-    std::string list;
-    for (const Conversion& each : update.conversions) {
-      const std::string reason = each.leftOut ? each.leftOut->id.substr(5) : "";
-      list += each.id.substr(2) + " " + (each.leftOut ? reason : std::to_string(each.pass)) + "\n";
-    }
-    return list;
-  }
-
-  // Those that are left out although the last text could have them, each with what it needs.
-  std::string leftOutTooMuch() const {
-    const fl::filesystem::OverlayScope overlay(file_, text);
-    const PlannedClass planned = plan();
-    const auto risks = judgeRisks(planned);
-    const auto needs = findNeeds(planned);
-    std::string list;
-    for (std::size_t i = 0; i < needs.size(); ++i) {
-      std::vector<bool> made(needs.size());
-      bool isWanted = true;
-      for (std::size_t each = i; !made[each]; each = needs[each]) {
-        made[each] = true;
-        isWanted &= risks[each].type <= limits_.highestRisk &&
-                    limits_.rules.kinds[planned.conversions[each].kind];
-      }
-      if (isWanted && canBeMade(planned, made)) list += update.conversions[i].id + "\n";
-    }
-    return list;
-  }
-
-  std::shared_ptr<const fl::ustring> text;
-  ClassUpdate update;
-
- private:
-  PlannedClass plan() const {
-    return std::move(planUpdate(u"C", limits_.rules.families, false, detailed).front());
-  }
-
-  bool canBeMade(const PlannedClass& planned, const std::vector<bool>& made) const {
-    const PlannedClass some = planConversions(planned, made, detailed);
-    if (some.newText == nullptr) return false;
-    const fl::filesystem::OverlayScope overlay(file_, some.newText);
-    return !NewTextCheck(some).findFault(*ca::analyzeFile(file_));
-  }
-
-  TemporaryFolder folder_;
-  std::string file_;
-  ChoiceLimits limits_;
-};
 
 std::string classWith(const std::string& body) {
   return "classdef (StrictDefaults) C < velum.System\n" + body + "end\n";
@@ -469,7 +392,7 @@ TEST(Passes, AClassThatChangesTooOftenIsAFault) {
   PathDispatcher::getDispatcher().setClassPath({folder.path()});
   const ChoiceLimits limits;
   const auto makeAfter = [&](unsigned changes) {
-    auto planned = planUpdate(u"C", allFamilies, false, detailed);
+    auto planned = planUpdate(u"C", allFamilies, false, {.keepLines = true, .listFaults = true});
     ClassPasses passes(std::move(planned.front()), &limits, {}, {.changes = changes});
     return passes.makePass();
   };
