@@ -35,7 +35,7 @@ struct Span {
 // The functions that are statements of the body itself, without those inside other statements.
 std::vector<Span> nestedFunctions(const ca::astapi::FunctionDefinition& function) {
   std::vector<Span> spans;
-  for (const Node* statement : function.body) {
+  for (const Node* statement : function.body()) {
     if (statement->kind == NodeKind::NestedFunction) spans.emplace_back(*statement);
   }
   return spans;
@@ -97,13 +97,13 @@ Extent Method::getBodyExtent() const {
   const Extent full = getFullExtent();
   // One column before the `end`; wraps to the all-ones value before the first column.
   const SourcePosition end = {full.end.line, full.end.column - 1 - endKeywordLength};
-  if (function.body.empty()) return {end, end};
-  return {makeExtentOfNode(*context_->analysis, *function.body.front()).start, end};
+  if (function.body().empty()) return {end, end};
+  return {makeExtentOfNode(*context_->analysis, *function.body().front()).start, end};
 }
 
 bool Method::isSimpleConstantAssignment(const fl::ustring& outputName, bool& constant,
                                         SourcePosition& start, SourcePosition& end) const {
-  const auto& body = definition().body;
+  const auto& body = definition().body();
   if (body.size() != 1 || body.front()->kind != NodeKind::SimpleAssignment) return false;
   const auto& assignment = static_cast<const ca::astapi::SimpleAssignment&>(*body.front());
   if (!isOutput(assignment.target, outputName)) return false;

@@ -53,7 +53,8 @@ class Chooser {
         limits_(limits),
         made_(whole_.conversions.size(), true),
         leftOut_(whole_.conversions.size()),
-        needs_(findNeeds(whole_)) {}
+        needs_(findNeeds(whole_)),
+        known_(whole_.analysis->knownFunctions()) {}
 
   ChosenConversions run(unsigned analysesBefore, const std::vector<bool>* candidates) {
     dropUnwanted();
@@ -180,7 +181,7 @@ class Chooser {
     const std::string file = fl::i18n::to_string(result.planned.result.fileName);
     {
       const fl::filesystem::OverlayScope overlay(file, result.planned.newText);
-      result.updated = ca::analyzeFile(file);
+      result.updated = ca::analyzeFile(file, &known_);
     }
     result.fault = NewTextCheck(result.planned).findFault(*result.updated);
     return result;
@@ -315,6 +316,7 @@ class Chooser {
   std::vector<bool> made_;
   std::vector<std::optional<ConversionReason>> leftOut_;
   Indices needs_;
+  ca::KnownFunctions known_;
   // Those that were left out because they meet another one, by that one.
   std::multimap<std::size_t, std::size_t> metBy_;
   // Those that were left out because of their texts.

@@ -158,8 +158,8 @@ class ItemFinder : public ca::astapi::Visitor<ItemFinder, lf::astapi::Const> {
         return addEnd(node);
       case NodeKind::FunctionDefinition:
       case NodeKind::NestedFunction:
-        addParts(as<FunctionDefinition>(node).argumentBlocks);
-        addParts(as<FunctionDefinition>(node).body);
+        addParts(as<FunctionDefinition>(node).argumentBlocks());
+        addParts(as<FunctionDefinition>(node).body());
         return addEnd(node);
       case NodeKind::ArgumentsBlock:
         addParts(as<ArgumentsBlock>(node).declarations);

@@ -217,12 +217,13 @@ bool ClassPasses::makeWhole() {
   const std::shared_ptr<const fl::ustring> newText = planned_.newText;
   LineMap lines = lines_;
   lines.add(std::move(planned_.newLines), planned_.oldText);
+  const ca::KnownFunctions known = planned_.analysis->knownFunctions();
   planned_.analysis.reset();
   std::vector<PlannedAction>().swap(planned_.actions);
   std::shared_ptr<ca::SourceAnalysis> updated;
   {
     const OverlayScope overlay(file_, newText);
-    updated = ca::analyzeFile(file_);
+    updated = ca::analyzeFile(file_, &known);
   }
   ++history_.analyses;
   if (check.findFault(*updated)) return false;

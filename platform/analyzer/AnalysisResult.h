@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/analyzer/Diagnostic.h"
+#include "platform/analyzer/parser/KnownFunctions.h"
 #include "platform/analyzer/tree/Ast.h"
 #include "platform/paths/SourceReader.h"
 #include "platform/text/UString.h"
@@ -47,6 +48,10 @@ class AnalysisResult {
   // has the same text. Empty for an overlay text, for a text of no file, and for a file that was
   // modified so recently that a later change might leave the stamp the same.
   virtual const std::optional<fl::filesystem::FileState>& file() const = 0;
+
+  // The methods that the text defines, for the analysis of a text that shares most of them. None if
+  // there are syntax errors.
+  virtual KnownFunctions knownFunctions() const = 0;
 
   virtual ~AnalysisResult() = default;
 

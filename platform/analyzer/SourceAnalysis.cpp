@@ -23,18 +23,21 @@ bool isLessFaulty(const Parser::Result& left, const Parser::Result& right) {
 SourceAnalysis::SourceAnalysis(fl::ustring text)
     : SourceAnalysis(std::make_shared<const fl::ustring>(std::move(text))) {}
 
-SourceAnalysis::SourceAnalysis(fl::filesystem::SourceFileText file)
-    : SourceAnalysis(std::move(file.text)) {
+SourceAnalysis::SourceAnalysis(fl::filesystem::SourceFileText file, const KnownFunctions* known)
+    : SourceAnalysis(std::make_shared<const fl::ustring>(std::move(file.text)), known) {
   if (!file.recentlyChanged) file_ = {file.stamp, file.encoding};
 }
 
-SourceAnalysis::SourceAnalysis(std::shared_ptr<const fl::ustring> text)
-    : SourceAnalysis(std::move(text), ParserMemory::ofThread()) {}
+SourceAnalysis::SourceAnalysis(std::shared_ptr<const fl::ustring> text, const KnownFunctions* known)
+    : SourceAnalysis(std::move(text), known, ParserMemory::ofThread()) {}
 
-SourceAnalysis::SourceAnalysis(std::shared_ptr<const fl::ustring> text, ParserMemory& memory)
+SourceAnalysis::SourceAnalysis(std::shared_ptr<const fl::ustring> text, const KnownFunctions* known,
+                               ParserMemory& memory)
     : text_(std::move(text)), lines_(memory.read(*text_), text_->size()) {
   using Style = Parser::FunctionStyleType;
-  Parser::Result result = Parser(*text_, memory, arena_, names_, Style::closed).parse();
+  Parser parser(*text_, memory, arena_, names_, Style::closed);
+  parser.skipKnown(known, this);
+  Parser::Result result = parser.parse();
   // In a file without a class all functions may omit their `end`.
   const bool isFaulty = !result.errors.empty() || result.isTooDeep;
   if (result.classdef == nullptr && isFaulty && hasFunction(*result.root)) {
@@ -43,6 +46,28 @@ SourceAnalysis::SourceAnalysis(std::shared_ptr<const fl::ustring> text, ParserMe
   }
   take(std::move(result));
   memory.shrink();
+}
+
+KnownFunctions SourceAnalysis::knownFunctions() const {
+  KnownFunctions known{text_, {}};
+  if (hasSyntaxError() || isTooDeep_ || classdef_ == nullptr) return known;
+  for (const astapi::FunctionDeclaration* method : classdef_->getMethods()) {
+    if (method->kind != lf::astapi::NodeKind::FunctionDefinition) continue;
+    known.ranges.push_back({method->position, method->lastPosition + 1});
+  }
+  return known;
+}
+
+void SourceAnalysis::read(const astapi::FunctionDefinition& function) const {
+  const std::lock_guard lock(mutex_);
+  if (function.reader.load(std::memory_order_relaxed) == nullptr) return;
+  // The nodes of a tree that is not complete are not really constant.
+  auto& skipped = const_cast<astapi::FunctionDefinition&>(function);
+  ParserMemory& memory = ParserMemory::ofThread();
+  memory.readPart(*text_, function.position, function.lastPosition + 1);
+  Parser(*text_, memory, arena_, names_, Parser::FunctionStyleType::closed)
+      .parseSkipped(classdef_, skipped);
+  skipped.reader.store(nullptr, std::memory_order_release);
 }
 
 void SourceAnalysis::take(Parser::Result result) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
 #include <vector>
 
 #include "platform/analyzer/AnalysisResult.h"
@@ -12,12 +13,15 @@
 
 namespace ca {
 
-class SourceAnalysis final : public AnalysisResult {
+class SourceAnalysis final : public AnalysisResult, private astapi::BodyReader {
  public:
   explicit SourceAnalysis(fl::ustring text);
-  explicit SourceAnalysis(fl::filesystem::SourceFileText file);
+  // The known functions may be null; they are used only by the constructor.
+  explicit SourceAnalysis(fl::filesystem::SourceFileText file,
+                          const KnownFunctions* known = nullptr);
   // A text that is shared with others; never null.
-  explicit SourceAnalysis(std::shared_ptr<const fl::ustring> text);
+  explicit SourceAnalysis(std::shared_ptr<const fl::ustring> text,
+                          const KnownFunctions* known = nullptr);
 
   bool hasSyntaxError() const override { return !diagnostics_.empty(); }
   std::uint64_t getLineAndColumn(std::uint32_t position) const override;
@@ -32,6 +36,7 @@ class SourceAnalysis final : public AnalysisResult {
   std::uint32_t lineStart(std::uint32_t line) const override { return lines_.startOf(line); }
   const std::vector<Diagnostic>& diagnostics() const override { return diagnostics_; }
   const std::optional<fl::filesystem::FileState>& file() const override { return file_; }
+  KnownFunctions knownFunctions() const override;
 
   // Whether the text is nested more deeply than the limit. The tree then holds what is before that
   // place: enough to read declarations, but not a basis for changes.
@@ -39,12 +44,16 @@ class SourceAnalysis final : public AnalysisResult {
 
  private:
   void take(Parser::Result result);
+  void read(const astapi::FunctionDefinition& function) const override;
 
-  SourceAnalysis(std::shared_ptr<const fl::ustring> text, ParserMemory& memory);
+  SourceAnalysis(std::shared_ptr<const fl::ustring> text, const KnownFunctions* known,
+                 ParserMemory& memory);
 
   std::shared_ptr<const fl::ustring> text_;
   LineTable lines_;
-  Arena arena_;
+  mutable Arena arena_;
+  // For the bodies that are read later.
+  mutable std::mutex mutex_;
   TextNames names_;
   const astapi::Node* root_ = nullptr;
   ClassdefHandle classdef_ = nullptr;

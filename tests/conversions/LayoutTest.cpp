@@ -10,6 +10,7 @@
 #include "conversions/layout/LineBreaks.h"
 #include "conversions/layout/SameTree.h"
 #include "platform/analyzer/Analyzer.h"
+#include "platform/analyzer/SourceAnalysis.h"
 #include "platform/text/Conversions.h"
 
 namespace soca {
@@ -27,15 +28,16 @@ fl::ustring withBreaks(fl::ustring text, const std::vector<LineBreak>& breaks) {
 
 // The text with all its lines laid apart, and "bad: " before it if the check does not accept it.
 std::string layApart(const std::string& text) {
-  const auto before = ca::analyzeText(to_ustring(text));
-  EXPECT_FALSE(before->hasSyntaxError()) << text;
+  const auto read = ca::analyzeText(to_ustring(text));
+  EXPECT_FALSE(read->hasSyntaxError()) << text;
+  const ca::KnownFunctions known = read->knownFunctions();
+  const ca::SourceAnalysis before(read->sharedSourceText(), &known);
   std::set<std::uint64_t> lines;
   for (std::uint64_t line = 0; line < text.size(); ++line) lines.insert(line);
-  const auto breaks = findLineBreaks(*before, lines);
+  const auto breaks = findLineBreaks(before, lines);
   const auto after = ca::analyzeText(withBreaks(to_ustring(text), breaks));
   EXPECT_TRUE(findLineBreaks(*after, lines).empty()) << text;
-  return (haveSameTree(*before, *after, breaks) ? "" : "bad: ") +
-         to_string(after->sourceTextView());
+  return (haveSameTree(before, *after, breaks) ? "" : "bad: ") + to_string(after->sourceTextView());
 }
 
 std::string inMethod(const std::string& body) {

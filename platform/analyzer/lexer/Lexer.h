@@ -78,6 +78,7 @@ class Lexer {
   fl::ustring_view textOf(const Token& token) const {
     return {text_ + token.begin, token.end - token.begin};
   }
+  fl::ustring_view text() const { return {text_, size_}; }
   char16_t at(std::uint32_t position) const { return text_[position]; }
   std::uint32_t size() const { return size_; }
 

@@ -281,7 +281,8 @@ void Parser::finishMember(const char* what, bool needsSeparator) {
 // A signature, or a function with its body.
 const Parser::Node* Parser::parseMethod() {
   if (is(TokenKind::Function)) {
-    const Node* function = parseFunction(NodeKind::FunctionDefinition);
+    const Node* function = skipFunction();
+    if (function == nullptr) function = parseFunction(NodeKind::FunctionDefinition);
     finishMember("the method", false);
     return function;
   }

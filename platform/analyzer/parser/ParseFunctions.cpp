@@ -1,5 +1,8 @@
 // Functions, nested functions and signatures.
+#include <algorithm>
+
 #include "platform/analyzer/parser/ParserScopes.h"
+#include "platform/text/TextSearch.h"
 
 namespace ca {
 
@@ -21,10 +24,54 @@ const Parser::Node* Parser::parseFunction(NodeKind kind) {
   return finish(function);
 }
 
+const Parser::Node* Parser::skipFunction() {
+  const std::uint32_t length = known_ != nullptr ? findKnown(token_.begin) : 0;
+  if (length == 0) return nullptr;
+  auto* function = makeNode<astapi::FunctionDefinition>(NodeKind::FunctionDefinition, token_.begin);
+  function->reader.store(reader_, std::memory_order_relaxed);
+  advance();
+  parseFunctionHead(*function);
+  token_.end = function->position + length;
+  advance();
+  return finish(function);
+}
+
+std::uint32_t Parser::findKnown(std::uint32_t position) {
+  // Few functions of the other text are gone here.
+  constexpr std::size_t mostGone = 8;
+  const std::size_t stop = std::min(nextKnown_ + mostGone, known_->ranges.size());
+  for (std::size_t i = nextKnown_; i < stop; ++i) {
+    const auto [begin, end] = known_->ranges[i];
+    const fl::ustring_view text = lexer_.text().substr(position, end - begin + 1);
+    // With the unit after it, by which `end` could be longer. Without a text it is at the same
+    // place.
+    const bool isHere =
+        known_->text == nullptr
+            ? position == begin
+            : fl::areEqualTexts(text,
+                                fl::ustring_view(*known_->text).substr(begin, end - begin + 1));
+    if (!isHere) continue;
+    nextKnown_ = i + 1;
+    return end - begin;
+  }
+  return 0;
+}
+
+// The end of the function is not taken, so that nothing after it is read.
+void Parser::parseSkipped(const astapi::Classdef* classdef, astapi::FunctionDefinition& function) {
+  classdef_ = classdef;
+  inFunction_ = true;
+  token_ = lexer_.scan(function.position);
+  advance();
+  astapi::FunctionDeclaration head;
+  parseFunctionHead(head);
+  parseFunctionBody(function);
+}
+
 void Parser::parseFunctionBody(astapi::FunctionDefinition& function) {
   Level level(*this);
-  function.argumentBlocks = parseArgumentBlocks();
-  function.body = parseStatements(BodyType::functionBody);
+  function.parsedArguments = parseArgumentBlocks();
+  function.parsedBody = parseStatements(BodyType::functionBody);
 }
 
 // outputs = name(inputs), in a methods block.

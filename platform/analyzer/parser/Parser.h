@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/analyzer/lexer/Lexer.h"
+#include "platform/analyzer/parser/KnownFunctions.h"
 #include "platform/analyzer/parser/ParserMemory.h"
 #include "platform/analyzer/text/TextNames.h"
 #include "platform/analyzer/tree/Arena.h"
@@ -43,7 +44,15 @@ class Parser final : private LexicalErrors {
   Parser(fl::ustring_view text, ParserMemory& memory, Arena& arena, const TextNames& names,
          FunctionStyleType style);
 
+  // Skips the known functions, whose bodies `reader` reads later. Both must outlive the parser, and
+  // `reader` the tree.
+  void skipKnown(const KnownFunctions* known, const astapi::BodyReader* reader) {
+    known_ = known;
+    reader_ = reader;
+  }
   Result parse();
+  // Parses the rest of a function of `classdef` that was skipped. `memory` must have read its part.
+  void parseSkipped(const astapi::Classdef* classdef, astapi::FunctionDefinition& function);
 
  private:
   using NodeKind = lf::astapi::NodeKind;
@@ -152,6 +161,10 @@ class Parser final : private LexicalErrors {
 
   // --- ParseFunctions.cpp ---
   const Node* parseFunction(NodeKind kind);
+  // Null if the function is not known.
+  const Node* skipFunction();
+  // The length of a known function at the position; 0 if there is none.
+  std::uint32_t findKnown(std::uint32_t position);
   void parseFunctionBody(astapi::FunctionDefinition& function);
   const Node* parseSignature();
   void parseFunctionHead(astapi::FunctionDeclaration& function);
@@ -247,6 +260,10 @@ class Parser final : private LexicalErrors {
   // The elements of the lists that are being parsed.
   std::vector<const Node*>& scratch_;
   const astapi::Classdef* classdef_ = nullptr;
+  const KnownFunctions* known_ = nullptr;
+  // The first known function after those that were skipped.
+  std::size_t nextKnown_ = 0;
+  const astapi::BodyReader* reader_ = nullptr;
   std::vector<SyntaxErrorRecord> errors_;
 };
 

@@ -13,14 +13,18 @@ ParserMemory& ParserMemory::ofThread() {
 }
 
 const CharacterMap& ParserMemory::read(fl::ustring_view text) {
-  textSize_ = text.size();
   map_.read(text);
   elements_.clear();
   return map_;
 }
 
+void ParserMemory::readPart(fl::ustring_view text, std::uint32_t begin, std::uint32_t end) {
+  map_.readPart(text, begin, end);
+  elements_.clear();
+}
+
 void ParserMemory::shrink() {
-  if (textSize_ > largestUsualText) *this = {};
+  if (map_.capacity() > largestUsualText) *this = {};
 }
 
 }  // namespace ca

@@ -2,6 +2,7 @@
 // text after another.
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "platform/analyzer/text/CharacterMap.h"
@@ -15,6 +16,9 @@ class ParserMemory {
 
   // Starts with a new text, and returns its map.
   const CharacterMap& read(fl::ustring_view text);
+  // The same for a part of it: from the code unit `begin` up to `end`. Do not shrink the memory
+  // after each of many parts: there is room for the whole text.
+  void readPart(fl::ustring_view text, std::uint32_t begin, std::uint32_t end);
   // Frees what a text of usual size does not need.
   void shrink();
 
@@ -25,7 +29,6 @@ class ParserMemory {
  private:
   CharacterMap map_;
   std::vector<const astapi::Node*> elements_;
-  std::size_t textSize_ = 0;
 };
 
 }  // namespace ca

@@ -7,13 +7,34 @@
 
 namespace ca {
 
-void CharacterMap::read(fl::ustring_view text) {
+void CharacterMap::begin(fl::ustring_view text) {
   size_ = text.size();
   mayHoldNul_ = false;
+  for (Bits* bits : {&lineEnds_, &blankEnds_, &nameEnds_}) bits->resize(size_ / unitsPerWord + 1);
+}
+
+void CharacterMap::read(fl::ustring_view text) {
+  begin(text);
   const std::size_t last = size_ / unitsPerWord;
-  for (Bits* bits : {&lineEnds_, &blankEnds_, &nameEnds_}) bits->resize(last + 1);
   for (std::size_t i = 0; i < last; ++i) readWord(text.data() + i * unitsPerWord, i);
-  // The last word is padded with a character that belongs to no class.
+  readLastWord(text);
+}
+
+void CharacterMap::readPart(fl::ustring_view text, std::uint32_t begin, std::uint32_t end) {
+  this->begin(text);
+  const std::size_t last = size_ / unitsPerWord;
+  const std::size_t stop = std::min<std::size_t>(end / unitsPerWord + 1, last);
+  for (std::size_t i = begin / unitsPerWord; i < stop; ++i) {
+    readWord(text.data() + i * unitsPerWord, i);
+  }
+  if (stop == last) return readLastWord(text);
+  // Ends every search.
+  for (Bits* bits : {&lineEnds_, &blankEnds_, &nameEnds_}) (*bits)[stop] = ~std::uint64_t{0};
+}
+
+void CharacterMap::readLastWord(fl::ustring_view text) {
+  const std::size_t last = size_ / unitsPerWord;
+  // Padded with a character that belongs to no class.
   std::array<char16_t, unitsPerWord> rest;
   rest.fill(u'!');
   std::copy_n(text.data() + last * unitsPerWord, size_ % unitsPerWord, rest.begin());

@@ -17,6 +17,9 @@ namespace ca {
 class CharacterMap {
  public:
   void read(fl::ustring_view text);
+  // Reads only the code units from `begin` up to `end`; searches must begin there, and end there or
+  // a few units after it.
+  void readPart(fl::ustring_view text, std::uint32_t begin, std::uint32_t end);
 
   // The first line end at or after `from`; the size of the text if there is none.
   std::uint32_t findLineEnd(std::uint32_t from) const { return find(lineEnds_, from); }
@@ -29,6 +32,8 @@ class CharacterMap {
   std::uint32_t findNearBlanksEnd(std::uint32_t from) const { return findNear(blankEnds_, from); }
   std::uint32_t findNearNameEnd(std::uint32_t from) const { return findNear(nameEnds_, from); }
 
+  // The size of a text for which there is room.
+  std::size_t capacity() const { return lineEnds_.capacity() * unitsPerWord; }
   // Whether there may be a U+0000 in the text.
   bool mayHoldNul() const { return mayHoldNul_; }
 
@@ -53,7 +58,10 @@ class CharacterMap {
   // The first bit in the words from `index` on.
   static std::uint32_t findFar(const Bits& bits, std::uint32_t index);
 
+  // Makes room for a text; the words have no values yet.
+  void begin(fl::ustring_view text);
   void readWord(const char16_t* units, std::size_t index);
+  void readLastWord(fl::ustring_view text);
 
   Bits lineEnds_;
   Bits blankEnds_;

@@ -5,6 +5,7 @@
 // The comment of each node type gives its meaning and its children in the order of a walk.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -198,13 +199,38 @@ struct FunctionDeclaration : Node<Tag> {
   NodeList<Node<Tag>> inputs;
 };
 
+template <class Tag>
+struct FunctionDefinition;
+
+// Adds what a function lacks whose body was skipped.
+template <class Tag>
+class BodyReader {
+ public:
+  // Safe to use from several threads.
+  virtual void read(const FunctionDefinition<Tag>& function) const = 0;
+
+ protected:
+  ~BodyReader() = default;
+};
+
 // `function outputs = name(inputs) ... end`, from the keyword through `end`; a nested function
 // (NestedFunction) has the same shape. Children: `name`, `inputs`, `outputs`, `argumentBlocks`,
 // `body`.
 template <class Tag>
 struct FunctionDefinition : FunctionDeclaration<Tag> {
-  NodeList<Node<Tag>> argumentBlocks;
-  NodeList<Node<Tag>> body;
+  // These parse the function if the parser skipped it.
+  const NodeList<Node<Tag>>& argumentBlocks() const { return complete().parsedArguments; }
+  const NodeList<Node<Tag>>& body() const { return complete().parsedBody; }
+
+  const FunctionDefinition& complete() const {
+    if (const auto* bodies = reader.load(std::memory_order_acquire)) bodies->read(*this);
+    return *this;
+  }
+  // For the parser; empty until the function is complete.
+  NodeList<Node<Tag>> parsedArguments;
+  NodeList<Node<Tag>> parsedBody;
+  // Null for a complete function.
+  std::atomic<const BodyReader<Tag>*> reader = nullptr;
 };
 
 // --- statements ---
@@ -468,6 +494,7 @@ using InputArgument = lf::astapi::InputArgument<CA>;
 using AnonymousFunction = lf::astapi::AnonymousFunction<CA>;
 using FunctionDeclaration = lf::astapi::FunctionDeclaration<CA>;
 using FunctionDefinition = lf::astapi::FunctionDefinition<CA>;
+using BodyReader = lf::astapi::BodyReader<CA>;
 using SimpleAssignment = lf::astapi::SimpleAssignment<CA>;
 using MultipleAssignment = lf::astapi::MultipleAssignment<CA>;
 using CommandStatement = lf::astapi::CommandStatement<CA>;

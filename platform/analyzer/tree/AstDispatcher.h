@@ -175,7 +175,7 @@ class AstDispatcher {
   }
   void pushFunction(const FunctionDefinition<Tag>& node) {
     pushSignature(node);
-    pushAll(node.argumentBlocks, node.body);
+    pushAll(node.argumentBlocks(), node.body());
   }
   void pushIf(const IfStatement<Tag>& node) {
     pushAll(node.condition, node.body, node.elseIfs, node.otherwise);

@@ -27,12 +27,20 @@ class IdentifierSearch : public Visitor<IdentifierSearch, lf::astapi::Const> {
   bool enter(const Node& node) {
     // An empty subtree ends before its beginning.
     if (position_ < node.position || node.lastPosition < position_) return false;
+    // The body of a method need not be read for its name.
+    if (node.kind == lf::astapi::NodeKind::FunctionDefinition) return !isName(node);
     if (node.kind != lf::astapi::NodeKind::Identifier) return true;
     if (node.position == position_) found_ = static_cast<const Identifier*>(&node);
     return false;
   }
 
  private:
+  bool isName(const Node& function) {
+    const Identifier* name = static_cast<const FunctionDefinition&>(function).name;
+    if (name->position == position_) found_ = name;
+    return found_ != nullptr;
+  }
+
   const Node* root_;
   std::uint32_t position_ = 0;
   const Identifier* found_ = nullptr;
