@@ -46,8 +46,10 @@ bool areSame(const std::vector<GuiltyConversion>& left,
 class Chooser {
  public:
   Chooser(PlannedClass planned, const std::vector<ConversionRisk>& risks,
-          const std::vector<Wish>& wishes, const ChoiceLimits& limits)
+          const std::vector<Wish>& wishes, const ChoiceLimits& limits,
+          std::optional<FaultyText> whole)
       : whole_(std::move(planned)),
+        wholeText_(std::move(whole)),
         risks_(risks),
         wishes_(wishes),
         limits_(limits),
@@ -187,18 +189,30 @@ class Chooser {
     return result;
   }
 
+  // Of all conversions together, which were tried before.
+  std::vector<GuiltyConversion> findGuiltyOfWhole() {
+    ++analyses_;
+    const auto text = std::exchange(wholeText_, std::nullopt);
+    return findGuiltyOfText(whole_, *text->updated, text->fault);
+  }
+
   // Leaves out conversions until the rest can be made. Empty if nothing shows which ones have to be
   // left out.
   std::optional<Attempt> dropGuilty() {
     std::vector<GuiltyConversion> suspects;
     while (analyses_ < mostExplained && plans_++ < mostAnalyses) {
-      Attempt result = attempt(made_);
-      if (result.isGood()) return result;
-      if (!result.planned.faults.empty()) {
-        dropGuiltyOfFaults(findGuiltyOfFaults(result.planned));
-        continue;
+      std::vector<GuiltyConversion> guilty;
+      if (wholeText_) {
+        guilty = findGuiltyOfWhole();
+      } else {
+        Attempt result = attempt(made_);
+        if (result.isGood()) return result;
+        if (!result.planned.faults.empty()) {
+          dropGuiltyOfFaults(findGuiltyOfFaults(result.planned));
+          continue;
+        }
+        guilty = findGuiltyOfText(result.planned, *result.updated, *result.fault);
       }
-      auto guilty = findGuiltyOfText(result.planned, *result.updated, *result.fault);
       if (guilty.empty()) return std::nullopt;
       // An error may be the effect of an earlier one. So the first of several is left out alone;
       // the others are guilty if their errors are still there.
@@ -310,6 +324,7 @@ class Chooser {
   }
 
   PlannedClass whole_;
+  std::optional<FaultyText> wholeText_;
   const std::vector<ConversionRisk>& risks_;
   const std::vector<Wish>& wishes_;
   const ChoiceLimits& limits_;
@@ -346,8 +361,10 @@ std::vector<std::size_t> findNeeds(const PlannedClass& planned) {
 
 ChosenConversions chooseConversions(PlannedClass planned, const std::vector<ConversionRisk>& risks,
                                     const std::vector<Wish>& wishes, const ChoiceLimits& limits,
-                                    unsigned analysesBefore, const std::vector<bool>* candidates) {
-  return Chooser(std::move(planned), risks, wishes, limits).run(analysesBefore, candidates);
+                                    unsigned analysesBefore, const std::vector<bool>* candidates,
+                                    std::optional<FaultyText> whole) {
+  return Chooser(std::move(planned), risks, wishes, limits, std::move(whole))
+      .run(analysesBefore, candidates);
 }
 
 }  // namespace soca

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "conversions/Checks.h"
 #include "conversions/choice/Wishes.h"
 #include "conversions/risk/Risk.h"
 #include "conversions/selection/ConversionSelection.h"
@@ -46,14 +47,22 @@ struct ChosenConversions {
   unsigned analyses = 0;
 };
 
+// A new text with faults.
+struct FaultyText {
+  std::shared_ptr<ca::AnalysisResult> updated;
+  NewTextFault fault;
+};
+
 // Chooses as many conversions as can be made together, within the limits, and makes them.
 // `planned` must be the plan with all conversions that lists its faults; `risks` has one entry for
 // each, and `wishes` too, unless it is empty. `analysesBefore` are those of earlier passes over the
 // class. Only the analysis of the plan and of each new text that is tried is kept at a time. Only
-// conversions with `true` in `candidates` are made; null for all. Throws what the rules throw.
+// conversions with `true` in `candidates` are made; null for all. `whole` is the new text of the
+// plan if it is known to have faults. Throws what the rules throw.
 ChosenConversions chooseConversions(PlannedClass planned, const std::vector<ConversionRisk>& risks,
                                     const std::vector<Wish>& wishes, const ChoiceLimits& limits,
                                     unsigned analysesBefore = 0,
-                                    const std::vector<bool>* candidates = nullptr);
+                                    const std::vector<bool>* candidates = nullptr,
+                                    std::optional<FaultyText> whole = {});
 
 }  // namespace soca

@@ -6,6 +6,7 @@
 #include <exception>
 #include <iterator>
 #include <new>
+#include <utility>
 
 #include "conversions/Checks.h"
 #include "conversions/ClassMembers.h"
@@ -52,6 +53,29 @@ void addReason(RiskType type, ConversionReason reason, ConversionRisk& risk) {
   } else {
     risk.reasons.push_back(std::move(reason));
   }
+}
+
+std::size_t offsetOf(const ca::AnalysisResult& analysis, const SourcePosition& place) {
+  const std::uint64_t rest = analysis.sourceTextView().size();
+  // The column may be one that stands for the end of the line.
+  return std::min(
+      analysis.lineStart(static_cast<std::uint32_t>(place.line)) + std::min(place.column, rest),
+      rest);
+}
+
+// Whether an edit replaces text that names a method, other than by the name of a declaration.
+bool mayDeleteReferences(const PlannedClass& planned) {
+  const ca::AnalysisResult& analysis = *planned.analysis;
+  const auto mayDelete = [&](const PlannedEdit& edit) {
+    const std::size_t start = offsetOf(analysis, edit.extent.start);
+    const std::size_t end = offsetOf(analysis, edit.extent.end);
+    return start < end && mayNameMethods(analysis.sourceTextView().substr(start, end - start));
+  };
+  return std::ranges::any_of(planned.actions, [&](const PlannedAction& action) {
+    return std::ranges::any_of(action.edits, [&](const PlannedEdit& edit) {
+      return (action.family != RuleFamilyType::impl || edit.text.empty()) && mayDelete(edit);
+    });
+  });
 }
 
 std::vector<Conversion> describeAll(const PlannedClass& planned) {
@@ -105,7 +129,7 @@ bool ClassPasses::makePass(unsigned pass, const std::vector<MethodUse>& uses) {
   if (limits_->selection != nullptr) wishes_ = wish();
   if (mayMakeWhole()) {
     if (makeWhole()) return true;
-    planAgain();
+    if (!faulty_) planAgain();
   }
   return makeChosen(uses);
 }
@@ -142,10 +166,19 @@ void ClassPasses::checkSettling() {
   if (history_.changes > 2 * (history_.forms + usual)) throw NotSettled();
 }
 
-MethodNames ClassPasses::findPresentNames() const {
-  if (planned_.analysis != nullptr) return findMethodNames(*planned_.analysis);
+// Nothing that a conversion writes is a reference to a method.
+MethodNames ClassPasses::findPresentNames(const MethodNames& before) const {
+  const auto find = [&](const ca::AnalysisResult& analysis) {
+    return findMethodNames(analysis, before.referred, mayLoseReferences_);
+  };
+  if (planned_.analysis != nullptr) return find(*planned_.analysis);
   const OverlayScope overlay(file_, text_);
-  return findMethodNames(*ca::analyzeFile(file_));
+  return find(*ca::analyzeFile(file_));
+}
+
+bool ClassPasses::isLarge() const {
+  constexpr std::size_t large = std::size_t{256} << 10U;  // code units
+  return planned_.newText->size() > large;
 }
 
 // The plan of this pass once more, with everything in it.
@@ -209,32 +242,40 @@ bool ClassPasses::mayMakeWhole() const {
   return true;
 }
 
-// Frees the tree of the old text before that of the new one is made, which may be three times as
-// large. Returns false if the new text has faults.
+// Returns false if the new text has faults.
 bool ClassPasses::makeWhole() {
   const NewTextCheck check(planned_);
-  Record record = recordOf(planned_, LeftOut(planned_.conversions.size()));
   const std::shared_ptr<const fl::ustring> newText = planned_.newText;
-  LineMap lines = lines_;
-  lines.add(std::move(planned_.newLines), planned_.oldText);
   const ca::KnownFunctions known = planned_.analysis->knownFunctions();
-  planned_.analysis.reset();
-  std::vector<PlannedAction>().swap(planned_.actions);
-  std::shared_ptr<ca::SourceAnalysis> updated;
+  std::optional<Record> record;
+  if (isLarge()) {
+    // The tree of the old text is freed before that of the new one is made, which may be three
+    // times as large.
+    record = recordOf(planned_, LeftOut(planned_.conversions.size()));
+    planned_.analysis.reset();
+    std::vector<PlannedAction>().swap(planned_.actions);
+  }
+  FaultyText faulty;
   {
     const OverlayScope overlay(file_, newText);
-    updated = ca::analyzeFile(file_, &known);
+    faulty.updated = ca::analyzeFile(file_, &known);
   }
   ++history_.analyses;
-  if (check.findFault(*updated)) return false;
-  lines_ = std::move(lines);
-  take(std::move(record), newText);
+  if (auto fault = check.findFault(*faulty.updated)) {
+    faulty.fault = std::move(*fault);
+    if (!record) faulty_ = std::move(faulty);
+    return false;
+  }
+  if (!record) record = recordOf(planned_, LeftOut(planned_.conversions.size()));
+  lines_.add(std::move(planned_.newLines), planned_.oldText);
+  take(std::move(*record), newText);
   return true;
 }
 
 bool ClassPasses::makeChosen(const std::vector<MethodUse>& uses) {
   ChosenConversions chosen =
-      chooseConversions(std::move(planned_), risks_, wishes_, *limits_, history_.analyses);
+      chooseConversions(std::move(planned_), risks_, wishes_, *limits_, history_.analyses, nullptr,
+                        std::exchange(faulty_, std::nullopt));
   history_.analyses += chosen.analyses;
   planned_ = std::move(chosen.planned);
   leftOut_ = std::move(chosen.leftOut);
@@ -278,6 +319,7 @@ void ClassPasses::takeLayout(LaidApart laid) {
   if (keepsChanges()) changes_ = composeChanges(*oldText_, changes_, changes);
   isFirst_ = false;
   lines_.add(std::move(laid.lines), planned_.oldText);
+  mayLoseReferences_ = true;
   text_ = std::move(laid.text);
   planned_ = std::move(laid.chosen.planned);
   risks_ = std::move(laid.risks);
@@ -313,6 +355,7 @@ ClassPasses::Record ClassPasses::recordOf(const PlannedClass& planned, const Lef
     }
     if (deletesMethod(each)) record.deletedMethods.push_back(memberOf(each));
   }
+  record.mayLoseReferences = mayDeleteReferences(planned);
   describeInto(planned, leftOut, record);
   return record;
 }
@@ -355,6 +398,7 @@ void ClassPasses::describeInto(const PlannedClass& planned, const LeftOut& leftO
 void ClassPasses::take(Record record, std::shared_ptr<const fl::ustring> newText) {
   isFirst_ = false;
   ++history_.changes;
+  mayLoseReferences_ = record.mayLoseReferences;
   changedMethods_ |= record.changedMethods;
   takenMethods_ |= record.takenMethods;
   for (const ConversionKind& kind : conversionKinds) {

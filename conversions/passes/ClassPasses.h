@@ -88,8 +88,8 @@ class ClassPasses {
   MethodSet takenMethods() const { return takenMethods_; }
   // The methods for which the last pass found conversions, made or not.
   MethodSet foundMethods() const { return foundMethods_; }
-  // Of the present text, after `planNext`.
-  MethodNames findPresentNames() const;
+  // Of the present text, after `planNext`; `before` are those of the text before the last pass.
+  MethodNames findPresentNames(const MethodNames& before) const;
   // From the text as it was read to the present one, with the indices of the conversions in the
   // update; only if they are needed.
   const TextChanges& changes() const { return changes_; }
@@ -99,6 +99,7 @@ class ClassPasses {
   struct Record {
     MethodSet changedMethods = 0;
     MethodSet takenMethods = 0;
+    bool mayLoseReferences = false;
     PerKind<std::size_t> counts;
     std::vector<Conversion> conversions;
     std::vector<Finding> findings;
@@ -114,6 +115,7 @@ class ClassPasses {
   std::vector<Wish> wish();
   RiskType highestRiskOf(std::size_t conversion) const;
   bool mayMakeWhole() const;
+  bool isLarge() const;
   bool makeWhole();
   bool makeChosen(const std::vector<MethodUse>& uses);
   void takeChosen();
@@ -147,9 +149,13 @@ class ClassPasses {
   // Whether lines were laid apart in the present pass, and in any.
   bool isLaidApart_ = false;
   bool hasLayout_ = false;
+  // The new text with all conversions, if it has faults.
+  std::optional<FaultyText> faulty_;
   MethodSet changedMethods_ = 0;
   MethodSet takenMethods_ = 0;
   MethodSet foundMethods_ = 0;
+  // Whether the last pass deleted text that may hold references.
+  bool mayLoseReferences_ = false;
   // The result so far. The places of its findings and conversions are in the text as it was read.
   ClassUpdate update_;
   TextChanges changes_;

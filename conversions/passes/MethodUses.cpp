@@ -50,9 +50,11 @@ void visitNames(fl::ustring_view text, const Visit& visit) {
   }
 }
 
-// The names to which the text refers, without declarations.
-MethodSet findReferred(const ca::AnalysisResult& analysis,
-                       const std::unordered_set<const ca::astapi::Node*>& declarations) {
+using Declarations = std::unordered_set<const ca::astapi::Node*>;
+
+// The names to which the text refers, without declarations, of those in `candidates`.
+MethodSet findReferred(const ca::AnalysisResult& analysis, const Declarations& declarations,
+                       MethodSet candidates) {
   MethodSet referred = 0;
   const auto add = [&](const ca::astapi::Identifier& identifier) {
     if (!declarations.contains(&identifier)) referred |= methodSetOf(identifier.text.view());
@@ -64,7 +66,7 @@ MethodSet findReferred(const ca::AnalysisResult& analysis,
   }
   ca::astapi::IdentifierSearch search(analysis.getRootNode());
   visitNames(analysis.sourceTextView(), [&](std::size_t place, fl::ustring_view name) {
-    if ((referred & methodSetOf(name)) != 0) return;
+    if ((candidates & ~referred & methodSetOf(name)) == 0) return;
     if (const auto* found = search.findAt(static_cast<std::uint32_t>(place))) add(*found);
   });
   return referred;
@@ -99,9 +101,19 @@ MethodSet MethodNames::concerned() const {
   return concerned;
 }
 
+bool mayNameMethods(fl::ustring_view text) {
+  bool isNamed = false;
+  visitNames(text, [&](std::size_t, fl::ustring_view) { isNamed = true; });
+  return isNamed;
+}
+
 MethodNames findMethodNames(const ca::AnalysisResult& analysis) {
+  return findMethodNames(analysis, static_cast<MethodSet>(~0U), true);
+}
+
+MethodNames findMethodNames(const ca::AnalysisResult& analysis, MethodSet referred, bool mayLose) {
   MethodNames names;
-  std::unordered_set<const ca::astapi::Node*> declarations;
+  Declarations declarations;
   for (const DeclaredMethod& method : declaredMethods(analysis)) {
     if (!method.name.ends_with(commonEnd)) continue;
     const MethodSet known = methodSetOf(method.name);
@@ -110,7 +122,8 @@ MethodNames findMethodNames(const ca::AnalysisResult& analysis) {
     names.declared |= known;
     if (method.node->kind == lf::astapi::NodeKind::FunctionDefinition) names.defined |= known;
   }
-  names.referred = findReferred(analysis, declarations);
+  const bool isKnown = referred == 0 || !mayLose;
+  names.referred = isKnown ? referred : findReferred(analysis, declarations, referred);
   return names;
 }
 

@@ -30,6 +30,7 @@ struct MethodNames {
   MethodSet declared = 0;
   MethodSet defined = 0;
 
+  friend bool operator==(const MethodNames&, const MethodNames&) = default;
   bool empty() const { return (referred | declared) == 0; }
   // Those of its superclasses that it uses: to which it refers, or which it overrides and which a
   // rule takes away whatever the superclasses have.
@@ -39,7 +40,12 @@ struct MethodNames {
   MethodSet concerned() const;
 };
 
+// Whether one of the names is anywhere in the text, if only in a longer one.
+bool mayNameMethods(fl::ustring_view text);
+
 MethodNames findMethodNames(const ca::AnalysisResult& analysis);
+// The same of a text that refers at most to those; with `mayLose`, perhaps to fewer.
+MethodNames findMethodNames(const ca::AnalysisResult& analysis, MethodSet referred, bool mayLose);
 
 // The methods by whose presence the conversion of a method concerns derived classes.
 MethodSet methodsChangedBy(ConversionKindType kind, fl::ustring_view method);

@@ -71,7 +71,9 @@ class OverlayTexts {
 class PassMaker {
  public:
   PassMaker(ClassPasses* passes, const MethodNames* names, std::vector<PassRecord>* records)
-      : passes_(*passes), names_(names), records_(*records) {}
+      : passes_(*passes), names_(names), records_(*records) {
+    if (names != nullptr) present_ = *names;
+  }
 
   // Whether the pass changed the text.
   bool make(unsigned pass, const std::vector<MethodUse>& uses) {
@@ -92,7 +94,8 @@ class PassMaker {
     const bool isPlanned = passes_.planNext();
     // Without such names in the text that was read, there are none in later ones.
     if (names_ != nullptr && !names_->empty() && records_.back().newText != nullptr) {
-      records_.back().names = passes_.findPresentNames();
+      records_.back().names = passes_.findPresentNames(present_);
+      present_ = records_.back().names;
     }
     return isPlanned;
   }
@@ -100,6 +103,7 @@ class PassMaker {
  private:
   ClassPasses& passes_;
   const MethodNames* names_;
+  MethodNames present_;
   std::vector<PassRecord>& records_;
 };
 

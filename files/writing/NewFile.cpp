@@ -1,6 +1,8 @@
 #include "files/writing/NewFile.h"
 
 #include <ctime>
+#include <functional>
+#include <numeric>
 #include <utility>
 
 #include "files/writing/FileWriter.h"
@@ -48,15 +50,10 @@ std::string makeBytes(const std::string& path, fl::ustring_view text, fl::Encodi
 }
 
 void checkIsEncodable(const std::string& path, fl::ustring_view text, fl::EncodingType encoding) {
-  // Few texts have other characters than these; they are tried.
-  char16_t bits = 0;
-  bool hasSurrogate = false;
-  for (const char16_t unit : text) {
-    bits |= unit;
-    hasSurrogate |= (unit & 0xF800U) == 0xD800U;
-  }
-  const bool isUsual = encoding == fl::EncodingType::latin1 ? bits <= 0xFF : !hasSurrogate;
-  if (!isUsual) makeBytes(path, text, encoding);
+  // Most texts are ASCII, which every encoding has; the others are tried.
+  const char16_t bits =
+      std::accumulate(text.begin(), text.end(), char16_t{0}, std::bit_or<char16_t>());
+  if (bits > 0x7F) makeBytes(path, text, encoding);
 }
 
 void checkIsReplaceable(const std::string& path) {

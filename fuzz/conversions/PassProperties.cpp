@@ -92,11 +92,19 @@ class PassCheck {
     return plan();
   }
 
+  static MethodNames namesIn(const fl::ustring& text) {
+    return findMethodNames(*ca::analyzeText(fl::ustring(text)));
+  }
+
   // Adds the text after each pass that changes it.
   static void makeAll(ClassPasses& passes, std::vector<Text>* texts) {
+    MethodNames names = namesIn(*passes.text());
     while (passes.makePass()) {
       if (texts != nullptr) texts->push_back(passes.text());
-      if (!passes.planNext()) return;
+      const bool isPlanned = passes.planNext();
+      names = passes.findPresentNames(names);
+      require(names == namesIn(*passes.text()), "a pass adds or loses a use of a method");
+      if (!isPlanned) return;
     }
   }
 
