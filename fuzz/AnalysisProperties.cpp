@@ -1,10 +1,12 @@
 #include "fuzz/AnalysisProperties.h"
 
 #include <algorithm>
+#include <tuple>
 #include <unordered_set>
 
 #include "fuzz/Violation.h"
 #include "platform/analyzer/Analyzer.h"
+#include "platform/analyzer/SourceAnalysis.h"
 #include "platform/analyzer/tree/NodeVisitor.h"
 #include "platform/runtime/SourceDescription.h"
 
@@ -43,6 +45,19 @@ class Children : public ca::astapi::Visitor<Children, lf::astapi::Const> {
  private:
   const Node* parent_ = nullptr;
   std::vector<const Node*> children_;
+};
+
+// The kinds and extents of all nodes, in the order of a walk.
+class Outline : public ca::astapi::Visitor<Outline, lf::astapi::Const> {
+ public:
+  explicit Outline(const ca::AnalysisResult& analysis) { (*this)(analysis.getRootNode()); }
+
+  bool enter(const Node& node) {
+    nodes.emplace_back(node.kind, node.position, node.lastPosition);
+    return true;
+  }
+
+  std::vector<std::tuple<NodeKind, std::uint32_t, std::uint32_t>> nodes;
 };
 
 class TreeCheck {
@@ -163,6 +178,17 @@ void checkAnalysis(const ca::AnalysisResult& analysis, fl::ustring_view text) {
   tree.run();
   checkIdentifierWalk(analysis, tree.identifiers());
   require(sotarn::describeAnalysis(analysis) != nullptr, "the class is not described");
+}
+
+void checkSkipping(const ca::AnalysisResult& expected, const ca::KnownFunctions& known) {
+  const ca::SourceAnalysis found(expected.sharedSourceText(), &known);
+  const auto areSame = [](const ca::Diagnostic& left, const ca::Diagnostic& right) {
+    return left.line == right.line && left.column == right.column && left.message == right.message;
+  };
+  require(std::ranges::equal(found.diagnostics(), expected.diagnostics(), areSame),
+          "without the known functions there are other syntax errors");
+  require(identifiersOf(found) == identifiersOf(expected), "skipped identifiers are lost");
+  require(Outline(found).nodes == Outline(expected).nodes, "skipped functions have other nodes");
 }
 
 std::shared_ptr<ca::AnalysisResult> analyzeChecked(const fl::ustring& text) {

@@ -18,6 +18,10 @@ namespace soca::fuzz {
 // - diagnostics are inside the text, in its order.
 void checkAnalysis(const ca::AnalysisResult& analysis, fl::ustring_view text);
 
+// Requires that an analysis of the text of `expected` that skips the known functions has the same
+// tree and the same diagnostics.
+void checkSkipping(const ca::AnalysisResult& expected, const ca::KnownFunctions& known);
+
 // The analysis of the text, checked; null for one that is nested too deeply.
 std::shared_ptr<ca::AnalysisResult> analyzeChecked(const fl::ustring& text);
 

@@ -10,6 +10,7 @@
 
 #include "conversions/Checks.h"
 #include "conversions/passes/ClassPasses.h"
+#include "fuzz/AnalysisProperties.h"
 #include "fuzz/Violation.h"
 #include "fuzz/changes/ChangeProperties.h"
 #include "fuzz/conversions/LayoutProperties.h"
@@ -213,6 +214,8 @@ class PassCheck {
   void checkMade(const PlannedClass& planned, unsigned pass) const {
     const auto analysis = ca::analyzeText(fl::ustring(*texts_[pass]));
     require(!analysis->hasSyntaxError(), "pass {} gives a syntax error", pass);
+    checkSkipping(*analysis, planned.analysis->knownFunctions());
+    checkSkipping(*analysis, {nullptr, analysis->knownFunctions().ranges});
     const auto made = findMade(planned, update_, pass);
     if (!made) return;
     const bool hasLayout = std::ranges::any_of(update_.conversions, [&](const Conversion& each) {

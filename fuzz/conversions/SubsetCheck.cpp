@@ -5,6 +5,7 @@
 #include "conversions/Checks.h"
 #include "conversions/ClassMembers.h"
 #include "conversions/superclasses/Ancestry.h"
+#include "fuzz/AnalysisProperties.h"
 #include "fuzz/Violation.h"
 #include "fuzz/conversions/PlanAttempt.h"
 #include "platform/analyzer/Analyzer.h"
@@ -70,6 +71,7 @@ class SubsetCheck {
     const PlannedClass& planned = *subset_.planned;
     if (planned.newText == nullptr) return;
     const auto updated = ca::analyzeText(fl::ustring(planned.text()));
+    checkSkipping(*updated, planned.analysis->knownFunctions());
     const auto reason = NewTextCheck(planned).findReasonToRefuse(*updated);
     if (reason) {
       require(all_ == nullptr || updated->diagnostics().empty(), "{}, but not with all", *reason);

@@ -49,8 +49,8 @@ class AnalysisResult {
   // modified so recently that a later change might leave the stamp the same.
   virtual const std::optional<fl::filesystem::FileState>& file() const = 0;
 
-  // The methods that the text defines, for the analysis of a text that shares most of them. None if
-  // there are syntax errors.
+  // The functions that the text defines, for the analysis of a text that shares most of them. None
+  // if there are syntax errors.
   virtual KnownFunctions knownFunctions() const = 0;
 
   virtual ~AnalysisResult() = default;

@@ -11,7 +11,7 @@ namespace ca {
 // Analyses the file at the native path `path` (UTF-8), or the overlay text that this thread has set
 // for it. Nesting that is too deep is no failure here: see SourceAnalysis::isTooDeep. Each thread
 // keeps its last analysis and returns it again while the file is unchanged. Of a file that the
-// thread has analysed before under the view in force, method bodies are parsed when needed.
+// thread has analysed before, function bodies are parsed when needed.
 //
 // `known` are functions that an overlay text may share with another text; null for none.
 //

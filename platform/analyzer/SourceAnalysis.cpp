@@ -51,10 +51,12 @@ SourceAnalysis::SourceAnalysis(std::shared_ptr<const fl::ustring> text, const Kn
 KnownFunctions SourceAnalysis::knownFunctions() const {
   KnownFunctions known{text_, {}};
   if (hasSyntaxError() || isTooDeep_ || classdef_ == nullptr) return known;
-  for (const astapi::FunctionDeclaration* method : classdef_->getMethods()) {
-    if (method->kind != lf::astapi::NodeKind::FunctionDefinition) continue;
-    known.ranges.push_back({method->position, method->lastPosition + 1});
-  }
+  const auto add = [&](const astapi::Node& node) {
+    if (node.kind != lf::astapi::NodeKind::FunctionDefinition) return;
+    known.ranges.push_back({node.position, node.lastPosition + 1});
+  };
+  for (const astapi::FunctionDeclaration* method : classdef_->getMethods()) add(*method);
+  for (const auto* each : static_cast<const astapi::ListNode&>(*root_).elements) add(*each);
   return known;
 }
 

@@ -1,11 +1,14 @@
 // The walk over all kinds of nodes, and over invalid trees.
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <set>
 #include <stdexcept>
 
 #include "platform/analyzer/Analyzer.h"
+#include "platform/analyzer/SourceAnalysis.h"
 #include "platform/analyzer/tree/NodeVisitor.h"
+#include "tests/analyzer/TreeText.h"
 
 namespace ca {
 namespace {
@@ -62,6 +65,62 @@ TEST(Walk, VisitsAFunctionFromItsNameToItsBody) {
   });
   visitor(analyzeText(u"function o = n(i)\narguments\na\nend\nb\nend")->getRootNode());
   EXPECT_EQ(names, "nioab");
+}
+
+// The class with a method, a function after it, and something else.
+fl::ustring classWith(const fl::ustring& property, const fl::ustring& method,
+                      const fl::ustring& rest = u"function after\n[a b]';\nend\n") {
+  return u"classdef A\nproperties\n" + property + u"\nend\nmethods\n" + method +
+         u"\nfunction g(x)\narguments\nx\nend\nif x, y.z; end\nend\nend\nend\n" + rest;
+}
+
+std::size_t countSkipped(const AnalysisResult& analysis) {
+  std::size_t count = 0;
+  const auto add = [&](const astapi::Node* node) {
+    if (node->kind != NodeKind::FunctionDefinition) return;
+    if (static_cast<const astapi::FunctionDefinition*>(node)->reader != nullptr) ++count;
+  };
+  for (const auto* method : analysis.getClassdef()->getMethods()) add(method);
+  for (const auto* each : static_cast<const astapi::ListNode*>(analysis.getRootNode())->elements) {
+    add(each);
+  }
+  return count;
+}
+
+TEST(Walk, ReadsSkippedFunctionsWhenItReachesThem) {
+  const fl::ustring method = u"function f\nx = {1, 'a'};\nend";
+  const SourceAnalysis before(classWith(u"P", method));
+  const struct {
+    const char* shows;
+    fl::ustring after;
+    std::size_t skipped;
+  } rows[] = {
+      {"all is as before", classWith(u"P", method), 3},
+      {"text before the functions", classWith(u"Longer (1, 1) = 2", method), 3},
+      {"a name", classWith(u"P", u"function h\nx = {1, 'a'};\nend"), 2},
+      {"a body", classWith(u"P", u"function f\nx = {1, 'b'};\nend"), 2},
+      {"one function more", classWith(u"P", u"function h\nend\n" + method), 3},
+      {"one function less", classWith(u"P", u"% none"), 2},
+      {"an `end` that is longer", classWith(u"P", method + u"s\nend"), 2},
+      {"a syntax error before", classWith(u"P = (", method), 3},
+      {"a syntax error that swallows functions", classWith(u"P = {", method), 3},
+      {"a syntax error in a function", classWith(u"P", u"function f\nx = {1, 'a;\nend"), 2},
+      {"a comment that swallows functions", classWith(u"P", u"%{\n" + method), 0},
+      {"no functions after the class", classWith(u"P", method, u""), 2},
+  };
+  const KnownFunctions known = before.knownFunctions();
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.shows);
+    const SourceAnalysis whole(row.after);
+    const SourceAnalysis found(std::make_shared<const fl::ustring>(row.after), &known);
+    EXPECT_EQ(countSkipped(found), row.skipped);
+    EXPECT_EQ(treeText(found), treeText(whole));
+    EXPECT_EQ(countSkipped(found), 0U);
+    ASSERT_EQ(found.diagnostics().size(), whole.diagnostics().size());
+    for (std::size_t i = 0; i < found.diagnostics().size(); ++i) {
+      EXPECT_EQ(found.diagnostics()[i].message, whole.diagnostics()[i].message);
+    }
+  }
 }
 
 TEST(Walk, RefusesBrokenTrees) {

@@ -41,6 +41,28 @@ Conversion leftOut(ConversionKindType kind, const char* reason) {
   return conversion;
 }
 
+TEST(Summary, CountsOfAClassAreUnpackedAsTheyWere) {
+  ClassOutcome outcome;
+  outcome.update.className = "a.b.C";
+  outcome.update.conversions = {leftOut(ConversionKindType::rename, "soca:StillReferenced"),
+                                leftOut(ConversionKindType::mixins, "soca:NotTried"),
+                                leftOut(ConversionKindType::rename, "soca:StillReferenced")};
+  outcome.update.conversionCounts[ConversionKindType::logical] = 3;
+  outcome.update.findings.resize(2);
+  outcome.update.findings.front().id = outcome.update.findings.back().id = "Rare";
+  const auto packedOf = [&] { return pack(ClassCounts(outcome)); };
+  EXPECT_EQ(pack(unpackCounts(packedOf())), packedOf()) << "neither changed nor in a package";
+  outcome.update.changed = true;
+  EXPECT_EQ(pack(unpackCounts(packedOf())), packedOf());
+  outcome.update.refusal = "no";
+  outcome.update.className = "C";
+  EXPECT_EQ(pack(unpackCounts(packedOf())), packedOf()) << "left out without a reason";
+  Summary summary;
+  summary.add(ClassCounts(outcome));
+  summary.remove(unpackCounts(packedOf()));
+  EXPECT_EQ(summary.classes + summary.refused + summary.findings + summary.leftOutCount(), 0U);
+}
+
 // Three classes: one that changes in part, one that is refused, and one that is written in vain.
 Summary summaryOfPackages() {
   Summary summary;

@@ -20,7 +20,8 @@ struct KnownFunctions {
 
   // The text that has them; null if it is the one that is parsed.
   std::shared_ptr<const fl::ustring> text;
-  // The functions that the methods blocks define, in the order of the text.
+  // The functions that the methods blocks define, and those after the class, in the order of the
+  // text.
   std::vector<Range> ranges;
 };
 

@@ -37,7 +37,8 @@ void Parser::parseBehindClass(ListBuilder<Node>& elements) {
     skipSeparators();
     if (is(TokenKind::EndOfText)) return;
     if (is(TokenKind::Function)) {
-      elements.add(parseFunction(NodeKind::FunctionDefinition));
+      const Node* function = skipFunction();
+      elements.add(function != nullptr ? function : parseFunction(NodeKind::FunctionDefinition));
       continue;
     }
     refuse("a function or the end of the file behind the class");
