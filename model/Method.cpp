@@ -4,7 +4,7 @@
 #include <variant>
 
 #include "model/AnalyzerPositions.h"
-#include "platform/analyzer/tree/IdentifierSearch.h"
+#include "platform/analyzer/IdentifierSearch.h"
 #include "platform/analyzer/tree/NodeVisitor.h"
 #include "platform/failure/Terminate.h"
 #include "platform/text/TextSearch.h"

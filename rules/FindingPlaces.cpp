@@ -5,7 +5,7 @@
 
 #include "model/AnalyzerPositions.h"
 #include "model/ClassContext.h"
-#include "platform/analyzer/tree/IdentifierSearch.h"
+#include "platform/analyzer/IdentifierSearch.h"
 
 namespace soca {
 namespace {

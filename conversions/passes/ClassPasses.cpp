@@ -319,7 +319,6 @@ void ClassPasses::takeLayout(LaidApart laid) {
   if (keepsChanges()) changes_ = composeChanges(*oldText_, changes_, changes);
   isFirst_ = false;
   lines_.add(std::move(laid.lines), planned_.oldText);
-  mayLoseReferences_ = true;
   text_ = std::move(laid.text);
   planned_ = std::move(laid.chosen.planned);
   risks_ = std::move(laid.risks);

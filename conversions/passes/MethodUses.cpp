@@ -5,7 +5,7 @@
 #include <unordered_set>
 
 #include "conversions/ClassMembers.h"
-#include "platform/analyzer/tree/IdentifierSearch.h"
+#include "platform/analyzer/IdentifierSearch.h"
 #include "platform/analyzer/tree/NodeVisitor.h"
 #include "platform/text/TextSearch.h"
 #include "rules/MethodRules.h"

@@ -13,7 +13,7 @@
 
 namespace ca {
 
-class SourceAnalysis final : public AnalysisResult, private astapi::BodyReader {
+class SourceAnalysis final : public AnalysisResult, private lf::astapi::BodyReader<astapi::CA> {
  public:
   explicit SourceAnalysis(fl::ustring text);
   // The known functions may be null; they are used only by the constructor.

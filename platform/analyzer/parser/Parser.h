@@ -46,7 +46,7 @@ class Parser final : private LexicalErrors {
 
   // Skips the known functions, whose bodies `reader` reads later. Both must outlive the parser, and
   // `reader` the tree.
-  void skipKnown(const KnownFunctions* known, const astapi::BodyReader* reader) {
+  void skipKnown(const KnownFunctions* known, const lf::astapi::BodyReader<astapi::CA>* reader) {
     known_ = known;
     reader_ = reader;
   }
@@ -263,7 +263,7 @@ class Parser final : private LexicalErrors {
   const KnownFunctions* known_ = nullptr;
   // The first known function after those that were skipped.
   std::size_t nextKnown_ = 0;
-  const astapi::BodyReader* reader_ = nullptr;
+  const lf::astapi::BodyReader<astapi::CA>* reader_ = nullptr;
   std::vector<SyntaxErrorRecord> errors_;
 };
 

@@ -5,7 +5,6 @@
 // The comment of each node type gives its meaning and its children in the order of a walk.
 #pragma once
 
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -13,6 +12,7 @@
 
 #include "platform/analyzer/lexer/NumericValue.h"
 #include "platform/analyzer/text/SourceText.h"
+#include "platform/analyzer/tree/BodyReader.h"
 #include "platform/analyzer/tree/NodeKind.h"
 
 namespace ca::astapi {
@@ -199,20 +199,6 @@ struct FunctionDeclaration : Node<Tag> {
   NodeList<Node<Tag>> inputs;
 };
 
-template <class Tag>
-struct FunctionDefinition;
-
-// Adds what a function lacks whose body was skipped.
-template <class Tag>
-class BodyReader {
- public:
-  // Safe to use from several threads.
-  virtual void read(const FunctionDefinition<Tag>& function) const = 0;
-
- protected:
-  ~BodyReader() = default;
-};
-
 // `function outputs = name(inputs) ... end`, from the keyword through `end`; a nested function
 // (NestedFunction) has the same shape. Children: `name`, `inputs`, `outputs`, `argumentBlocks`,
 // `body`.
@@ -223,14 +209,14 @@ struct FunctionDefinition : FunctionDeclaration<Tag> {
   const NodeList<Node<Tag>>& body() const { return complete().parsedBody; }
 
   const FunctionDefinition& complete() const {
-    if (const auto* bodies = reader.load(std::memory_order_acquire)) bodies->read(*this);
+    BodyReader<Tag>::complete(*this);
     return *this;
   }
   // For the parser; empty until the function is complete.
   NodeList<Node<Tag>> parsedArguments;
   NodeList<Node<Tag>> parsedBody;
   // Null for a complete function.
-  std::atomic<const BodyReader<Tag>*> reader = nullptr;
+  SkippedBody<Tag> reader = nullptr;
 };
 
 // --- statements ---
@@ -494,7 +480,6 @@ using InputArgument = lf::astapi::InputArgument<CA>;
 using AnonymousFunction = lf::astapi::AnonymousFunction<CA>;
 using FunctionDeclaration = lf::astapi::FunctionDeclaration<CA>;
 using FunctionDefinition = lf::astapi::FunctionDefinition<CA>;
-using BodyReader = lf::astapi::BodyReader<CA>;
 using SimpleAssignment = lf::astapi::SimpleAssignment<CA>;
 using MultipleAssignment = lf::astapi::MultipleAssignment<CA>;
 using CommandStatement = lf::astapi::CommandStatement<CA>;
