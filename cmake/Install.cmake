@@ -18,11 +18,13 @@ target_sources(
          platform/analyzer/Analyzer.h
          platform/analyzer/tree/Ast.h
          platform/analyzer/tree/AstDispatcher.h
+         platform/analyzer/tree/BodyReader.h
          platform/analyzer/Config.h
          platform/analyzer/Diagnostic.h
          platform/analyzer/tree/NodeKind.h
          platform/analyzer/tree/NodeVisitor.h
          platform/analyzer/lexer/NumericValue.h
+         platform/analyzer/text/KnownFunctions.h
          platform/analyzer/text/SourceText.h
          platform/messages/BaseMsgID.h
          platform/failure/Exception.h

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/analyzer/Diagnostic.h"
-#include "platform/analyzer/parser/KnownFunctions.h"
+#include "platform/analyzer/text/KnownFunctions.h"
 #include "platform/analyzer/tree/Ast.h"
 #include "platform/paths/SourceReader.h"
 #include "platform/text/UString.h"

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "platform/analyzer/lexer/Lexer.h"
-#include "platform/analyzer/parser/KnownFunctions.h"
 #include "platform/analyzer/parser/ParserMemory.h"
+#include "platform/analyzer/text/KnownFunctions.h"
 #include "platform/analyzer/text/TextNames.h"
 #include "platform/analyzer/tree/Arena.h"
 #include "platform/analyzer/tree/Ast.h"
