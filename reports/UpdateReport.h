@@ -61,6 +61,9 @@ struct ReportOptions {
   // Whether the data have the form that a run as the service has: without what the program itself
   // decides.
   bool asService = false;
+  // What a person types to run it again, up to the arguments and with them: "soca update -p src".
+  std::string command = "soca update";
+  std::string arguments;
 };
 
 // All must outlive the report.
@@ -80,6 +83,8 @@ struct ReportFormat {
   // several classes share once.
   bool isForPeople;
   bool takesEdits;
+  // Whether it can show the answers of the service.
+  bool isForService;
   // Why it cannot be combined with `--write`; empty if it can.
   std::string_view whyNotWritten;
   OutcomeNeeds (*needs)(const ReportOptions& options);
@@ -90,5 +95,8 @@ struct ReportFormat {
 
 // The first one is the default.
 std::span<const ReportFormat> reportFormats();
+
+// The format of the review page.
+const ReportFormat& pageFormat();
 
 }  // namespace soca

@@ -80,6 +80,9 @@ void checkStandardInput(const Options& options) {
     throw UsageError(
         "--stdin-path and --write cannot be combined: the new text goes to standard output");
   }
+  if (!options.reportFile.empty()) {
+    throw UsageError("--stdin-path and --report cannot be combined: the page is about files");
+  }
   if (options.includeSuperclasses) {
     throw UsageError(
         "--stdin-path and --superclasses cannot be combined: only one text is read and printed");
@@ -134,6 +137,11 @@ void checkDecisions(const Options& options) {
            "the service makes all conversions of a class");
   }
   if (options.list) refuse("--list", "the service decides nothing about single conversions");
+  constexpr const char* whyNoPage = "the service decides nothing about single conversions";
+  if (!options.format->isForService) {
+    refuse(fmt::format("--format {}", options.format->name), whyNoPage);
+  }
+  if (!options.reportFile.empty()) refuse("--report", whyNoPage);
   if (options.summary) refuse("--summary", "add -q instead");
   if (options.groupBy) refuse("--group-by", "the service leaves no conversion out");
 }

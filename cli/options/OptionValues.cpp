@@ -9,6 +9,7 @@
 #include <functional>
 #include <utility>
 
+#include "files/targets/ClassRoots.h"
 #include "files/targets/NearestName.h"
 #include "files/targets/UsageError.h"
 
@@ -127,6 +128,14 @@ void readStdinPath(const std::string& value, Options& options) {
 void readSelectionFile(const std::string& value, Options& options) {
   if (value.empty()) throw UsageError("--selection takes the name of a file");
   options.selectionFile = value;
+}
+
+void readReportFile(const std::string& value, Options& options) {
+  if (value.empty()) throw UsageError("--report takes the name of a file");
+  if (stemOfClassFile(value)) {
+    throw UsageError(fmt::format("--report would replace a class file: '{}'", value));
+  }
+  options.reportFile = value;
 }
 
 void readClassTable(const std::string& value, Options& options) {

@@ -28,6 +28,7 @@ void readJobs(const std::string& value, Options& options);
 void readVerify(const std::string& value, Options& options);
 void readStdinPath(const std::string& value, Options& options);
 void readSelectionFile(const std::string& value, Options& options);
+void readReportFile(const std::string& value, Options& options);
 void readClassTable(const std::string& value, Options& options);
 
 // Empty for a word that is not in `colorWords`.

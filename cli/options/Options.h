@@ -70,6 +70,8 @@ struct Options {
   bool summary = false;
   // How to group the numbers; empty if it is not given.
   std::optional<GroupType> groupBy;
+  // The file for the review page that is made beside the output; empty for none.
+  std::string reportFile;
   // The path of the class whose text is read from standard input; empty for none.
   std::string stdinPath;
 

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "cli/terminal/Signals.h"
+#include "cli/update/CommandText.h"
 #include "cli/update/RepairNotes.h"
 #include "files/writing/FileWriter.h"
 #include "reports/FailureText.h"
@@ -34,6 +35,9 @@ UpdateRequest requestOf(const Options& options, const ConversionSelection& selec
   request.asService = options.asService;
   request.isTidy = options.tidy;
   request.needs = options.format->needs(report);
+  if (!options.reportFile.empty()) {
+    request.needs = joinNeeds(request.needs, pageFormat().needs(report));
+  }
   request.needs.newBytes = options.write;
   request.needs.facts = isOfSeveral && !options.asService;
   return request;
@@ -47,6 +51,13 @@ Failure makeWriteFailure(const std::string& className, const std::string& file,
   failure.message = programMessage(failure.id, {file, reason});
   if (reason == changedReason) failure.hints = {"run the update again"};
   return failure;
+}
+
+ReportOptions reportOptionsOf(const Options& options) {
+  ReportOptions report = options.forReport();
+  report.command = commandOf(options);
+  report.arguments = argumentsOf(options);
+  return report;
 }
 
 void tellOfWaitingRuns(Console& console) {
@@ -67,13 +78,14 @@ UpdateRun::UpdateRun(const Options* options, const ClassRoots* roots, Console* c
       console_(console),
       names_(roots),
       targets_(makeTargets()),
-      reportOptions_(options->forReport()),
+      reportOptions_(reportOptionsOf(*options)),
       updater_(roots, &names_,
                requestOf(*options, selection_, reportOptions_,
                          options->includeSuperclasses || !targets_.isOneClass())),
       shared_([this](const std::string& className) { return updateAlone(className); }),
       guard_(options, roots, &names_, &targets_.namedFolders()),
-      report_(options->format->make({&reportOptions_, roots, &names_, console})),
+      page_(options),
+      report_(page_.makeReport({&reportOptions_, roots, &names_, console})),
       selectionNotes_(options, &selection_) {
   const bool asksInDryRun = targets_.haveFolders() && !options->noIgnore && !options->check;
   summary_.countsPackages = options->groupBy == GroupType::packages;
@@ -168,6 +180,7 @@ void UpdateRun::finishOutcome(ClassOutcome& outcome) {
   outcome.text = {};
   outcome.file.diff = {};
   outcome.file.edits = {};
+  outcome.file.hunks = {};
   if (!selectionNotes_.isActive()) outcome.update.forgetMade();
 }
 
@@ -379,6 +392,9 @@ void UpdateRun::finish() {
   if (fatalError_.empty() && !wasInterrupted()) selectionNotes_.report(*report_, *console_);
   guard_.report(*report_);
   report_->finish(exitCode());
+  if (fatalError_.empty() && (isWritten_ || !wasInterrupted())) {
+    fatalError_ = page_.commit().value_or("");
+  }
   if (!options_->write) tellOfWaitingRuns(*console_);
   if (!options_->quiet) printWarnings();
   if (options_->quiet && options_->write) guard_.printNote(*console_);

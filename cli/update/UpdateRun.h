@@ -15,6 +15,7 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/Progress.h"
 #include "cli/update/HeldClasses.h"
+#include "cli/update/PageFile.h"
 #include "cli/update/RootGuard.h"
 #include "cli/update/SelectionNotes.h"
 #include "cli/update/Stats.h"
@@ -125,6 +126,7 @@ class UpdateRun {
   // Only with superclasses.
   SharedUpdates shared_;
   RootGuard guard_;
+  PageFile page_;
   std::unique_ptr<UpdateReport> report_;
   SelectionNotes selectionNotes_;
 

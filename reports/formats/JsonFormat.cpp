@@ -349,6 +349,7 @@ constinit const ReportFormat jsonFormat = {
     .description = "prints one document with results, errors and skipped classes, for programs",
     .isForPeople = false,
     .takesEdits = true,
+    .isForService = true,
     .whyNotWritten = {},
     .needs = needsOf,
     .make = makeReport,

@@ -391,6 +391,7 @@ constinit const ReportFormat sarifFormat = {
     .description = "prints a log in the form SARIF 2.1.0, for viewers of findings",
     .isForPeople = false,
     .takesEdits = true,
+    .isForService = true,
     .whyNotWritten = "its places are those in the current files; run it first, and then --write",
     .needs = needsOf,
     .make = makeReport};

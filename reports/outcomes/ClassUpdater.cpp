@@ -35,12 +35,36 @@ using fl::i18n::to_string;
 using fl::i18n::to_ustring;
 using fl::timing::Phase;
 
+// The largest number of places of one reason whose lines are shown.
+constexpr std::size_t mostShownPlaces = 4;
+
 // A failure with one of the program's own texts.
 Failure makeFailure(const std::string& id, const std::vector<std::string>& arguments) {
   Failure failure;
   failure.id = id;
   failure.message = programMessage(id, arguments);
   return failure;
+}
+
+// --- the lines that a report shows ---
+
+void addLines(const ConversionReason& reason, std::vector<std::uint64_t>& lines) {
+  const std::size_t count = std::min(reason.places.size(), mostShownPlaces);
+  for (std::size_t i = 0; i < count; ++i) lines.push_back(reason.places[i].line);
+}
+
+// The lines of findings, of what is left out, and of what is in the way, in the text as it was
+// read.
+std::vector<std::uint64_t> reportedLines(const ClassUpdate& update) {
+  std::vector<std::uint64_t> lines;
+  for (const Finding& finding : update.findings) lines.push_back(finding.line);
+  for (const Conversion& conversion : update.conversions) {
+    for (const ConversionReason& reason : conversion.risk.reasons) addLines(reason, lines);
+    if (!conversion.leftOut) continue;
+    lines.push_back(conversion.place.start.line + 1);
+    addLines(*conversion.leftOut, lines);
+  }
+  return lines;
 }
 
 // --- targets without a class, and classes that are no System objects ---
@@ -387,6 +411,9 @@ ClassOutcome ClassUpdater::makeOutcome(PlannedClass planned, const std::vector<P
   ca::forgetLastAnalysis();
   if (needs.text) outcome.text = to_string(*passes.text());
   if (needs.hints) outcome.hints = hintsOnSuperClasses(update.className, *roots_, words());
+  if (needs.hunks) {
+    outcome.file.hunks = makeHunks(*passes.oldText(), passes.changes(), reportedLines(update));
+  }
   const bool needsIdentity = needs.edits || (needs.identity && !update.conversions.empty());
   if (!update.hasNewText() && !needsIdentity) return outcome;
   addFile({&update.file, *passes.oldText(), *passes.text(), &oldFile}, outcome);

@@ -36,6 +36,9 @@ struct OutcomeNeeds {
   bool facts = false;
   // The identification of the file of a class with conversions.
   bool identity = false;
+  // The lines of what changes and of what is reported, for which `conversions` are needed too. Not
+  // as the service.
+  bool hunks = false;
 };
 
 // The input of the computation.

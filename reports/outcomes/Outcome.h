@@ -17,6 +17,7 @@
 #include "platform/paths/SourceReader.h"
 #include "platform/text/FileText.h"
 #include "reports/outcomes/FileVerdict.h"
+#include "reports/text/SourceHunks.h"
 
 namespace soca {
 
@@ -62,7 +63,9 @@ struct FileUpdate {
   std::string newBytes;
   fl::filesystem::FileStamp stamp;
   std::vector<FileEdit> edits;
-  // Of the file that was read, only if edits are requested.
+  // Also of a class without a new text.
+  std::vector<SourceHunk> hunks;
+  // Of the file that was read, only if edits or the identification are requested.
   std::optional<FileBytes> bytes;
 };
 

@@ -1,0 +1,240 @@
+// One class: its hunks, with each conversion and each finding beside its lines.
+import { conversionNote, decisionButtons } from './conversion.js';
+import { diffTable } from './diff.js';
+import { copyButton, count, h } from './dom.js';
+import { foldedExplanation } from './explanations.js';
+import { rowsOfHunks } from './hunks.js';
+import { detailsOf, stateBits } from './model.js';
+import { className, prose, quoteForShell, visible, withArguments } from './text.js';
+
+/** @typedef {import('./app.js').App} App */
+/** @typedef {import('./diff.js').Notes} Notes */
+/** @typedef {import('./hunks.js').Row} Row */
+/** @typedef {import('./model.js').ClassEntry} ClassEntry */
+/** @typedef {import('./model.js').Conversion} Conversion */
+/** @typedef {import('./model.js').Details} Details */
+/** @typedef {import('./model.js').Finding} Finding */
+
+/**
+ * @param {App} app
+ * @param {Finding} finding
+ * @returns {HTMLElement}
+ */
+function findingNote(app, finding) {
+  const message = app.report.messageOf(finding.message);
+  const text = withArguments(message.text, finding.values);
+  const detail = finding.detail === '' ? '' : `${text.replace(/\.$/, '')}; ${finding.detail}.`;
+  return h(
+    'article',
+    { class: 'note finding', 'aria-label': 'Finding' },
+    foldedExplanation(
+      message,
+      h('span', { class: 'badge finding' }, 'finding'),
+      ' ',
+      visible(detail || text),
+      ' ',
+      h('span', { class: 'id' }, app.report.nameOf(finding.message)),
+    ),
+  );
+}
+
+/** Gives out each note once, at the first row that it belongs to. */
+class NotesOfClass {
+  /**
+   * @param {App} app
+   * @param {ClassEntry} entry
+   * @param {Details} details
+   * @param {Row[]} rows
+   */
+  constructor(app, entry, details, rows) {
+    this.app = app;
+    this.details = details;
+    const changed = new Set(rows.flatMap((row) => row.conversions));
+    /** Conversions without lines of their own in the diff. */
+    this.byLine = entry.conversions.filter((each) => !changed.has(each.index));
+    this.byRow = entry.conversions.filter((each) => changed.has(each.index));
+    this.findings = [...details.findings];
+  }
+
+  /** @param {Conversion} conversion */
+  noteOf(conversion) {
+    const texts = this.details.reasons.get(conversion.index) ?? [];
+    return conversionNote(this.app, conversion, { texts });
+  }
+
+  /**
+   * Takes the items that belong to the row out of the list.
+   * @template Item
+   * @param {Item[]} list
+   * @param {(item: Item) => boolean} belongs
+   * @returns {Item[]}
+   */
+  static take(list, belongs) {
+    const taken = list.filter(belongs);
+    for (const item of taken) list.splice(list.indexOf(item), 1);
+    return taken;
+  }
+
+  /** @param {Row} row */
+  before(row) {
+    const lines = new Set(row.old.map((each) => each.number));
+    return [
+      ...NotesOfClass.take(this.byRow, (each) => row.conversions.includes(each.index)),
+      ...NotesOfClass.take(this.byLine, (each) => lines.has(each.line)),
+    ].map((each) => this.noteOf(each));
+  }
+
+  /** @param {Row} row */
+  after(row) {
+    const lines = new Set(row.old.map((each) => each.number));
+    return NotesOfClass.take(this.findings, (each) => lines.has(each.line)).map((each) =>
+      findingNote(this.app, each),
+    );
+  }
+
+  /** What belongs to no line that is shown. */
+  rest() {
+    return [
+      ...[...this.byRow, ...this.byLine].map((each) => this.noteOf(each)),
+      ...this.findings.map((each) => findingNote(this.app, each)),
+    ];
+  }
+}
+
+/**
+ * @param {Finding[]} findings
+ * @returns {import('./diff.js').Mark[]}
+ */
+function marksOf(findings) {
+  return findings.map(({ line, column, endColumn }) => ({ line, start: column, end: endColumn }));
+}
+
+/**
+ * All hunks of the class, or only those of one conversion.
+ * @param {App} app
+ * @param {ClassEntry} entry
+ * @returns {HTMLElement}
+ */
+function hunksOf(app, entry) {
+  const details = detailsOf(entry);
+  const hunks = rowsOfHunks(details.hunks);
+  const notes = new NotesOfClass(app, entry, details, hunks.flat());
+  const marks = marksOf(details.findings);
+  const element = h('div', { class: 'hunks' });
+  let next = 1;
+  hunks.forEach((rows, index) => {
+    const first = details.hunks[index].line;
+    if (first > next) element.append(h('p', { class: 'gap' }, count(first - next, 'line')));
+    element.append(
+      diffTable(rows, app.layout, {
+        before: (row) => notes.before(row),
+        after: (row) => notes.after(row),
+        marks,
+      }),
+    );
+    next = Math.max(next, ...rows.flatMap((row) => row.old.map((line) => line.number + 1)));
+  });
+  const rest = notes.rest();
+  if (rest.length > 0) element.append(h('div', { class: 'notes' }, rest));
+  return element;
+}
+
+/**
+ * The lines of one conversion, for a list of conversions of several classes.
+ * @param {App} app
+ * @param {Conversion} conversion
+ * @returns {{texts: string[], element: HTMLElement}}
+ */
+export function linesOfConversion(app, conversion) {
+  const details = detailsOf(conversion.owner);
+  const element = h('div', { class: 'hunks' });
+  const isMade = conversion.leftOut === -1;
+  for (const rows of rowsOfHunks(details.hunks)) {
+    const belongs = (/** @type {Row} */ row) =>
+      isMade
+        ? row.conversions.includes(conversion.index)
+        : row.old.some((line) => line.number === conversion.line);
+    const kept = withContext(rows, belongs);
+    if (kept.length === 0) continue;
+    const none = () => [];
+    element.append(diffTable(kept, app.layout, { before: none, after: none, marks: [] }));
+  }
+  return { texts: details.reasons.get(conversion.index) ?? [], element };
+}
+
+/**
+ * @param {Row[]} rows
+ * @param {(row: Row) => boolean} belongs
+ * @returns {Row[]}
+ */
+function withContext(rows, belongs) {
+  const kept = new Set();
+  rows.forEach((row, index) => {
+    if (!belongs(row)) return;
+    for (let i = index - 1; i <= index + 1; ++i) kept.add(i);
+  });
+  return rows.filter((_, index) => kept.has(index));
+}
+
+/**
+ * What a person types to make just what is not rejected.
+ * @param {App} app
+ * @param {ClassEntry} entry
+ * @returns {string}
+ */
+function commandFor(app, entry) {
+  const rejected = entry.conversions.filter((each) => each.decision === 'no');
+  const skips = rejected.map((each) => ` --skip ${quoteForShell(app.report.idOf(each))}`);
+  return `${app.report.tables.command}${skips.join('')} ${quoteForShell(entry.name)} --write`;
+}
+
+/**
+ * @param {App} app
+ * @param {ClassEntry} entry
+ * @returns {HTMLElement}
+ */
+function commandLine(app, entry) {
+  const line = h('p', { class: 'command' });
+  app.refreshing(() => {
+    const command = commandFor(app, entry);
+    line.replaceChildren(h('code', {}, visible(command)), copyButton(command, 'Copy the command'));
+  });
+  return line;
+}
+
+/** @param {string[]} notes */
+function warningsOf(notes) {
+  if (notes.length === 0) return null;
+  const [first, ...rest] = notes.map((text) => prose(text));
+  if (rest.length === 0) return h('p', { class: 'warning' }, first);
+  return h(
+    'details',
+    { class: 'warning folded' },
+    h('summary', {}, first, h('span', { class: 'quiet' }, ` and ${rest.length} more`)),
+    rest.map((text) => h('p', {}, text)),
+  );
+}
+
+/**
+ * @param {App} app
+ * @param {ClassEntry} entry
+ * @returns {HTMLElement}
+ */
+export function classPage(app, entry) {
+  const { notes } = detailsOf(entry);
+  const isChanged = (entry.state & stateBits.changed) !== 0;
+  return h(
+    'section',
+    { class: 'class', 'aria-labelledby': 'class-title' },
+    h(
+      'header',
+      { class: 'class-head' },
+      h('h2', { id: 'class-title' }, className(entry.name)),
+      decisionButtons(app, () => entry.conversions, `all conversions of ${visible(entry.name)}`),
+      h('p', { class: 'file' }, visible(entry.file)),
+    ),
+    warningsOf(notes),
+    hunksOf(app, entry),
+    isChanged && !app.report.tables.isWritten && commandLine(app, entry),
+  );
+}
