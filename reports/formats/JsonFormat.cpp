@@ -259,12 +259,12 @@ std::string JsonReport::dataOf(const ClassOutcome& outcome) const {
   add("messages",
       dumpList(outcome.update.findings, [](const Finding& finding) { return Json(finding.text); }));
   const ResultParts parts(outcome, *options_);
-  if (outcome.file.bytes) {
+  if (options_->edits && outcome.file.bytes) {
     add("sha256", dump(outcome.file.bytes->sha256));
     add("edits",
         dumpList(outcome.file.edits, [&](const FileEdit& edit) { return parts.editOf(edit); }));
   }
-  if (outcome.file.bytes || !options_->asService) {
+  if (options_->edits || !options_->asService) {
     add("conversions", dumpList(outcome.update.conversions,
                                 [&](const Conversion& each) { return parts.conversionOf(each); }));
     add("findings", dumpList(outcome.update.findings,

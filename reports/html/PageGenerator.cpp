@@ -103,9 +103,9 @@ void generate(int count, char** paths) {
   }
   fill(page, "@STYLE_SOURCE@", sourceOf(style));
   fill(page, "@SCRIPT_SOURCE@", sourceOf(script));
-  fill(page, "@STYLE@", style);
-  fill(page, "@SCRIPT@", script);
-  constexpr std::string_view dataMark = "@DATA@\n";
+  fill(page, "<style></style>", "<style>" + style + "</style>");
+  fill(page, "<script></script>", "<script>" + script + "</script>");
+  constexpr std::string_view dataMark = "<!-- data -->\n";
   const std::size_t data = page.find(dataMark);
   if (data == std::string::npos) throw std::runtime_error("the page has no place for data");
   std::ofstream out(paths[0]);

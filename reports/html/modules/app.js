@@ -106,6 +106,15 @@ export class App {
     this.take(route);
   }
 
+  /**
+   * Puts the conversion that is looked at into the address.
+   * @param {string} conversion
+   */
+  nameConversion(conversion) {
+    this.route.conversion = conversion;
+    history.replaceState(null, '', addressOf(this.route));
+  }
+
   /** @param {() => void} refresh to be called now and after each decision */
   refreshing(refresh) {
     this.refreshers.push(refresh);
@@ -148,6 +157,11 @@ export class App {
         label,
       );
     fill(byId('toast'), text && h('div', {}, h('span', {}, text), button));
+  }
+
+  changeLayout() {
+    this.chosenLayout = this.layout === 'split' ? 'unified' : 'split';
+    this.show(undefined);
   }
 
   /** @returns {Layout} */

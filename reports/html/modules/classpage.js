@@ -202,6 +202,16 @@ function commandLine(app, entry) {
   return line;
 }
 
+/**
+ * Changes between both sides and one; a small screen has no room for both.
+ * @param {App} app
+ */
+function layoutButton(app) {
+  if (app.isNarrow) return null;
+  const label = app.layout === 'split' ? 'One side' : 'Both sides';
+  return h('button', { type: 'button', class: 'quiet', click: () => app.changeLayout() }, label);
+}
+
 /** @param {string[]} notes */
 function warningsOf(notes) {
   if (notes.length === 0) return null;
@@ -230,7 +240,12 @@ export function classPage(app, entry) {
       'header',
       { class: 'class-head' },
       h('h2', { id: 'class-title' }, className(entry.name)),
-      decisionButtons(app, () => entry.conversions, `all conversions of ${visible(entry.name)}`),
+      h(
+        'span',
+        { class: 'tools' },
+        layoutButton(app),
+        decisionButtons(app, () => entry.conversions, `all conversions of ${visible(entry.name)}`),
+      ),
       h('p', { class: 'file' }, visible(entry.file)),
     ),
     warningsOf(notes),

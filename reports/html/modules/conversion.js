@@ -142,6 +142,7 @@ export function conversionNote(app, conversion, { texts, known = [], title = [] 
   const element = h(
     'article',
     {
+      class: 'note conversion',
       tabindex: -1,
       'aria-label': label,
       'data-class': conversion.owner.name,
@@ -153,13 +154,17 @@ export function conversionNote(app, conversion, { texts, known = [], title = [] 
       riskBadge(app, conversion),
       title,
       h('span', { class: 'subject' }, subjectOf(app, conversion)),
-      h('a', { class: 'link', href: linkTo(app, conversion), 'aria-label': `Link to ${label}` }, '#'),
+      h(
+        'a',
+        { class: 'link', href: linkTo(app, conversion), 'aria-label': `Link to ${label}` },
+        '#',
+      ),
       decisionButtons(app, () => [conversion], label),
     ),
     reasonsOf(app, conversion, texts, known),
   );
   app.refreshing(() => {
-    element.className = `note conversion ${conversion.decision}`;
+    element.dataset.decision = conversion.decision;
   });
   return element;
 }

@@ -185,7 +185,9 @@ export function diffTable(rows, wanted, notes) {
   const body = h('tbody', {});
   const addNotes = (/** @type {HTMLElement[]} */ elements) => {
     if (elements.length > 0) {
-      body.append(h('tr', { class: 'notes' }, h('td', { colspan: layout === 'single' ? 2 : 4 }, elements)));
+      body.append(
+        h('tr', { class: 'notes' }, h('td', { colspan: layout === 'single' ? 2 : 4 }, elements)),
+      );
     }
   };
   for (const row of rows) {
@@ -198,7 +200,12 @@ export function diffTable(rows, wanted, notes) {
 
 /** The class of each column, and its head. */
 const columns = {
-  split: { number: 'Old line', code: 'Old text', 'number other': 'New line', 'code other': 'New text' },
+  split: {
+    number: 'Old line',
+    code: 'Old text',
+    'number other': 'New line',
+    'code other': 'New text',
+  },
   unified: { number: 'Old line', 'number other': 'New line', sign: 'Change', code: 'Text' },
   single: { number: 'Line', code: 'Text' },
 };
@@ -208,7 +215,11 @@ function columnsOf(layout) {
   const names = Object.entries(columns[layout]);
   const heads = names.map(([, head]) => h('th', { scope: 'col' }, head));
   return [
-    h('colgroup', {}, names.map(([name]) => h('col', { class: name }))),
+    h(
+      'colgroup',
+      {},
+      names.map(([name]) => h('col', { class: name })),
+    ),
     h('thead', { class: 'unseen' }, h('tr', {}, heads)),
   ];
 }

@@ -4,6 +4,7 @@ import { showDialog } from './saving.js';
 
 /** @typedef {import('./app.js').App} App */
 /** @typedef {import('./model.js').Conversion} Conversion */
+/** @typedef {import('./search.js').Hit} Hit */
 
 /** @type {[string, string][]} */
 const help = [
@@ -71,16 +72,14 @@ export class Cursor {
       row.classList.toggle('current', owners.includes(index));
     }
     const conversion = this.conversionOf(note);
-    if (page && conversion) {
-      this.app.route.conversion = this.app.report.partOf(conversion);
-      this.app.go({}, { isStep: true });
-    }
+    if (page && conversion) this.app.nameConversion(this.app.report.partOf(conversion));
   }
 
   /**
    * Goes to the next or to the last conversion that the filter shows; at the end of a class to
    * those of the next one.
    * @param {1 | -1} step
+   * @returns {void}
    */
   step(step) {
     const shown = new Set(this.app.hits.flatMap((hit) => hit.conversions));
@@ -106,12 +105,14 @@ export class Cursor {
    * @param {boolean} toConversion whether the class must have a conversion that the filter shows
    */
   stepClass(step, toConversion = false) {
-    const { hits, route } = this.app;
-    const present = hits.findIndex((hit) => hit.entry.name === route.class);
-    let next = present < 0 ? (step > 0 ? 0 : hits.length - 1) : present + step;
-    while (toConversion && hits[next] && hits[next].conversions.length === 0) next += step;
-    if (!hits[next]) return this.app.tell(step > 0 ? 'This is the last one.' : 'This is the first one.');
-    const change = { class: hits[next].entry.name, conversion: '' };
+    const { hits, report, route } = this.app;
+    // A decision may have taken the present class out of what is shown.
+    const present = report.byName.get(route.class)?.order ?? (step > 0 ? -1 : Infinity);
+    const isNext = (/** @type {Hit} */ { entry, conversions }) =>
+      (entry.order - present) * step > 0 && (!toConversion || conversions.length > 0);
+    const next = step > 0 ? hits.find(isNext) : [...hits].reverse().find(isNext);
+    if (!next) return this.app.tell(step > 0 ? 'This is the last one.' : 'This is the first one.');
+    const change = { class: next.entry.name, conversion: '' };
     this.app.go({ view: 'classes', group: '', ...change }, { isStep: true });
     if (toConversion) this.step(step);
   }
@@ -121,7 +122,8 @@ export class Cursor {
     const note = this.current;
     const conversion = note && this.conversionOf(note);
     if (!conversion) return this.step(1);
-    if (!conversion.canBeChosen) return this.app.tell('This one is left out, and cannot be chosen.');
+    if (!conversion.canBeChosen)
+      return this.app.tell('This one is left out, and cannot be chosen.');
     this.app.decide([conversion], decision);
     this.step(1);
   }
@@ -141,11 +143,8 @@ export function listenToKeys(app, cursor) {
     y: () => cursor.decide('yes'),
     x: () => cursor.decide('no'),
     u: () => app.decisions.undo(),
-    s: () => {
-      app.chosenLayout = app.layout === 'split' ? 'unified' : 'split';
-      app.show(undefined);
-    },
-    '/': () => byId('search-text').focus(),
+    s: () => app.changeLayout(),
+    '/': () => /** @type {HTMLInputElement} */ (byId('search-text')).select(),
     '?': showHelp,
   };
   addEventListener('keydown', (event) => {

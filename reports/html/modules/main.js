@@ -81,7 +81,8 @@ class ClassesView {
 
   nothing() {
     const { class: name } = this.app.route;
-    const text = name === '' ? 'Nothing matches.' : `There is no class ${visible(name)} in this run.`;
+    const text =
+      name === '' ? 'Nothing matches.' : `There is no class ${visible(name)} in this run.`;
     return h('p', { class: 'loading' }, text);
   }
 

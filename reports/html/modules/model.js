@@ -34,6 +34,7 @@
 /**
  * @typedef {object} ClassEntry
  * @property {string} name
+ * @property {number} order its place in the run
  * @property {string} package
  * @property {string} file
  * @property {string} sha256
@@ -128,6 +129,7 @@ export class Report {
       /** @type {ClassEntry} */
       const entry = {
         name,
+        order: this.classes.length,
         package: packageOf(name),
         file,
         sha256,
@@ -137,8 +139,9 @@ export class Report {
         details: lines[at + 1],
         words: name.toLowerCase(),
       };
-      entry.conversions = conversions.map((/** @type {any[]} */ each, /** @type {number} */ index) =>
-        this.conversionOf(entry, each, index),
+      entry.conversions = conversions.map(
+        (/** @type {any[]} */ each, /** @type {number} */ index) =>
+          this.conversionOf(entry, each, index),
       );
       for (const each of messages) entry.words += `\n${this.nameOf(each).toLowerCase()}`;
       this.classes.push(entry);

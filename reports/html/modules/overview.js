@@ -48,22 +48,26 @@ export function groupBy(conversions, keysOf) {
 /** @param {Conversion} each */
 const isMade = (each) => each.leftOut === -1;
 
+/** The columns that a small screen has no room for, by their heads. */
+const wideColumns = ['', 'Found', 'Classes', 'Decided'];
+
 /**
  * @param {string[]} heads
- * @param {Child[]} rows
+ * @param {HTMLElement[]} rows
  */
 function tableOf(heads, rows) {
-  return h(
-    'table',
-    { class: 'numbers' },
-    h('thead', {}, h('tr', {}, heads.map((each) => h('th', { scope: 'col' }, each)))),
-    h('tbody', {}, rows),
-  );
+  const headOf = (/** @type {string} */ head) =>
+    h('th', { scope: 'col', class: wideColumns.includes(head) && 'wide' }, head);
+  const body = h('tbody', {}, rows);
+  return h('table', { class: 'numbers' }, h('thead', {}, h('tr', {}, heads.map(headOf))), body);
 }
 
-/** @param {number} number */
-function cell(number) {
-  return h('td', { class: number === 0 ? 'figure zero' : 'figure' }, digits(number));
+/**
+ * @param {number} number
+ * @param {string} [width]
+ */
+function cell(number, width = '') {
+  return h('td', { class: `figure ${number === 0 ? 'zero' : ''} ${width}` }, digits(number));
 }
 
 /**
@@ -89,7 +93,12 @@ function headline(app) {
   const made = report.conversions.filter(isMade).length;
   const findings = report.classes.reduce((sum, each) => sum + each.messages.length, 0);
   const tile = (/** @type {number} */ number, /** @type {string} */ text, state = '') =>
-    h('div', { class: `tile ${number === 0 ? '' : state}` }, h('b', {}, digits(number)), h('span', {}, text));
+    h(
+      'div',
+      { class: `tile ${number === 0 ? '' : state}` },
+      h('b', {}, digits(number)),
+      h('span', {}, text),
+    );
   const would = report.tables.isWritten ? 'changed' : 'would change';
   return h(
     'div',
@@ -129,11 +138,32 @@ function riskTable(app) {
       h(
         'tr',
         {},
-        h('th', { scope: 'row' }, h('a', { href: linkToClasses(filter) }, h('span', { class: `badge ${filter.risk}` }, filter.risk), text.slice(filter.risk?.length))),
+        h(
+          'th',
+          { scope: 'row' },
+          h(
+            'a',
+            { href: linkToClasses(filter) },
+            h('span', { class: `badge ${filter.risk}` }, filter.risk),
+            text.slice(filter.risk?.length),
+          ),
+        ),
         cell(list.length),
-        h('td', { class: 'chart' }, bar([{ name: String(filter.risk), size: list.length }], total)),
-        h('td', { class: 'figure' }, decidedText(app, () => list)),
-        h('td', {}, decisionButtons(app, () => list, `all that are ${text}`)),
+        h(
+          'td',
+          { class: 'chart wide' },
+          bar([{ name: String(filter.risk), size: list.length }], total),
+        ),
+        h(
+          'td',
+          { class: 'figure' },
+          decidedText(app, () => list),
+        ),
+        h(
+          'td',
+          {},
+          decisionButtons(app, () => list, `all that are ${text}`),
+        ),
       ),
     ),
   );
@@ -154,12 +184,12 @@ function kindTable(app) {
         'tr',
         {},
         h('th', { scope: 'row' }, h('a', { href: linkToClasses({ kind: name }) }, name)),
-        cell(list.length),
+        cell(list.length, 'wide'),
         cell(made.length),
         cell(list.length - made.length),
         h(
           'td',
-          { class: 'chart' },
+          { class: 'chart wide' },
           bar(
             [
               { name: 'made', size: made.length },
@@ -168,8 +198,16 @@ function kindTable(app) {
             most,
           ),
         ),
-        h('td', { class: 'figure' }, decidedText(app, () => made)),
-        h('td', {}, decisionButtons(app, () => made, `all ${name} that are made`)),
+        h(
+          'td',
+          { class: 'figure' },
+          decidedText(app, () => made),
+        ),
+        h(
+          'td',
+          {},
+          decisionButtons(app, () => made, `all ${name} that are made`),
+        ),
       );
     }),
   );
@@ -197,7 +235,7 @@ function reasonTable(app, groups, head) {
           h('span', { class: 'meaning' }, prose(app.report.titleOf(reason))),
         ),
         cell(number),
-        h('td', { class: 'chart' }, bar([{ name: 'left', size: number }], most)),
+        h('td', { class: 'chart wide' }, bar([{ name: 'left', size: number }], most)),
       );
     }),
   );
@@ -210,7 +248,10 @@ function leftOutTable(app) {
   for (const { leftOut } of app.report.conversions) {
     if (leftOut !== -1) groups.set(leftOut, (groups.get(leftOut) ?? 0) + 1);
   }
-  return groups.size > 0 && section('Left out, by reason', 'left-out', reasonTable(app, groups, 'Reason'));
+  return (
+    groups.size > 0 &&
+    section('Left out, by reason', 'left-out', reasonTable(app, groups, 'Reason'))
+  );
 }
 
 /** @param {App} app */
@@ -290,22 +331,32 @@ function addPackageRows(app, branch, depth, most, body) {
   const isOpen = depth < deepestOpen;
   const toggle = h(
     'button',
-    { type: 'button', class: 'toggle', 'aria-label': `Packages in ${visible(text)}`, 'aria-expanded': String(isOpen) },
+    {
+      type: 'button',
+      class: 'toggle',
+      'aria-label': `Packages in ${visible(text)}`,
+      'aria-expanded': String(isOpen),
+    },
     '›',
   );
   const link = h('a', { href: linkToClasses({ package: branch.name }) }, visible(text));
-  const head = h('th', { scope: 'row', class: `depth-${Math.min(depth, 8)}` }, branch.below.size > 0 ? toggle : h('span', { class: 'toggle' }), link);
+  const head = h(
+    'th',
+    { scope: 'row', class: `depth-${Math.min(depth, 8)}` },
+    branch.below.size > 0 ? toggle : h('span', { class: 'toggle' }),
+    link,
+  );
   const row = h(
     'tr',
     {},
     head,
-    cell(branch.classes),
+    cell(branch.classes, 'wide'),
     cell(made.length),
     cell(left),
     cell(branch.failed),
     h(
       'td',
-      { class: 'chart' },
+      { class: 'chart wide' },
       bar(
         [
           { name: 'made', size: made.length },
@@ -315,8 +366,16 @@ function addPackageRows(app, branch, depth, most, body) {
         most,
       ),
     ),
-    h('td', { class: 'figure' }, decidedText(app, () => made)),
-    h('td', {}, decisionButtons(app, () => made, `all that are made in ${visible(text)}`)),
+    h(
+      'td',
+      { class: 'figure' },
+      decidedText(app, () => made),
+    ),
+    h(
+      'td',
+      {},
+      decisionButtons(app, () => made, `all that are made in ${visible(text)}`),
+    ),
   );
   body.append(row);
   const branches = [...branch.below.values()].sort((a, b) => (a.name < b.name ? -1 : 1));
@@ -379,7 +438,13 @@ function failureList(title, id, failures) {
   return h(
     'details',
     { class: `card ${id}` },
-    h('summary', {}, h('h2', {}, title), ' ', h('span', { class: 'quiet' }, count(failures.length, 'class', 'classes'))),
+    h(
+      'summary',
+      {},
+      h('h2', {}, title),
+      ' ',
+      h('span', { class: 'quiet' }, count(failures.length, 'class', 'classes')),
+    ),
     list,
     rest.length > 0 && more,
   );
@@ -397,18 +462,8 @@ export function overview(app, first) {
     { class: 'overview' },
     headline(app),
     first,
-    h(
-      'div',
-      { class: 'column' },
-      section('By risk', 'risks', riskTable(app)),
-      leftOutTable(app),
-    ),
-    h(
-      'div',
-      { class: 'column' },
-      section('By kind', 'kinds', kindTable(app)),
-      findingTable(app),
-    ),
+    h('div', { class: 'column' }, section('By risk', 'risks', riskTable(app)), leftOutTable(app)),
+    h('div', { class: 'column' }, section('By kind', 'kinds', kindTable(app)), findingTable(app)),
     section('By package', 'packages', packageTable(app)),
     failureList('Failed', 'failed', failures),
     failureList('Undecided', 'undecided', undecided),

@@ -27,7 +27,12 @@ export function groupsToReview(app) {
   const keyOf = (/** @type {Conversion} */ each) => [
     `${each.leftOut === -1 ? 0 : 1}:${9 - each.risk}:${each.reasons[0]}`,
   ];
-  return [...groupBy(risky.filter((each) => each.canBeChosen || app.report.tables.isWritten), keyOf)]
+  return [
+    ...groupBy(
+      risky.filter((each) => each.canBeChosen || app.report.tables.isWritten),
+      keyOf,
+    ),
+  ]
     .sort(([left, first], [right, second]) => {
       const order = left.slice(0, 3).localeCompare(right.slice(0, 3));
       return order === 0 ? second.length - first.length : order;
@@ -58,7 +63,12 @@ function groupHead(app, group) {
       prose(app.report.titleOf(reason)),
     ),
     h('span', { class: 'quiet' }, words),
-    h('span', { class: 'state' }, decidedText(app, () => conversions), ' decided'),
+    h(
+      'span',
+      { class: 'state' },
+      decidedText(app, () => conversions),
+      ' decided',
+    ),
     decisionButtons(app, () => conversions, `all ${words}: ${app.report.nameOf(reason)}`),
   );
 }
@@ -146,7 +156,11 @@ function openGroup(app, group) {
 export function reviewPage(app) {
   const groups = groupsToReview(app);
   if (groups.length === 0) {
-    return h('p', { class: 'loading' }, 'All conversions are safe: there is nothing to look at first.');
+    return h(
+      'p',
+      { class: 'loading' },
+      'All conversions are safe: there is nothing to look at first.',
+    );
   }
   const open = groups.find((each) => each.name === app.route.group) ?? groups[0];
   return h(
@@ -164,7 +178,11 @@ export function reviewPage(app) {
           },
           h('span', { class: `dot ${app.report.tables.risks[group.risk]}`, 'aria-hidden': 'true' }),
           h('span', { class: 'title' }, app.report.nameOf(group.reason)),
-          h('span', { class: 'content' }, `${count(group.conversions.length, 'conversion')}${group.isMade ? '' : ', left out'}`),
+          h(
+            'span',
+            { class: 'content' },
+            `${count(group.conversions.length, 'conversion')}${group.isMade ? '' : ', left out'}`,
+          ),
         ),
       ),
     ),

@@ -58,11 +58,7 @@ export function showDialog(title, ...children) {
     dialog,
     h('h2', { id: 'dialog-title' }, title),
     children,
-    h(
-      'form',
-      { method: 'dialog' },
-      h('button', { class: 'primary', value: 'close' }, 'Close'),
-    ),
+    h('form', { method: 'dialog' }, h('button', { class: 'primary', value: 'close' }, 'Close')),
   );
   if (!dialog.open) dialog.showModal();
 }
@@ -83,8 +79,17 @@ export function saveSelection(app) {
   const others = rest.filter(Boolean).join(' and ');
   showDialog(
     `${count(yes, 'conversion')} saved`,
-    h('p', {}, `They are in ${fileName}, in the folder for downloads. Move it to where you ran the update, and type:`),
-    h('p', { class: 'command' }, h('code', {}, visible(command)), copyButton(command, 'Copy the command')),
+    h(
+      'p',
+      {},
+      `They are in ${fileName}, in the folder for downloads. Move it to where you ran the update, and type:`,
+    ),
+    h(
+      'p',
+      { class: 'command' },
+      h('code', {}, visible(command)),
+      copyButton(command, 'Copy the command'),
+    ),
     others !== '' && h('p', {}, `What is ${others} stays as it is in the sources.`),
   );
 }
@@ -105,7 +110,11 @@ export function showProgress(app) {
   const refresh = () => {
     const { yes, no, open } = app.counts;
     const total = yes + no + open;
-    const meter = h('progress', { max: Math.max(total, 1), value: yes + no, 'aria-label': 'Decided' });
+    const meter = h('progress', {
+      max: Math.max(total, 1),
+      value: yes + no,
+      'aria-label': 'Decided',
+    });
     fill(
       element,
       meter,
