@@ -35,6 +35,10 @@ const hostile = `classdef Hostile < velum.System & velum.system.mixin.Propagates
     end
 end
 `;
+const both = `classdef Both < handle & velum.system.mixin.Propagates & ... why
+        velum.system.mixin.SampleTime
+end
+`;
 const latin =
   'classdef Latin < velum.System\r\n  properties (Logical)\r\n  A = true; % na\xefve\r\n  end\r\nend\r\n';
 
@@ -85,11 +89,17 @@ const show = (page, values) =>
 const textsOf = (page, selector) =>
   page.$$eval(selector, (all) => all.map((each) => each.textContent));
 const numberOf = (text) => Number(text.replaceAll(',', ''));
-const clickLabel = (page, label) => page.locator(`aria/${label}`).click();
+const clickLabel = (page, label) =>
+  page.$$eval(
+    'button',
+    (all, text) => all.find((each) => each.ariaLabel?.startsWith(text)).click(),
+    label,
+  );
 
 before(async () => {
   fs.cpSync(examples, root, { recursive: true });
   fs.writeFileSync(path.join(root, 'Hostile.vlm'), hostile);
+  fs.writeFileSync(path.join(root, 'Both.vlm'), both);
   fs.writeFileSync(path.join(root, 'Latin.vlm'), latin, 'latin1');
   fs.writeFileSync(
     path.join(root, 'Broken.vlm'),
@@ -278,6 +288,12 @@ test('what is accepted by any way is saved, and nothing else', async () => {
 
   await clickLabel(page, 'Accept all that are safe');
   accept((each) => each.risk === 'safe' && each.made);
+  // One that has two reasons is in both groups.
+  const lossy = all.filter(
+    (each) => each.made && each.reasons.some(({ id }) => id === 'soca:CommentDeleted'),
+  );
+  assert.ok(lossy.some((each) => each.reasons.length > 1));
+  await clickLabel(page, `Reject all ${lossy.length} conversions: CommentDeleted`);
   await clickLabel(page, 'Reject all attributes/logical that are made');
   reject((each) => each.kinds[0] === 'attributes/logical');
   await page.locator('#toast button').click();

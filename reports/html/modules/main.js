@@ -7,7 +7,7 @@ import { byId, digits, fill, h } from './dom.js';
 import { Cursor, listenToKeys, showHelp } from './keys.js';
 import { Report } from './model.js';
 import { overview } from './overview.js';
-import { groupsToReview, groupSummary, reviewPage } from './review.js';
+import { conversionsToReview, groupSummary, reviewPage } from './review.js';
 import { showProgress } from './saving.js';
 import { emptyFilter } from './search.js';
 import { visible } from './text.js';
@@ -124,7 +124,7 @@ function start() {
   const main = byId('main');
   const input = /** @type {HTMLInputElement} */ (byId('search-text'));
   const numbers = {
-    first: groupsToReview(app).reduce((sum, each) => sum + each.conversions.length, 0),
+    first: conversionsToReview(app).length,
     classes: report.classes.filter((each) => each.details !== '').length,
   };
   /** @type {ClassesView | undefined} */

@@ -11,11 +11,22 @@ import { className, prose } from './text.js';
 /** @typedef {import('./model.js').Conversion} Conversion */
 /** @typedef {import('./model.js').Reason} Reason */
 /**
- * Conversions with the same risk for the same reason, which is the worst one of each.
+ * Conversions with the same reason: all that are made, or those that are left out mainly for it.
  * @typedef {{reason: Reason, name: string, risk: number, isMade: boolean, conversions: Conversion[]}} Group
  */
 
 const mostAtOnce = 10;
+
+/**
+ * The conversions that are not safe.
+ * @param {App} app
+ * @returns {Conversion[]}
+ */
+export function conversionsToReview(app) {
+  return app.report.conversions.filter(
+    (each) => each.reasons.length > 0 && (each.canBeChosen || each.leftOut === -1),
+  );
+}
 
 /**
  * What is made comes before what is left out: it is what a person answers for.
@@ -23,26 +34,22 @@ const mostAtOnce = 10;
  * @returns {Group[]}
  */
 export function groupsToReview(app) {
-  const risky = app.report.conversions.filter((each) => each.risk > 0 && each.reasons.length > 0);
-  const keyOf = (/** @type {Conversion} */ each) => [
-    `${each.leftOut === -1 ? 0 : 1}:${9 - each.risk}:${each.reasons[0]}`,
-  ];
-  return [
-    ...groupBy(
-      risky.filter((each) => each.canBeChosen || app.report.tables.isWritten),
-      keyOf,
-    ),
-  ]
-    .sort(([left, first], [right, second]) => {
-      const order = left.slice(0, 3).localeCompare(right.slice(0, 3));
-      return order === 0 ? second.length - first.length : order;
-    })
-    .map(([, conversions]) => {
-      const [{ reasons, risk, leftOut }] = conversions;
-      const isMade = leftOut === -1;
-      const name = `${isMade ? 'made' : 'left'}:${app.report.nameOf(reasons[0])}`;
-      return { reason: reasons[0], name, risk, isMade, conversions };
-    });
+  const risky = conversionsToReview(app);
+  const groupsOf = (/** @type {boolean} */ isMade) => {
+    const own = risky.filter((each) => (each.leftOut === -1) === isMade);
+    const reasonsOf = (/** @type {Conversion} */ { reasons }) =>
+      isMade ? [...new Set(reasons)] : reasons.slice(0, 1);
+    return [...groupBy(own, reasonsOf)].map(([reason, conversions]) => ({
+      reason,
+      name: `${isMade ? 'made' : 'left'}:${app.report.nameOf(reason)}`,
+      risk: Math.min(...conversions.map((each) => each.risk)),
+      isMade,
+      conversions,
+    }));
+  };
+  const inOrder = (/** @type {Group} */ left, /** @type {Group} */ right) =>
+    right.risk - left.risk || right.conversions.length - left.conversions.length;
+  return [...groupsOf(true).sort(inOrder), ...groupsOf(false).sort(inOrder)];
 }
 
 /**
