@@ -119,6 +119,7 @@ after(async () => {
 });
 
 const report = path.join(work, 'review.html');
+const noSelections = !run(['--help']).stdout.includes('--selection');
 
 test('the page beside an output is that of the format, for any number of jobs', () => {
   const page = fs.readFileSync(report, 'utf8');
@@ -325,6 +326,29 @@ test('what is accepted by any way is saved, and nothing else', async () => {
   assert.equal((await textsOf(page, '.yes-count'))[0], `${expected.size} accepted`);
   assert.deepEqual(problems, []);
   await close();
+});
+
+test('a saved selection writes just what was accepted', { skip: noSelections }, async () => {
+  const { page, close } = await open(report);
+  const before = found().results;
+  await clickLabel(page, 'Accept all that are unsafe, left out');
+  await clickLabel(page, 'Accept all mixins that are made');
+  const selection = ['--selection', await save(page)];
+  await close();
+  const chosen = before
+    .flatMap((each) => each.conversions)
+    .filter((each) => each.made === (each.kinds[0] === 'mixins'))
+    .filter((each) => each.made || each.risk === 'unsafe');
+  const ids = (results) =>
+    results.flatMap((each) => each.conversions.filter(({ made }) => made).map(({ id }) => id));
+  const preview = JSON.parse(run([...inRoot, ...selection, '--format', 'json']).stdout).results;
+  assert.deepEqual(ids(preview).sort(), chosen.map(({ id }) => id).sort());
+  const copy = path.join(work, 'copy');
+  fs.cpSync(root, copy, { recursive: true });
+  run([...inRoot, ...selection, '--write', '--allow-dirty']);
+  for (const { file, text } of preview) assert.equal(textOf(fs.readFileSync(file)), text, file);
+  fs.rmSync(root, { recursive: true });
+  fs.renameSync(copy, root);
 });
 
 test('keys go through what a filter shows, and decide', async () => {
