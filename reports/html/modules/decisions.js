@@ -29,6 +29,7 @@ export class Decisions {
     this.before = [];
     this.timer = 0;
     this.load();
+    addEventListener('pagehide', () => this.save());
   }
 
   /** @param {() => void} listener */
