@@ -6,6 +6,7 @@
 #include "conversions/LineDiff.h"
 #include "model/SourceFile.h"
 #include "platform/text/Conversions.h"
+#include "platform/text/TextSearch.h"
 
 namespace soca {
 namespace {
@@ -150,8 +151,21 @@ class EditFinder {
     return text;
   }
 
+  // Whether the line has its old text and its line end. Measured: with the copies of these lines,
+  // the edits of a class took three times as long.
+  bool isSame(std::size_t line) const {
+    const SourceFile::Line& record = newLines_[line];
+    constexpr auto otherFlags = SourceFile::LineDeleted | SourceFile::LineNoNewline;
+    const auto oldLine =
+        oldText_.substr(lineStarts_[line], lineStarts_[line + 1] - lineStarts_[line]);
+    return (record.flags & otherFlags) == 0 && oldLine.size() == record.text.size() + 1 &&
+           oldLine.back() == u'\n' &&
+           fl::areEqualTexts(record.text, oldLine.substr(0, record.text.size()));
+  }
+
   // Compares the line and the lines that are joined with it; returns the line after them.
   std::size_t compareFrom(std::size_t line) {
+    if (isSame(line)) return line + 1;
     const std::size_t first = line;
     fl::ustring after = newText(line);
     while (++line < newLines_.size() && !after.empty() && after.back() != u'\n') {
