@@ -112,6 +112,14 @@ void checkList(const Options& options) {
   }
 }
 
+// A page replaces the file that is at its path.
+void checkReportFile(const Options& options) {
+  for (const std::string* read : {&options.selectionFile, &options.classTable}) {
+    if (options.reportFile.empty() || options.reportFile != *read) continue;
+    throw UsageError(fmt::format("--report would replace a file that is read: '{}'", *read));
+  }
+}
+
 // Checks the options for what the program decides, and for the numbers.
 void checkDecisions(const Options& options) {
   if (!options.selectionFile.empty() && !options.rules.isEverything()) {
@@ -186,6 +194,7 @@ void checkOptions(const CommandRow& command, const Options& options) {
   }
   if (isUpdate) {
     checkStandardInput(options);
+    checkReportFile(options);
     checkDecisions(options);
     checkNumbers(options);
   }

@@ -16,11 +16,14 @@ namespace {
 constexpr std::size_t largestBuffer = std::size_t{1} << 16U;
 constexpr mode_t newFileMode = 0666;
 
-// A rename would replace a special file, such as a device, by a plain one.
+// A rename would replace a special file, such as a device, by a plain one, and needs no right to
+// write the file itself.
 void checkIsReplaceable(const std::string& path) {
   struct stat status = {};
-  if (::stat(path.c_str(), &status) != 0 || S_ISREG(status.st_mode)) return;
-  throw std::runtime_error(S_ISDIR(status.st_mode) ? "it is a folder" : "it is no regular file");
+  if (::stat(path.c_str(), &status) != 0) return;
+  if (S_ISDIR(status.st_mode)) throw std::runtime_error("it is a folder");
+  if (!S_ISREG(status.st_mode)) throw std::runtime_error("it is no regular file");
+  if (::access(path.c_str(), W_OK) != 0) throw std::runtime_error(std::strerror(errno));
 }
 
 }  // namespace

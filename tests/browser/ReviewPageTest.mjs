@@ -109,7 +109,8 @@ before(async () => {
   run([...inRoot, '--report', 'review.html']);
   browser = await puppeteer.launch({
     executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium',
-    args: ['--no-sandbox'],
+    // A container may run as root, and have little shared memory.
+    args: ['--no-sandbox', '--disable-dev-shm-usage'],
   });
 });
 
@@ -347,6 +348,32 @@ test('a saved selection writes just what was accepted', async () => {
   for (const { file, text } of preview) assert.equal(textOf(fs.readFileSync(file)), text, file);
   fs.rmSync(root, { recursive: true });
   fs.renameSync(copy, root);
+});
+
+test('the command of a class makes what its page shows', async () => {
+  const { page, close } = await open(report);
+  const ids = (results) =>
+    results.flatMap((each) => each.conversions.filter(({ made }) => made).map(({ id }) => id));
+  const results = found().results.filter((each) => each.updated);
+  const isUsed = ({ leftOut }) => leftOut?.id === 'soca:UsedElsewhere';
+  const shown = results.filter((each, index) => index < 3 || each.conversions.some(isUsed));
+  for (const result of shown.slice(0, 6)) {
+    await show(page, { view: 'classes', class: result.class });
+    await page.locator('.note.conversion .decide.no').click();
+    const [rejected] = await page.$$eval('.note.conversion[data-decision=no] .link', (all) =>
+      all.map((each) => each.title),
+    );
+    const [command] = await textsOf(page, '.class .command code');
+    const expected = ids([result]).filter((id) => id !== rejected);
+    if (expected.length === 0) {
+      assert.equal(command, '');
+      continue;
+    }
+    const dryRun = command.replace(' --write', ' --format json').replace('soca', '"$0"');
+    const { stdout } = spawnSync('sh', ['-c', dryRun, soca], { cwd: work, maxBuffer: 1 << 30 });
+    assert.deepEqual(ids(JSON.parse(stdout).results), expected, command);
+  }
+  await close();
 });
 
 test('keys go through what a filter shows, and decide', async () => {

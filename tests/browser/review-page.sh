@@ -12,7 +12,7 @@ skip() {
 }
 
 command -v node >/dev/null || skip 'node is not installed'
-command -v "${CHROMIUM:=/usr/bin/chromium}" >/dev/null || skip 'chromium is not installed'
+"${CHROMIUM:=/usr/bin/chromium}" --version >/dev/null 2>&1 || skip 'chromium is not installed'
 [[ -e $4/node_modules/puppeteer-core ]] || skip 'puppeteer-core is not installed'
 export CHROMIUM
 exec node "$(dirname -- "${BASH_SOURCE[0]}")/ReviewPageTest.mjs" "$@"

@@ -96,6 +96,10 @@ TEST(ReviewPage, ReportsAreWholeFilesOrNone) {
   } rows[] = {
       {"a class file", {"--report", "A.vlm"}, 2, "--report would replace a class file: 'A.vlm'"},
       {"a p-file", {"--report", "B.p"}, 2, "--report would replace a class file: 'B.p'"},
+      {"the selection",
+       {"--selection", "s.json", "--report", "s.json"},
+       2,
+       "--report would replace a file that is read: 's.json'"},
       {"no name", {"--report", ""}, 2, "--report takes the name of a file"},
       {"a folder",
        {"--report", "folder"},

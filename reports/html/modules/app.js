@@ -1,5 +1,5 @@
 // What the views share: the data, the decisions, and what is shown.
-import { byId, fill, h } from './dom.js';
+import { byId, digits, fill, h } from './dom.js';
 import { countDecisions } from './decisions.js';
 import { emptyFilter, filterKeys, isEmpty, search } from './search.js';
 
@@ -130,7 +130,7 @@ export class App {
     const changed = this.decisions.decide(conversions, decision);
     const words = { yes: 'accepted', no: 'rejected', open: 'open again' };
     if (changed > 1) {
-      const text = `${changed.toLocaleString('en')} conversions ${words[decision]}.`;
+      const text = `${digits(changed)} conversions ${words[decision]}.`;
       this.tell(text, 'Undo', () => this.decisions.undo());
     } else {
       this.tell('');

@@ -80,12 +80,16 @@ function rowOf(app, hit, index) {
 
 /**
  * @param {App} app
- * @returns {{element: HTMLElement, refresh: () => void, reveal: () => void}}
+ * @returns {{element: HTMLElement, draw: () => void, reveal: () => void}}
  */
 export function classList(app) {
   const list = h('ol', { class: 'rows' });
   const element = h('nav', { class: 'list', 'aria-label': 'Classes' }, list);
+  const resize = () => {
+    list.style.height = `${app.hits.length * rowHeight}px`;
+  };
   const draw = () => {
+    resize();
     const first = Math.max(0, Math.floor(element.scrollTop / rowHeight) - rowsAround);
     const size = Math.ceil((element.clientHeight || 800) / rowHeight) + 2 * rowsAround;
     const rows = app.hits.slice(first, first + size);
@@ -94,17 +98,13 @@ export function classList(app) {
       rows.map((hit, index) => rowOf(app, hit, first + index)),
     );
   };
-  const refresh = () => {
-    list.style.height = `${app.hits.length * rowHeight}px`;
-    draw();
-  };
   const reveal = () => {
+    resize();
     const index = app.hits.findIndex((hit) => hit.entry.name === app.route.class);
     const top = index * rowHeight;
     const isSeen =
       top >= element.scrollTop && top + rowHeight <= element.scrollTop + element.clientHeight;
     if (index >= 0 && !isSeen) element.scrollTop = top - element.clientHeight / 3;
-    draw();
   };
   let isDrawing = false;
   element.addEventListener('scroll', () => {
@@ -115,7 +115,7 @@ export function classList(app) {
       draw();
     });
   });
-  return { element, refresh, reveal };
+  return { element, draw, reveal };
 }
 
 /**
@@ -201,6 +201,6 @@ export function filterBar(app, choices) {
       { class: 'shown', role: 'status' },
       `${count(shown.length, 'conversion')} in ${count(app.hits.length, 'class', 'classes')}`,
     ),
-    decisionButtons(app, conversions, `the ${count(shown.length, 'conversion')} shown`),
+    decisionButtons(app, conversions, `all of the ${count(shown.length, 'conversion')} shown`),
   );
 }

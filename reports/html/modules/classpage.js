@@ -5,7 +5,7 @@ import { copyButton, count, h } from './dom.js';
 import { foldedExplanation } from './explanations.js';
 import { rowsOfHunks } from './hunks.js';
 import { detailsOf, stateBits } from './model.js';
-import { className, prose, quoteForShell, visible, withArguments } from './text.js';
+import { className, commandText, prose, quoteForShell, visible, withArguments } from './text.js';
 
 /** @typedef {import('./app.js').App} App */
 /** @typedef {import('./diff.js').Notes} Notes */
@@ -177,15 +177,31 @@ function withContext(rows, belongs) {
 }
 
 /**
- * What a person types to make just what is not rejected.
+ * What a person types to make just what is made and not rejected. It is a run over all classes: in
+ * one of a single class, its uses in others would not be known.
  * @param {App} app
  * @param {ClassEntry} entry
  * @returns {string}
  */
 function commandFor(app, entry) {
+  const { command, arguments: targets, risks } = app.report.tables;
+  const wanted = entry.conversions.filter((each) => each.leftOut === -1 && each.decision !== 'no');
+  if (wanted.length === 0) return '';
+  const option = (/** @type {string} */ name, /** @type {Conversion[]} */ list) =>
+    list.map((each) => ` ${name} ${quoteForShell(app.report.idOf(each))}`).join('');
+  const unsafe = risks.length - 1;
+  // What the run was told to leave out, it would make when it is not told.
+  const isNarrowed = entry.conversions.some(
+    ({ leftOut, canBeChosen, risk }) =>
+      leftOut !== -1 &&
+      (app.report.nameOf(leftOut) === 'NotSelected' || (canBeChosen && risk < unsafe)),
+  );
   const rejected = entry.conversions.filter((each) => each.decision === 'no');
-  const skips = rejected.map((each) => ` --skip ${quoteForShell(app.report.idOf(each))}`);
-  return `${app.report.tables.command}${skips.join('')} ${quoteForShell(entry.name)} --write`;
+  const selection = isNarrowed
+    ? option('--only', wanted)
+    : ` --only ${quoteForShell(`${entry.name}#*`)}${option('--skip', rejected)}`;
+  const risk = wanted.some((each) => each.risk === unsafe) ? ` --risk ${risks[unsafe]}` : '';
+  return `${command}${risk}${selection} --write${targets && ` ${targets}`}`;
 }
 
 /**
@@ -197,7 +213,8 @@ function commandLine(app, entry) {
   const line = h('p', { class: 'command' });
   app.refreshing(() => {
     const command = commandFor(app, entry);
-    line.replaceChildren(h('code', {}, visible(command)), copyButton(command, 'Copy the command'));
+    line.hidden = command === '';
+    line.replaceChildren(commandText(command), copyButton(command, 'Copy the command'));
   });
   return line;
 }

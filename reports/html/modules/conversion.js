@@ -18,17 +18,18 @@ const signs = { yes: '✓', no: '✕' };
  * Two buttons that decide about all of these. A second press takes the decision back.
  * @param {App} app
  * @param {() => Conversion[]} conversionsOf
- * @param {string} label what they are, for those who do not see it
+ * @param {string} label what they are, for those who do not see it; several begin with "all"
  * @returns {HTMLElement | null} nothing, if nothing can be decided
  */
 export function decisionButtons(app, conversionsOf, label) {
   if (!conversionsOf().some((each) => each.canBeChosen)) return null;
+  const isOfSeveral = label.startsWith('all ');
   const button = (/** @type {'yes' | 'no'} */ decision) => {
     const element = h(
       'button',
       { type: 'button', class: `decide ${decision}`, 'aria-label': `${verbs[decision]} ${label}` },
       h('span', { 'aria-hidden': 'true' }, signs[decision]),
-      h('span', { class: 'verb' }, ` ${verbs[decision]}`),
+      h('span', { class: 'verb' }, ` ${verbs[decision]}${isOfSeveral ? ' all' : ''}`),
     );
     const isDone = () =>
       conversionsOf().every((each) => each.decision === decision || !each.canBeChosen);
@@ -156,7 +157,12 @@ export function conversionNote(app, conversion, { texts, known = [], title = [] 
       h('span', { class: 'subject' }, subjectOf(app, conversion)),
       h(
         'a',
-        { class: 'link', href: linkTo(app, conversion), 'aria-label': `Link to ${label}` },
+        {
+          class: 'link',
+          href: linkTo(app, conversion),
+          'aria-label': `Link to ${label}`,
+          title: app.report.idOf(conversion),
+        },
         '#',
       ),
       decisionButtons(app, () => [conversion], label),

@@ -1,5 +1,5 @@
 // A hunk as a table: both sides beside each other, or below each other.
-import { h } from './dom.js';
+import { digits, h } from './dom.js';
 import { tokensOf } from './lexer.js';
 import { visible } from './text.js';
 
@@ -98,7 +98,7 @@ function fillCode(cell, line, side, marks, isWhole) {
         class: 'quiet',
         click: () => fillCode(cell, line, side, marks, true),
       },
-      `show all ${text.length.toLocaleString('en')} characters`,
+      `show all ${digits(text.length)} characters`,
     ),
   );
 }

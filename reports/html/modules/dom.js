@@ -57,11 +57,12 @@ export function byId(id) {
 }
 
 /**
+ * "2,000". Measured: a tenth of the time of `toLocaleString`, which took half of that of a table.
  * @param {number} number
  * @returns {string}
  */
 export function digits(number) {
-  return number.toLocaleString('en');
+  return String(number).replace(/\B(?=(\d{3})+$)/g, ',');
 }
 
 /**

@@ -82,11 +82,11 @@ export class Cursor {
    * @returns {void}
    */
   step(step) {
-    const shown = new Set(this.app.hits.flatMap((hit) => hit.conversions));
+    const hasAll = this.app.route.view !== 'classes' || !this.app.isFiltered;
+    const hit = this.app.hits.find(({ entry }) => entry.name === this.app.route.class);
     const isStop = (/** @type {HTMLElement} */ note) => {
       const conversion = this.conversionOf(note);
-      if (!conversion) return false;
-      return this.app.route.view !== 'classes' || !this.app.isFiltered || shown.has(conversion);
+      return Boolean(conversion && (hasAll || hit?.conversions.includes(conversion)));
     };
     const notes = this.notes.filter((note) => isStop(note) || note === this.current);
     const present = this.current ? notes.indexOf(this.current) : -1;

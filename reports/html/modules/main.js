@@ -6,7 +6,7 @@ import { Decisions } from './decisions.js';
 import { byId, digits, fill, h } from './dom.js';
 import { Cursor, listenToKeys, showHelp } from './keys.js';
 import { Report } from './model.js';
-import { overview } from './overview.js';
+import { failureList, overview } from './overview.js';
 import { conversionsToReview, groupSummary, reviewPage } from './review.js';
 import { showProgress } from './saving.js';
 import { emptyFilter } from './search.js';
@@ -65,9 +65,8 @@ class ClassesView {
     }
     this.element.classList.toggle('has-class', app.route.class !== '');
     fill(this.bar, filterBar(app, this.reasons));
-    this.list.refresh();
     this.list.reveal();
-    app.refreshing(() => this.list.refresh());
+    app.refreshing(() => this.list.draw());
     const entry = app.report.byName.get(app.route.class);
     fill(this.page, this.back(), entry ? classPage(app, entry) : this.nothing());
     this.page.scrollTop = 0;
@@ -80,10 +79,15 @@ class ClassesView {
   }
 
   nothing() {
-    const { class: name } = this.app.route;
-    const text =
-      name === '' ? 'Nothing matches.' : `There is no class ${visible(name)} in this run.`;
-    return h('p', { class: 'loading' }, text);
+    const { class: name, filter } = this.app.route;
+    const { failures, undecided, skipped } = this.app.report;
+    const wanted = (name || filter.text).toLowerCase();
+    const others = [...failures, ...undecided, ...skipped].filter((each) =>
+      each.name.toLowerCase().includes(wanted),
+    );
+    const text = name === '' ? 'Nothing matches.' : `Nothing is to be shown of ${visible(name)}.`;
+    const list = wanted !== '' && failureList('Failed, undecided or skipped', 'failed', others);
+    return h('div', {}, h('p', { class: 'loading' }, text), list);
   }
 
   moveToConversion() {
@@ -117,6 +121,18 @@ function listenToSearch(app) {
   });
 }
 
+/**
+ * Whether a page that scrolls as a whole begins at its top again.
+ * @param {Route} before
+ * @param {Route} route
+ */
+function isOtherPlace(before, route) {
+  if (route.conversion !== '') return false;
+  return ['view', 'class', 'group'].some(
+    (key) => before[/** @type {'view'} */ (key)] !== route[/** @type {'view'} */ (key)],
+  );
+}
+
 function start() {
   const report = new Report();
   const app = new App(report, new Decisions(report));
@@ -139,10 +155,10 @@ function start() {
       classes ??= new ClassesView(app, cursor);
       if (!main.contains(classes.element)) fill(main, classes.element);
       classes.show();
-      return;
+    } else {
+      fill(main, view === 'first' ? reviewPage(app) : overview(app, groupSummary(app)));
     }
-    fill(main, view === 'first' ? reviewPage(app) : overview(app, groupSummary(app)));
-    if (before && before.view !== view) scrollTo(0, 0);
+    if (before && isOtherPlace(before, app.route)) scrollTo(0, 0);
   };
   showProgress(app);
   listenToSearch(app);

@@ -29,7 +29,7 @@
  * @property {string} newName
  * @property {boolean} canBeChosen
  * @property {Decision} decision
- * @property {string} words in which it is searched
+ * @property {string} words its names, in lower case
  */
 /**
  * @typedef {object} ClassEntry
@@ -42,7 +42,7 @@
  * @property {Conversion[]} conversions
  * @property {Reason[]} messages of the findings
  * @property {string} details
- * @property {string} words
+ * @property {string} words its name, in lower case
  */
 /**
  * @typedef {object} Finding
@@ -143,7 +143,6 @@ export class Report {
         (/** @type {any[]} */ each, /** @type {number} */ index) =>
           this.conversionOf(entry, each, index),
       );
-      for (const each of messages) entry.words += `\n${this.nameOf(each).toLowerCase()}`;
       this.classes.push(entry);
       for (const each of entry.conversions) this.conversions.push(each);
     }
@@ -157,10 +156,6 @@ export class Report {
    */
   conversionOf(owner, data, index) {
     const [kind, member, risk, leftOut, line, reasons = [], needs = [], newName = ''] = data;
-    const words = [owner.name, this.tables.kinds[kind], member, newName, this.tables.risks[risk]];
-    for (const each of [leftOut, ...reasons]) {
-      if (each !== -1) words.push(this.nameOf(each), this.messageOf(each).text);
-    }
     return {
       owner,
       index,
@@ -174,7 +169,7 @@ export class Report {
       newName,
       canBeChosen: !this.tables.isWritten && (leftOut === -1 || reasons.includes(leftOut)),
       decision: 'open',
-      words: words.join('\n').toLowerCase(),
+      words: `${member}\n${newName}`.toLowerCase(),
     };
   }
 

@@ -4,7 +4,7 @@ import { decidedText, decisionButtons } from './conversion.js';
 import { bar, count, digits, h } from './dom.js';
 import { stateBits } from './model.js';
 import { emptyFilter } from './search.js';
-import { className, prose, visible } from './text.js';
+import { className, prose, visible, wrappable } from './text.js';
 
 /** @typedef {import('./app.js').App} App */
 /** @typedef {import('./dom.js').Child} Child */
@@ -92,10 +92,10 @@ function headline(app) {
   const uncommitted = report.classes.filter((each) => each.state & stateBits.uncommitted).length;
   const made = report.conversions.filter(isMade).length;
   const findings = report.classes.reduce((sum, each) => sum + each.messages.length, 0);
-  const tile = (/** @type {number} */ number, /** @type {string} */ text, state = '') =>
+  const tile = (/** @type {number} */ number, /** @type {string} */ text, state = '', href = '') =>
     h(
-      'div',
-      { class: `tile ${number === 0 ? '' : state}` },
+      href === '' ? 'div' : 'a',
+      { class: `tile ${number === 0 ? '' : state}`, href: href || undefined },
       h('b', {}, digits(number)),
       h('span', {}, text),
     );
@@ -105,8 +105,13 @@ function headline(app) {
     { class: 'tiles' },
     tile(report.classes.length, 'classes looked at'),
     tile(changed, would),
-    tile(made, report.tables.isWritten ? 'conversions made' : 'conversions to make', 'made'),
-    tile(report.conversions.length - made, 'left out', 'left'),
+    tile(
+      made,
+      report.tables.isWritten ? 'conversions made' : 'conversions to make',
+      'made',
+      linkToClasses({ state: 'made' }),
+    ),
+    tile(report.conversions.length - made, 'left out', 'left', linkToClasses({ state: 'left' })),
     tile(findings, 'findings'),
     refused > 0 && tile(refused, 'refused', 'failed'),
     tile(report.failures.length + report.undecided.length, 'failed or undecided', 'failed'),
@@ -231,7 +236,7 @@ function reasonTable(app, groups, head) {
         h(
           'th',
           { scope: 'row' },
-          h('a', { href: linkToClasses({ reason: name }) }, name),
+          h('a', { href: linkToClasses({ reason: name }) }, wrappable(name)),
           h('span', { class: 'meaning' }, prose(app.report.titleOf(reason))),
         ),
         cell(number),
@@ -302,8 +307,13 @@ function packagesAround(root, className) {
 /** @param {App} app */
 function packageTree(app) {
   const root = emptyPackage('');
+  // The classes of a package follow each other.
+  let around = [root];
+  let present = '';
   for (const entry of app.report.classes) {
-    for (const each of packagesAround(root, entry.name)) {
+    if (entry.package !== present) around = packagesAround(root, entry.name);
+    present = entry.package;
+    for (const each of around) {
       ++each.classes;
       for (const conversion of entry.conversions) each.conversions.push(conversion);
     }
@@ -415,7 +425,7 @@ function packageTable(app) {
  * @param {string} id
  * @param {Failure[]} failures
  */
-function failureList(title, id, failures) {
+export function failureList(title, id, failures) {
   if (failures.length === 0) return null;
   const itemOf = (/** @type {Failure} */ each) =>
     h(

@@ -73,10 +73,14 @@ function groupHead(app, group) {
     h(
       'span',
       { class: 'state' },
-      decidedText(app, () => conversions),
-      ' decided',
+      h(
+        'span',
+        {},
+        decidedText(app, () => conversions),
+        ' decided',
+      ),
+      decisionButtons(app, () => conversions, `all ${words}: ${app.report.nameOf(reason)}`),
     ),
-    decisionButtons(app, () => conversions, `all ${words}: ${app.report.nameOf(reason)}`),
   );
 }
 

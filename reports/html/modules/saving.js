@@ -1,6 +1,6 @@
 // The file with the accepted conversions, and what comes after it.
 import { byId, copyButton, count, digits, fill, h } from './dom.js';
-import { quoteForShell, visible } from './text.js';
+import { commandText, quoteForShell } from './text.js';
 
 /** @typedef {import('./app.js').App} App */
 
@@ -54,13 +54,21 @@ function commandAfter(app) {
  */
 export function showDialog(title, ...children) {
   const dialog = /** @type {HTMLDialogElement} */ (byId('dialog'));
+  const close = () => (dialog.close ? dialog.close() : dialog.removeAttribute('open'));
   fill(
     dialog,
     h('h2', { id: 'dialog-title' }, title),
     children,
-    h('form', { method: 'dialog' }, h('button', { class: 'primary', value: 'close' }, 'Close')),
+    h(
+      'p',
+      { class: 'end' },
+      h('button', { type: 'button', class: 'primary', click: close }, 'Close'),
+    ),
   );
-  if (!dialog.open) dialog.showModal();
+  if (dialog.open) return;
+  // Browsers of 2021 know no dialogs: there it is a part of the page.
+  if (dialog.showModal) dialog.showModal();
+  else dialog.setAttribute('open', '');
 }
 
 /** @param {App} app */
@@ -75,7 +83,7 @@ export function saveSelection(app) {
   }
   download(app);
   const command = commandAfter(app);
-  const rest = [no > 0 && `${digits(no)} rejected`, open > 0 && `${digits(open)} not decided`];
+  const rest = [no > 0 && `${digits(no)} rejected`, open > 0 && `${digits(open)} open ones`];
   const others = rest.filter(Boolean).join(' and ');
   showDialog(
     `${count(yes, 'conversion')} saved`,
@@ -84,13 +92,8 @@ export function saveSelection(app) {
       {},
       `They are in ${fileName}, in the folder for downloads. Move it to where you ran the update, and type:`,
     ),
-    h(
-      'p',
-      { class: 'command' },
-      h('code', {}, visible(command)),
-      copyButton(command, 'Copy the command'),
-    ),
-    others !== '' && h('p', {}, `What is ${others} stays as it is in the sources.`),
+    h('p', { class: 'command' }, commandText(command), copyButton(command, 'Copy the command')),
+    others !== '' && h('p', {}, `The ${others} are not made.`),
   );
 }
 

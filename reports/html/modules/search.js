@@ -2,6 +2,7 @@
 
 /** @typedef {import('./model.js').ClassEntry} ClassEntry */
 /** @typedef {import('./model.js').Conversion} Conversion */
+/** @typedef {import('./model.js').Reason} Reason */
 /** @typedef {import('./model.js').Report} Report */
 /**
  * All are texts, as in the address; an empty one excludes nothing.
@@ -61,6 +62,49 @@ function hasState(conversion, state) {
 }
 
 /**
+ * Where a word occurs: in the tables, which are short, it is looked up once and not for each
+ * conversion.
+ */
+class Word {
+  /**
+   * @param {Report} report
+   * @param {string} text
+   */
+  constructor(report, text) {
+    const isIn = (/** @type {string} */ name) => name.includes(text);
+    this.text = text;
+    this.report = report;
+    this.kinds = report.tables.kinds.map(isIn);
+    this.risks = report.tables.risks.map(isIn);
+    /** @type {Map<Reason, boolean>} */
+    this.reasons = new Map();
+  }
+
+  /** @param {Reason} reason */
+  isInReason(reason) {
+    if (reason === -1) return false;
+    let found = this.reasons.get(reason);
+    if (found === undefined) {
+      const words = `${this.report.nameOf(reason)}\n${this.report.messageOf(reason).text}`;
+      found = words.toLowerCase().includes(this.text);
+      this.reasons.set(reason, found);
+    }
+    return found;
+  }
+
+  /** @param {Conversion} each */
+  isIn(each) {
+    return (
+      this.kinds[each.kind] ||
+      this.risks[each.risk] ||
+      each.words.includes(this.text) ||
+      this.isInReason(each.leftOut) ||
+      each.reasons.some((reason) => this.isInReason(reason))
+    );
+  }
+}
+
+/**
  * The classes with anything to show that match, each with its conversions that do. A class without
  * conversions matches by its name and its findings.
  * @param {Report} report
@@ -68,29 +112,31 @@ function hasState(conversion, state) {
  * @returns {Hit[]}
  */
 export function search(report, filter) {
-  const words = filter.text.toLowerCase().split(/\s+/).filter(Boolean);
+  const texts = filter.text.toLowerCase().split(/\s+/).filter(Boolean);
+  const words = texts.map((text) => new Word(report, text));
   const risk = report.tables.risks.indexOf(filter.risk);
   const kind = report.tables.kinds.indexOf(filter.kind);
   const isAboutConversions = Boolean(filter.risk || filter.kind || filter.state);
-  const hasWords = (/** @type {string} */ text) => words.every((word) => text.includes(word));
-  const hasReason = (/** @type {import('./model.js').Reason} */ each) =>
+  const hasReason = (/** @type {Reason} */ each) =>
     each !== -1 && report.nameOf(each) === filter.reason;
   const matches = (/** @type {Conversion} */ each) =>
     (filter.risk === '' || each.risk === risk) &&
     (filter.kind === '' || each.kind === kind) &&
     (filter.state === '' || hasState(each, filter.state)) &&
-    (filter.reason === '' || hasReason(each.leftOut) || each.reasons.some(hasReason)) &&
-    hasWords(each.words);
+    (filter.reason === '' || hasReason(each.leftOut) || each.reasons.some(hasReason));
   /** @type {Hit[]} */
   const hits = [];
   for (const entry of report.classes) {
     if (filter.package !== '' && !isInPackage(entry, filter.package)) continue;
-    const conversions = entry.conversions.filter(matches);
+    const wanted = words.filter((word) => !entry.words.includes(word.text));
+    const conversions = entry.conversions.filter(
+      (each) => matches(each) && wanted.every((word) => word.isIn(each)),
+    );
     const matchesAlone =
       !isAboutConversions &&
       (entry.conversions.length > 0 || entry.messages.length > 0 || entry.state > 1) &&
       (filter.reason === '' || entry.messages.some(hasReason)) &&
-      hasWords(entry.words);
+      wanted.every((word) => entry.messages.some((each) => word.isInReason(each)));
     if (conversions.length > 0 || matchesAlone) hits.push({ entry, conversions });
   }
   return hits;

@@ -4,7 +4,7 @@ import { h } from './dom.js';
 // Control characters, what changes the direction of text, and what has no width.
 const hidden =
   // eslint-disable-next-line no-control-regex
-  /[\u0000-\u0008\u000b-\u001f\u007f-\u009f\u061c\u200b-\u200f\u2028-\u202e\u2060-\u2069\ufeff\ufff9-\ufffb]/g;
+  /[\0-\x08\x0b-\x1f\x7f-\x9f\xad\u034f\u061c\u115f\u1160\u180e\u200b-\u200f\u2028-\u202e\u2060-\u206f\u3164\ufeff\uffa0\ufff9-\ufffb\u{e0000}-\u{e0fff}]/gu;
 
 /**
  * The text with a visible form of each character that would be invisible or change others.
@@ -13,7 +13,7 @@ const hidden =
  */
 export function visible(text) {
   return text.replace(hidden, (character) => {
-    const code = character.charCodeAt(0);
+    const code = character.codePointAt(0) ?? 0;
     if (code < 0x20) return String.fromCharCode(0x2400 + code);
     if (code === 0x7f) return '\u2421';
     return `\u2039U+${code.toString(16).toUpperCase().padStart(4, '0')}\u203a`;
@@ -54,6 +54,29 @@ export function className(name) {
     dot > 0 && h('span', { class: 'package' }, visible(name.slice(0, dot))),
     h('span', { class: 'name' }, visible(name.slice(dot))),
   ];
+}
+
+/**
+ * A long name in mixed case, which may be wrapped before each of its words.
+ * @param {string} name
+ * @returns {Child[]}
+ */
+export function wrappable(name) {
+  return name.split(/(?=[A-Z][a-z])/).flatMap((word) => [h('wbr', {}), word]);
+}
+
+/**
+ * A command, which is wrapped only between its words.
+ * @param {string} command
+ * @returns {HTMLElement}
+ */
+export function commandText(command) {
+  const words = command.split(' ').map((word) => h('span', {}, visible(word)));
+  return h(
+    'code',
+    {},
+    words.flatMap((word, index) => [index > 0 && ' ', word]),
+  );
 }
 
 /**
