@@ -49,7 +49,7 @@ class HtmlReport : public UpdateReport {
     output_->print("<script type=\"application/json\" id=\"tables\">");
     output_->print(pageTables(*options_, exitCode));
     output_->print("</script>\n");
-    output_->print(reviewPageEnd);
+    for (const std::string_view part : reviewPageEnd) output_->print(part);
   }
 
  private:
@@ -57,7 +57,9 @@ class HtmlReport : public UpdateReport {
   static constexpr std::size_t mostInElement = std::size_t{1} << 15U;
 
   void begin() {
-    if (!hasBegun_) output_->print(reviewPageStart);
+    if (!hasBegun_) {
+      for (const std::string_view part : reviewPageStart) output_->print(part);
+    }
     hasBegun_ = true;
   }
 

@@ -1,5 +1,5 @@
-// Makes one document of the parts of the review page, and writes it as a header of two texts: what
-// comes before the data of a run, and what comes after it.
+// Makes one document of the parts of the review page, and writes it as a header of two texts in
+// parts: what comes before the data of a run, and what comes after it.
 //
 //   soca_review_page ReviewPage.h page.html STYLE.css ... MODULE.js ...
 //
@@ -75,15 +75,24 @@ std::string sourceOf(const std::string& content) {
   return "'sha256-" + base64(soca::sha256(content)) + "'";
 }
 
-// The text as UTF-8 literals, one for each line.
+// The text as parts, with one UTF-8 literal for each line. Compilers may refuse longer literals.
 std::string quote(std::string_view text) {
-  std::string literal = "\"";
+  constexpr std::size_t largestPart = 32'000;
+  std::string literal = "{\n    \"";
+  std::size_t size = 0;
   for (const char c : text) {
     // A question mark could begin a trigraph.
     if (c == '"' || c == '\\' || c == '?') literal += '\\';
-    literal += c == '\n' ? "\\n\"\n    \"" : std::string(1, c);
+    literal += c == '\n' ? "\\n\"" : std::string(1, c);
+    ++size;
+    if (c != '\n') continue;
+    if (size > largestPart) {
+      literal += ',';
+      size = 0;
+    }
+    literal += "\n    \"";
   }
-  return literal + '"';
+  return literal + "\"}";
 }
 
 void generate(int count, char** paths) {
@@ -110,9 +119,9 @@ void generate(int count, char** paths) {
   if (data == std::string::npos) throw std::runtime_error("the page has no place for data");
   std::ofstream out(paths[0]);
   out << "// Made from the files in reports/html.\n#pragma once\n\n#include <string_view>\n\n"
-      << "namespace soca {\n\ninline constexpr std::string_view reviewPageStart =\n    "
+      << "namespace soca {\n\ninline constexpr std::string_view reviewPageStart[] = "
       << quote(std::string_view(page).substr(0, data))
-      << ";\n\ninline constexpr std::string_view reviewPageEnd =\n    "
+      << ";\n\ninline constexpr std::string_view reviewPageEnd[] = "
       << quote(std::string_view(page).substr(data + dataMark.size()))
       << ";\n\n}  // namespace soca\n";
   out.close();
