@@ -22,6 +22,7 @@ target_sources(
          platform/analyzer/Config.h
          platform/analyzer/Diagnostic.h
          platform/analyzer/tree/NodeKind.h
+         platform/analyzer/tree/NodeList.h
          platform/analyzer/tree/NodeVisitor.h
          platform/analyzer/lexer/NumericValue.h
          platform/analyzer/text/KnownFunctions.h

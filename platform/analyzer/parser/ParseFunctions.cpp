@@ -70,8 +70,8 @@ void Parser::parseSkipped(const astapi::Classdef* classdef, astapi::FunctionDefi
 
 void Parser::parseFunctionBody(astapi::FunctionDefinition& function) {
   Level level(*this);
-  function.parsedArguments = parseArgumentBlocks();
-  function.parsedBody = parseStatements(BodyType::functionBody);
+  function.arguments = parseArgumentBlocks();
+  function.statements = parseStatements(BodyType::functionBody);
 }
 
 // outputs = name(inputs), in a methods block.

@@ -14,6 +14,7 @@
 #include "platform/analyzer/text/SourceText.h"
 #include "platform/analyzer/tree/BodyReader.h"
 #include "platform/analyzer/tree/NodeKind.h"
+#include "platform/analyzer/tree/NodeList.h"
 
 namespace ca::astapi {
 
@@ -32,27 +33,6 @@ struct Node {
   NodeKind kind{};
   // The last character of the subtree; for an empty subtree the one before `position`.
   std::uint32_t lastPosition = 0;
-};
-
-// A list of nodes, in source order.
-template <class T>
-class NodeList {
- public:
-  NodeList() = default;
-  NodeList(const T* const* nodes, std::size_t size)
-      : nodes_(nodes), size_(static_cast<std::uint32_t>(size)) {}
-
-  const T* const* begin() const { return nodes_; }
-  const T* const* end() const { return nodes_ + size_; }
-  std::size_t size() const { return size_; }
-  bool empty() const { return size_ == 0; }
-  const T* operator[](std::size_t index) const { return nodes_[index]; }
-  const T* front() const { return nodes_[0]; }
-  const T* back() const { return nodes_[size_ - 1]; }
-
- private:
-  const T* const* nodes_ = nullptr;
-  std::uint32_t size_ = 0;
 };
 
 // A pair of brackets, by the positions of the two characters.
@@ -204,17 +184,14 @@ struct FunctionDeclaration : Node<Tag> {
 // `body`.
 template <class Tag>
 struct FunctionDefinition : FunctionDeclaration<Tag> {
+  using Reader = BodyReader<Tag>;
   // These parse the function if the parser skipped it.
-  const NodeList<Node<Tag>>& argumentBlocks() const { return complete().parsedArguments; }
-  const NodeList<Node<Tag>>& body() const { return complete().parsedBody; }
+  const NodeList<Node<Tag>>& argumentBlocks() const { return Reader::complete(*this).arguments; }
+  const NodeList<Node<Tag>>& body() const { return Reader::complete(*this).statements; }
 
-  const FunctionDefinition& complete() const {
-    BodyReader<Tag>::complete(*this);
-    return *this;
-  }
   // For the parser; empty until the function is complete.
-  NodeList<Node<Tag>> parsedArguments;
-  NodeList<Node<Tag>> parsedBody;
+  NodeList<Node<Tag>> arguments;
+  NodeList<Node<Tag>> statements;
   // Null for a complete function.
   SkippedBody<Tag> reader = nullptr;
 };

@@ -15,9 +15,11 @@ class BodyReader {
   // Safe to use from several threads.
   virtual void read(const FunctionDefinition<Tag>& function) const = 0;
 
-  static void complete(const FunctionDefinition<Tag>& function) {
+  // The function with its body.
+  static const FunctionDefinition<Tag>& complete(const FunctionDefinition<Tag>& function) {
     const auto* reader = function.reader.load(std::memory_order_acquire);
     if (reader != nullptr) reader->read(function);
+    return function;
   }
 
  protected:

@@ -112,7 +112,7 @@ function listenToSearch(app) {
   };
   input.addEventListener('input', () => {
     clearTimeout(timer);
-    timer = setTimeout(search, 120);
+    timer = setTimeout(search, 20);
   });
   form.addEventListener('submit', (event) => {
     event.preventDefault();
